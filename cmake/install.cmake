@@ -1,0 +1,30 @@
+# Headers, the CMake package orv_utils_v4 and the pkg-config modules. No absolute path is written, so the installed tree
+# may be moved.
+
+install(DIRECTORY include/orv-utils-v4 DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+
+set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/orv_utils_v4)
+install(EXPORT orv_utils_v4Targets NAMESPACE orv_utils_v4:: DESTINATION ${package_dir})
+configure_package_config_file(cmake/orv_utils_v4Config.cmake.in orv_utils_v4Config.cmake
+    INSTALL_DESTINATION ${package_dir})
+write_basic_package_version_file(orv_utils_v4ConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/orv_utils_v4Config.cmake ${PROJECT_BINARY_DIR}/orv_utils_v4ConfigVersion.cmake
+    DESTINATION ${package_dir})
+
+# orv_pkg_config(MODULE LIBRARY DESCRIPTION REQUIRES)
+function(orv_pkg_config module library description requires)
+    set(MODULE ${module})
+    set(LIBRARY ${library})
+    set(DESCRIPTION "${description}")
+    set(REQUIRES "${requires}")
+    set(module_dir ${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+    file(RELATIVE_PATH PREFIX_FROM_MODULE ${module_dir} ${CMAKE_INSTALL_PREFIX})
+    configure_file(cmake/module.pc.in ${module}.pc @ONLY)
+    install(FILES ${PROJECT_BINARY_DIR}/${module}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+endfunction()
+
+orv_pkg_config(orv-utils-v4-misc orv_utils_v4_misc "Assertions shared by the orv-utils-v4 libraries" "")
+orv_pkg_config(orv-utils-v4-h2645-common orv_utils_v4_h2645_common
+    "Bit reader and NAL reader base shared by H.264 and H.265" "")
+orv_pkg_config(orv-utils-v4-h264 orv_utils_v4_h264 "The syntax of H.264 video streams"
+    "orv-utils-v4-h2645-common orv-utils-v4-misc")

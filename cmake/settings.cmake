@@ -1,0 +1,29 @@
+# What holds for every target: options, language level, warnings, compiler cache.
+
+option(BUILD_SHARED_LIBS "Build the libraries shared; OFF builds static archives" ON)
+option(ORV_UTILS_V4_TOOLS "Build the command-line tool orv-h264" ${PROJECT_IS_TOP_LEVEL})
+option(ORV_UTILS_V4_TESTS "Build the tests and fuzz replay programs" ${PROJECT_IS_TOP_LEVEL})
+set(ORV_UTILS_V4_SANITIZE "" CACHE STRING "Value for -fsanitize=, empty for none")
+
+if(PROJECT_IS_TOP_LEVEL AND NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
+    set(CMAKE_BUILD_TYPE RelWithDebInfo CACHE STRING "Build type" FORCE)
+endif()
+
+find_program(CCACHE_PROGRAM ccache)
+if(CCACHE_PROGRAM AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+    set(CMAKE_CXX_COMPILER_LAUNCHER "${CCACHE_PROGRAM}")
+endif()
+
+# The public headers are C++17; the sources may use C++20.
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+set(ORV_WARNINGS -Wall -Wextra -Wpedantic -Wconversion -Wshadow)
+add_compile_options(${ORV_WARNINGS})
+
+if(ORV_UTILS_V4_SANITIZE)
+    add_compile_options(-fsanitize=${ORV_UTILS_V4_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    add_link_options(-fsanitize=${ORV_UTILS_V4_SANITIZE})
+endif()
