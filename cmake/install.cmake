@@ -1,5 +1,5 @@
 # Headers, the CMake package orv_utils_v4 and the pkg-config modules. No absolute path is written, so the installed tree
-# may be moved.
+# may be moved; only a CMAKE_INSTALL_LIBDIR or CMAKE_INSTALL_INCLUDEDIR that is absolute itself stays so.
 
 install(DIRECTORY include/orv-utils-v4 DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 
@@ -11,14 +11,24 @@ write_basic_package_version_file(orv_utils_v4ConfigVersion.cmake COMPATIBILITY S
 install(FILES ${PROJECT_BINARY_DIR}/orv_utils_v4Config.cmake ${PROJECT_BINARY_DIR}/orv_utils_v4ConfigVersion.cmake
     DESTINATION ${package_dir})
 
+# orv_module_path(VARIABLE DIRECTORY): an install folder as a pkg-config module states it.
+function(orv_module_path variable directory)
+    if(NOT IS_ABSOLUTE "${directory}")
+        string(PREPEND directory "\${prefix}/")
+    endif()
+    set(${variable} "${directory}" PARENT_SCOPE)
+endfunction()
+
 # orv_pkg_config(MODULE LIBRARY DESCRIPTION REQUIRES)
 function(orv_pkg_config module library description requires)
     set(MODULE ${module})
     set(LIBRARY ${library})
     set(DESCRIPTION "${description}")
     set(REQUIRES "${requires}")
-    set(module_dir ${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_LIBDIR}/pkgconfig)
-    file(RELATIVE_PATH PREFIX_FROM_MODULE ${module_dir} ${CMAKE_INSTALL_PREFIX})
+    orv_module_path(INCLUDEDIR "${CMAKE_INSTALL_INCLUDEDIR}")
+    orv_module_path(LIBDIR "${CMAKE_INSTALL_LIBDIR}")
+    set(module_dir ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig)
+    cmake_path(RELATIVE_PATH CMAKE_INSTALL_PREFIX BASE_DIRECTORY ${module_dir} OUTPUT_VARIABLE PREFIX_FROM_MODULE)
     configure_file(cmake/module.pc.in ${module}.pc @ONLY)
     install(FILES ${PROJECT_BINARY_DIR}/${module}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 endfunction()
