@@ -9,7 +9,7 @@ namespace orv_utils_v4 {
 
 void assertion_failed(const char* source, int line, const char* text) noexcept
 {
-    std::fprintf(stderr, "%s:%d: assertion failed: %s\n", source, line, text);
+    static_cast<void>(std::fprintf(stderr, "%s:%d: assertion failed: %s\n", source, line, text));
     std::abort();
 }
 

@@ -12,6 +12,7 @@ namespace brenik {
 template <typename T>
 T* advance_past(T* pointer, std::size_t count) noexcept
 {
+    // NOLINTNEXTLINE(performance-no-int-to-ptr): the result may lie outside every object
     return reinterpret_cast<T*>(reinterpret_cast<std::uintptr_t>(pointer) + count * sizeof(T));
 }
 

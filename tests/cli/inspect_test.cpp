@@ -1,0 +1,319 @@
+// orv-h264 inspect as a user runs it: the lines, the messages, the exit status.
+#include "support/run_tool.h"
+#include "support/stream_builder.h"
+#include "support/stream_files.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <regex>
+#include <sstream>
+
+namespace {
+
+using support::aud;
+using support::bytes;
+using support::forbidden;
+using support::idr_slice;
+using support::pps;
+using support::run_tool;
+using support::sps;
+using support::stream_builder;
+using support::temporary_file;
+using support::tool_result;
+
+const bytes small = {0x11, 0x22, 0x33};
+
+const bytes three_units = stream_builder()
+                              .zeros(1)
+                              .annexb_unit(aud, {0x50})
+                              .zeros(1)
+                              .annexb_unit(sps, {0x11, 0, 0, 3, 1})
+                              .annexb_unit(idr_slice, bytes(300, 0x55));
+
+const std::string aud_line = "offset          0  framing 4  length        2  rbsp        1  nal_ref_idc 0  type  9  "
+                             "Access unit delimiter, access_unit_delimiter_rbsp()\n";
+const std::string sps_line = "offset          6  framing 4  length        6  rbsp        4  nal_ref_idc 3  type  7  "
+                             "Sequence parameter set, seq_parameter_set_rbsp()\n";
+const std::string slice_line = "offset         16  framing 3  length      301  rbsp      300  nal_ref_idc 3  type  5  "
+                               "Coded slice of an IDR picture, slice_layer_without_partitioning_rbsp()\n";
+
+TEST(Inspect, NalsShowsALineForEachUnit)
+{
+    const temporary_file file(three_units);
+    const tool_result result = run_tool({"inspect", "--nals", file.path()});
+    EXPECT_EQ(result.out, aud_line + sps_line + slice_line);
+    EXPECT_EQ(result.err, "");
+    EXPECT_EQ(result.status, 0);
+}
+
+TEST(Inspect, WithoutNalsTheFieldsStandUnderTheUnit)
+{
+    const temporary_file file(three_units);
+    const tool_result result = run_tool({"inspect", file.path()});
+    EXPECT_EQ(result.out, aud_line + "    primary_pic_type 2\n" + sps_line + slice_line);
+    EXPECT_EQ(result.status, 0);
+}
+
+TEST(Inspect, ADelimiterWithoutTrailingBitsIsBroken)
+{
+    const temporary_file file(stream_builder().annexb_unit(aud, {0x40}));
+    const tool_result result = run_tool({"inspect", file.path()});
+    EXPECT_NE(result.out.find("    primary_pic_type 2\n"), std::string::npos);
+    EXPECT_EQ(result.err, "orv-h264: " + file.path() + ": offset 0: access unit delimiter without its trailing bits\n");
+    EXPECT_EQ(result.status, 1);
+}
+
+TEST(Inspect, DashIsTheStandardInput)
+{
+    const tool_result result = run_tool({"inspect", "--nals", "-"}, {.piped = three_units});
+    EXPECT_EQ(result.out, aud_line + sps_line + slice_line);
+    EXPECT_EQ(result.status, 0);
+}
+
+TEST(Inspect, LimitStopsAfterThatManyUnits)
+{
+    const temporary_file file(three_units);
+    EXPECT_EQ(run_tool({"inspect", "--nals", "--limit", "2", file.path()}).out, aud_line + sps_line);
+    EXPECT_EQ(run_tool({"inspect", "--nals", "--limit", "0", file.path()}).out, "");
+}
+
+TEST(Inspect, OnlyShowsTheTypesNamedAndLimitCountsThose)
+{
+    const temporary_file file(three_units);
+    EXPECT_EQ(run_tool({"inspect", "--nals", "--only", "5,7", file.path()}).out, sps_line + slice_line);
+    EXPECT_EQ(run_tool({"inspect", "--nals", "--only", "5-7", "--limit", "1", file.path()}).out, sps_line);
+}
+
+TEST(Inspect, FormatReadsLengthPrefixes)
+{
+    for (std::size_t k = 1; k <= 4; ++k) {
+        const temporary_file file(stream_builder().prefixed_unit(k, sps, small).prefixed_unit(k, pps, small));
+        const tool_result result =
+            run_tool({"inspect", "--nals", "--format", "length" + std::to_string(k), file.path()});
+        EXPECT_NE(result.out.find("framing " + std::to_string(k)), std::string::npos);
+        EXPECT_EQ(std::count(result.out.begin(), result.out.end(), '\n'), 2);
+        EXPECT_EQ(result.err, "");
+        EXPECT_EQ(result.status, 0);
+    }
+}
+
+/// The lines without what the framing changes: their offset and its size.
+std::string without_framing(const std::string& lines)
+{
+    static const std::regex framing("offset +[0-9]+  framing [0-9]");
+    return std::regex_replace(lines, framing, "");
+}
+
+TEST(Inspect, AStreamShowsTheSameUnitsBehindLengthPrefixes)
+{
+    const std::string name = ORV_TEST_STREAMS "/main_bpyramid_weighted";
+    const tool_result annexb = run_tool({"inspect", "--nals", name + ".264"});
+    const tool_result length4 = run_tool({"inspect", "--nals", "--format", "length4", name + ".length4"});
+    EXPECT_EQ(without_framing(length4.out), without_framing(annexb.out));
+    EXPECT_EQ(length4.err, "");
+    EXPECT_EQ(length4.status, 0);
+    EXPECT_EQ(run_tool({"inspect", "--nals", name + ".length4"}).status, 2);
+}
+
+TEST(Inspect, FormatAnnexBSkipsTheRecognition)
+{
+    const temporary_file file(stream_builder().junk(10));
+    const tool_result result = run_tool({"inspect", "--nals", "--format", "annexb", file.path()});
+    EXPECT_EQ(result.err, "orv-h264: " + file.path() + ": offset 0: bytes before the first start code (10 bytes)\n");
+    EXPECT_EQ(result.status, 1);
+}
+
+TEST(Inspect, WhatIsNotAnnexBNeedsAFormat)
+{
+    for (const bytes& stream : {bytes(stream_builder().prefixed_unit(4, sps, small)), bytes(), bytes(50, 0xEE)}) {
+        const temporary_file file(stream);
+        const tool_result result = run_tool({"inspect", "--nals", file.path()});
+        EXPECT_EQ(result.out, "");
+        EXPECT_EQ(result.err, "orv-h264: " + file.path() + ": not an Annex B stream; name the framing with --format\n");
+        EXPECT_EQ(result.status, 2);
+    }
+}
+
+TEST(Inspect, AContainerIsRecognisedButNotSupported)
+{
+    const temporary_file file(stream_builder().prefix(4, 24).raw({'f', 't', 'y', 'p'}).zeros(16));
+    const tool_result result = run_tool({"inspect", "--nals", file.path()});
+    EXPECT_EQ(result.err, "orv-h264: " + file.path() + ": this is MP4; take the H.264 stream out of it first\n");
+    EXPECT_EQ(result.status, 3);
+}
+
+TEST(Inspect, BytesOfNoUnitAreReportedAndReadingGoesOn)
+{
+    const temporary_file file(stream_builder().annexb_unit(forbidden, small).annexb_unit(sps, small));
+    const tool_result result = run_tool({"inspect", "--nals", file.path()});
+    EXPECT_EQ(std::count(result.out.begin(), result.out.end(), '\n'), 1);
+    EXPECT_EQ(result.err,
+              "orv-h264: " + file.path() + ": offset 0: unit whose header has the forbidden bit set (7 bytes)\n");
+    EXPECT_EQ(result.status, 1);
+}
+
+TEST(Inspect, AUnitBeyondTheEndIsShownAsFarAsItGoesAndReported)
+{
+    const tool_result result = run_tool({"inspect", "--nals", "--format", "length4", "-"},
+                                        {.piped = stream_builder().prefix(4, 100).unit(sps, small)});
+    EXPECT_NE(result.out.find("offset          0  framing 4  length        4  rbsp        3"), std::string::npos);
+    EXPECT_EQ(result.err, "orv-h264: standard input: offset 0: unit of 100 bytes runs past the end of the input\n");
+    EXPECT_EQ(result.status, 1);
+}
+
+TEST(Inspect, AUnitAboveMaxUnitIsReportedAndReadingGoesOn)
+{
+    const temporary_file file(three_units);
+    const tool_result result = run_tool({"inspect", "--nals", "--max-unit", "300", file.path()});
+    EXPECT_EQ(result.out, aud_line + sps_line);
+    EXPECT_EQ(result.err,
+              "orv-h264: " + file.path() + ": offset 16: unit of type 5 larger than the limit (304 bytes)\n");
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(run_tool({"inspect", "--nals", "--max-unit", "1K", file.path()}).status, 0);
+}
+
+TEST(Inspect, WrongUsageIsTwo)
+{
+    const std::vector<std::vector<std::string>> wrong = {{},
+                                                         {"inspect"},
+                                                         {"frobnicate"},
+                                                         {"inspect", "--only", "32", "-"},
+                                                         {"inspect", "--format", "length5", "-"},
+                                                         {"inspect", "--limit", "-1", "-"},
+                                                         {"inspect", "--max-unit", "x", "-"}};
+    for (const auto& arguments : wrong) {
+        const tool_result result = run_tool(arguments);
+        EXPECT_EQ(result.status, 2);
+        EXPECT_NE(result.err, "");
+        EXPECT_EQ(result.out, "");
+    }
+}
+
+TEST(Inspect, AFileThatCannotBeReadIsTwoAndSaysWhy)
+{
+    EXPECT_EQ(run_tool({"inspect", "/nonexistent"}).err, "orv-h264: /nonexistent: No such file or directory\n");
+    EXPECT_EQ(run_tool({"inspect", "/nonexistent"}).status, 2);
+    EXPECT_EQ(run_tool({"inspect", "/"}).err, "orv-h264: /: offset 0: Is a directory\n");
+    EXPECT_EQ(run_tool({"inspect", "/"}).status, 2);
+}
+
+TEST(Inspect, OutputThatCannotBeWrittenIsTwo)
+{
+    const temporary_file file(three_units);
+    const tool_result result = run_tool({"inspect", "--nals", file.path()}, {.out_path = "/dev/full"});
+    EXPECT_EQ(result.status, 2);
+    EXPECT_NE(result.err.find("No space left on device"), std::string::npos);
+}
+
+TEST(Inspect, HelpNamesEveryOptionAndTheExitStatus)
+{
+    const tool_result result = run_tool({"inspect", "--help"});
+    EXPECT_EQ(result.status, 0);
+    for (const char* word :
+         {"FILE", "--nals", "--limit", "--only", "--format", "--max-unit", "Examples:", "Exit status:"})
+        EXPECT_NE(result.out.find(word), std::string::npos) << word;
+}
+
+// The examples of the help text, as they stand but for the names of the files.
+TEST(Inspect, TheExamplesOfTheHelpTextWork)
+{
+    const temporary_file file(three_units);
+    std::istringstream help(run_tool({"inspect", "--help"}).out);
+    int examples = 0;
+    for (std::string line; std::getline(help, line);) {
+        const std::size_t command = line.find("orv-h264 inspect --");
+        if (command == std::string::npos)
+            continue;
+        std::istringstream words(line.substr(command));
+        std::vector<std::string> arguments;
+        for (std::string word; words >> word;)
+            arguments.push_back(word == "movie.264" ? file.path() : word);
+        arguments.erase(arguments.begin());
+        EXPECT_EQ(run_tool(arguments, {.piped = three_units}).status, 0) << line;
+        ++examples;
+    }
+    EXPECT_EQ(examples, 3);
+}
+
+TEST(Inspect, VersionIsPrinted)
+{
+    const tool_result result = run_tool({"--version"});
+    EXPECT_EQ(result.out, "orv-h264 " ORV_TEST_VERSION "\n");
+    EXPECT_EQ(result.status, 0);
+}
+
+#if !defined(ORV_TEST_SANITIZED)
+TEST(Inspect, LongInputIsReadInBoundedMemory)
+{
+    // 512 MiB through a pipe, with 64 MiB of address space: zero padding, units that just fit, and what is no unit.
+    constexpr std::size_t block = 1 << 20;
+    for (const int value : {0x00, 0x55}) {
+        const bytes start = stream_builder().annexb_unit(sps, small).fill(block - 7, static_cast<unsigned char>(value));
+        const tool_result result = run_tool({"inspect", "--nals", "--format", "annexb", "--max-unit", "1M", "-"},
+                                            {.piped = start, .repeat = 512, .max_memory = std::size_t{64} << 20});
+        EXPECT_EQ(result.status, 0) << result.err;
+        EXPECT_EQ(std::count(result.out.begin(), result.out.end(), '\n'), 512);
+    }
+    const tool_result result =
+        run_tool({"inspect", "--nals", "--format", "annexb", "--max-unit", "1M", "-"},
+                 {.piped = bytes(block, 0x55), .repeat = 512, .max_memory = std::size_t{64} << 20});
+    EXPECT_EQ(result.err, "orv-h264: standard input: offset 0: bytes before the first start code (536870912 bytes)\n");
+    EXPECT_EQ(result.status, 1);
+}
+#endif
+
+class InspectStream : public testing::TestWithParam<std::filesystem::path> {};
+
+INSTANTIATE_TEST_SUITE_P(Streams, InspectStream, testing::ValuesIn(support::all_annexb_files()),
+                         [](const auto& stream) { return support::test_name(stream.param); });
+
+TEST_P(InspectStream, FileAndPipeShowTheSame)
+{
+    const tool_result from_file = run_tool({"inspect", "--nals", GetParam().string()});
+    const tool_result from_pipe = run_tool({"inspect", "--nals", "-"}, {.piped = support::read_file(GetParam())});
+    EXPECT_EQ(from_file.out, from_pipe.out);
+    EXPECT_EQ(from_file.status, from_pipe.status);
+    EXPECT_EQ(from_file.status, support::is_broken(GetParam()) ? 1 : 0) << from_file.err;
+    EXPECT_NE(from_file.out, "");
+}
+
+/// The match of each line of `text`, all of which have the form of `pattern`.
+std::vector<std::smatch> matches(const std::string& text, const std::regex& pattern)
+{
+    std::vector<std::smatch> found;
+    auto line = text.begin();
+    while (line != text.end()) {
+        const auto line_end = std::find(line, text.end(), '\n');
+        std::smatch match;
+        EXPECT_TRUE(std::regex_match(line, line_end, match, pattern)) << std::string(line, line_end);
+        found.push_back(match);
+        line = std::next(line_end);
+    }
+    return found;
+}
+
+// What the lines say, put side by side, is the file: only zero bytes and reported gaps lie between.
+TEST_P(InspectStream, OffsetsAndLengthsTileTheFile)
+{
+    const bytes stream = support::read_file(GetParam());
+    const tool_result result = run_tool({"inspect", "--nals", GetParam().string()});
+    std::vector<bool> told(stream.size(), false);
+    const auto tell = [&](std::size_t offset, std::size_t size) {
+        ASSERT_LE(offset + size, stream.size());
+        for (std::size_t i = offset; i < offset + size; ++i) {
+            ASSERT_FALSE(told[i]) << "byte " << i << " is told of twice";
+            told[i] = true;
+        }
+    };
+    const std::regex unit("offset +([0-9]+)  framing ([0-9])  length +([0-9]+) .*");
+    for (const std::smatch& line : matches(result.out, unit))
+        tell(std::stoul(line[1]), std::stoul(line[2]) + std::stoul(line[3]));
+    const std::regex message(".*: offset ([0-9]+): .*\\(([0-9]+) bytes\\)");
+    for (const std::smatch& line : matches(result.err, message))
+        tell(std::stoul(line[1]), std::stoul(line[2]));
+    for (std::size_t i = 0; i < stream.size(); ++i)
+        ASSERT_TRUE(told[i] || stream[i] == 0) << "byte " << i << " is told of nowhere";
+}
+
+} // namespace

@@ -1,0 +1,43 @@
+// Runs orv-h264 as a user does, and keeps what it printed.
+#pragma once
+
+#include "support/stream_builder.h"
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace support {
+
+struct tool_result {
+    int status = -1; ///< the exit status; -1 when a signal ended the tool
+    std::string out;
+    std::string err;
+};
+
+struct tool_input {
+    std::optional<bytes> piped = std::nullopt; ///< what a pipe on the standard input gives; nothing is /dev/null
+    std::size_t repeat = 1;                    ///< how often the pipe gives it
+    std::optional<std::size_t> max_memory = std::nullopt; ///< bytes of address space
+    std::string out_path = {};                            ///< where the standard output goes instead of `out`
+};
+
+/// Runs orv-h264 with `arguments` and waits for its end.
+tool_result run_tool(const std::vector<std::string>& arguments, const tool_input& input = {});
+
+/// A file that goes when the object does.
+class temporary_file {
+public:
+    explicit temporary_file(const bytes& content);
+    temporary_file(const temporary_file&) = delete;
+    temporary_file& operator=(const temporary_file&) = delete;
+    ~temporary_file();
+
+    const std::string& path() const { return name; }
+
+private:
+    std::string name;
+};
+
+} // namespace support

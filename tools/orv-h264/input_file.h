@@ -1,0 +1,31 @@
+// A file, or the standard input, as bytes in order.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+namespace orv_h264 {
+
+/// An input opened for reading. Errors are thrown as std::system_error, with the name and the offset in the text.
+class input_file {
+public:
+    /// Opens the file at `path`; "-" is the standard input.
+    explicit input_file(const std::string& path);
+    ~input_file();
+    input_file(const input_file&) = delete;
+    input_file& operator=(const input_file&) = delete;
+
+    /// Reads up to `size` bytes, as many as are there, and waits for the first; 0 at the end.
+    std::size_t read(unsigned char* out, std::size_t size);
+
+    /// The name for messages.
+    const std::string& name() const noexcept { return shown_name; }
+
+private:
+    std::string shown_name;
+    int descriptor;
+    std::uint64_t offset = 0;
+};
+
+} // namespace orv_h264

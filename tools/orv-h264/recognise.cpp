@@ -1,0 +1,59 @@
+#include "recognise.h"
+
+#include <orv-utils-v4/h264.h>
+
+#include <algorithm>
+#include <string_view>
+
+namespace orv_h264 {
+
+namespace {
+
+// Units of this framing fill the window: to its very end, or where more is to come, two of them and the begin of a
+// third.
+bool is_length_prefixed(brenik::h2645_common_nalfmt nalfmt, input_window& window)
+{
+    brenik::h264_nal_reader reader(nalfmt);
+    int units = 0;
+    for (reader.scan(window.start(), window.fence()); !reader.incomplete; reader.scan(reader.next, window.fence())) {
+        if (reader.gave_up)
+            return false;
+        ++units;
+    }
+    const bool nothing_left = reader.next == window.fence();
+    return window.at_end() ? nothing_left : units >= 2;
+}
+
+} // namespace
+
+bool is_annexb(input_window& window)
+{
+    window.fill(recognise_size);
+    brenik::h264_nal_reader reader(brenik::nalfmt_annexb);
+    reader.scan(window.start(), window.fence());
+    if (!reader.found)
+        return false;
+    const auto framings = {brenik::nalfmt_length1, brenik::nalfmt_length2, brenik::nalfmt_length3,
+                           brenik::nalfmt_length4};
+    return std::none_of(framings.begin(), framings.end(),
+                        [&](brenik::h2645_common_nalfmt nalfmt) { return is_length_prefixed(nalfmt, window); });
+}
+
+const char* container_name(input_window& window)
+{
+    window.fill(recognise_size);
+    const std::string_view bytes(reinterpret_cast<const char*>(window.start()), window.size());
+    const auto starts_with = [&](std::size_t at, std::string_view mark) {
+        return at <= bytes.size() && bytes.substr(at).substr(0, mark.size()) == mark;
+    };
+    constexpr std::size_t ts_packet_size = 188;
+    if (starts_with(4, "ftyp"))
+        return "MP4";
+    if (starts_with(0, "\x1A\x45\xDF\xA3"))
+        return "Matroska";
+    if (starts_with(0, "G") && starts_with(ts_packet_size, "G") && starts_with(2 * ts_packet_size, "G"))
+        return "MPEG transport stream";
+    return nullptr;
+}
+
+} // namespace orv_h264
