@@ -19,9 +19,8 @@ TEST(Readme, TheExamplePrintsEachUnitAndRewritesTheFraming)
                        .zeros(4);
     testing::internal::CaptureStdout();
     const bytes out = annexb_to_length4(stream);
-    EXPECT_EQ(testing::internal::GetCapturedStdout(),
-              "      4  Sequence parameter set, seq_parameter_set_rbsp()\n"
-              "      1  Access unit delimiter, access_unit_delimiter_rbsp()\n");
+    EXPECT_EQ(testing::internal::GetCapturedStdout(), "      4  Sequence parameter set, seq_parameter_set_rbsp()\n"
+                                                      "      1  Access unit delimiter, access_unit_delimiter_rbsp()\n");
     EXPECT_EQ(out, bytes(stream_builder()
                              .prefixed_unit(4, support::sps, {0x42, 0, 0, 3, 1})
                              .prefixed_unit(4, support::aud, {0x10})));
