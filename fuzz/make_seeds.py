@@ -130,12 +130,47 @@ def aud_seeds():
     return seeds
 
 
+def feeder(nalfmt, stream, piece=3, max_unit=200):
+    return bytes([nalfmt - 1, piece - 1, max_unit - 1]) + stream
+
+
+def feeder_seeds():
+    sps, pps, aud = unit(SPS, 0x42, 0, 0, 3, 1), unit(PPS, 0xCE), unit(AUD, 0xF0)
+    forbidden, large = unit(FORBIDDEN, 1, 2), unit(IDR, *[0x55] * 60)
+    annexb = bytes(2) + START_CODE + sps + bytes(5) + START_CODE + pps + START_CODE + aud
+    seeds = {
+        "annexb_units": feeder(5, annexb),
+        "annexb_whole": feeder(5, annexb, piece=32),
+        "annexb_leading_junk": feeder(5, bytes([0, 0xEE, 0, 0]) + START_CODE + sps),
+        "annexb_forbidden_header": feeder(5, START_CODE + sps + bytes(1) + START_CODE + forbidden + START_CODE + pps),
+        "annexb_early_stop": feeder(5, START_CODE + unit(SPS, 7, 0, 0, 2, 5, 0) + START_CODE + pps),
+        "annexb_junk_in_padding": feeder(5, START_CODE + sps + bytes(6) + b"\x07\x00" + START_CODE + pps),
+        "annexb_start_code_at_the_end": feeder(5, START_CODE + sps + START_CODE),
+        "annexb_large_unit": feeder(5, START_CODE + pps + START_CODE + large + START_CODE + aud, max_unit=20),
+        "annexb_large_unit_last": feeder(5, START_CODE + large, max_unit=20),
+        "annexb_zeros": feeder(5, bytes(40)),
+        "empty": feeder(5, b""),
+    }
+    for k in range(1, 5):
+        stream = prefixed(k, sps) + prefixed(k, pps)
+        seeds[f"length{k}_units"] = feeder(k, stream)
+        seeds[f"length{k}_zero_lengths"] = feeder(k, stream + bytes(2 * k) + prefixed(k, aud))
+        seeds[f"length{k}_forbidden"] = feeder(k, stream + prefixed(k, forbidden) + prefixed(k, aud))
+        seeds[f"length{k}_early_stop"] = feeder(k, prefixed(k, unit(SPS, 7, 0, 0, 1, 5)) + prefixed(k, aud))
+        seeds[f"length{k}_zeros_inside"] = feeder(k, prefixed(k, unit(SPS, 7, 0, 0, 0, 0)) + prefixed(k, aud))
+        seeds[f"length{k}_large"] = feeder(k, stream + prefixed(k, large) + prefixed(k, aud), max_unit=20)
+        seeds[f"length{k}_cut_unit"] = feeder(k, stream + prefixed(k, aud, length=90))
+        seeds[f"length{k}_cut_prefix"] = feeder(k, stream + bytes([1] * k))
+    return seeds
+
+
 def main():
     all_seeds = {
         "bitreader": bitreader_seeds(),
         "nal_aud": aud_seeds(),
         "nal_reader": reader_seeds(),
         "nal_writer": writer_seeds(),
+        "piece_feeder": feeder_seeds(),
     }
     for target, seeds in all_seeds.items():
         folder = pathlib.Path(__file__).resolve().parent / "seeds" / target

@@ -79,8 +79,8 @@ public:
     /// the call before stopped. Never reads at or past `decode_fence`.
     ///
     /// The last two bytes of room are filled without examination: a block that comes back full is not to be trusted
-    /// there, and neither is going on from it. Give blocks of at least the unit's size, or rewind() and decode again
-    /// into a larger one.
+    /// there, and neither is going on from it: rewind() and decode again into a larger one. A block is large enough
+    /// for certain when it has three bytes more than the unit; it may lie over the unit itself, to decode in place.
     /// @return the bytes written; 0 when nothing is left
     std::size_t block_decode(unsigned char* out, std::size_t size);
 

@@ -44,7 +44,7 @@ public:
     ///
     /// A header whose `valid` is false goes out as the byte FF. Asserts "buffer <= write" and "write <= fence", but
     /// only with a buffer that is there and has room.
-    /// @param data the RBSP after the header byte, `length` bytes
+    /// @param data the RBSP after the header byte, `length` bytes outside of the buffer
     /// @param length its size; `data` may be null when it is 0
     /// @param nal the header
     /// @param zero_bytes Annex B: zero bytes written before the 00 00 01; 1 makes the four-byte start code
