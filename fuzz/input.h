@@ -43,7 +43,7 @@ public:
     bytes take(std::size_t most)
     {
         const std::size_t count = std::min(most, static_cast<std::size_t>(fence - at));
-        const bytes taken(at, at + count);
+        bytes taken(at, at + count);
         at += count;
         return taken;
     }
