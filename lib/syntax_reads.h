@@ -18,8 +18,12 @@ using field_of = std::conditional_t<
 template <unsigned char Bits>
 field_of<Bits> u(h2645_common_bitreader& br) noexcept
 {
-    static_assert(Bits >= 1 && Bits <= 25);
-    return static_cast<field_of<Bits>>(br.get<unsigned int>(Bits));
+    static_assert(Bits >= 1 && Bits <= 32);
+    constexpr unsigned char widest_get = 25;
+    if constexpr (Bits <= widest_get)
+        return static_cast<field_of<Bits>>(br.get<unsigned int>(Bits));
+    else
+        return br.get_wide(Bits);
 }
 
 } // namespace brenik
