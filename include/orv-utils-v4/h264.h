@@ -7,6 +7,7 @@
 #include <orv-utils-v4/h264/nal_aud.h>
 #include <orv-utils-v4/h264/nal_pps.h>
 #include <orv-utils-v4/h264/nal_reader.h>
+#include <orv-utils-v4/h264/nal_sei.h>
 #include <orv-utils-v4/h264/nal_sps.h>
 #include <orv-utils-v4/h264/nal_writer.h>
 #include <orv-utils-v4/h264/scaling_list.h>
@@ -16,3 +17,4 @@
 #include <orv-utils-v4/h2645_common/nal_reader.h>
 #include <orv-utils-v4/h2645_common/nal_writer.h>
 #include <orv-utils-v4/h2645_common/nalfmt.h>
+#include <orv-utils-v4/h2645_common/sei_vlu32.h>

@@ -1,0 +1,212 @@
+#include <orv-utils-v4/h264/nal_sei.h>
+
+#include "support/guarded_buffer.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <map>
+#include <string>
+#include <type_traits>
+#include <vector>
+
+namespace {
+
+using brenik::h264_nal_sei_payload_type;
+using brenik::h264_nal_sei_payload_type_to_str;
+using brenik::h264_nal_sei_reader;
+using bytes = std::vector<unsigned char>;
+
+bytes payload_of(const h264_nal_sei_reader& reader)
+{
+    return {reader.payload, reader.payload_fence};
+}
+
+TEST(SeiReader, ANewReaderHasNoMessage)
+{
+    h264_nal_sei_reader reader;
+    EXPECT_EQ(reader.ptr, nullptr);
+    EXPECT_EQ(reader.fence, nullptr);
+    EXPECT_EQ(reader.message, nullptr);
+    EXPECT_EQ(reader.payload, nullptr);
+    EXPECT_EQ(reader.payload_fence, nullptr);
+    EXPECT_EQ(reader.payloadType, 202U);
+    EXPECT_EQ(reader.payloadSize, 0U);
+    EXPECT_FALSE(reader.has_message);
+    EXPECT_FALSE(reader.truncated);
+    EXPECT_FALSE(reader.next_message());
+}
+
+TEST(SeiReader, AMessageIsTypeSizeAndPayloadAndTheTrailingBitsEndTheWalk)
+{
+    const support::guarded_buffer data(bytes{0x05, 0x02, 0xAA, 0xBB, 0x80});
+    h264_nal_sei_reader reader(data.begin(), data.end());
+    ASSERT_TRUE(reader.next_message());
+    EXPECT_TRUE(reader.has_message);
+    EXPECT_FALSE(reader.truncated);
+    EXPECT_EQ(reader.message, data.begin());
+    EXPECT_EQ(reader.payloadType, brenik::h264_nal_sei_payload_type_user_data_unregistered);
+    EXPECT_EQ(reader.payloadSize, 2U);
+    EXPECT_EQ(payload_of(reader), (bytes{0xAA, 0xBB}));
+    EXPECT_EQ(reader.ptr, data.end());
+    EXPECT_FALSE(reader.next_message());
+    EXPECT_FALSE(reader.has_message);
+}
+
+TEST(SeiReader, TypesAbove255AreSums)
+{
+    const support::guarded_buffer data(bytes{0xFF, 0x0A, 0x01, 0x00, 0x80});
+    h264_nal_sei_reader reader(data.begin(), data.end());
+    ASSERT_TRUE(reader.next_message());
+    EXPECT_EQ(reader.payloadType, 265U);
+    EXPECT_EQ(reader.payloadSize, 1U);
+    EXPECT_EQ(payload_of(reader), bytes{0x00});
+}
+
+TEST(SeiReader, ASizeBeyondTheEndTruncatesThePayload)
+{
+    const support::guarded_buffer data(bytes{0x05, 10, 1, 2, 3});
+    h264_nal_sei_reader reader(data.begin(), data.end());
+    ASSERT_TRUE(reader.next_message());
+    EXPECT_TRUE(reader.truncated);
+    EXPECT_EQ(reader.payloadSize, 10U);
+    EXPECT_EQ(payload_of(reader), (bytes{1, 2, 3}));
+    EXPECT_EQ(reader.payload_fence, reader.fence);
+    EXPECT_EQ(reader.ptr, reader.fence);
+    EXPECT_FALSE(reader.next_message());
+    EXPECT_FALSE(reader.truncated) << "every next_message() clears it";
+}
+
+TEST(SeiReader, MessagesFollowEachOther)
+{
+    const support::guarded_buffer data(bytes{0x01, 0x01, 0xAA, 0x06, 0x00, 0x00, 0x02, 0xBB, 0xCC, 0x80});
+    h264_nal_sei_reader reader(data.begin(), data.end());
+    ASSERT_TRUE(reader.next_message());
+    EXPECT_EQ(reader.payloadType, 1U);
+    EXPECT_EQ(payload_of(reader), bytes{0xAA});
+    ASSERT_TRUE(reader.next_message());
+    EXPECT_EQ(reader.payloadType, 6U);
+    EXPECT_EQ(payload_of(reader), bytes());
+    ASSERT_TRUE(reader.next_message());
+    EXPECT_EQ(reader.payloadType, 0U);
+    EXPECT_EQ(payload_of(reader), (bytes{0xBB, 0xCC}));
+    EXPECT_FALSE(reader.next_message());
+}
+
+TEST(SeiReader, FewerThanTwoBytesAreNoMessageAndChangeOnlyTheFlags)
+{
+    for (const std::size_t size : {0U, 1U}) {
+        const support::guarded_buffer data(bytes(size, 0x05));
+        h264_nal_sei_reader reader(data.begin(), data.end());
+        reader.has_message = reader.truncated = true;
+        EXPECT_FALSE(reader.next_message());
+        EXPECT_FALSE(reader.has_message);
+        EXPECT_FALSE(reader.truncated);
+        EXPECT_EQ(reader.ptr, data.begin());
+        EXPECT_EQ(reader.message, nullptr);
+        EXPECT_EQ(reader.payloadType, 202U);
+    }
+}
+
+TEST(SeiReader, ATypeThatReachesTheEndFailsAndKeepsTheTypeBefore)
+{
+    const support::guarded_buffer data(bytes{0x05, 0x00, 0xFF, 0xFF, 0xFF});
+    h264_nal_sei_reader reader(data.begin(), data.end());
+    ASSERT_TRUE(reader.next_message());
+    EXPECT_FALSE(reader.next_message());
+    EXPECT_FALSE(reader.has_message);
+    EXPECT_EQ(reader.payloadType, 5U);
+}
+
+TEST(SeiReader, ASizeThatReachesTheEndFailsBehindTheNewType)
+{
+    const support::guarded_buffer data(bytes{0x05, 0x00, 0x06, 0xFF});
+    h264_nal_sei_reader reader(data.begin(), data.end());
+    ASSERT_TRUE(reader.next_message());
+    EXPECT_FALSE(reader.next_message());
+    EXPECT_FALSE(reader.has_message);
+    EXPECT_EQ(reader.payloadType, 6U);
+    EXPECT_EQ(reader.payloadSize, 0U);
+}
+
+TEST(SeiReader, OnlyALoneStopByteIsSkipped)
+{
+    const support::guarded_buffer other(bytes{0x05, 0x00, 0x81});
+    h264_nal_sei_reader reader(other.begin(), other.end());
+    ASSERT_TRUE(reader.next_message());
+    EXPECT_EQ(reader.ptr, other.end() - 1);
+    EXPECT_FALSE(reader.next_message());
+
+    const support::guarded_buffer two(bytes{0x05, 0x00, 0x80, 0x00});
+    reader.set_ptr(two.begin(), two.end());
+    ASSERT_TRUE(reader.next_message());
+    ASSERT_TRUE(reader.next_message()) << "80 00 reads as a message of type 128";
+    EXPECT_EQ(reader.payloadType, 128U);
+}
+
+TEST(SeiReader, SetPtrStartsOverAndLeavesTruncatedAlone)
+{
+    const support::guarded_buffer data(bytes{0x05, 10, 1});
+    h264_nal_sei_reader reader(data.begin(), data.end());
+    ASSERT_TRUE(reader.next_message());
+    reader.set_ptr(data.begin(), data.end());
+    EXPECT_EQ(reader.ptr, data.begin());
+    EXPECT_EQ(reader.fence, data.end());
+    EXPECT_EQ(reader.message, nullptr);
+    EXPECT_EQ(reader.payload, nullptr);
+    EXPECT_EQ(reader.payload_fence, nullptr);
+    EXPECT_EQ(reader.payloadType, 202U);
+    EXPECT_EQ(reader.payloadSize, 0U);
+    EXPECT_FALSE(reader.has_message);
+    EXPECT_TRUE(reader.truncated);
+}
+
+TEST(SeiReader, MembersLieInTheirOrder)
+{
+    static_assert(std::is_trivially_copyable_v<h264_nal_sei_reader>);
+    if (sizeof(void*) != 8)
+        GTEST_SKIP() << "offsets are those of 64-bit pointers";
+    EXPECT_EQ(offsetof(h264_nal_sei_reader, ptr), 0U);
+    EXPECT_EQ(offsetof(h264_nal_sei_reader, fence), 8U);
+    EXPECT_EQ(offsetof(h264_nal_sei_reader, message), 16U);
+    EXPECT_EQ(offsetof(h264_nal_sei_reader, payload), 24U);
+    EXPECT_EQ(offsetof(h264_nal_sei_reader, payload_fence), 32U);
+    EXPECT_EQ(offsetof(h264_nal_sei_reader, payloadType), 40U);
+    EXPECT_EQ(offsetof(h264_nal_sei_reader, payloadSize), 44U);
+    EXPECT_EQ(offsetof(h264_nal_sei_reader, has_message), 48U);
+    EXPECT_EQ(offsetof(h264_nal_sei_reader, truncated), 49U);
+    EXPECT_EQ(sizeof(h264_nal_sei_reader), 56U);
+}
+
+TEST(SeiPayloadTypeName, NumbersWithoutANameAreTheEmptyString)
+{
+    for (const unsigned int number : {55U, 57U, 136U, 138U, 199U, 202U, 255U, 1000U, 0xFFFFFFFFU})
+        EXPECT_STREQ(h264_nal_sei_payload_type_to_str(static_cast<h264_nal_sei_payload_type>(number)), "") << number;
+}
+
+TEST(SeiPayloadTypeName, SeventyNumbersHaveANameOfTheirOwn)
+{
+    std::map<std::string, unsigned int> names;
+    for (unsigned int number = 0; number < 1000; ++number) {
+        const std::string name = h264_nal_sei_payload_type_to_str(static_cast<h264_nal_sei_payload_type>(number));
+        if (!name.empty()) {
+            EXPECT_TRUE(names.emplace(name, number).second) << name;
+        }
+    }
+    EXPECT_EQ(names.size(), 70U);
+    EXPECT_EQ(names["buffering_period"], 0U);
+    EXPECT_EQ(names["user_data_unregistered"], 5U);
+    EXPECT_EQ(names["film_grain_characteristics"], 19U);
+    EXPECT_EQ(names["mvc_scalable_nesting"], 37U);
+    EXPECT_EQ(names["frame_packing_arrangement"], 45U);
+    EXPECT_EQ(names["constrained_depth_parameter_set_identifier"], 54U);
+    EXPECT_EQ(names["green_metadata"], 56U);
+    EXPECT_EQ(names["mastering_display_colour_volume"], 137U);
+    EXPECT_EQ(names["colour_remapping_info"], 142U);
+    EXPECT_EQ(names["alternative_transfer_characteristics"], 147U);
+    EXPECT_EQ(names["omni_viewport"], 156U);
+    EXPECT_EQ(names["alternative_depth_info"], 181U);
+    EXPECT_EQ(names["sei_prefix_indication"], 201U);
+}
+
+} // namespace
