@@ -49,10 +49,31 @@ TEST(Inspect, NalsShowsALineForEachUnit)
 
 TEST(Inspect, WithoutNalsTheFieldsStandUnderTheUnit)
 {
+    const temporary_file file(stream_builder().zeros(1).annexb_unit(aud, {0x50}).annexb_unit(idr_slice, small));
+    const tool_result result = run_tool({"inspect", file.path()});
+    EXPECT_EQ(result.out.rfind(aud_line + "    primary_pic_type 2\noffset ", 0), 0U) << result.out;
+    EXPECT_EQ(result.err, "");
+    EXPECT_EQ(result.status, 0);
+}
+
+TEST(Inspect, AUnitThatDoesNotParseIsReportedAndShownAsFarAsItGoes)
+{
     const temporary_file file(three_units);
     const tool_result result = run_tool({"inspect", file.path()});
-    EXPECT_EQ(result.out, aud_line + "    primary_pic_type 2\n" + sps_line + slice_line);
-    EXPECT_EQ(result.status, 0);
+    EXPECT_NE(result.out.find(sps_line + "    profile_idc 17\n    constraint_set0_flag 0\n"), std::string::npos);
+    EXPECT_NE(result.out.find("    level_idc 0 (0)\n" + slice_line), std::string::npos) << "reading goes on";
+    EXPECT_EQ(result.err, "orv-h264: " + file.path() +
+                              ": offset 6: malformed Exp-Golomb code at bit 39, truncated: it reads past the end\n");
+    EXPECT_EQ(result.status, 1);
+}
+
+TEST(Inspect, AProblemOfAUnitThatIsNotShownIsReportedAllTheSame)
+{
+    const temporary_file file(three_units);
+    const tool_result result = run_tool({"inspect", "--only", "9", file.path()});
+    EXPECT_EQ(result.out, aud_line + "    primary_pic_type 2\n");
+    EXPECT_NE(result.err, "");
+    EXPECT_EQ(result.status, 1);
 }
 
 TEST(Inspect, ADelimiterWithoutTrailingBitsIsBroken)
@@ -60,7 +81,7 @@ TEST(Inspect, ADelimiterWithoutTrailingBitsIsBroken)
     const temporary_file file(stream_builder().annexb_unit(aud, {0x40}));
     const tool_result result = run_tool({"inspect", file.path()});
     EXPECT_NE(result.out.find("    primary_pic_type 2\n"), std::string::npos);
-    EXPECT_EQ(result.err, "orv-h264: " + file.path() + ": offset 0: access unit delimiter without its trailing bits\n");
+    EXPECT_EQ(result.err, "orv-h264: " + file.path() + ": offset 0: malformed trailing bits\n");
     EXPECT_EQ(result.status, 1);
 }
 
@@ -218,22 +239,22 @@ TEST(Inspect, HelpNamesEveryOptionAndTheExitStatus)
 // The examples of the help text, as they stand but for the names of the files.
 TEST(Inspect, TheExamplesOfTheHelpTextWork)
 {
-    const temporary_file file(three_units);
+    const std::string movie = ORV_TEST_STREAMS "/pulldown32.264";
     std::istringstream help(run_tool({"inspect", "--help"}).out);
     int examples = 0;
     for (std::string line; std::getline(help, line);) {
-        const std::size_t command = line.find("orv-h264 inspect --");
-        if (command == std::string::npos)
+        const std::size_t command = line.find("orv-h264 inspect ");
+        if (command == std::string::npos || line.rfind("  ", 0) != 0)
             continue;
         std::istringstream words(line.substr(command));
         std::vector<std::string> arguments;
         for (std::string word; words >> word;)
-            arguments.push_back(word == "movie.264" ? file.path() : word);
+            arguments.push_back(word == "movie.264" ? movie : word);
         arguments.erase(arguments.begin());
-        EXPECT_EQ(run_tool(arguments, {.piped = three_units}).status, 0) << line;
+        EXPECT_EQ(run_tool(arguments, {.piped = support::read_file(movie)}).status, 0) << line;
         ++examples;
     }
-    EXPECT_EQ(examples, 3);
+    EXPECT_EQ(examples, 4);
 }
 
 TEST(Inspect, VersionIsPrinted)

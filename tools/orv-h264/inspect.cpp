@@ -2,6 +2,8 @@
 
 #include "input_file.h"
 #include "recognise.h"
+#include "show_syntax.h"
+#include "stream_walker.h"
 
 #include <cstdio>
 #include <utility>
@@ -40,31 +42,28 @@ private:
         const brenik::h264_nal nal = feeder.reader().nal;
         if (u.cut)
             complain(u.offset, fmt::format("unit of {} bytes runs past the end of the input", u.stated_length));
+        const rbsp_bytes rbsp = decode_rbsp(u);
+        walked_unit walked;
+        if (!options.nals) {
+            walked = walker.walk(nal, rbsp);
+            if (const std::string problem = problem_of(walked); !problem.empty())
+                complain(u.offset, problem);
+        }
         if (!options.only.test(nal.nal_unit_type))
             return;
         ++lines;
-        decode_rbsp(u);
         fmt::print("offset {:>10}  framing {}  length {:>8}  rbsp {:>8}  nal_ref_idc {}  type {:>2}  {}\n", u.offset,
-                   u.framing_size, u.length, rbsp_size, nal.nal_ref_idc, static_cast<unsigned int>(nal.nal_unit_type),
+                   u.framing_size, u.length, rbsp.size(), nal.nal_ref_idc, static_cast<unsigned int>(nal.nal_unit_type),
                    brenik::h264_nal_unit_type_to_str(nal.nal_unit_type));
-        if (!options.nals && nal.nal_unit_type == brenik::h264_nal_unit_type_aud)
-            show_aud(u);
+        if (!options.nals)
+            fmt::print("{}", show_fields(walked));
     }
 
-    void decode_rbsp(const unit& u)
+    rbsp_bytes decode_rbsp(const unit& u)
     {
-        if (rbsp.size() < u.length)
-            rbsp.resize(u.length);
-        rbsp_size = feeder.reader().block_decode(rbsp.data(), rbsp.size());
-    }
-
-    void show_aud(const unit& u)
-    {
-        brenik::h2645_common_bitreader br(rbsp.data(), rbsp.data() + rbsp_size);
-        brenik::h264_nal_aud aud;
-        if (!aud.parse(br))
-            complain(u.offset, "access unit delimiter without its trailing bits");
-        fmt::print("    primary_pic_type {}\n", aud.primary_pic_type);
+        if (block.size() < u.length)
+            block.resize(u.length);
+        return {block.data(), feeder.reader().block_decode(block.data(), block.size())};
     }
 
     void complain(std::uint64_t offset, const std::string& what)
@@ -76,8 +75,8 @@ private:
     const inspect_options& options;
     const std::string& input_name;
     piece_feeder& feeder;
-    std::vector<unsigned char> rbsp;
-    std::size_t rbsp_size = 0;
+    stream_walker walker;
+    std::vector<unsigned char> block;
     std::uint64_t lines = 0;
     exit_status status = exit_clean;
 };

@@ -20,11 +20,14 @@ using orv_h264::exit_status;
 
 const char* const inspect_footer =
     "Each line tells of one NAL unit: the byte offset of its framing, the size of the framing, its length from\n"
-    "the header byte to where decoding stops, the size of its RBSP, nal_ref_idc, type and name. What belongs to no\n"
-    "unit and is not zero padding is reported on the standard error stream with its byte offset.\n"
+    "the header byte to where decoding stops, the size of its RBSP, nal_ref_idc, type and name. Without --nals, the\n"
+    "fields of delimiters and parameter sets stand indented below their unit, under their H.264 names, what they\n"
+    "mean in brackets, and what follows from them behind =. What does not parse, and what belongs to no unit and is\n"
+    "not zero padding, is reported on the standard error stream with its byte offset; reading goes on.\n"
     "\n"
     "Examples:\n"
-    "  orv-h264 inspect --nals movie.264\n"
+    "  orv-h264 inspect movie.264\n"
+    "  orv-h264 inspect --only 7,8 movie.264\n"
     "  orv-h264 inspect --nals --only 6-9 --limit 20 movie.264\n"
     "  camera | orv-h264 inspect --nals --format annexb -\n"
     "\n"

@@ -1,0 +1,195 @@
+#include "show_syntax.h"
+
+#include "support/bit_writer.h"
+#include "support/stream_builder.h"
+
+#include <gtest/gtest.h>
+
+#include <sstream>
+
+namespace {
+
+using support::bit_writer;
+using support::bytes;
+
+/// The fields of a unit that is walked by itself.
+std::string fields_of(unsigned char header, bytes rbsp)
+{
+    orv_h264::stream_walker walker;
+    brenik::h264_nal nal;
+    nal.decode_header(header);
+    return orv_h264::show_fields(walker.walk(nal, rbsp));
+}
+
+std::vector<std::string> lines_of(const std::string& text)
+{
+    std::istringstream stream(text);
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(stream, line);)
+        lines.push_back(line);
+    return lines;
+}
+
+/// An SPS of the Main profile: 1920x1080 in field pairs, cropped, 25 frames a second.
+bit_writer main_sps()
+{
+    bit_writer w;
+    w.u(8, 77).u(8, 0x40).u(8, 40).ue(0);
+    w.ue(0).ue(0).ue(2).ue(4).flag(false).ue(119).ue(33).flag(false).flag(true).flag(true);
+    w.flag(true).ue(0).ue(0).ue(0).ue(2);
+    w.flag(true).flag(true).u(8, 1).flag(false).flag(true).u(3, 5).flag(false).flag(true).u(24, 0x010101).flag(false);
+    return w.flag(true).u(32, 1).u(32, 50).flag(true).flag(false).flag(false).flag(true).flag(false);
+}
+
+const std::string main_sps_lines = R"(    profile_idc 77 (Main)
+    constraint_set0_flag 0
+    constraint_set1_flag 1
+    constraint_set2_flag 0
+    constraint_set3_flag 0
+    constraint_set4_flag 0
+    constraint_set5_flag 0
+    reserved_zero_2bits 0
+    level_idc 40 (4)
+    seq_parameter_set_id 0
+    log2_max_frame_num_minus4 0
+    pic_order_cnt_type 0
+    log2_max_pic_order_cnt_lsb_minus4 2
+    max_num_ref_frames 4
+    gaps_in_frame_num_value_allowed_flag 0
+    pic_width_in_mbs_minus1 119
+    pic_height_in_map_units_minus1 33
+    frame_mbs_only_flag 0
+    mb_adaptive_frame_field_flag 1
+    direct_8x8_inference_flag 1
+    frame_cropping_flag 1
+    frame_crop_left_offset 0
+    frame_crop_right_offset 0
+    frame_crop_top_offset 0
+    frame_crop_bottom_offset 2
+    vui_parameters_present_flag 1
+        aspect_ratio_info_present_flag 1
+        aspect_ratio_idc 1 (1:1)
+        overscan_info_present_flag 0
+        video_signal_type_present_flag 1
+        video_format 5 (Unspecified)
+        video_full_range_flag 0
+        colour_description_present_flag 1
+        colour_primaries 1 (BT.709)
+        transfer_characteristics 1 (BT.709)
+        matrix_coefficients 1 (BT.709)
+        chroma_loc_info_present_flag 0
+        timing_info_present_flag 1
+        num_units_in_tick 1
+        time_scale 50
+        fixed_frame_rate_flag 1
+        nal_hrd_parameters_present_flag 0
+        vcl_hrd_parameters_present_flag 0
+        pic_struct_present_flag 1
+        bitstream_restriction_flag 0
+    = cropped size 1920x1080
+    = field rate 50 Hz
+)";
+
+TEST(ShowSyntax, AnSpsShowsItsFieldsInTheOrderOfTheSyntaxAndWhatFollowsFromThem)
+{
+    EXPECT_EQ(fields_of(support::sps, main_sps().trailing_bits().bytes()), main_sps_lines);
+}
+
+TEST(ShowSyntax, WithoutTrailingBitsAllFieldsAreShown)
+{
+    EXPECT_EQ(fields_of(support::sps, main_sps().u(8, 0).u(8, 0xFF).bytes()), main_sps_lines);
+}
+
+// However a unit is cut, what is shown is what it carried: the first lines of the whole, never a field of zeros.
+TEST(ShowSyntax, ACutUnitShowsTheFieldsBeforeTheCutAndNoOthers)
+{
+    const bytes whole = main_sps().trailing_bits().bytes();
+    std::size_t most_lines = 0;
+    for (std::size_t size = 0; size < whole.size(); ++size) {
+        const std::string shown =
+            fields_of(support::sps, bytes(whole.begin(), whole.begin() + static_cast<long>(size)));
+        EXPECT_EQ(main_sps_lines.compare(0, shown.size(), shown), 0) << size << " bytes:\n" << shown;
+        EXPECT_GE(lines_of(shown).size(), most_lines) << size << " bytes";
+        most_lines = lines_of(shown).size();
+    }
+    EXPECT_GT(most_lines, 35U);
+    EXPECT_EQ(fields_of(support::sps, {}), "");
+    EXPECT_EQ(fields_of(support::sps, {77}), "    profile_idc 77 (Main)\n");
+}
+
+TEST(ShowSyntax, ARefusedCountIsTheLastFieldShown)
+{
+    bit_writer w;
+    w.u(8, 66).u(8, 0).u(8, 11).ue(0).ue(0).ue(1).flag(false).se(-3).se(2).ue(129).u(64, 0xFFFFFFFFFFFFFFFF);
+    EXPECT_EQ(lines_of(fields_of(support::sps, w.bytes())).back(), "    num_ref_frames_in_pic_order_cnt_cycle 129");
+}
+
+TEST(ShowSyntax, APpsWithoutItsSpsShowsTheTwoIds)
+{
+    bit_writer w;
+    w.ue(5).ue(9).u(40, 0xFFFFFFFFFF);
+    EXPECT_EQ(fields_of(support::pps, w.bytes()), "    pic_parameter_set_id 5\n    seq_parameter_set_id 9\n");
+}
+
+TEST(ShowSyntax, HrdAndPictureOrderCountCycle)
+{
+    bit_writer w;
+    w.u(8, 66).u(8, 0x10).u(8, 11).ue(0).ue(0).ue(1).flag(false).se(-3).se(2).ue(2).se(7).se(-8).ue(1).flag(true);
+    w.ue(0).ue(0).flag(true).flag(true).flag(false).flag(true).u(5, 0).flag(true);
+    w.ue(1).u(4, 2).u(4, 3).ue(999).ue(499).flag(true).ue(1999).ue(999).flag(false).u(5, 23).u(5, 22).u(5, 21).u(5, 24);
+    w.flag(false).flag(true).flag(false).flag(false).trailing_bits();
+    const std::string shown = fields_of(support::sps, w.bytes());
+    EXPECT_NE(shown.find("    offset_for_non_ref_pic -3\n    offset_for_top_to_bottom_field 2\n"
+                         "    num_ref_frames_in_pic_order_cnt_cycle 2\n"
+                         "    offset_for_ref_frame[0] 7\n    offset_for_ref_frame[1] -8\n"),
+              std::string::npos);
+    EXPECT_NE(shown.find("    level_idc 11 (1b)\n"), std::string::npos);
+    EXPECT_NE(shown.find("        nal_hrd_parameters_present_flag 1\n"
+                         "            cpb_cnt_minus1 1\n"
+                         "            bit_rate_scale 2\n"
+                         "            cpb_size_scale 3\n"
+                         "            bit_rate_value_minus1[0] 999 (256000 bit/s)\n"
+                         "            cpb_size_value_minus1[0] 499 (64000 bits)\n"
+                         "            cbr_flag[0] 1\n"
+                         "            bit_rate_value_minus1[1] 1999 (512000 bit/s)\n"
+                         "            cpb_size_value_minus1[1] 999 (128000 bits)\n"
+                         "            cbr_flag[1] 0\n"
+                         "            initial_cpb_removal_delay_length_minus1 23\n"
+                         "            cpb_removal_delay_length_minus1 22\n"
+                         "            dpb_output_delay_length_minus1 21\n"
+                         "            time_offset_length 24\n"
+                         "        vcl_hrd_parameters_present_flag 0\n"
+                         "        low_delay_hrd_flag 1\n"),
+              std::string::npos)
+        << shown;
+    EXPECT_EQ(shown.find("field rate"), std::string::npos) << "no timing was carried";
+}
+
+TEST(ShowSyntax, ScalingListsAndCropsOfNothing)
+{
+    bit_writer w;
+    w.u(8, 100).u(8, 0).u(8, 10).ue(0).ue(1).ue(0).ue(0).flag(false).flag(true);
+    w.flag(true).se(-8);              // the default list
+    w.flag(true).se(2).se(0).se(-10); // 10 10, and nothing more
+    w.u(6, 0);                        // six lists absent
+    w.ue(0).ue(2).ue(1).flag(false).ue(0).ue(0).flag(true).flag(true).flag(true).ue(4).ue(4).ue(0).ue(0).flag(false);
+    const std::string shown = fields_of(support::sps, w.trailing_bits().bytes());
+    EXPECT_NE(shown.find("    seq_scaling_matrix_present_flag 1\n"
+                         "        seq_scaling_list_present_flag[0] 1\n"
+                         "            scaling_list default\n"
+                         "        seq_scaling_list_present_flag[1] 1\n"
+                         "            scaling_list 10 10 10 10 10 10 10 10 10 10 10 10 10 10 10 10\n"
+                         "        seq_scaling_list_present_flag[2] 0\n"),
+              std::string::npos)
+        << shown;
+    EXPECT_NE(shown.find("        seq_scaling_list_present_flag[7] 0\n    log2_max_frame_num_minus4 0\n"),
+              std::string::npos);
+    EXPECT_NE(shown.find("    = coded size 16x16, cropped to nothing\n"), std::string::npos);
+}
+
+TEST(ShowSyntax, UnitsWithoutReadSyntaxShowNothing)
+{
+    EXPECT_EQ(fields_of(support::idr_slice, bytes(20, 0x55)), "");
+}
+
+} // namespace

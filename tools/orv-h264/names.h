@@ -1,0 +1,32 @@
+// What the numbers of H.264 mean, in words for a person. "" where a number has no meaning.
+#pragma once
+
+#include <orv-utils-v4/h264.h>
+
+#include <cstdint>
+#include <string>
+
+namespace orv_h264 {
+
+/// The profile, H.264 Annex A, with what the constraint flags make of it.
+std::string profile_name(const brenik::h264_nal_sps& sps);
+
+/// The level, H.264 A.3: "4", "3.1", "1b".
+std::string level_name(const brenik::h264_nal_sps& sps);
+
+/// H.264 Table 6-1.
+std::string chroma_format_name(std::uint32_t chroma_format_idc);
+
+/// The ratio that aspect_ratio_idc stands for, H.264 Table E-1.
+std::string sample_aspect_ratio_name(const brenik::h264_vui_parameters& vui);
+
+/// H.264 Table E-3.
+std::string colour_primaries_name(std::uint8_t colour_primaries);
+
+/// H.264 Table E-4.
+std::string transfer_characteristics_name(std::uint8_t transfer_characteristics);
+
+/// H.264 Table E-5.
+std::string matrix_coefficients_name(std::uint8_t matrix_coefficients);
+
+} // namespace orv_h264
