@@ -5,6 +5,7 @@
 
 namespace brenik {
 
+// NOLINTNEXTLINE(readability-non-const-parameter): the exported signature
 std::uint32_t h2645_common_read_xostylesei_vlu32(unsigned char*& p, unsigned char* fence)
 {
     constexpr std::uint32_t failed = 0xFFFFFFFF;

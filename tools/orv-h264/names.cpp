@@ -45,7 +45,7 @@ constexpr numbered_name profiles[] = {
 
 std::string profile_name(const brenik::h264_nal_sps& sps)
 {
-    const std::string name = find_name(profiles, sps.profile_idc);
+    std::string name = find_name(profiles, sps.profile_idc);
     switch (sps.profile_idc) {
     case 66:
         return sps.constraint_set1_flag ? "Constrained Baseline" : name;

@@ -143,7 +143,9 @@ class ORV_UTILS_V4_EXPORT h2645_common_malformed_code : public std::runtime_erro
 public:
     /// @param bit_position where the code begins, in bits from the start of the reader's data
     explicit h2645_common_malformed_code(std::size_t bit_position);
+    /// A copy, as exceptions are copied.
     h2645_common_malformed_code(const h2645_common_malformed_code&) noexcept = default;
+    /// A copy, as exceptions are copied.
     h2645_common_malformed_code& operator=(const h2645_common_malformed_code&) noexcept = default;
     ~h2645_common_malformed_code() override;
 
