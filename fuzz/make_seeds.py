@@ -164,6 +164,22 @@ def feeder_seeds():
     return seeds
 
 
+def sei_seeds():
+    trailing = b"\x80"
+    return {
+        "empty": b"",
+        "one_byte": b"\x05",
+        "one_message": b"\x05\x02\xaa\xbb" + trailing,
+        "type_above_255": b"\xff\x0a\x01\x00" + trailing,
+        "two_messages": b"\x01\x01\xaa\x06\x00" + trailing,
+        "truncated": b"\x05\x0a\x01\x02\x03",
+        "type_without_end": b"\x05\x00\xff\xff",
+        "size_without_end": b"\x05\xff\xff",
+        "other_last_byte": b"\x05\x00\x81",
+        "stop_bit_before_zeros": b"\x05\x00\x80\x00\x00",
+    }
+
+
 def main():
     all_seeds = {
         "bitreader": bitreader_seeds(),
@@ -171,6 +187,7 @@ def main():
         "nal_reader": reader_seeds(),
         "nal_writer": writer_seeds(),
         "piece_feeder": feeder_seeds(),
+        "sei_reader": sei_seeds(),
     }
     for target, seeds in all_seeds.items():
         folder = pathlib.Path(__file__).resolve().parent / "seeds" / target
