@@ -1,6 +1,7 @@
 #include "stream_walker.h"
 
 #include <iterator>
+#include <string_view>
 #include <utility>
 
 #include <fmt/format.h>
@@ -34,7 +35,7 @@ void store_bounded(brenik::h2645_common_base_store<T>& store, std::uint32_t id, 
         store.erase(std::prev(store.end())->first);
 }
 
-std::string count_above_cap(const char* name, std::uint64_t count)
+std::string count_above_cap(std::string_view name, std::uint64_t count)
 {
     return fmt::format("{} asks for {} entries, more than {}", name, count, most_entries);
 }
@@ -43,8 +44,7 @@ std::string hrd_problem(const char* name, bool present, const brenik::h264_hrd_p
 {
     if (!present || hrd.valid)
         return "";
-    return count_above_cap(fmt::format("cpb_cnt_minus1 of the {}", name).c_str(),
-                           std::uint64_t{hrd.cpb_cnt_minus1} + 1);
+    return count_above_cap(fmt::format("cpb_cnt_minus1 of the {}", name), std::uint64_t{hrd.cpb_cnt_minus1} + 1);
 }
 
 std::string count_problem(const brenik::h264_nal_sps& sps)
@@ -76,6 +76,11 @@ std::string count_problem(const brenik::h264_nal_aud&)
     return "";
 }
 
+std::string count_problem(std::monostate)
+{
+    return "";
+}
+
 } // namespace
 
 std::string problem_of(const walked_unit& unit)
@@ -93,14 +98,7 @@ std::string problem_of(const walked_unit& unit)
     if (const auto* pps = std::get_if<brenik::h264_nal_pps>(&unit.syntax); pps != nullptr && !unit.sps_stored)
         return fmt::format("picture parameter set {} names sequence parameter set {}, which is missing",
                            pps->pic_parameter_set_id, pps->seq_parameter_set_id);
-    const std::string count = std::visit(
-        [](const auto& syntax) {
-            if constexpr (std::is_same_v<std::decay_t<decltype(syntax)>, std::monostate>)
-                return std::string();
-            else
-                return count_problem(syntax);
-        },
-        unit.syntax);
+    const std::string count = std::visit([](const auto& syntax) { return count_problem(syntax); }, unit.syntax);
     return count.empty() ? "malformed trailing bits" : count;
 }
 
