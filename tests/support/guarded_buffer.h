@@ -37,10 +37,10 @@ public:
         std::fill(usable, usable_fence, pattern);
     }
 
-    explicit guarded_buffer(const std::vector<unsigned char>& bytes, touching side = touching::end)
-        : guarded_buffer(bytes.size(), side)
+    explicit guarded_buffer(const std::vector<unsigned char>& content, touching side = touching::end)
+        : guarded_buffer(content.size(), side)
     {
-        std::copy(bytes.begin(), bytes.end(), first);
+        std::copy(content.begin(), content.end(), first);
     }
 
     guarded_buffer(const guarded_buffer&) = delete;

@@ -1,0 +1,166 @@
+// A real parse of a parameter set beside the literal one, from the same fields over the same bits: the result, every
+// field, the reader's position and the exception are compared.
+#pragma once
+
+#include "support/literal_parameter_sets.h"
+#include "support/parameter_set_fields.h"
+
+#include <cstddef>
+#include <string>
+
+namespace support {
+
+/// How a parse ended.
+struct parse_end {
+    bool threw = false;
+    std::size_t code_start = 0; ///< where the malformed code begins
+    bool result = false;
+    std::size_t position = 0; ///< bits consumed
+
+    bool operator==(const parse_end&) const = default;
+};
+
+inline std::string to_text(const parse_end& end)
+{
+    const std::string how = end.threw    ? "throws for bit " + std::to_string(end.code_start)
+                            : end.result ? "gives true"
+                                         : "gives false";
+    return how + " at bit " + std::to_string(end.position);
+}
+
+/// Some bytes, the bit in them where a structure begins.
+struct bit_range {
+    const unsigned char* start;
+    const unsigned char* fence;
+    unsigned char first_bit = 0;
+};
+
+template <typename Structure, typename Parse>
+parse_end real_parse(Structure& object, const bit_range& bits, Parse parse)
+{
+    brenik::h2645_common_bitreader br(bits.start, bits.fence);
+    br.get_wide(bits.first_bit);
+    parse_end end;
+    try {
+        end.result = parse(object, br);
+    } catch (const brenik::h2645_common_malformed_code& malformed) {
+        end.threw = true;
+        end.code_start = malformed.bit_position();
+    }
+    end.position = br.bits_consumed();
+    return end;
+}
+
+template <typename Parse>
+parse_end literal_parse(named_values& fields, const bit_range& bits, Parse parse)
+{
+    literal::bit_reader reader{{bits.start, bits.fence}};
+    reader.get(bits.first_bit);
+    parse_end end;
+    try {
+        end.result = parse(literal::structure{fields, reader});
+    } catch (const literal::malformed_code& malformed) {
+        end.threw = true;
+        end.code_start = malformed.bit_position;
+    }
+    end.position = reader.position;
+    return end;
+}
+
+/// A parse of both kinds, of one structure.
+struct compared {
+    parse_end end;       ///< of the real parse
+    named_values before; ///< the object's fields
+    named_values after;
+    std::string difference; ///< "" when both parses did the same
+};
+
+/// Parses into `object` with `real(object, reader)` and beside it with `model(literal structure)`.
+template <typename Structure, typename Real, typename Model>
+compared compare_parses(Structure& object, const bit_range& bits, Real real, Model model)
+{
+    const named_values before = fields_of(object);
+    named_values expected = before;
+    const parse_end expected_end = literal_parse(expected, bits, model);
+    const parse_end end = real_parse(object, bits, real);
+    named_values after = fields_of(object);
+    std::string text = end == expected_end ? "" : to_text(end) + ", where " + to_text(expected_end) + " is right; ";
+    text += difference(expected, after);
+    return {end, before, std::move(after), std::move(text)};
+}
+
+/// The parse of each structure, both kinds. A parse may need more than the bits.
+struct scaling_list_parses {
+    using structure = brenik::h264_scaling_list;
+    unsigned int size = 16;
+
+    compared operator()(structure& object, const bit_range& bits) const
+    {
+        return compare_parses(
+            object, bits, [this](structure& list, brenik::h2645_common_bitreader& br) { return list.parse(br, size); },
+            [this](const literal::structure& s) { return literal::scaling_list(s, size); });
+    }
+};
+
+struct hrd_parses {
+    using structure = brenik::h264_hrd_parameters;
+
+    compared operator()(structure& object, const bit_range& bits) const
+    {
+        return compare_parses(
+            object, bits, [](structure& hrd, brenik::h2645_common_bitreader& br) { return hrd.parse(br); },
+            literal::hrd_parameters);
+    }
+};
+
+struct vui_parses {
+    using structure = brenik::h264_vui_parameters;
+
+    compared operator()(structure& object, const bit_range& bits) const
+    {
+        return compare_parses(
+            object, bits, [](structure& vui, brenik::h2645_common_bitreader& br) { return vui.parse(br); },
+            literal::vui_parameters);
+    }
+};
+
+struct sps_parses {
+    using structure = brenik::h264_nal_sps;
+
+    compared operator()(structure& object, const bit_range& bits) const
+    {
+        return compare_parses(
+            object, bits, [](structure& seq, brenik::h2645_common_bitreader& br) { return seq.parse(br); },
+            literal::nal_sps);
+    }
+};
+
+struct pps_parses {
+    using structure = brenik::h264_nal_pps;
+    literal::sps_store stored = {{0, {true, 1}}};
+
+    compared operator()(structure& object, const bit_range& bits) const
+    {
+        brenik::h2645_common_base_store<brenik::h264_nal_sps> store;
+        for (const auto& [id, seq] : stored) {
+            brenik::h264_nal_sps real;
+            real.valid = seq.valid;
+            real.chroma_format_idc = static_cast<std::uint32_t>(seq.chroma_format_idc);
+            store.insert_or_assign(static_cast<std::uint32_t>(id), real);
+        }
+        return compare_parses(
+            object, bits, [&store](structure& pic, brenik::h2645_common_bitreader& br) { return pic.parse(br, store); },
+            [this](const literal::structure& s) { return literal::nal_pps(s, stored); });
+    }
+};
+
+/// The most entries of any array.
+inline std::size_t largest_array(const named_values& fields)
+{
+    std::size_t largest = 0;
+    for (const value& field : fields.values)
+        largest = field.entries.size() > largest ? field.entries.size() : largest;
+    return largest;
+}
+
+} // namespace support
