@@ -1,0 +1,121 @@
+// The scaling lists of a sequence parameter set: how many there are, and what becomes of those that are not sent.
+#include <orv-utils-v4/h264/nal_sps.h>
+
+#include "support/literal_parse.h"
+#include "support/parsed.h"
+#include "support/sps_builder.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+
+namespace {
+
+using brenik::h264_nal_sps;
+using brenik::h264_scaling_list;
+using support::fields_of;
+using support::high_sps;
+using support::sps_description;
+using support::written_rbsp;
+using parsed_sps = support::parsed<h264_nal_sps>;
+
+const h264_scaling_list& list_of(const h264_nal_sps& sps, std::size_t i)
+{
+    return i < 6 ? sps.scaling_list_4x4[i] : sps.scaling_list_8x8[i - 6];
+}
+
+h264_nal_sps with_every_list()
+{
+    sps_description sps = high_sps(3);
+    sps.scaling_lists = support::full_scaling_matrix();
+    return parsed_sps(written_rbsp(sps)).object;
+}
+
+} // namespace
+
+TEST(SpsScalingLists, FormatThreeHasTwelveAndTheOthersEight)
+{
+    for (const std::uint32_t chroma_format_idc : {0U, 1U, 2U, 3U, 4U}) {
+        sps_description sps = high_sps(chroma_format_idc);
+        sps.scaling_lists = support::full_scaling_matrix();
+        const auto writer = written_rbsp(sps);
+        const parsed_sps p(writer);
+        EXPECT_TRUE(p.result) << chroma_format_idc;
+        EXPECT_EQ(writer.size_in_bits(), p.consumed()) << chroma_format_idc;
+        for (std::size_t i = 0; i < 12; ++i) {
+            const h264_scaling_list& list = list_of(p.object, i);
+            const bool sent = i < 8 || chroma_format_idc == 3;
+            EXPECT_EQ(sent, list.present) << i;
+            EXPECT_EQ(sent, list.valid) << i;
+            ASSERT_EQ(!sent ? 0U : i < 6 ? 16U : 64U, list.values.size()) << i;
+            for (std::size_t j = 0; j < list.values.size(); ++j)
+                EXPECT_EQ(10 + i + j, list.values[j]) << i;
+        }
+    }
+}
+
+TEST(SpsScalingLists, NoListSentTakesAFlagEach)
+{
+    for (const std::uint32_t chroma_format_idc : {1U, 3U}) {
+        sps_description without = high_sps(chroma_format_idc);
+        sps_description with = without;
+        with.scaling_lists.emplace();
+        const std::size_t flags = support::written(with).size_in_bits() - support::written(without).size_in_bits();
+        EXPECT_EQ(chroma_format_idc == 3 ? 12U : 8U, flags);
+        const parsed_sps p(written_rbsp(with));
+        EXPECT_TRUE(p.result);
+        EXPECT_TRUE(p->seq_scaling_matrix_present_flag);
+        for (std::size_t i = 0; i < 12; ++i)
+            EXPECT_EQ(fields_of(h264_scaling_list{}), fields_of(list_of(p.object, i))) << i;
+    }
+}
+
+TEST(SpsScalingLists, EachListIsReadBehindItsOwnFlag)
+{
+    for (std::size_t sent = 0; sent < 12; ++sent) {
+        sps_description sps = high_sps(3);
+        sps.scaling_lists.emplace();
+        (*sps.scaling_lists)[sent] = support::full_scaling_matrix()[sent];
+        const parsed_sps p(written_rbsp(sps));
+        EXPECT_TRUE(p.result) << sent;
+        for (std::size_t i = 0; i < 12; ++i) {
+            EXPECT_EQ(i == sent, list_of(p.object, i).present) << sent;
+            EXPECT_EQ(i == sent, !list_of(p.object, i).values.empty()) << sent;
+        }
+    }
+}
+
+TEST(SpsScalingLists, AListThatIsNotSentKeepsItsEntriesAndLosesItsPresence)
+{
+    sps_description sps = high_sps(1);
+    sps.scaling_lists.emplace();
+    const parsed_sps p(written_rbsp(sps), with_every_list());
+    EXPECT_TRUE(p.result);
+    const h264_nal_sps before = with_every_list();
+    for (std::size_t i = 0; i < 12; ++i) {
+        EXPECT_EQ(i >= 8, list_of(p.object, i).present) << i;
+        EXPECT_EQ(list_of(before, i).values, list_of(p.object, i).values) << i;
+        EXPECT_TRUE(list_of(p.object, i).valid) << i;
+    }
+}
+
+TEST(SpsScalingLists, WithoutTheMatrixNoListChanges)
+{
+    const parsed_sps p(written_rbsp(high_sps(1)), with_every_list());
+    EXPECT_TRUE(p.result);
+    EXPECT_FALSE(p->seq_scaling_matrix_present_flag);
+    const h264_nal_sps before = with_every_list();
+    for (std::size_t i = 0; i < 12; ++i)
+        EXPECT_EQ(fields_of(list_of(before, i)), fields_of(list_of(p.object, i))) << i;
+}
+
+TEST(SpsScalingLists, ADefaultListTakesOneDelta)
+{
+    sps_description sps = high_sps(1);
+    sps.scaling_lists.emplace();
+    (*sps.scaling_lists)[7] = support::scaling_list_description{{-8}};
+    const parsed_sps p(written_rbsp(sps));
+    EXPECT_TRUE(p.result);
+    EXPECT_TRUE(p->scaling_list_8x8[1].useDefaultScalingMatrixFlag);
+    EXPECT_EQ(std::vector<std::uint8_t>(64, 8), p->scaling_list_8x8[1].values);
+}
