@@ -1,0 +1,239 @@
+// Parses that run out of memory. This program replaces the global operator new, so it is one of its own: the k-th call
+// while armed throws, for every k that a parse reaches.
+#include "support/parameter_set_fields.h"
+#include "support/parsed.h"
+#include "support/pps_builder.h"
+#include "support/sps_builder.h"
+
+#include <gtest/gtest.h>
+
+#include <cstddef>
+#include <cstdlib>
+#include <limits>
+#include <new>
+
+namespace {
+
+constexpr std::size_t never = std::numeric_limits<std::size_t>::max();
+
+/// How many allocations are left before one fails.
+std::size_t allocations_left = never;
+std::size_t allocations_made = 0;
+
+void* allocate(std::size_t size)
+{
+    ++allocations_made;
+    if (allocations_left != never && allocations_left-- == 0) {
+        allocations_left = never;
+        throw std::bad_alloc();
+    }
+    if (void* const memory = std::malloc(size == 0 ? 1 : size))
+        return memory;
+    throw std::bad_alloc();
+}
+
+} // namespace
+
+void* operator new(std::size_t size)
+{
+    return allocate(size);
+}
+
+void* operator new[](std::size_t size)
+{
+    return allocate(size);
+}
+
+void operator delete(void* memory) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete[](void* memory) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete(void* memory, std::size_t /*size*/) noexcept
+{
+    std::free(memory);
+}
+
+void operator delete[](void* memory, std::size_t /*size*/) noexcept
+{
+    std::free(memory);
+}
+
+namespace {
+
+using brenik::h2645_common_bitreader;
+using brenik::h264_hrd_parameters;
+using brenik::h264_nal_pps;
+using brenik::h264_nal_sps;
+using brenik::h264_scaling_list;
+using brenik::h264_vui_parameters;
+
+/// A parse whose allocation `k`, counted from 0, fails; it must not throw.
+template <typename Parse>
+bool with_failing_allocation(std::size_t k, Parse parse)
+{
+    allocations_made = 0;
+    allocations_left = k;
+    bool result = false;
+    try {
+        result = parse();
+    } catch (...) {
+        allocations_left = never;
+        ADD_FAILURE() << "allocation " << k << " got out";
+    }
+    allocations_left = never;
+    return result;
+}
+
+h2645_common_bitreader reader(const support::guarded_buffer& buffer)
+{
+    return {buffer.begin(), buffer.end()};
+}
+
+h264_nal_pps parse_pps(const support::pps_description& description, std::size_t k, bool valid, bool& result)
+{
+    brenik::h2645_common_base_store<h264_nal_sps> store;
+    h264_nal_sps sps;
+    sps.valid = true;
+    sps.chroma_format_idc = 3;
+    store.insert_or_assign(0, sps);
+    const support::guarded_buffer buffer(support::written_rbsp(description).made());
+    h2645_common_bitreader br = reader(buffer);
+    h264_nal_pps pps;
+    pps.valid = valid;
+    result = with_failing_allocation(k, [&] { return pps.parse(br, store); });
+    return pps;
+}
+
+} // namespace
+
+TEST(FailedAllocation, AScalingListGivesFalseAndValidKeepsItsValue)
+{
+    const support::guarded_buffer buffer(support::written(support::rising_list(16, 5)).made());
+    for (const bool valid : {false, true}) {
+        h2645_common_bitreader br = reader(buffer);
+        h264_scaling_list list;
+        list.valid = valid;
+        EXPECT_FALSE(with_failing_allocation(0, [&] { return list.parse(br, 16); }));
+        EXPECT_EQ(valid, list.valid);
+        EXPECT_TRUE(list.values.empty());
+        EXPECT_EQ(0U, br.bits_consumed());
+        EXPECT_TRUE(with_failing_allocation(1, [&] { return list.parse(br, 16); }));
+        EXPECT_TRUE(list.valid);
+        EXPECT_EQ(1U, allocations_made);
+    }
+}
+
+TEST(FailedAllocation, AScalingListThatHasRoomNeedsNone)
+{
+    const support::guarded_buffer buffer(support::written(support::rising_list(16, 5)).made());
+    h2645_common_bitreader br = reader(buffer);
+    h264_scaling_list list;
+    list.values.resize(64);
+    EXPECT_TRUE(with_failing_allocation(0, [&] { return list.parse(br, 16); }));
+    EXPECT_EQ(16U, list.values.size());
+}
+
+TEST(FailedAllocation, HrdParametersKeepTheArraysResizedBeforeIt)
+{
+    const support::element_writer writer = support::written(support::hrd_of(3));
+    const support::guarded_buffer buffer(writer.made());
+    for (std::size_t k = 0; k <= 3; ++k)
+        for (const bool valid : {false, true}) {
+            h2645_common_bitreader br = reader(buffer);
+            h264_hrd_parameters hrd;
+            hrd.valid = valid;
+            const bool result = with_failing_allocation(k, [&] { return hrd.parse(br); });
+            EXPECT_EQ(k == 3, result) << k;
+            EXPECT_EQ(k == 3 || valid, hrd.valid) << k;
+            EXPECT_EQ(2U, hrd.cpb_cnt_minus1);
+            EXPECT_EQ(k > 0 ? 3U : 0U, hrd.bit_rate_value_minus1.size()) << k;
+            EXPECT_EQ(k > 1 ? 3U : 0U, hrd.cpb_size_value_minus1.size()) << k;
+            EXPECT_EQ(k > 2 ? 3U : 0U, hrd.cbr_flag.size()) << k;
+            EXPECT_EQ(k == 3 ? writer.size_in_bits() : writer.elements()[3].position, br.bits_consumed());
+        }
+}
+
+TEST(FailedAllocation, VuiParametersBecomeInvalid)
+{
+    const support::guarded_buffer buffer(support::written(support::full_vui()).made());
+    for (std::size_t k = 0; k <= 6; ++k)
+        for (const bool valid : {false, true}) {
+            h2645_common_bitreader br = reader(buffer);
+            h264_vui_parameters vui;
+            vui.valid = vui.nal_hrd.valid = vui.vcl_hrd.valid = valid;
+            EXPECT_EQ(k == 6, with_failing_allocation(k, [&] { return vui.parse(br); })) << k;
+            EXPECT_EQ(k == 6, vui.valid) << k;
+            EXPECT_EQ(k >= 3 || valid, vui.nal_hrd.valid) << k;
+            EXPECT_EQ(k >= 6 || valid, vui.vcl_hrd.valid) << k;
+            EXPECT_EQ(k >= 3, vui.vcl_hrd_parameters_present_flag) << k;
+        }
+}
+
+TEST(FailedAllocation, AnSpsBecomesInvalidButForThePictureOrderCountCycle)
+{
+    // Twelve lists, the cycle, and three arrays of each HRD.
+    constexpr std::size_t lists = 12;
+    constexpr std::size_t cycle = lists;
+    constexpr std::size_t all = lists + 1 + 6;
+    const support::guarded_buffer buffer(support::written_rbsp(support::full_sps()).made());
+    for (std::size_t k = 0; k <= all; ++k)
+        for (const bool valid : {false, true}) {
+            h2645_common_bitreader br = reader(buffer);
+            h264_nal_sps sps;
+            sps.valid = valid;
+            EXPECT_EQ(k == all, with_failing_allocation(k, [&] { return sps.parse(br); })) << k;
+            EXPECT_EQ(k == cycle ? valid : k == all, sps.valid) << k;
+            EXPECT_EQ(k == 0 ? 0U : 16U, sps.scaling_list_4x4[0].values.size()) << k;
+            EXPECT_EQ(k < lists ? 0U : 64U, sps.scaling_list_8x8[5].values.size()) << k;
+            EXPECT_EQ(k > lists - 1, sps.scaling_list_8x8[5].valid) << k;
+            EXPECT_EQ(k < lists ? 0U : 1U, sps.SubWidthC) << k;
+            EXPECT_EQ(k < cycle ? 0U : 5U, sps.num_ref_frames_in_pic_order_cnt_cycle) << k;
+            EXPECT_EQ(k <= cycle ? 0U : 5U, sps.offset_for_ref_frame.size()) << k;
+            EXPECT_EQ(k <= cycle ? 0U : 6U, sps.max_num_ref_frames) << k;
+            EXPECT_EQ(k == all, sps.vui.valid) << k;
+        }
+}
+
+TEST(FailedAllocation, SliceGroupsGiveFalseAndValidKeepsItsValue)
+{
+    for (const std::uint32_t map_type : {0U, 2U, 6U}) {
+        const std::size_t all = map_type == 2 ? 2 : 1;
+        for (std::size_t k = 0; k <= all; ++k)
+            for (const bool valid : {false, true}) {
+                bool result = false;
+                const h264_nal_pps pps = parse_pps(support::pps_of_map_type(map_type), k, valid, result);
+                EXPECT_EQ(k == all, result) << map_type;
+                EXPECT_EQ(k == all || valid, pps.valid) << map_type;
+                EXPECT_EQ(map_type, pps.slice_group_map_type);
+                EXPECT_EQ(k == 1 && map_type == 0 ? 3U : 0U, pps.run_length_minus1.size());
+                EXPECT_EQ(k >= 1 && map_type == 2 ? 2U : 0U, pps.top_left.size());
+                EXPECT_EQ(k == 2 && map_type == 2 ? 2U : 0U, pps.bottom_right.size());
+                EXPECT_EQ(k == 1 && map_type == 6 ? 7U : 0U, pps.slice_group_id.size());
+            }
+    }
+}
+
+TEST(FailedAllocation, AScalingListMakesThePpsInvalid)
+{
+    for (std::size_t k = 0; k <= 12; ++k)
+        for (const bool valid : {false, true}) {
+            bool result = false;
+            const h264_nal_pps pps = parse_pps(support::full_pps(3), k, valid, result);
+            EXPECT_EQ(k == 12, result) << k;
+            EXPECT_EQ(k == 12, pps.valid) << k;
+            EXPECT_TRUE(pps.more_rbsp_data_present && pps.transform_8x8_mode_flag);
+            EXPECT_EQ(k == 12 ? 3 : 0, pps.second_chroma_qp_index_offset) << k;
+            for (std::size_t i = 0; i < 6; ++i) {
+                EXPECT_EQ(i < k, pps.pic_scaling_list_4x4[i].valid) << k;
+                EXPECT_EQ(i <= k, pps.pic_scaling_list_4x4[i].present) << k;
+                EXPECT_EQ(i + 6 < k, pps.pic_scaling_list_8x8[i].valid) << k;
+                EXPECT_EQ(i + 6 <= k, pps.pic_scaling_list_8x8[i].present) << k;
+            }
+        }
+}
