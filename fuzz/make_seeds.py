@@ -180,14 +180,214 @@ def sei_seeds():
     }
 
 
+def ue(value):
+    """The bits of ue(v)."""
+    code = bin(value + 1)[2:]
+    return "0" * (len(code) - 1) + code
+
+
+def se(value):
+    """The bits of se(v)."""
+    return ue(2 * value - 1 if value > 0 else -2 * value)
+
+
+def u(width, *values):
+    return "".join(format(value, f"0{width}b") for value in values)
+
+
+def rbsp(text):
+    """The bytes of a structure and its trailing bits."""
+    return bits(text + "1")
+
+
+def scaling_list(*deltas):
+    return "".join(se(delta) for delta in deltas)
+
+
+def scaling_list_seeds():
+    def seed(size, text, first_bit=0):
+        return bytes([size, first_bit]) + bits("1" * first_bit + text)
+
+    return {
+        "empty": b"",
+        "size_0": seed(0, scaling_list(-8)),
+        "flat": seed(16, scaling_list(*[0] * 16)),
+        "default": seed(64, scaling_list(-8)),
+        "rising": seed(64, scaling_list(*[1] * 64), first_bit=3),
+        "ends_early": seed(16, scaling_list(1, 1, 1, 1, 1, -13)),
+        "wraps": seed(16, scaling_list(242, 10, 2**31 - 1, 1 - 2**31, 256, -256, *[1] * 10)),
+        "size_128": seed(128, scaling_list(*[3, -3] * 64)),
+        "size_129": seed(129, scaling_list(*[3, -3] * 64)),
+        "malformed": seed(16, scaling_list(5, 6) + "0" * 32 + "1"),
+    }
+
+
+def hrd(count, cpb_cnt_minus1=None):
+    text = ue(count - 1 if cpb_cnt_minus1 is None else cpb_cnt_minus1) + u(4, 3, 5)
+    for i in range(count):
+        text += ue(100 + i) + ue(7 * i) + u(1, i % 2)
+    return text + u(5, 23, 22, 21, 24)
+
+
+def vui(text, nal=None, vcl=None, restriction=None):
+    """VUI parameters from the bits before the HRD parameters."""
+    for one in (nal, vcl):
+        text += "0" if one is None else "1" + one
+    if nal or vcl:
+        text += "1"
+    return text + "1" + ("0" if restriction is None else "11" + "".join(ue(value) for value in restriction))
+
+
+NO_GROUPS = "00000"
+EVERY_GROUP = (
+    "1" + u(8, 255) + u(16, 40000, 33) + "11" + "1" + u(3, 2) + "1" + "1" + u(8, 9, 16, 200)
+    + "1" + ue(3) + ue(4) + "1" + u(32, 2147483649, 0xFFFFFFFF) + "1"
+)
+FULL_VUI = vui(EVERY_GROUP, hrd(3), hrd(2), (5, 6, 10, 11, 12, 13))
+
+
+def in_a_row(*structures, options=0):
+    return b"".join(bytes([options, len(data)]) + data for data in structures)
+
+
+def hrd_seeds():
+    return {
+        "empty": b"",
+        "one": in_a_row(bits(hrd(1))),
+        "thirty_two": in_a_row(bits(hrd(32))),
+        "more_then_fewer": in_a_row(bits(hrd(9)), bits(hrd(2)), options=1),
+        "count_128": in_a_row(bits(ue(127) + u(4, 1, 2) + (ue(0) + ue(1) + "1") * 128 + u(5, 1, 2, 3, 4))),
+        "too_few_for_their_count": in_a_row(bits(hrd(2, 127))),
+        "count_129": in_a_row(bits(hrd(2)), bits(hrd(2, 128))),
+        "largest_count": in_a_row(bits(hrd(2)), bits(hrd(1, 2**32 - 2)), options=1),
+        "malformed": in_a_row(bits(ue(0) + u(8, 0) + "0" * 32 + "1")),
+    }
+
+
+def vui_seeds():
+    aspect_ratio = {idc: bits(vui("1" + u(8, idc) + "0000")) for idc in (0, 1, 13, 16, 17, 254)}
+    seeds = {f"aspect_ratio_idc_{idc}": in_a_row(data) for idc, data in aspect_ratio.items()}
+    seeds |= {
+        "empty": b"",
+        "no_groups": in_a_row(bits(vui(NO_GROUPS))),
+        "every_group": in_a_row(bits(FULL_VUI)),
+        "every_group_then_none": in_a_row(bits(FULL_VUI), bits(vui(NO_GROUPS)), options=1),
+        "extended_then_table": in_a_row(bits(FULL_VUI), aspect_ratio[13]),
+        "nal_hrd": in_a_row(bits(vui(NO_GROUPS, nal=hrd(1)))),
+        "vcl_hrd": in_a_row(bits(vui(NO_GROUPS, vcl=hrd(1)))),
+        "nal_hrd_fails": in_a_row(bits(FULL_VUI), bits(vui(NO_GROUPS, nal=hrd(1, 128)))),
+        "vcl_hrd_fails": in_a_row(bits(vui(NO_GROUPS, nal=hrd(1), vcl=hrd(1, 128)))),
+        "largest_values": in_a_row(bits(vui(NO_GROUPS, restriction=[2**32 - 2] * 6))),
+        "from_within_a_byte": in_a_row(bits("1" * 5 + FULL_VUI), options=10),
+    }
+    return seeds
+
+
+def sps_head(profile_idc=66, sps_id=0, high=""):
+    return u(8, profile_idc, 0, 30) + ue(sps_id) + high
+
+
+def sps_tail(order, mbs_only="1", cropping="0", vui_text="0"):
+    """From log2_max_frame_num_minus4 on; `order` begins with pic_order_cnt_type."""
+    return ue(0) + order + ue(1) + "0" + ue(10) + ue(8) + mbs_only + "1" + cropping + vui_text
+
+
+def sps_seeds():
+    lists_4x4, lists_8x8 = "1" + scaling_list(*[1] * 16), "1" + scaling_list(*[1] * 64)
+    poc_1 = ue(1) + "1" + se(-3) + se(5)
+    baseline = rbsp(sps_head() + sps_tail(ue(0) + ue(2)))
+    chroma = {idc: ue(idc) + ("1" if idc == 3 else "") + ue(0) + ue(0) + "0" for idc in (0, 1, 2, 3, 4)}
+    seeds = {}
+    for idc, text in chroma.items():
+        seeds[f"chroma_{idc}"] = in_a_row(rbsp(sps_head(100, 0, text + "0") + sps_tail(ue(2))))
+    lists = {
+        "eight": chroma[1] + "1" + "0" * 8,
+        "twelve": chroma[3] + "1" + "0" * 12,
+        "default": chroma[1] + "1" + ("1" + scaling_list(-8)) * 8,
+        "full": chroma[1] + "1" + lists_4x4 * 6 + lists_8x8 * 2,
+        "full_444": chroma[3] + "1" + lists_4x4 * 6 + lists_8x8 * 6,
+    }
+    seeds |= {f"lists_{k}": in_a_row(rbsp(sps_head(244, 1, text) + sps_tail(ue(2)))) for k, text in lists.items()}
+    full_tail = sps_tail(poc_1 + ue(2) + se(4) + se(-5), "01", "1" + ue(1) * 4, "1" + FULL_VUI)
+    full = rbsp(sps_head(244, 1, lists["default"]) + full_tail)
+    seeds |= {
+        "empty": b"",
+        "baseline": in_a_row(baseline),
+        "every_element_then_few": in_a_row(full, baseline, options=1),
+        "poc_type_5": in_a_row(rbsp(sps_head() + sps_tail(ue(5)))),
+        "cycle_of_128": in_a_row(rbsp(sps_head() + sps_tail(poc_1 + ue(128) + se(0) * 128))),
+        "cycle_of_129": in_a_row(baseline, rbsp(sps_head() + sps_tail(poc_1 + ue(129) + se(0) * 129))),
+        "largest_cycle": in_a_row(rbsp(sps_head() + sps_tail(poc_1 + ue(2**32 - 2)))),
+        "fields": in_a_row(rbsp(sps_head(77) + sps_tail(ue(2), mbs_only="01"))),
+        "crop_larger_than_picture": in_a_row(rbsp(sps_head() + sps_tail(ue(2), cropping="1" + ue(2**32 - 2) * 4))),
+        "vui_fails": in_a_row(rbsp(sps_head() + sps_tail(ue(2), vui_text="1" + vui(NO_GROUPS, nal=hrd(1, 128))))),
+        "no_trailing_bits": in_a_row(bits(sps_head() + sps_tail(ue(2)))),
+        "malformed": in_a_row(bits(u(8, 66, 0, 30) + "0" * 32 + "1")),
+    }
+    for profile_idc in (100, 110, 122, 244, 44, 83, 86, 118, 128, 138, 139, 134, 135):
+        head = sps_head(profile_idc, 0, chroma[2] + "0")
+        seeds[f"profile_{profile_idc}"] = in_a_row(rbsp(head + sps_tail(ue(0) + ue(0))))
+    return seeds
+
+
+def pps(groups=ue(0), tail="", sps_id=0):
+    return ue(1) + ue(sps_id) + "10" + groups + ue(2) + ue(3) + "1" + u(2, 2) + se(-1) + se(4) + se(-2) + "101" + tail
+
+
+def pps_seeds():
+    def seed(*structures, sps=((0, 1, True), (1, 3, True), (2, 1, False))):
+        stored = bytes(byte for sps_id, chroma, valid in sps for byte in (sps_id, chroma | valid << 7))
+        return bytes([len(sps)]) + stored + in_a_row(*structures)
+
+    plain = rbsp(pps())
+    groups = {
+        0: "".join(ue(20 + i) for i in range(3)),
+        1: "",
+        2: "".join(ue(i) for i in (0, 100, 3, 103)),
+        3: "1" + ue(17),
+        4: "0" + ue(17),
+        5: "1" + ue(0),
+        6: ue(6) + u(2, 0, 2, 1, 1, 2, 0, 2),
+        7: "",
+    }
+    seeds = {f"map_type_{t}": seed(rbsp(pps(ue(2) + ue(t) + text)), plain) for t, text in groups.items()}
+    for count, width in ((2, 2), (3, 2), (4, 3), (8, 4), (16, 5), (17, 5), (2**25, 26), (2**32 - 1, 32)):
+        seeds[f"ids_of_{count}_groups"] = seed(rbsp(pps(ue(count - 1) + ue(6) + ue(2) + u(width, 1, 0, 1))))
+    seeds |= {
+        "empty": b"",
+        "plain": seed(plain),
+        "absent_sps": seed(plain, rbsp(pps(sps_id=9))),
+        "invalid_sps": seed(plain, rbsp(pps(sps_id=2))),
+        "tail": seed(rbsp(pps(tail="00" + se(3)))),
+        "six_lists": seed(rbsp(pps(tail="01" + "0" * 6 + se(3)))),
+        "eight_lists": seed(rbsp(pps(tail="11" + ("1" + scaling_list(-8)) * 8 + se(3))), plain),
+        "twelve_lists": seed(rbsp(pps(tail="11" + "0" * 11 + "1" + scaling_list(*[1] * 64) + se(3), sps_id=1)), plain),
+        "run_lengths_128": seed(rbsp(pps(ue(127) + ue(0) + ue(0) * 128))),
+        "run_lengths_129": seed(plain, rbsp(pps(ue(128) + ue(0) + ue(0) * 129))),
+        "rectangles_128": seed(rbsp(pps(ue(128) + ue(2) + ue(0) * 256))),
+        "rectangles_129": seed(plain, rbsp(pps(ue(129) + ue(2) + ue(0) * 258))),
+        "map_units_128": seed(rbsp(pps(ue(1) + ue(6) + ue(127) + u(2, 1) * 128))),
+        "map_units_129": seed(plain, rbsp(pps(ue(1) + ue(6) + ue(128) + u(2, 1) * 129))),
+        "largest_counts": seed(rbsp(pps(ue(2**32 - 2) + ue(0))), rbsp(pps(ue(1) + ue(6) + ue(2**32 - 2)))),
+        "no_trailing_bits": seed(bits(pps())),
+        "malformed": seed(bits(ue(1) + "0" * 32 + "1")),
+    }
+    return seeds
+
+
 def main():
     all_seeds = {
         "bitreader": bitreader_seeds(),
+        "hrd_parameters": hrd_seeds(),
         "nal_aud": aud_seeds(),
+        "nal_pps": pps_seeds(),
         "nal_reader": reader_seeds(),
+        "nal_sps": sps_seeds(),
         "nal_writer": writer_seeds(),
         "piece_feeder": feeder_seeds(),
         "sei_reader": sei_seeds(),
+        "scaling_list": scaling_list_seeds(),
+        "vui_parameters": vui_seeds(),
     }
     for target, seeds in all_seeds.items():
         folder = pathlib.Path(__file__).resolve().parent / "seeds" / target

@@ -1,0 +1,41 @@
+// What the fuzz entry points of the parameter sets share.
+#pragma once
+
+#include "input.h"
+
+#include "support/literal_parse.h"
+
+namespace fuzz {
+
+/// Parses `bits` into `object`, both ways, and ends the process unless both do the same.
+template <typename Parses>
+support::compared expect_same(const Parses& parses, typename Parses::structure& object, const support::bit_range& bits)
+{
+    support::compared c = parses(object, bits);
+    expect_none(c.difference);
+    expect(support::largest_array(c.after) <= 128, "no array has more than 128 entries");
+    if (c.end.threw)
+        expect(c.before.at("valid") == c.after.at("valid"), "an exception leaves `valid` as it was");
+    else if (c.end.result)
+        expect(c.after.at("valid").number == 1, "a good end makes it valid");
+    return c;
+}
+
+/// One object, and structures that are parsed into it one after another. The input has for each a byte of options, of
+/// which bit 0 clears `valid` before and bits 1 to 6 say the first bit, a length byte, and the data.
+template <typename Parses>
+void expect_same_in_a_row(input& from, const Parses& parses)
+{
+    typename Parses::structure object;
+    for (bool more = true; more;) {
+        const unsigned char options = from.byte();
+        const std::size_t length = from.byte();
+        const exact_block block(from.take(length));
+        more = block.size() != 0;
+        if ((options & 1) != 0)
+            object.valid = false;
+        expect_same(parses, object, {block.begin(), block.end(), static_cast<unsigned char>(options / 2 % 64)});
+    }
+}
+
+} // namespace fuzz
