@@ -291,7 +291,7 @@ inline bool nal_sps(const structure& s)
                                               {"frame_crop_bottom_offset", ue, "frame_cropping_flag"},
                                               {"vui_parameters_present_flag", 1}};
     read(s, head);
-    if (high_profiles.count(s.number("profile_idc")) == 0)
+    if (!high_profiles.contains(s.number("profile_idc")))
         s.number("chroma_format_idc") = 1;
     else if (!high_profile_group(s))
         return not_valid(s);

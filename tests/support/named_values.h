@@ -23,7 +23,7 @@ struct field_names {
     std::vector<std::string> in_order;
     std::unordered_map<std::string, std::size_t> index;
 
-    bool contain(const std::string& name) const { return index.count(name) != 0; }
+    bool contain(const std::string& name) const { return index.contains(name); }
 };
 
 /// The values of a structure's fields.
