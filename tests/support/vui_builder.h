@@ -44,7 +44,7 @@ inline void write(element_writer& out, const hrd_description& hrd)
     out.u("time_offset_length", 5, hrd.time_offset_length);
 }
 
-/// HRD parameters with `count` CPB specifications, each with values of its own.
+/// HRD parameters with `count` CPBs, each with values of its own.
 inline hrd_description hrd_of(std::uint32_t count)
 {
     hrd_description hrd;
