@@ -106,7 +106,7 @@ bool h264_nal_sps::parse(h2645_common_bitreader& br)
     return valid = h2645_common_skip_rbsp_trailing_bits(br);
 }
 
-// H.264 (7-19) to (7-22)
+// H.264 7.4.2.1.1
 
 std::uint32_t h264_nal_sps::getCropLeft() const
 {

@@ -73,7 +73,7 @@ public:
     /// @throws h2645_common_malformed_code from the bit reader; `valid` stays as it was
     bool parse(h2645_common_bitreader& br);
 
-    /// Luma samples cut off at the left, H.264 (7-19) to (7-22). Like all getters, in unsigned arithmetic that wraps at
+    /// Luma samples cut off at the left, H.264 7.4.2.1.1. Like all getters, in unsigned arithmetic that wraps at
     /// 2^32, whatever frame_cropping_flag and `valid` say.
     std::uint32_t getCropLeft() const;
     std::uint32_t getCropRight() const;        ///< luma samples cut off at the right
