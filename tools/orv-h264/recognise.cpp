@@ -9,19 +9,26 @@ namespace orv_h264 {
 
 namespace {
 
-// Units of this framing fill the window: to its very end, or where more is to come, two of them and the begin of a
-// third.
+bool holds_start_code(unsigned char* start, unsigned char* fence)
+{
+    brenik::h264_nal_reader reader(brenik::nalfmt_annexb);
+    reader.scan(start, fence);
+    return reader.found;
+}
+
+// Units of this framing, none with a start code inside, fill the window: to its very end, or where more is to come, two
+// of them and the begin of a third.
 bool is_length_prefixed(brenik::h2645_common_nalfmt nalfmt, input_window& window)
 {
     brenik::h264_nal_reader reader(nalfmt);
-    int units = 0;
-    for (reader.scan(window.start(), window.fence()); !reader.incomplete; reader.scan(reader.next, window.fence())) {
-        if (reader.gave_up)
+    reader.next = window.start();
+    for (int units = 0;; ++units) {
+        reader.scan(reader.next, window.fence());
+        if (reader.gave_up || holds_start_code(reader.payload, reader.decode_fence))
             return false;
-        ++units;
+        if (reader.incomplete)
+            return window.at_end() ? reader.next == window.fence() : units >= 2;
     }
-    const bool nothing_left = reader.next == window.fence();
-    return window.at_end() ? nothing_left : units >= 2;
 }
 
 } // namespace

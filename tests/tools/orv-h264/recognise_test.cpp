@@ -59,6 +59,19 @@ TEST(Recognise, AnnexBMayBeginInTheMiddleOfAUnit)
     EXPECT_TRUE(annexb(stream_builder().junk(500).annexb_unit(sps, payload)));
 }
 
+TEST(Recognise, AnnexBMayBeginWithBytesThatLookLikeLengths)
+{
+    // Two "units" of 30000 bytes and one beyond the look behind 2-byte prefixes, which hold start codes all over.
+    stream_builder units;
+    while (units.here() < 2 * orv_h264::recognise_size)
+        units.zeros(1).annexb_unit(idr_slice, bytes(300, 0x55));
+    bytes stream = units;
+    for (const std::size_t at : {0U, 30002U, 60004U})
+        std::copy_n(bytes(stream_builder().prefix(2, 30000).raw({idr_slice, 0x55, 0x55})).begin(), 5,
+                    stream.begin() + static_cast<std::ptrdiff_t>(at));
+    EXPECT_TRUE(annexb(stream));
+}
+
 TEST(Recognise, LengthPrefixesOfAnySizeAreNotAnnexB)
 {
     for (std::size_t k = 1; k <= 4; ++k)
