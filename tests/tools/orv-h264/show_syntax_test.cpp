@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <sstream>
 
 namespace {
@@ -185,6 +186,99 @@ TEST(ShowSyntax, ScalingListsAndCropsOfNothing)
     EXPECT_NE(shown.find("        seq_scaling_list_present_flag[7] 0\n    log2_max_frame_num_minus4 0\n"),
               std::string::npos);
     EXPECT_NE(shown.find("    = coded size 16x16, cropped to nothing\n"), std::string::npos);
+}
+
+/// An SPS of the High profile with every kind of element in front of and behind two scaling lists.
+bit_writer sps_with_lists(std::uint32_t chroma_format_idc)
+{
+    bit_writer w;
+    w.u(8, 100).u(8, 0).u(8, 10).ue(0).ue(chroma_format_idc);
+    if (chroma_format_idc == 3)
+        w.flag(false);
+    w.ue(0).ue(0).flag(false).flag(true).flag(true).se(-8).flag(true).se(2).se(0).se(-10);
+    w.u(chroma_format_idc == 3 ? 10 : 6, 0);
+    w.ue(5).ue(1).flag(true).se(300).se(-300).ue(1).se(77);
+    return w.ue(3).flag(false).ue(20).ue(30).flag(true).flag(true).flag(false).flag(false);
+}
+
+TEST(ShowSyntax, ACutUnitWithScalingListsShowsNothingThatItDidNotCarry)
+{
+    const bytes whole = sps_with_lists(1).trailing_bits().bytes();
+    const std::string whole_lines = fields_of(support::sps, whole);
+    EXPECT_NE(whole_lines.find("    offset_for_non_ref_pic 300\n"), std::string::npos) << whole_lines;
+    for (std::size_t size = 0; size < whole.size(); ++size) {
+        const std::string shown =
+            fields_of(support::sps, bytes(whole.begin(), whole.begin() + static_cast<long>(size)));
+        EXPECT_EQ(whole_lines.compare(0, shown.size(), shown), 0) << size << " bytes:\n" << shown;
+    }
+}
+
+/// The fields of a PPS behind an SPS of that chroma format: `start` up to its slice groups, and the bits of its tail.
+std::string fields_of_pps(std::uint32_t chroma_format_idc, const bit_writer& start, const std::vector<bool>& tail)
+{
+    orv_h264::stream_walker walker;
+    brenik::h264_nal nal;
+    nal.decode_header(support::sps);
+    bytes sps = sps_with_lists(chroma_format_idc).trailing_bits().bytes();
+    EXPECT_EQ(problem_of(walker.walk(nal, sps)), "");
+    bit_writer w = start;
+    w.ue(0).ue(0).flag(false).u(2, 0).se(0).se(0).se(0).u(3, 0);
+    for (const bool bit : tail)
+        w.flag(bit);
+    bytes pps = w.trailing_bits().bytes();
+    nal.decode_header(support::pps);
+    const orv_h264::walked_unit unit = walker.walk(nal, pps);
+    EXPECT_EQ(problem_of(unit), "");
+    return orv_h264::show_fields(unit);
+}
+
+bit_writer pps_start(std::uint32_t num_slice_groups_minus1)
+{
+    bit_writer w;
+    return w.ue(0).ue(0).flag(false).flag(false).ue(num_slice_groups_minus1);
+}
+
+TEST(ShowSyntax, EachSliceGroupMapTypeShowsItsOwnFields)
+{
+    const auto between = [](const bit_writer& start) {
+        const std::string lines = fields_of_pps(1, start, {});
+        const std::size_t first = lines.find("    slice_group_map_type");
+        return lines.substr(first, lines.find("    num_ref_idx_l0_default_active_minus1") - first);
+    };
+    EXPECT_EQ(between(pps_start(1).ue(0).ue(7).ue(8)),
+              "    slice_group_map_type 0\n    run_length_minus1[0] 7\n    run_length_minus1[1] 8\n");
+    EXPECT_EQ(between(pps_start(1).ue(1)), "    slice_group_map_type 1\n");
+    EXPECT_EQ(between(pps_start(1).ue(2).ue(3).ue(4)),
+              "    slice_group_map_type 2\n    top_left[0] 3\n    bottom_right[0] 4\n");
+    for (std::uint32_t type = 3; type <= 5; ++type)
+        EXPECT_EQ(between(pps_start(1).ue(type).flag(true).ue(9)),
+                  "    slice_group_map_type " + std::to_string(type) +
+                      "\n    slice_group_change_direction_flag 1\n    slice_group_change_rate_minus1 9\n");
+    EXPECT_EQ(between(pps_start(2).ue(6).ue(1).u(2, 2).u(2, 1)),
+              "    slice_group_map_type 6\n    pic_size_in_map_units_minus1 1\n"
+              "    slice_group_id[0] 2\n    slice_group_id[1] 1\n");
+    EXPECT_EQ(between(pps_start(1).ue(6).ue(0).u(2, 1)),
+              "    slice_group_map_type 6\n    pic_size_in_map_units_minus1 0\n"
+              "    slice_group_id[0] 1 (read as 2 bits, in H.264 1)\n");
+    EXPECT_EQ(between(pps_start(1).ue(7)), "    slice_group_map_type 7\n");
+}
+
+TEST(ShowSyntax, ThePpsShowsAsManyScalingListFlagsAsItHas)
+{
+    const auto flags = [](std::uint32_t chroma_format_idc, bool transform_8x8, std::size_t lists) {
+        std::vector<bool> tail = {transform_8x8, true};
+        tail.insert(tail.end(), lists, false);
+        tail.push_back(true); // second_chroma_qp_index_offset 0
+        const std::vector<std::string> lines = lines_of(fields_of_pps(chroma_format_idc, pps_start(0), tail));
+        EXPECT_EQ(lines.back(), "    second_chroma_qp_index_offset 0");
+        return std::count_if(lines.begin(), lines.end(), [](const std::string& line) {
+            return line.find("pic_scaling_list_present_flag") != std::string::npos;
+        });
+    };
+    EXPECT_EQ(flags(1, false, 6), 6);
+    EXPECT_EQ(flags(1, true, 8), 8);
+    EXPECT_EQ(flags(3, true, 12), 12);
+    EXPECT_EQ(flags(3, false, 6), 6);
 }
 
 TEST(ShowSyntax, UnitsWithoutReadSyntaxShowNothing)

@@ -30,6 +30,14 @@ bit_writer plain_pps(std::uint32_t id, std::uint32_t sps_id)
     return w.flag(false).flag(false).flag(false);
 }
 
+/// The unit with its trailing bits, but for their one bit.
+bytes without_stop_bit(bit_writer rbsp)
+{
+    bytes made = rbsp.trailing_bits().bytes();
+    made.back() = static_cast<unsigned char>(made.back() & (made.back() - 1));
+    return made;
+}
+
 bit_writer slice(std::uint32_t pps_id)
 {
     bit_writer w;
@@ -64,6 +72,10 @@ TEST_F(StreamWalker, AParameterSetThatFailsIsNotStored)
 {
     walk(support::sps, baseline_sps(3).bytes());
     EXPECT_EQ(walker.sps_store().size(), 0U);
+    walk(support::sps, baseline_sps(3));
+    walk(support::pps, without_stop_bit(plain_pps(5, 3)));
+    walk(support::pps, plain_pps(6, 4));
+    EXPECT_EQ(walker.pps_store().size(), 0U);
 }
 
 TEST_F(StreamWalker, UnitsOfOtherTypesHaveNoFieldsAndNoProblem)
@@ -128,9 +140,7 @@ TEST_F(StreamWalker, ProblemTrailingBits)
     EXPECT_EQ(problem_of(walk(support::sps, baseline_sps(0).u(16, 0x00FF))), "malformed trailing bits");
     walk(support::sps, baseline_sps(0));
     EXPECT_EQ(problem_of(walk(support::aud, bytes{0x40})), "malformed trailing bits");
-    bytes pps = plain_pps(0, 0).trailing_bits().bytes();
-    pps.back() = static_cast<unsigned char>(pps.back() & (pps.back() - 1)); // the stop bit
-    EXPECT_EQ(problem_of(walk(support::pps, pps)), "malformed trailing bits");
+    EXPECT_EQ(problem_of(walk(support::pps, without_stop_bit(plain_pps(0, 0)))), "malformed trailing bits");
 }
 
 TEST_F(StreamWalker, ProblemMalformedCode)
