@@ -14,7 +14,6 @@ namespace {
 using support::aud;
 using support::bytes;
 using support::forbidden;
-using support::idr_slice;
 using support::pps;
 using support::run_tool;
 using support::sps;
@@ -23,33 +22,34 @@ using support::temporary_file;
 using support::tool_result;
 
 const bytes small = {0x11, 0x22, 0x33};
+constexpr unsigned char filler = support::header_byte(3, 12);
 
 const bytes three_units = stream_builder()
                               .zeros(1)
                               .annexb_unit(aud, {0x50})
                               .zeros(1)
                               .annexb_unit(sps, {0x11, 0, 0, 3, 1})
-                              .annexb_unit(idr_slice, bytes(300, 0x55));
+                              .annexb_unit(filler, bytes(300, 0x55));
 
 const std::string aud_line = "offset          0  framing 4  length        2  rbsp        1  nal_ref_idc 0  type  9  "
                              "Access unit delimiter, access_unit_delimiter_rbsp()\n";
 const std::string sps_line = "offset          6  framing 4  length        6  rbsp        4  nal_ref_idc 3  type  7  "
                              "Sequence parameter set, seq_parameter_set_rbsp()\n";
-const std::string slice_line = "offset         16  framing 3  length      301  rbsp      300  nal_ref_idc 3  type  5  "
-                               "Coded slice of an IDR picture, slice_layer_without_partitioning_rbsp()\n";
+const std::string filler_line = "offset         16  framing 3  length      301  rbsp      300  nal_ref_idc 3  type 12  "
+                                "Filler data, filler_data_rbsp()\n";
 
 TEST(Inspect, NalsShowsALineForEachUnit)
 {
     const temporary_file file(three_units);
     const tool_result result = run_tool({"inspect", "--nals", file.path()});
-    EXPECT_EQ(result.out, aud_line + sps_line + slice_line);
+    EXPECT_EQ(result.out, aud_line + sps_line + filler_line);
     EXPECT_EQ(result.err, "");
     EXPECT_EQ(result.status, 0);
 }
 
 TEST(Inspect, WithoutNalsTheFieldsStandUnderTheUnit)
 {
-    const temporary_file file(stream_builder().zeros(1).annexb_unit(aud, {0x50}).annexb_unit(idr_slice, small));
+    const temporary_file file(stream_builder().zeros(1).annexb_unit(aud, {0x50}).annexb_unit(filler, small));
     const tool_result result = run_tool({"inspect", file.path()});
     EXPECT_EQ(result.out.rfind(aud_line + "    primary_pic_type 2\noffset ", 0), 0U) << result.out;
     EXPECT_EQ(result.err, "");
@@ -61,7 +61,7 @@ TEST(Inspect, AUnitThatDoesNotParseIsReportedAndShownAsFarAsItGoes)
     const temporary_file file(three_units);
     const tool_result result = run_tool({"inspect", file.path()});
     EXPECT_NE(result.out.find(sps_line + "    profile_idc 17\n    constraint_set0_flag 0\n"), std::string::npos);
-    EXPECT_NE(result.out.find("    level_idc 0 (0)\n" + slice_line), std::string::npos) << "reading goes on";
+    EXPECT_NE(result.out.find("    level_idc 0 (0)\n" + filler_line), std::string::npos) << "reading goes on";
     EXPECT_EQ(result.err, "orv-h264: " + file.path() +
                               ": offset 6: malformed Exp-Golomb code at bit 39, truncated: it reads past the end\n");
     EXPECT_EQ(result.status, 1);
@@ -88,7 +88,7 @@ TEST(Inspect, ADelimiterWithoutTrailingBitsIsBroken)
 TEST(Inspect, DashIsTheStandardInput)
 {
     const tool_result result = run_tool({"inspect", "--nals", "-"}, {.piped = three_units});
-    EXPECT_EQ(result.out, aud_line + sps_line + slice_line);
+    EXPECT_EQ(result.out, aud_line + sps_line + filler_line);
     EXPECT_EQ(result.status, 0);
 }
 
@@ -102,8 +102,8 @@ TEST(Inspect, LimitStopsAfterThatManyUnits)
 TEST(Inspect, OnlyShowsTheTypesNamedAndLimitCountsThose)
 {
     const temporary_file file(three_units);
-    EXPECT_EQ(run_tool({"inspect", "--nals", "--only", "5,7", file.path()}).out, sps_line + slice_line);
-    EXPECT_EQ(run_tool({"inspect", "--nals", "--only", "5-7", "--limit", "1", file.path()}).out, sps_line);
+    EXPECT_EQ(run_tool({"inspect", "--nals", "--only", "7,12", file.path()}).out, sps_line + filler_line);
+    EXPECT_EQ(run_tool({"inspect", "--nals", "--only", "6-8,12", "--limit", "1", file.path()}).out, sps_line);
 }
 
 TEST(Inspect, FormatReadsLengthPrefixes)
@@ -189,7 +189,7 @@ TEST(Inspect, AUnitAboveMaxUnitIsReportedAndReadingGoesOn)
     const tool_result result = run_tool({"inspect", "--nals", "--max-unit", "300", file.path()});
     EXPECT_EQ(result.out, aud_line + sps_line);
     EXPECT_EQ(result.err,
-              "orv-h264: " + file.path() + ": offset 16: unit of type 5 larger than the limit (304 bytes)\n");
+              "orv-h264: " + file.path() + ": offset 16: unit of type 12 larger than the limit (304 bytes)\n");
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(run_tool({"inspect", "--nals", "--max-unit", "1K", file.path()}).status, 0);
 }

@@ -23,11 +23,19 @@ std::size_t se_bits(std::int64_t value)
 
 } // namespace
 
-field_printer::field_printer(std::string& out, std::size_t limit) : lines(out), last_bit(limit) {}
+field_printer::field_printer(std::string& out, std::size_t limit, int first_depth)
+    : lines(out), last_bit(limit), depth(first_depth)
+{
+}
 
 void field_printer::u(unsigned int n, std::string_view name, std::uint64_t value, std::string_view note)
 {
     element(n, name, fmt::to_string(value), note);
+}
+
+void field_printer::i(unsigned int n, std::string_view name, std::int32_t value)
+{
+    element(n, name, fmt::to_string(value), "");
 }
 
 void field_printer::flag(std::string_view name, bool value)

@@ -16,17 +16,22 @@ class field_printer {
 public:
     static constexpr std::size_t no_limit = std::numeric_limits<std::size_t>::max();
 
-    /// Appends lines to `out`, for the elements that end at or before bit `limit`.
-    explicit field_printer(std::string& out, std::size_t limit = no_limit);
+    /// Appends lines to `out`, indented by `first_depth` steps, for the elements that end at or before bit `limit`.
+    explicit field_printer(std::string& out, std::size_t limit = no_limit, int first_depth = 1);
 
     /// u(n); `note` says in words what the value means.
     void u(unsigned int n, std::string_view name, std::uint64_t value, std::string_view note = "");
+    /// i(n)
+    void i(unsigned int n, std::string_view name, std::int32_t value);
     /// u(1)
     void flag(std::string_view name, bool value);
     void ue(std::string_view name, std::uint32_t value, std::string_view note = "");
     void se(std::string_view name, std::int32_t value);
     /// A scaling list that is present, its entries in scan order.
     void scaling_list(std::string_view name, const brenik::h264_scaling_list& list);
+
+    /// A line that is no element, or stands for many; shown in any case.
+    void line(std::string_view text);
 
     /// What follows from elements shown before; only when all of them were.
     void derived(std::string_view text);
@@ -45,12 +50,11 @@ public:
 
 private:
     void element(std::size_t bits, std::string_view name, std::string_view value, std::string_view note);
-    void line(std::string_view text);
 
     std::string& lines;
     std::size_t last_bit;
     std::size_t position = 0;
-    int depth = 1;
+    int depth;
 };
 
 } // namespace orv_h264

@@ -7,7 +7,6 @@
 
 #include <cstdio>
 #include <utility>
-#include <vector>
 
 #include <fmt/format.h>
 
@@ -39,31 +38,24 @@ public:
 private:
     void take_unit(const unit& u)
     {
-        const brenik::h264_nal nal = feeder.reader().nal;
+        brenik::h264_nal_reader& reader = feeder.reader();
+        const brenik::h264_nal nal = reader.nal;
         if (u.cut)
             complain(u.offset, fmt::format("unit of {} bytes runs past the end of the input", u.stated_length));
-        const rbsp_bytes rbsp = decode_rbsp(u);
         walked_unit walked;
         if (!options.nals) {
-            walked = walker.walk(nal, rbsp);
-            if (const std::string problem = problem_of(walked); !problem.empty())
+            walked = walker.walk(reader);
+            for (const std::string& problem : problems_of(walked))
                 complain(u.offset, problem);
         }
         if (!options.only.test(nal.nal_unit_type))
             return;
         ++lines;
         fmt::print("offset {:>10}  framing {}  length {:>8}  rbsp {:>8}  nal_ref_idc {}  type {:>2}  {}\n", u.offset,
-                   u.framing_size, u.length, rbsp.size(), nal.nal_ref_idc, static_cast<unsigned int>(nal.nal_unit_type),
-                   brenik::h264_nal_unit_type_to_str(nal.nal_unit_type));
+                   u.framing_size, u.length, decoder.whole(reader).size(), nal.nal_ref_idc,
+                   static_cast<unsigned int>(nal.nal_unit_type), brenik::h264_nal_unit_type_to_str(nal.nal_unit_type));
         if (!options.nals)
             fmt::print("{}", show_fields(walked));
-    }
-
-    rbsp_bytes decode_rbsp(const unit& u)
-    {
-        if (block.size() < u.length)
-            block.resize(u.length);
-        return {block.data(), feeder.reader().block_decode(block.data(), block.size())};
     }
 
     void complain(std::uint64_t offset, const std::string& what)
@@ -76,7 +68,7 @@ private:
     const std::string& input_name;
     piece_feeder& feeder;
     stream_walker walker;
-    std::vector<unsigned char> block;
+    rbsp_decoder decoder; // for the sizes
     std::uint64_t lines = 0;
     exit_status status = exit_clean;
 };

@@ -146,4 +146,10 @@ std::string matrix_coefficients_name(std::uint8_t matrix_coefficients)
     return find_name(names, matrix_coefficients);
 }
 
+std::string payload_type_name(brenik::h264_nal_sei_payload_type type)
+{
+    const std::string_view name = brenik::h264_nal_sei_payload_type_to_str(type);
+    return name.empty() ? fmt::format("payloadType {}", static_cast<std::uint32_t>(type)) : std::string(name);
+}
+
 } // namespace orv_h264

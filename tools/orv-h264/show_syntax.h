@@ -1,8 +1,9 @@
 // The fields of parsed structures as lines, in the order of their syntax.
 #pragma once
 
-#include "field_printer.h"
-#include "stream_walker.h"
+#include "walked_unit.h"
+
+#include <string>
 
 namespace orv_h264 {
 

@@ -1,29 +1,35 @@
 #include "stream_walker.h"
 
-#include <iterator>
-#include <string_view>
-#include <utility>
+#include "pic_timing_lengths.h"
 
-#include <fmt/format.h>
+#include <iterator>
 
 namespace orv_h264 {
 
 namespace {
 
-constexpr std::uint32_t most_entries = 128; // in every array whose size a unit tells
+using bitreader = brenik::h2645_common_bitreader;
 
-/// Runs `parse` on the RBSP and takes down how it went.
+/// Runs `parse` on `bytes`, of which the first `trusted` are known for sure, and tells how it went.
 template <typename Parse>
-void attempt(walked_unit& unit, rbsp_bytes rbsp, Parse parse)
+parse_outcome attempt(rbsp_bytes bytes, std::size_t trusted, Parse parse)
 {
-    brenik::h2645_common_bitreader br(rbsp.data(), rbsp.data() + rbsp.size());
+    parse_outcome outcome;
+    bitreader br(bytes.data(), bytes.data() + bytes.size());
     try {
-        unit.parsed = parse(br);
+        outcome.parsed = parse(br);
     } catch (const brenik::h2645_common_malformed_code& malformed) {
-        unit.malformed_code = malformed.bit_position();
+        outcome.malformed_code = malformed.bit_position();
     }
-    unit.bits = 8 * rbsp.size();
-    unit.bits_consumed = br.bits_consumed();
+    outcome.bits = 8 * trusted;
+    outcome.bits_consumed = br.bits_consumed();
+    return outcome;
+}
+
+template <typename Parse>
+parse_outcome attempt(rbsp_bytes bytes, Parse parse)
+{
+    return attempt(bytes, bytes.size(), parse);
 }
 
 /// Stores `set`; of more than `most` sets, the one with the highest id goes.
@@ -35,159 +41,165 @@ void store_bounded(brenik::h2645_common_base_store<T>& store, std::uint32_t id, 
         store.erase(std::prev(store.end())->first);
 }
 
-std::string count_above_cap(std::string_view name, std::uint64_t count)
+walked_unit walk_aud(rbsp_bytes rbsp)
 {
-    return fmt::format("{} asks for {} entries, more than {}", name, count, most_entries);
+    walked_unit unit;
+    auto& aud = unit.syntax.emplace<brenik::h264_nal_aud>();
+    unit.outcome = attempt(rbsp, [&](bitreader& br) { return aud.parse(br); });
+    return unit;
 }
 
-std::string hrd_problem(const char* name, bool present, const brenik::h264_hrd_parameters& hrd)
+/// The messages of an SEI RBSP, their payloads not yet parsed.
+walked_sei split_messages(rbsp_bytes rbsp)
 {
-    if (!present || hrd.valid)
-        return "";
-    return count_above_cap(fmt::format("cpb_cnt_minus1 of the {}", name), std::uint64_t{hrd.cpb_cnt_minus1} + 1);
+    walked_sei sei;
+    sei.rest = rbsp;
+    brenik::h264_nal_sei_reader reader(rbsp.data(), rbsp.data() + rbsp.size());
+    while (reader.next_message()) {
+        walked_message& message = sei.messages.emplace_back();
+        message.type = reader.payloadType;
+        message.stated_size = reader.payloadSize;
+        message.truncated = reader.truncated;
+        message.payload = {reader.payload, reader.payload_fence};
+        sei.rest = {reader.payload_fence, reader.fence};
+    }
+    return sei;
 }
 
-std::string count_problem(const brenik::h264_nal_sps& sps)
+/// The picture timing as the standard reads it; nothing when the library does the same.
+std::optional<walked_pic_timing::standard_reading> standard_reading(const walked_message& message)
 {
-    if (sps.pic_order_cnt_type == 1 && sps.num_ref_frames_in_pic_order_cnt_cycle > most_entries)
-        return count_above_cap("num_ref_frames_in_pic_order_cnt_cycle", sps.num_ref_frames_in_pic_order_cnt_cycle);
-    const brenik::h264_vui_parameters& vui = sps.vui;
-    const std::string nal_hrd = hrd_problem("NAL HRD", vui.nal_hrd_parameters_present_flag, vui.nal_hrd);
-    return nal_hrd.empty() ? hrd_problem("VCL HRD", vui.vcl_hrd_parameters_present_flag, vui.vcl_hrd) : nal_hrd;
-}
-
-std::string count_problem(const brenik::h264_nal_pps& pps)
-{
-    const std::uint64_t slice_groups = std::uint64_t{pps.num_slice_groups_minus1} + 1;
-    const std::uint64_t map_units = std::uint64_t{pps.pic_size_in_map_units_minus1} + 1;
-    if (pps.num_slice_groups_minus1 == 0)
-        return "";
-    if (pps.slice_group_map_type == 0 && slice_groups > most_entries)
-        return count_above_cap("num_slice_groups_minus1", slice_groups);
-    if (pps.slice_group_map_type == 2 && slice_groups - 1 > most_entries)
-        return count_above_cap("num_slice_groups_minus1", slice_groups - 1);
-    if (pps.slice_group_map_type == 6 && map_units > most_entries)
-        return count_above_cap("pic_size_in_map_units_minus1", map_units);
-    return "";
-}
-
-std::string count_problem(const brenik::h264_nal_aud&)
-{
-    return "";
-}
-
-std::string count_problem(std::monostate)
-{
-    return "";
+    const brenik::h264_nal_sei_pic_timing& read = std::get<walked_pic_timing>(message.syntax).read;
+    walked_pic_timing::standard_reading standard;
+    standard.outcome =
+        attempt(message.payload, [&](bitreader& br) { return parse_by_standard(standard.read, br, message.sps->vui); });
+    const bool same_delays = standard.read.cpb_removal_delay == read.cpb_removal_delay &&
+                             standard.read.dpb_output_delay == read.dpb_output_delay;
+    if (same_delays && standard.outcome.bits_consumed == message.outcome.bits_consumed)
+        return {};
+    return standard;
 }
 
 } // namespace
 
-std::string problem_of(const walked_unit& unit)
+walked_unit stream_walker::walk(brenik::h264_nal_reader& reader)
 {
-    if (std::holds_alternative<std::monostate>(unit.syntax))
-        return "";
-    const bool truncated = unit.bits_consumed > unit.bits;
-    if (unit.malformed_code)
-        return fmt::format("malformed Exp-Golomb code at bit {}{}", *unit.malformed_code,
-                           truncated ? ", truncated: it reads past the end" : "");
-    if (truncated)
-        return fmt::format("truncated: fields read past the end, {} bits of {}", unit.bits_consumed, unit.bits);
-    if (unit.parsed)
-        return "";
-    if (const auto* pps = std::get_if<brenik::h264_nal_pps>(&unit.syntax); pps != nullptr && !unit.sps_stored)
-        return fmt::format("picture parameter set {} names sequence parameter set {}, which is missing",
-                           pps->pic_parameter_set_id, pps->seq_parameter_set_id);
-    const std::string count = std::visit([](const auto& syntax) { return count_problem(syntax); }, unit.syntax);
-    return count.empty() ? "malformed trailing bits" : count;
+    switch (reader.nal.nal_unit_type) {
+    case brenik::h264_nal_unit_type_slice_non_idr:
+    case brenik::h264_nal_unit_type_slice_data_partition_a:
+    case brenik::h264_nal_unit_type_slice_idr:
+    case brenik::h264_nal_unit_type_slice_auxiliary:
+        return walk_slice(reader);
+    case brenik::h264_nal_unit_type_sei:
+        return walk_sei(decoder.whole(reader));
+    case brenik::h264_nal_unit_type_sps:
+        return walk_sps(decoder.whole(reader));
+    case brenik::h264_nal_unit_type_pps:
+        return walk_pps(decoder.whole(reader));
+    case brenik::h264_nal_unit_type_aud:
+        return walk_aud(decoder.whole(reader));
+    default:
+        return {};
+    }
 }
 
-walked_unit stream_walker::walk(const brenik::h264_nal& nal, rbsp_bytes rbsp)
+walked_unit stream_walker::walk_sps(rbsp_bytes rbsp)
 {
     walked_unit unit;
-    switch (nal.nal_unit_type) {
-    case brenik::h264_nal_unit_type_slice_non_idr:
-    case brenik::h264_nal_unit_type_slice_idr:
-        activate_from_slice(rbsp);
-        break;
-    case brenik::h264_nal_unit_type_sei:
-        activate_from_sei(rbsp);
-        break;
-    case brenik::h264_nal_unit_type_sps: {
-        auto& sps = unit.syntax.emplace<brenik::h264_nal_sps>();
-        attempt(unit, rbsp, [&](brenik::h2645_common_bitreader& br) { return sps.parse(br); });
-        if (unit.parsed)
-            keep(sps);
+    auto& sps = unit.syntax.emplace<brenik::h264_nal_sps>();
+    unit.outcome = attempt(rbsp, [&](bitreader& br) { return sps.parse(br); });
+    if (unit.outcome.parsed) {
+        store_bounded(spss, sps.seq_parameter_set_id, sps, most_sps);
+        if (!activated)
+            spss.set_current_id(sps.seq_parameter_set_id);
+    }
+    return unit;
+}
+
+walked_unit stream_walker::walk_pps(rbsp_bytes rbsp)
+{
+    walked_unit unit;
+    auto& pps = unit.syntax.emplace<brenik::h264_nal_pps>();
+    unit.outcome = attempt(rbsp, [&](bitreader& br) { return pps.parse(br, spss); });
+    unit.sps = spss.find(pps.seq_parameter_set_id);
+    if (unit.outcome.parsed)
+        store_bounded(ppss, pps.pic_parameter_set_id, pps, most_pps);
+    return unit;
+}
+
+walked_unit stream_walker::walk_slice(brenik::h264_nal_reader& reader)
+{
+    constexpr std::size_t first_size = 96; // bytes; few slice headers are longer
+    constexpr std::size_t growth = 4;
+    for (std::size_t size = first_size;; size *= growth) {
+        const rbsp_decoder::decoded head = decoder.head(reader, size);
+        walked_unit unit;
+        auto& slice = unit.syntax.emplace<brenik::h264_nal_slice_header>();
+        unit.outcome =
+            attempt(head.bytes, head.trusted(), [&](bitreader& br) { return slice.parse(br, spss, ppss, reader.nal); });
+        unit.pps = ppss.find(slice.pic_parameter_set_id);
+        unit.sps = unit.pps == nullptr ? nullptr : spss.find(unit.pps->seq_parameter_set_id);
+        const bool may_need_more = !unit.outcome.parsed || unit.outcome.truncated();
+        if (may_need_more && !head.whole)
+            continue;
+        if (unit.sps != nullptr && !unit.outcome.malformed_code)
+            activate(unit.pps->seq_parameter_set_id);
+        return unit;
+    }
+}
+
+walked_unit stream_walker::walk_sei(rbsp_bytes rbsp)
+{
+    walked_unit unit;
+    auto& sei = unit.syntax.emplace<walked_sei>(split_messages(rbsp));
+    for (walked_message& message : sei.messages)
+        walk_payload(message);
+    return unit;
+}
+
+void stream_walker::walk_payload(walked_message& message)
+{
+    const rbsp_bytes payload = message.payload;
+    switch (message.type) {
+    case brenik::h264_nal_sei_payload_type_buffering_period: {
+        auto& period = message.syntax.emplace<brenik::h264_nal_sei_buffering_period>();
+        message.outcome = attempt(payload, [&](bitreader& br) { return period.parse(br, spss); });
+        message.sps = spss.find(period.seq_parameter_set_id);
+        if (message.sps != nullptr && !message.outcome.malformed_code)
+            activate(period.seq_parameter_set_id);
         break;
     }
-    case brenik::h264_nal_unit_type_pps: {
-        auto& pps = unit.syntax.emplace<brenik::h264_nal_pps>();
-        attempt(unit, rbsp, [&](brenik::h2645_common_bitreader& br) { return pps.parse(br, spss); });
-        if (const brenik::h264_nal_sps* const sps = spss.find(pps.seq_parameter_set_id)) {
-            unit.sps_stored = true;
-            unit.chroma_format_idc = sps->chroma_format_idc;
-        }
-        if (unit.parsed)
-            keep(pps);
+    case brenik::h264_nal_sei_payload_type_pic_timing: {
+        auto& timing = message.syntax.emplace<walked_pic_timing>();
+        message.outcome = attempt(payload, [&](bitreader& br) { return timing.read.parse(br, spss); });
+        message.sps = spss.find(spss.current_id());
+        if (message.sps != nullptr)
+            timing.standard = standard_reading(message);
         break;
     }
-    case brenik::h264_nal_unit_type_aud: {
-        auto& aud = unit.syntax.emplace<brenik::h264_nal_aud>();
-        attempt(unit, rbsp, [&](brenik::h2645_common_bitreader& br) { return aud.parse(br); });
+    case brenik::h264_nal_sei_payload_type_pan_scan_rect: {
+        auto& pan_scan = message.syntax.emplace<brenik::h264_nal_sei_pan_scan_rect>();
+        message.outcome = attempt(payload, [&](bitreader& br) { return pan_scan.parse(br); });
+        break;
+    }
+    case brenik::h264_nal_sei_payload_type_user_data_unregistered: {
+        const auto& user_data = message.syntax.emplace<brenik::h264_nal_sei_user_data_unreg>(
+            payload.data(), payload.data() + payload.size());
+        message.outcome.parsed = user_data.uuid != nullptr;
+        break;
+    }
+    case brenik::h264_nal_sei_payload_type_recovery_point: {
+        auto& recovery = message.syntax.emplace<brenik::h264_nal_sei_recovery_point>();
+        message.outcome = attempt(payload, [&](bitreader& br) { return recovery.parse(br); });
         break;
     }
     default:
         break;
     }
-    return unit;
-}
-
-void stream_walker::keep(const brenik::h264_nal_sps& sps)
-{
-    store_bounded(spss, sps.seq_parameter_set_id, sps, most_sps);
-    if (!activated)
-        spss.set_current_id(sps.seq_parameter_set_id);
-}
-
-void stream_walker::keep(const brenik::h264_nal_pps& pps)
-{
-    store_bounded(ppss, pps.pic_parameter_set_id, pps, most_pps);
-}
-
-// A slice names its PPS in the third element of slice_header(), H.264 7.3.3.
-void stream_walker::activate_from_slice(rbsp_bytes rbsp)
-{
-    brenik::h2645_common_bitreader br(rbsp.data(), rbsp.data() + rbsp.size());
-    try {
-        br.ue(); // first_mb_in_slice
-        br.ue(); // slice_type
-        if (const brenik::h264_nal_pps* const pps = ppss.find(br.ue()))
-            activate(pps->seq_parameter_set_id);
-    } catch (const brenik::h2645_common_malformed_code&) {
-        // no PPS is named, and the current SPS stays
-    }
-}
-
-// A buffering period names its SPS in its first element, H.264 D.1.2.
-void stream_walker::activate_from_sei(rbsp_bytes rbsp)
-{
-    brenik::h264_nal_sei_reader sei(rbsp.data(), rbsp.data() + rbsp.size());
-    while (sei.next_message()) {
-        if (sei.payloadType != brenik::h264_nal_sei_payload_type_buffering_period)
-            continue;
-        brenik::h2645_common_bitreader br(sei.payload, sei.payload_fence);
-        try {
-            activate(br.ue());
-        } catch (const brenik::h2645_common_malformed_code&) {
-            // no SPS is named, and the current one stays
-        }
-    }
 }
 
 void stream_walker::activate(std::uint32_t sps_id)
 {
-    if (spss.find(sps_id) == nullptr)
-        return;
     spss.set_current_id(sps_id);
     activated = true;
 }

@@ -2,6 +2,7 @@
 
 #include "support/bit_writer.h"
 #include "support/stream_builder.h"
+#include "support/walked.h"
 
 #include <gtest/gtest.h>
 
@@ -14,12 +15,10 @@ using support::bit_writer;
 using support::bytes;
 
 /// The fields of a unit that is walked by itself.
-std::string fields_of(unsigned char header, bytes rbsp)
+std::string fields_of(unsigned char header, const bytes& rbsp)
 {
     orv_h264::stream_walker walker;
-    brenik::h264_nal nal;
-    nal.decode_header(header);
-    return orv_h264::show_fields(walker.walk(nal, rbsp));
+    return orv_h264::show_fields(support::walk(walker, header, rbsp));
 }
 
 std::vector<std::string> lines_of(const std::string& text)
@@ -217,18 +216,14 @@ TEST(ShowSyntax, ACutUnitWithScalingListsShowsNothingThatItDidNotCarry)
 std::string fields_of_pps(std::uint32_t chroma_format_idc, const bit_writer& start, const std::vector<bool>& tail)
 {
     orv_h264::stream_walker walker;
-    brenik::h264_nal nal;
-    nal.decode_header(support::sps);
-    bytes sps = sps_with_lists(chroma_format_idc).trailing_bits().bytes();
-    EXPECT_EQ(problem_of(walker.walk(nal, sps)), "");
+    const bytes sps = sps_with_lists(chroma_format_idc).trailing_bits().bytes();
+    EXPECT_EQ(support::problem_of(support::walk(walker, support::sps, sps)), "");
     bit_writer w = start;
     w.ue(0).ue(0).flag(false).u(2, 0).se(0).se(0).se(0).u(3, 0);
     for (const bool bit : tail)
         w.flag(bit);
-    bytes pps = w.trailing_bits().bytes();
-    nal.decode_header(support::pps);
-    const orv_h264::walked_unit unit = walker.walk(nal, pps);
-    EXPECT_EQ(problem_of(unit), "");
+    const orv_h264::walked_unit unit = support::walk(walker, support::pps, w.trailing_bits().bytes());
+    EXPECT_EQ(support::problem_of(unit), "");
     return orv_h264::show_fields(unit);
 }
 
@@ -283,7 +278,7 @@ TEST(ShowSyntax, ThePpsShowsAsManyScalingListFlagsAsItHas)
 
 TEST(ShowSyntax, UnitsWithoutReadSyntaxShowNothing)
 {
-    EXPECT_EQ(fields_of(support::idr_slice, bytes(20, 0x55)), "");
+    EXPECT_EQ(fields_of(support::header_byte(0, 12), bytes(20, 0xFF)), "");
 }
 
 } // namespace

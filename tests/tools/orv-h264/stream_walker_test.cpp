@@ -2,16 +2,17 @@
 
 #include "support/bit_writer.h"
 #include "support/stream_builder.h"
+#include "support/walked.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-using orv_h264::problem_of;
 using orv_h264::stream_walker;
 using orv_h264::walked_unit;
 using support::bit_writer;
 using support::bytes;
+using support::problem_of;
 
 /// An SPS of the Baseline profile up to and without its trailing bits. `vui` writes what follows the present flag.
 bit_writer baseline_sps(std::uint32_t id, bool vui_present = false)
@@ -38,20 +39,16 @@ bytes without_stop_bit(bit_writer rbsp)
     return made;
 }
 
+/// An I slice, IDR or not.
 bit_writer slice(std::uint32_t pps_id)
 {
     bit_writer w;
-    return w.ue(0).ue(7).ue(pps_id);
+    return w.ue(0).ue(7).ue(pps_id).u(32, 0xFFFFFFFF);
 }
 
 class StreamWalker : public testing::Test {
 protected:
-    walked_unit walk(unsigned char header, bytes rbsp)
-    {
-        brenik::h264_nal nal;
-        nal.decode_header(header);
-        return walker.walk(nal, rbsp);
-    }
+    walked_unit walk(unsigned char header, const bytes& rbsp) { return support::walk(walker, header, rbsp); }
 
     walked_unit walk(unsigned char header, bit_writer rbsp) { return walk(header, rbsp.trailing_bits().bytes()); }
 
@@ -80,12 +77,10 @@ TEST_F(StreamWalker, AParameterSetThatFailsIsNotStored)
 
 TEST_F(StreamWalker, UnitsOfOtherTypesHaveNoFieldsAndNoProblem)
 {
-    for (unsigned char type = 0; type < 32; ++type) {
-        if (type >= 7 && type <= 9)
-            continue;
-        const walked_unit unit = walk(type, bytes(40, 0));
-        EXPECT_TRUE(std::holds_alternative<std::monostate>(unit.syntax)) << int{type};
-        EXPECT_EQ(problem_of(unit), "") << int{type};
+    for (const unsigned int type : {0, 3, 4, 10, 11, 12, 13, 14, 15, 16, 17, 18, 20, 21, 22, 23, 24, 30, 31}) {
+        const walked_unit unit = walk(support::header_byte(0, type), bytes(40, 0));
+        EXPECT_TRUE(std::holds_alternative<std::monostate>(unit.syntax)) << type;
+        EXPECT_EQ(problem_of(unit), "") << type;
     }
 }
 
@@ -164,11 +159,9 @@ TEST_F(StreamWalker, ReadingPastTheEndIsAProblemEvenWhereTheParseSucceeded)
 {
     walked_unit unit;
     unit.syntax = brenik::h264_nal_aud();
-    unit.parsed = true;
-    unit.bits = 16;
-    unit.bits_consumed = 17;
+    unit.outcome = {.parsed = true, .bits = 16, .bits_consumed = 17, .malformed_code = {}};
     EXPECT_EQ(problem_of(unit), "truncated: fields read past the end, 17 bits of 16");
-    unit.bits_consumed = 16;
+    unit.outcome.bits_consumed = 16;
     EXPECT_EQ(problem_of(unit), "");
 }
 

@@ -1,0 +1,230 @@
+#include "names.h"
+#include "pic_timing_lengths.h"
+#include "show_structures.h"
+
+#include <algorithm>
+#include <string_view>
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+namespace orv_h264 {
+
+namespace {
+
+using timestamp_t = brenik::h264_nal_sei_pic_timing::timestamp_t;
+
+// Of the bytes of a payload this many are shown, as hex or as text.
+constexpr std::size_t most_hex_bytes = 16;
+constexpr std::size_t most_text_bytes = 1024;
+
+constexpr int message_depth = 2;
+
+std::string hex(rbsp_bytes bytes)
+{
+    const bool all = bytes.size() <= most_hex_bytes;
+    return fmt::format("{:02x}{}", fmt::join(bytes.first(all ? bytes.size() : most_hex_bytes), " "), all ? "" : " ...");
+}
+
+bool is_text(rbsp_bytes bytes)
+{
+    return !bytes.empty() &&
+           std::all_of(bytes.begin(), bytes.end(), [](unsigned char c) { return c >= ' ' && c <= '~'; });
+}
+
+/// Bytes as text where they are nothing else (the zero that ends a string aside), in hex otherwise.
+std::string text_or_hex(rbsp_bytes bytes)
+{
+    const rbsp_bytes string = bytes.first(bytes.size() - (!bytes.empty() && bytes.back() == 0 ? 1 : 0));
+    if (!is_text(string))
+        return hex(bytes);
+    const std::string_view text(reinterpret_cast<const char*>(string.data()), string.size());
+    return fmt::format("\"{}\"{}", text.substr(0, most_text_bytes), text.size() > most_text_bytes ? " ..." : "");
+}
+
+/// 8-4-4-4-12 hex digits.
+std::string uuid_text(const iso_iec_11578_uuid& uuid)
+{
+    std::string text = fmt::format("{:02x}", fmt::join(uuid.bytes, ""));
+    for (const std::size_t dash : {20U, 16U, 12U, 8U})
+        text.insert(dash, 1, '-');
+    return text;
+}
+
+std::string in_seconds(std::uint32_t ticks_90khz)
+{
+    return fmt::format("{:.6g} s", ticks_90khz / 90000.0);
+}
+
+void show_delays(field_printer& p, const char* hrd_name, const brenik::h264_hrd_parameters& hrd,
+                 const std::vector<std::uint32_t>& delays, const std::vector<std::uint32_t>& offsets)
+{
+    const unsigned int length = hrd.initial_cpb_removal_delay_length_minus1 + 1U;
+    p.line(hrd_name);
+    const field_printer::deeper indented(p);
+    for (std::size_t i = 0; i < offsets.size(); ++i) {
+        p.u(length, fmt::format("initial_cpb_removal_delay[{}]", i), delays[i], in_seconds(delays[i]));
+        p.u(length, fmt::format("initial_cpb_removal_delay_offset[{}]", i), offsets[i], in_seconds(offsets[i]));
+    }
+}
+
+// H.264 D.1.2, buffering_period()
+void show(field_printer& p, const brenik::h264_nal_sei_buffering_period& period, const walked_message& message)
+{
+    p.ue("seq_parameter_set_id", period.seq_parameter_set_id);
+    if (message.sps == nullptr)
+        return;
+    const brenik::h264_vui_parameters& vui = message.sps->vui;
+    if (vui.nal_hrd_parameters_present_flag)
+        show_delays(p, "NAL HRD", vui.nal_hrd, period.nal_initial_cpb_removal_delay,
+                    period.nal_initial_cpb_removal_delay_offset);
+    if (vui.vcl_hrd_parameters_present_flag)
+        show_delays(p, "VCL HRD", vui.vcl_hrd, period.vcl_initial_cpb_removal_delay,
+                    period.vcl_initial_cpb_removal_delay_offset);
+}
+
+void show_time_of_day(field_printer& p, const timestamp_t& t)
+{
+    if (!t.full_timestamp_flag)
+        p.flag("seconds_flag", t.seconds_flag);
+    if (!t.seconds_flag)
+        return;
+    p.u(6, "seconds_value", t.seconds_value);
+    if (!t.full_timestamp_flag)
+        p.flag("minutes_flag", t.minutes_flag);
+    if (!t.minutes_flag)
+        return;
+    p.u(6, "minutes_value", t.minutes_value);
+    if (!t.full_timestamp_flag)
+        p.flag("hours_flag", t.hours_flag);
+    if (t.hours_flag)
+        p.u(5, "hours_value", t.hours_value);
+}
+
+void show_timestamp(field_printer& p, const timestamp_t& t, unsigned int time_offset_length)
+{
+    const field_printer::deeper indented(p);
+    p.u(2, "ct_type", t.ct_type, t.ct_type_to_str());
+    p.flag("nuit_field_based_flag", t.nuit_field_based_flag);
+    p.u(5, "counting_type", t.counting_type);
+    p.flag("full_timestamp_flag", t.full_timestamp_flag);
+    p.flag("discontinuity_flag", t.discontinuity_flag);
+    p.flag("cnt_dropped_flag", t.cnt_dropped_flag);
+    p.u(8, "n_frames", t.n_frames);
+    show_time_of_day(p, t);
+    if (time_offset_length > 0)
+        p.i(time_offset_length, "time_offset", t.time_offset);
+    if (t.hours_flag)
+        p.derived(fmt::format("{:02}:{:02}:{:02}:{:02}", t.hours_value, t.minutes_value, t.seconds_value, t.n_frames));
+}
+
+std::string length_note(unsigned int read, unsigned int standard)
+{
+    return read == standard ? "" : fmt::format("read as {} bits, in H.264 {}", read, standard);
+}
+
+// H.264 D.1.3, pic_timing()
+void show(field_printer& p, const brenik::h264_nal_sei_pic_timing& timing, const brenik::h264_vui_parameters& vui,
+          const pic_timing_lengths& lengths)
+{
+    const pic_timing_lengths standard = standard_lengths(vui);
+    if (vui.nal_hrd_parameters_present_flag || vui.vcl_hrd_parameters_present_flag) {
+        p.u(lengths.cpb_removal_delay, "cpb_removal_delay", timing.cpb_removal_delay,
+            length_note(lengths.cpb_removal_delay, standard.cpb_removal_delay));
+        p.u(lengths.dpb_output_delay, "dpb_output_delay", timing.dpb_output_delay,
+            length_note(lengths.dpb_output_delay, standard.dpb_output_delay));
+    }
+    if (!vui.pic_struct_present_flag)
+        return;
+    p.u(4, "pic_struct", timing.pic_struct, timing.pic_struct_to_str());
+    for (std::size_t i = 0; i < timing.timestamps.size(); ++i) {
+        p.flag(fmt::format("clock_timestamp_flag[{}]", i), timing.timestamps[i].clock_timestamp_flag);
+        if (timing.timestamps[i].clock_timestamp_flag)
+            show_timestamp(p, timing.timestamps[i], lengths.time_offset);
+    }
+}
+
+void show(std::string& lines, const walked_pic_timing& timing, const walked_message& message)
+{
+    if (message.sps == nullptr)
+        return;
+    const brenik::h264_vui_parameters& vui = message.sps->vui;
+    field_printer as_read(lines, last_known_bit(message.outcome), message_depth);
+    show(as_read, timing.read, vui, library_lengths(vui));
+    if (!timing.standard)
+        return;
+    as_read.line("= as H.264 reads it");
+    field_printer by_standard(lines, last_known_bit(timing.standard->outcome), message_depth + 1);
+    show(by_standard, timing.standard->read, vui, standard_lengths(vui));
+}
+
+// H.264 D.1.4, pan_scan_rect()
+void show(field_printer& p, const brenik::h264_nal_sei_pan_scan_rect& pan_scan, const walked_message&)
+{
+    p.ue("pan_scan_rect_id", pan_scan.pan_scan_rect_id);
+    p.flag("pan_scan_rect_cancel_flag", pan_scan.pan_scan_rect_cancel_flag);
+    if (pan_scan.pan_scan_rect_cancel_flag)
+        return;
+    p.ue("pan_scan_cnt_minus1", pan_scan.pan_scan_cnt_minus1);
+    for (std::size_t i = 0; i < pan_scan.rects.size(); ++i) {
+        p.se(fmt::format("pan_scan_rect_left_offset[{}]", i), pan_scan.rects[i].pan_scan_rect_left_offset);
+        p.se(fmt::format("pan_scan_rect_right_offset[{}]", i), pan_scan.rects[i].pan_scan_rect_right_offset);
+        p.se(fmt::format("pan_scan_rect_top_offset[{}]", i), pan_scan.rects[i].pan_scan_rect_top_offset);
+        p.se(fmt::format("pan_scan_rect_bottom_offset[{}]", i), pan_scan.rects[i].pan_scan_rect_bottom_offset);
+    }
+    p.ue("pan_scan_rect_repetition_period", pan_scan.pan_scan_rect_repetition_period);
+}
+
+// H.264 D.1.7, user_data_unregistered()
+void show(field_printer& p, const brenik::h264_nal_sei_user_data_unreg& user_data, const walked_message& message)
+{
+    if (user_data.uuid == nullptr) {
+        p.line(fmt::format("payload {}", hex(message.payload)));
+        return;
+    }
+    const std::string_view name = brenik::h264_uuid_to_str(*user_data.uuid);
+    p.line(fmt::format("uuid_iso_iec_11578 {}{}", uuid_text(*user_data.uuid),
+                       name.empty() ? "" : fmt::format(" ({})", name)));
+    p.line(fmt::format("user_data {}", text_or_hex({user_data.payload, user_data.payload_fence})));
+}
+
+// H.264 D.1.8, recovery_point()
+void show(field_printer& p, const brenik::h264_nal_sei_recovery_point& recovery, const walked_message&)
+{
+    p.ue("recovery_frame_cnt", recovery.recovery_frame_cnt);
+    p.flag("exact_match_flag", recovery.exact_match_flag);
+    p.flag("broken_link_flag", recovery.broken_link_flag);
+    p.u(2, "changing_slice_group_idc", recovery.changing_slice_group_idc);
+}
+
+// A payload whose syntax is not read
+void show(field_printer& p, std::monostate, const walked_message& message)
+{
+    if (!message.payload.empty())
+        p.line(fmt::format("payload {}", hex(message.payload)));
+}
+
+template <typename Payload>
+void show(std::string& lines, const Payload& payload, const walked_message& message)
+{
+    field_printer printer(lines, last_known_bit(message.outcome), message_depth);
+    show(printer, payload, message);
+}
+
+} // namespace
+
+// H.264 7.3.2.3.1, sei_message()
+void show_messages(std::string& lines, const walked_sei& sei)
+{
+    field_printer heads(lines);
+    for (const walked_message& message : sei.messages) {
+        const std::string_view name = brenik::h264_nal_sei_payload_type_to_str(message.type);
+        heads.line(fmt::format("sei_message payloadType {}{}, payloadSize {}{}",
+                               static_cast<std::uint32_t>(message.type), name.empty() ? "" : fmt::format(" ({})", name),
+                               message.stated_size,
+                               message.truncated ? fmt::format(", truncated to {}", message.payload.size()) : ""));
+        std::visit([&](const auto& payload) { show(lines, payload, message); }, message.syntax);
+    }
+}
+
+} // namespace orv_h264
