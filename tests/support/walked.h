@@ -3,7 +3,7 @@
 #pragma once
 
 #include "support/guarded_buffer.h"
-#include "support/written.h"
+#include "support/stream_builder.h"
 
 #include "stream_walker.h"
 
@@ -25,11 +25,15 @@ public:
     brenik::h264_nal_reader& operator*() { return reader; }
 
 private:
-    static bytes framed(unsigned char header, const bytes& rbsp)
+    static bytes framed(unsigned char header, bytes rbsp)
     {
-        written unit(brenik::nalfmt_length4, 2 * rbsp.size() + 16);
-        unit.encode(header, rbsp);
-        return unit.output();
+        bytes out(2 * rbsp.size() + 16);
+        brenik::h264_nal_writer writer(out.data(), out.data(), out.data() + out.size(), brenik::nalfmt_length4);
+        brenik::h264_nal nal;
+        nal.decode_header(header);
+        writer.block_encode(rbsp.data(), rbsp.size(), nal, 0);
+        out.resize(writer.data_length());
+        return out;
     }
 
     guarded_buffer buffer;

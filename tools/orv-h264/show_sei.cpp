@@ -175,17 +175,23 @@ void show(field_printer& p, const brenik::h264_nal_sei_pan_scan_rect& pan_scan, 
     p.ue("pan_scan_rect_repetition_period", pan_scan.pan_scan_rect_repetition_period);
 }
 
+// A payload whose syntax is not read
+void show(field_printer& p, std::monostate, const walked_message& message)
+{
+    if (!message.payload.empty())
+        p.line(fmt::format("payload {}", hex(message.payload)));
+}
+
 // H.264 D.1.7, user_data_unregistered()
 void show(field_printer& p, const brenik::h264_nal_sei_user_data_unreg& user_data, const walked_message& message)
 {
-    if (user_data.uuid == nullptr) {
-        p.line(fmt::format("payload {}", hex(message.payload)));
-        return;
-    }
+    if (user_data.uuid == nullptr)
+        return show(p, std::monostate(), message);
     const std::string_view name = brenik::h264_uuid_to_str(*user_data.uuid);
     p.line(fmt::format("uuid_iso_iec_11578 {}{}", uuid_text(*user_data.uuid),
                        name.empty() ? "" : fmt::format(" ({})", name)));
-    p.line(fmt::format("user_data {}", text_or_hex({user_data.payload, user_data.payload_fence})));
+    if (user_data.payload != user_data.payload_fence)
+        p.line(fmt::format("user_data {}", text_or_hex({user_data.payload, user_data.payload_fence})));
 }
 
 // H.264 D.1.8, recovery_point()
@@ -195,13 +201,6 @@ void show(field_printer& p, const brenik::h264_nal_sei_recovery_point& recovery,
     p.flag("exact_match_flag", recovery.exact_match_flag);
     p.flag("broken_link_flag", recovery.broken_link_flag);
     p.u(2, "changing_slice_group_idc", recovery.changing_slice_group_idc);
-}
-
-// A payload whose syntax is not read
-void show(field_printer& p, std::monostate, const walked_message& message)
-{
-    if (!message.payload.empty())
-        p.line(fmt::format("payload {}", hex(message.payload)));
 }
 
 template <typename Payload>
