@@ -67,6 +67,72 @@ TEST(Inspect, AUnitThatDoesNotParseIsReportedAndShownAsFarAsItGoes)
     EXPECT_EQ(result.status, 1);
 }
 
+TEST(Inspect, ARealStreamShowsItsSliceHeadersAndSeiMessages)
+{
+    const tool_result result =
+        run_tool({"inspect", "--only", "1-6", "--limit", "3", ORV_TEST_STREAMS "/pulldown32.264"});
+    const std::string user_data =
+        "    sei_message payloadType 5 (user_data_unregistered), payloadSize 680\n"
+        "        uuid_iso_iec_11578 dc45e9bd-e6d9-48b7-962c-d820d923eeef (libx264 debug info)\n"
+        "        user_data \"x264 - core 164 ";
+    const std::string timing = "    sei_message payloadType 1 (pic_timing), payloadSize 1\n"
+                               "        pic_struct 5 (Top field, bottom field, top field repeated, in that order)\n"
+                               "        clock_timestamp_flag[0] 0\n"
+                               "        clock_timestamp_flag[1] 0\n"
+                               "        clock_timestamp_flag[2] 0\n";
+    const std::string slice = "slice_layer_without_partitioning_rbsp()\n"
+                              "    first_mb_in_slice 0\n"
+                              "    slice_type 7 (I)\n"
+                              "    pic_parameter_set_id 0\n"
+                              "    frame_num 0\n"
+                              "    idr_pic_id 0\n"
+                              "    pic_order_cnt_lsb 0\n"
+                              "    = IDR picture\n";
+    EXPECT_NE(result.out.find(user_data), std::string::npos) << result.out;
+    EXPECT_NE(result.out.find(timing), std::string::npos) << result.out;
+    EXPECT_NE(result.out.find(slice), std::string::npos) << result.out;
+    EXPECT_EQ(result.err, "");
+    EXPECT_EQ(result.status, 0);
+}
+
+TEST(Inspect, TimingThatDepartsFromTheStandardSaysSoAndIsNoProblem)
+{
+    const tool_result result =
+        run_tool({"inspect", "--only", "6", "--limit", "3", ORV_TEST_STREAMS "/hrd_vbr_aud.264"});
+    EXPECT_NE(result.out.find("        cpb_removal_delay 16 (read as 19 bits, in H.264 10)\n"
+                              "        = as H.264 reads it\n"
+                              "            cpb_removal_delay 0\n"
+                              "            dpb_output_delay 4\n"),
+              std::string::npos)
+        << result.out;
+    EXPECT_EQ(result.err, "");
+    EXPECT_EQ(result.status, 0);
+}
+
+TEST(Inspect, EachProblemOfAnSeiUnitIsReportedWithTheOffsetOfTheUnit)
+{
+    const temporary_file file(
+        stream_builder().zeros(1).annexb_unit(aud, {0x50}).annexb_unit(6, {6, 1, 0x01, 1, 1, 0x55, 7}));
+    const tool_result result = run_tool({"inspect", "--only", "9", file.path()});
+    const std::string where = "orv-h264: " + file.path() + ": offset 6: ";
+    EXPECT_EQ(result.err, where +
+                              "SEI message 0 (recovery_point): truncated: fields read past the end, 19 bits of 8\n" +
+                              where + "SEI message 1 (pic_timing): no sequence parameter set is active\n" + where +
+                              "malformed trailing bits\n");
+    EXPECT_EQ(result.status, 1);
+}
+
+TEST(Inspect, ASliceBeforeItsParameterSetsIsReported)
+{
+    const tool_result result = run_tool({"inspect", "--limit", "1", ORV_TEST_STREAMS "/broken_cut.264"});
+    EXPECT_NE(result.err.find(": offset 215: slice names picture parameter set 0, which is missing\n"),
+              std::string::npos)
+        << result.err;
+    EXPECT_NE(result.out.find("    pic_parameter_set_id 0\n"), std::string::npos) << result.out;
+    EXPECT_EQ(result.out.find("frame_num"), std::string::npos) << result.out;
+    EXPECT_EQ(result.status, 1);
+}
+
 TEST(Inspect, AProblemOfAUnitThatIsNotShownIsReportedAllTheSame)
 {
     const temporary_file file(three_units);
@@ -254,7 +320,7 @@ TEST(Inspect, TheExamplesOfTheHelpTextWork)
         EXPECT_EQ(run_tool(arguments, {.piped = support::read_file(movie)}).status, 0) << line;
         ++examples;
     }
-    EXPECT_EQ(examples, 4);
+    EXPECT_EQ(examples, 5);
 }
 
 TEST(Inspect, VersionIsPrinted)

@@ -66,6 +66,23 @@ walked_sei split_messages(rbsp_bytes rbsp)
     return sei;
 }
 
+/// Parses the payload as a `Payload`; `more` are further arguments of its parse.
+template <typename Payload, typename... Arguments>
+const Payload& read_payload(walked_message& message, const Arguments&... more)
+{
+    auto& payload = message.syntax.emplace<Payload>();
+    message.outcome = attempt(message.payload, [&](bitreader& br) { return payload.parse(br, more...); });
+    return payload;
+}
+
+void read_user_data(walked_message& message)
+{
+    const rbsp_bytes payload = message.payload;
+    const auto& user_data =
+        message.syntax.emplace<brenik::h264_nal_sei_user_data_unreg>(payload.data(), payload.data() + payload.size());
+    message.outcome.parsed = user_data.uuid != nullptr;
+}
+
 /// The picture timing as the standard reads it; nothing when the library does the same.
 std::optional<walked_pic_timing::standard_reading> standard_reading(const walked_message& message)
 {
@@ -159,43 +176,42 @@ walked_unit stream_walker::walk_sei(rbsp_bytes rbsp)
 
 void stream_walker::walk_payload(walked_message& message)
 {
-    const rbsp_bytes payload = message.payload;
     switch (message.type) {
-    case brenik::h264_nal_sei_payload_type_buffering_period: {
-        auto& period = message.syntax.emplace<brenik::h264_nal_sei_buffering_period>();
-        message.outcome = attempt(payload, [&](bitreader& br) { return period.parse(br, spss); });
-        message.sps = spss.find(period.seq_parameter_set_id);
-        if (message.sps != nullptr && !message.outcome.malformed_code)
-            activate(period.seq_parameter_set_id);
+    case brenik::h264_nal_sei_payload_type_buffering_period:
+        walk_buffering_period(message);
         break;
-    }
-    case brenik::h264_nal_sei_payload_type_pic_timing: {
-        auto& timing = message.syntax.emplace<walked_pic_timing>();
-        message.outcome = attempt(payload, [&](bitreader& br) { return timing.read.parse(br, spss); });
-        message.sps = spss.find(spss.current_id());
-        if (message.sps != nullptr)
-            timing.standard = standard_reading(message);
+    case brenik::h264_nal_sei_payload_type_pic_timing:
+        walk_pic_timing(message);
         break;
-    }
-    case brenik::h264_nal_sei_payload_type_pan_scan_rect: {
-        auto& pan_scan = message.syntax.emplace<brenik::h264_nal_sei_pan_scan_rect>();
-        message.outcome = attempt(payload, [&](bitreader& br) { return pan_scan.parse(br); });
+    case brenik::h264_nal_sei_payload_type_pan_scan_rect:
+        read_payload<brenik::h264_nal_sei_pan_scan_rect>(message);
         break;
-    }
-    case brenik::h264_nal_sei_payload_type_user_data_unregistered: {
-        const auto& user_data = message.syntax.emplace<brenik::h264_nal_sei_user_data_unreg>(
-            payload.data(), payload.data() + payload.size());
-        message.outcome.parsed = user_data.uuid != nullptr;
+    case brenik::h264_nal_sei_payload_type_user_data_unregistered:
+        read_user_data(message);
         break;
-    }
-    case brenik::h264_nal_sei_payload_type_recovery_point: {
-        auto& recovery = message.syntax.emplace<brenik::h264_nal_sei_recovery_point>();
-        message.outcome = attempt(payload, [&](bitreader& br) { return recovery.parse(br); });
+    case brenik::h264_nal_sei_payload_type_recovery_point:
+        read_payload<brenik::h264_nal_sei_recovery_point>(message);
         break;
-    }
     default:
         break;
     }
+}
+
+void stream_walker::walk_buffering_period(walked_message& message)
+{
+    const auto& period = read_payload<brenik::h264_nal_sei_buffering_period>(message, spss);
+    message.sps = spss.find(period.seq_parameter_set_id);
+    if (message.sps != nullptr && !message.outcome.malformed_code)
+        activate(period.seq_parameter_set_id);
+}
+
+void stream_walker::walk_pic_timing(walked_message& message)
+{
+    auto& timing = message.syntax.emplace<walked_pic_timing>();
+    message.outcome = attempt(message.payload, [&](bitreader& br) { return timing.read.parse(br, spss); });
+    message.sps = spss.find(spss.current_id());
+    if (message.sps != nullptr)
+        timing.standard = standard_reading(message);
 }
 
 void stream_walker::activate(std::uint32_t sps_id)

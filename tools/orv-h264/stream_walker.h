@@ -31,6 +31,8 @@ private:
     walked_unit walk_slice(brenik::h264_nal_reader& reader);
     walked_unit walk_sei(rbsp_bytes rbsp);
     void walk_payload(walked_message& message);
+    void walk_buffering_period(walked_message& message);
+    void walk_pic_timing(walked_message& message);
     void activate(std::uint32_t sps_id);
 
     rbsp_decoder decoder;
