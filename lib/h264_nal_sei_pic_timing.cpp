@@ -91,7 +91,7 @@ bool h264_nal_sei_pic_timing::parse(h2645_common_bitreader& br, const h264_nal_s
 
 bool h264_nal_sei_pic_timing::parse(h2645_common_bitreader& br, const h2645_common_base_store<h264_nal_sps>& sps_store)
 {
-    const bool none_is_current = sps_store.current_id() == sps_store.no_current_id;
+    const bool none_is_current = sps_store.current_id() == h2645_common_base_store<h264_nal_sps>::no_current_id;
     const h264_nal_sps* const sps = none_is_current ? nullptr : sps_store.find(sps_store.current_id());
     if (sps == nullptr)
         return valid = false;
