@@ -13,7 +13,7 @@ support::compared expect_same(const Parses& parses, typename Parses::structure& 
 {
     support::compared c = parses(object, bits);
     expect_none(c.difference);
-    expect(support::largest_array(c.after) <= 128, "no array has more than 128 entries");
+    expect(support::largest_array(c.after) <= support::most_entries<Parses>(), "no array has too many entries");
     if (c.end.threw)
         expect(c.before.at("valid") == c.after.at("valid"), "an exception leaves `valid` as it was");
     else if (c.end.result)

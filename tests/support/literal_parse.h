@@ -163,4 +163,13 @@ inline std::size_t largest_array(const named_values& fields)
     return largest;
 }
 
+/// The most entries that an array may have after a parse: the library's limit, or what `Parses` says.
+template <typename Parses>
+constexpr std::size_t most_entries()
+{
+    if constexpr (requires { Parses::most_entries; })
+        return Parses::most_entries;
+    return 128;
+}
+
 } // namespace support
