@@ -1,8 +1,10 @@
 // Parses that run out of memory. This program replaces the global operator new, so it is one of its own: the k-th call
 // while armed throws, for every k that a parse reaches.
+#include "support/literal_sei_parse.h"
 #include "support/parameter_set_fields.h"
 #include "support/parsed.h"
 #include "support/pps_builder.h"
+#include "support/sei_builder.h"
 #include "support/sps_builder.h"
 
 #include <gtest/gtest.h>
@@ -235,5 +237,74 @@ TEST(FailedAllocation, AScalingListMakesThePpsInvalid)
                 EXPECT_EQ(i + 6 < k, pps.pic_scaling_list_8x8[i].valid) << k;
                 EXPECT_EQ(i + 6 <= k, pps.pic_scaling_list_8x8[i].present) << k;
             }
+        }
+}
+
+TEST(FailedAllocation, ThePictureTimingKeepsItsTimestampsAndValid)
+{
+    const auto writer = support::written(support::full_pic_timing());
+    const support::guarded_buffer buffer(writer.made());
+    const h264_nal_sps sps = support::sps_with({{true}, {true}, true});
+    support::sei_sps_store store;
+    store.insert_or_assign(2, sps);
+    store.set_current_id(2);
+    for (const bool from_store : {false, true})
+        for (const std::size_t k : {std::size_t{0}, std::size_t{1}})
+            for (const bool valid : {false, true}) {
+                h2645_common_bitreader br = reader(buffer);
+                brenik::h264_nal_sei_pic_timing timing;
+                timing.valid = valid;
+                timing.timestamps.resize(2);
+                EXPECT_EQ(k == 1, with_failing_allocation(
+                                      k, [&] { return from_store ? timing.parse(br, store) : timing.parse(br, sps); }));
+                EXPECT_EQ(k == 1 || valid, timing.valid);
+                EXPECT_EQ(0xABCDEFU, timing.cpb_removal_delay);
+                EXPECT_EQ(0x123456U, timing.dpb_output_delay);
+                EXPECT_EQ(5, timing.pic_struct);
+                EXPECT_EQ(k == 1 ? 3U : 2U, timing.timestamps.size());
+                EXPECT_EQ(k == 1 ? writer.size_in_bits() : 24 + 24 + 4, br.bits_consumed());
+            }
+}
+
+TEST(FailedAllocation, TheBufferingPeriodKeepsTheArraysResizedBeforeItAndValid)
+{
+    support::buffering_period_description description;
+    description.nal = support::pairs_from(100, 3);
+    description.vcl = support::pairs_from(200, 2);
+    const auto writer = support::written(description);
+    const support::guarded_buffer buffer(writer.made());
+    const auto store = support::store_with({{0, {{true, 2}, {true, 1}, false}}});
+    for (std::size_t k = 0; k <= 4; ++k)
+        for (const bool valid : {false, true}) {
+            h2645_common_bitreader br = reader(buffer);
+            brenik::h264_nal_sei_buffering_period period;
+            period.valid = valid;
+            EXPECT_EQ(k == 4, with_failing_allocation(k, [&] { return period.parse(br, store); })) << k;
+            EXPECT_EQ(k == 4 || valid, period.valid) << k;
+            EXPECT_EQ(k > 0 ? 3U : 0U, period.nal_initial_cpb_removal_delay.size()) << k;
+            EXPECT_EQ(k > 1 ? 3U : 0U, period.nal_initial_cpb_removal_delay_offset.size()) << k;
+            EXPECT_EQ(k > 2 ? 2U : 0U, period.vcl_initial_cpb_removal_delay.size()) << k;
+            EXPECT_EQ(k > 3 ? 2U : 0U, period.vcl_initial_cpb_removal_delay_offset.size()) << k;
+            EXPECT_EQ(k < 2 ? 1U : k < 4 ? 1 + 6 * 24U : writer.size_in_bits(), br.bits_consumed()) << k;
+        }
+}
+
+TEST(FailedAllocation, ThePanScanRectKeepsItsRectsAndValid)
+{
+    const auto writer = support::written(support::pan_scan_of(5));
+    const support::guarded_buffer buffer(writer.made());
+    for (const std::size_t k : {std::size_t{0}, std::size_t{1}})
+        for (const bool valid : {false, true}) {
+            h2645_common_bitreader br = reader(buffer);
+            brenik::h264_nal_sei_pan_scan_rect pan_scan;
+            pan_scan.valid = valid;
+            pan_scan.rects.resize(2);
+            EXPECT_EQ(k == 1, with_failing_allocation(k, [&] { return pan_scan.parse(br); }));
+            EXPECT_EQ(k == 1 || valid, pan_scan.valid);
+            EXPECT_EQ(300U, pan_scan.pan_scan_rect_id);
+            EXPECT_EQ(4U, pan_scan.pan_scan_cnt_minus1);
+            EXPECT_EQ(k == 1 ? 5U : 2U, pan_scan.rects.size());
+            EXPECT_EQ(k == 1 ? 20000U : 0U, pan_scan.pan_scan_rect_repetition_period);
+            EXPECT_EQ(k == 1 ? writer.size_in_bits() : writer.elements()[3].position, br.bits_consumed());
         }
 }
