@@ -375,6 +375,121 @@ def pps_seeds():
     return seeds
 
 
+def sei_sps(nal=None, vcl=None, pic_struct=True):
+    """An HRD is (CPBs less one, length of the initial delay less one, length of the time offset)."""
+    present = (nal is not None) | (vcl is not None) << 1 | pic_struct << 2
+    return bytes([present, *(nal or (0, 23, 24)), *(vcl or (0, 23, 24))])
+
+
+def timestamp(time_of_day, offset, ct_type=1, full=0):
+    return "1" + u(2, ct_type) + "1" + u(5, 4) + u(1, full) + "10" + u(8, 200) + time_of_day + offset
+
+
+def pic_timing_seeds():
+    def seed(sps, *texts, source=0, options=0):
+        return bytes([source]) + sps + in_a_row(*(bits(text) for text in texts), options=options)
+
+    both = sei_sps((0, 23, 24), (0, 15, 5))
+    delays, offset = u(24, 0xABCDEF, 0x123456), u(24, 2**24 - 1000)
+    clock = u(6, 59, 58) + u(5, 23)
+    full = timestamp(clock, offset, full=1)
+    part = timestamp("1" + u(6, 40) + "0", offset)
+    hours = timestamp("1" + u(6, 40) + "1" + u(6, 50) + "1" + u(5, 20), offset)
+    seeds = {f"pic_struct_{k}": seed(sei_sps(), u(4, k) + part * 3) for k in range(16)}
+    seeds |= {
+        "empty": b"",
+        "full": seed(both, delays + u(4, 5) + full * 3),
+        "three_then_two": seed(both, delays + u(4, 6) + full * 3, delays + u(4, 3), options=1),
+        "three_then_none": seed(both, delays + u(4, 8) + hours + "0" + full, options=1),
+        "delays_alone": seed(sei_sps((0, 7, 24), pic_struct=False), u(24, 1, 2)),
+        "nothing": seed(sei_sps(pic_struct=False), delays),
+        "current": seed(both, delays + u(4, 0) + hours, source=1),
+        "absent": seed(both, delays, source=2),
+        "none_current": seed(both, delays, source=3),
+        "from_within_a_byte": seed(sei_sps(), "111" + u(4, 4) + "0" + full, options=6),
+        "behind_the_end": seed(both, u(24, 1), options=120),
+    }
+    for length in (0, 1, 31, 32, 33, 255):
+        sps = sei_sps((0, 23, length), (0, 23, 0))
+        for first in "01":
+            text = delays + u(4, 0) + timestamp("0", first + "10" * 127)
+            seeds[f"time_offset_{length}_{first}"] = seed(sps, text)
+    for length in (0, 24, 25, 31, 32, 254, 255):
+        seeds[f"delay_length_minus1_{length}"] = seed(sei_sps(vcl=(0, length, 0), nal=(0, 0, 0)), "1001" * 100)
+    return seeds
+
+
+def buffering_period_seeds():
+    def seed(spss, *texts, options=0):
+        stored = b"".join(bytes([sps_id]) + sps for sps_id, sps in spss)
+        return bytes([len(spss)]) + stored + in_a_row(*(bits(text) for text in texts), options=options)
+
+    three, two = (2, 23, 24), (1, 9, 24)
+    pairs = u(24, *range(1000, 1006))
+    both = ue(0) + pairs + u(10, 1, 2, 3, 4)
+    seeds = {
+        "empty": b"",
+        "neither": seed([(0, sei_sps())], ue(0)),
+        "nal": seed([(0, sei_sps(three))], ue(0) + pairs),
+        "vcl": seed([(0, sei_sps(None, two))], ue(0) + u(10, 5, 6, 7, 8)),
+        "both": seed([(0, sei_sps(three, two))], both),
+        "more_then_fewer": seed([(0, sei_sps(three, two)), (1, sei_sps((0, 3, 0)))], both, ue(1) + u(4, 9, 3), options=1),
+        "absent": seed([(0, sei_sps(three, two))], both, ue(7)),
+        "none_stored": seed([], ue(0)),
+        "largest_id": seed([(3, sei_sps())], ue(2**32 - 2)),
+        "truncated": seed([(0, sei_sps(three, two))], ue(0) + u(24, 5)),
+        "malformed": seed([(0, sei_sps(three, two))], both, "0" * 32 + "1"),
+        "nal_128": seed([(0, sei_sps((127, 3, 0)))], ue(0) + "1001" * 256),
+        "vcl_128": seed([(0, sei_sps(None, (127, 3, 0)))], ue(0) + "1001" * 256),
+        "from_within_a_byte": seed([(0, sei_sps(three, two))], "11111" + both, options=10),
+    }
+    for count in (128, 255):
+        seeds[f"nal_count_minus1_{count}"] = seed([(0, sei_sps((count, 3, 0), two))], ue(0) + "1001" * 20)
+        seeds[f"vcl_count_minus1_{count}"] = seed([(0, sei_sps(three, (count, 3, 0)))], both)
+    for length in (0, 24, 25, 31, 32, 255):
+        seeds[f"delay_length_minus1_{length}"] = seed([(0, sei_sps((1, length, 0)))], ue(0) + "1001" * 200)
+    return seeds
+
+
+def pan_scan_rect_seeds():
+    def text(count, cnt_minus1=None, cancel="0"):
+        offsets = "".join(se(k) + se(-k) + se(3) + se(-4) for k in range(count))
+        return ue(9) + cancel + ue(count - 1 if cnt_minus1 is None else cnt_minus1) + offsets + ue(20000)
+
+    return {
+        "empty": b"",
+        "one": in_a_row(bits(text(1))),
+        "three_then_one": in_a_row(bits(text(3)), bits(text(1)), options=1),
+        "three_then_cancelled": in_a_row(bits(text(3)), bits(text(1, cancel="1"))),
+        "count_128": in_a_row(bits(ue(0) + "0" + ue(127) + se(1) * 512 + ue(1))),
+        "count_129": in_a_row(bits(text(2)), bits(text(2, 128))),
+        "largest_count": in_a_row(bits(text(2)), bits(text(1, 2**32 - 2)), options=1),
+        "largest_values": in_a_row(bits(ue(2**32 - 2) + "0" + ue(0) + se(2**31 - 1) + se(1 - 2**31) * 3 + ue(2**32 - 2))),
+        "truncated": in_a_row(bits(text(3))[:7]),
+        "malformed": in_a_row(bits(text(2)), bits(ue(9) + "0" + ue(1) + se(4) + "0" * 32 + "1")),
+    }
+
+
+def recovery_point_seeds():
+    seeds = {f"flags_{k}": in_a_row(bits(ue(k) + u(4, k)), options=k % 2) for k in range(16)}
+    return seeds | {
+        "empty": b"",
+        "broken_link": in_a_row(b"\xb0"),
+        "largest_count": in_a_row(bits(ue(2**32 - 2) + "1111")),
+        "truncated": in_a_row(bits(ue(5))),
+        "malformed": in_a_row(b"\xb0", bits("0" * 32 + "1")),
+        "behind_the_end": in_a_row(b"\xff", options=122),
+    }
+
+
+def user_data_unreg_seeds():
+    known = bytes.fromhex("dc45e9bde6d948b7962cd820d923eeef")
+    payloads = {"known": known + b"core 1", "known_alone": known, "short": known[:15], "other": known[:15] + b"\xee\x01"}
+    payloads["other_first"] = b"\xdd" + known[1:]
+    seeds = {f"{k}_then_{j}": bytes([len(a)]) + a + b for k, a in payloads.items() for j, b in payloads.items()}
+    return seeds | {"empty": b""}
+
+
 def main():
     all_seeds = {
         "bitreader": bitreader_seeds(),
@@ -385,7 +500,12 @@ def main():
         "nal_sps": sps_seeds(),
         "nal_writer": writer_seeds(),
         "piece_feeder": feeder_seeds(),
+        "sei_buffering_period": buffering_period_seeds(),
+        "sei_pan_scan_rect": pan_scan_rect_seeds(),
+        "sei_pic_timing": pic_timing_seeds(),
         "sei_reader": sei_seeds(),
+        "sei_recovery_point": recovery_point_seeds(),
+        "sei_user_data_unreg": user_data_unreg_seeds(),
         "scaling_list": scaling_list_seeds(),
         "vui_parameters": vui_seeds(),
     }

@@ -22,9 +22,10 @@ support::compared expect_same(const Parses& parses, typename Parses::structure& 
 }
 
 /// One object, and structures that are parsed into it one after another. The input has for each a byte of options, of
-/// which bit 0 clears `valid` before and bits 1 to 6 say the first bit, a length byte, and the data.
+/// which bit 0 clears `valid` before and bits 1 to 6 say the first bit, a length byte, and the data. The object in the
+/// end.
 template <typename Parses>
-void expect_same_in_a_row(input& from, const Parses& parses)
+typename Parses::structure expect_same_in_a_row(input& from, const Parses& parses)
 {
     typename Parses::structure object;
     for (bool more = true; more;) {
@@ -36,6 +37,7 @@ void expect_same_in_a_row(input& from, const Parses& parses)
             object.valid = false;
         expect_same(parses, object, {block.begin(), block.end(), static_cast<unsigned char>(options / 2 % 64)});
     }
+    return object;
 }
 
 } // namespace fuzz

@@ -1,0 +1,9 @@
+// The parse of recovery point messages against the literal parse. Input: see expect_same_in_a_row().
+#include "sei_sps.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    fuzz::input input(data, size);
+    fuzz::expect_same_in_a_row(input, support::recovery_point_parses());
+    return 0;
+}
