@@ -386,6 +386,15 @@ TEST(PicTiming, ATimeOffsetOfNoBitsKeepsItsValue)
     EXPECT_EQ(0U, consumed);
 }
 
+TEST(PicTiming, ANewSpsHasNoTimeOffset)
+{
+    h264_nal_sps sps;
+    sps.vui.pic_struct_present_flag = true;
+    const parsed_timing p(head_of_timestamp().flag(false).u(32, ~0ULL), full(), sps);
+    EXPECT_EQ(-1000, p->timestamps.at(0).time_offset);
+    EXPECT_EQ(head_bits + 1, p.consumed());
+}
+
 TEST(PicTiming, TheLongerTimeOffsetCountsWhicheverHrdIsPresent)
 {
     pic_timing_description timing;
