@@ -138,18 +138,17 @@ static_assert(std::is_same_v<decltype(&user_data::set_ptr), void (user_data::*)(
 
 namespace {
 
-/// Whether `T{}` on dirty memory has nothing but zeros, falses and empty arrays.
+/// Whether every field is zero, false or without entries; of a record in an array, the entry is.
 template <typename T>
-bool made_of_zeros()
+bool is_zero(const T& object)
 {
-    const support::made_on_dirty_memory<T> object;
-    for (const support::value& field : support::fields_of(*object).values)
-        if (field != support::value{})
+    for (const support::value& field : support::fields_of(object).values)
+        if (field != support::value{} && field != support::value{0, {0}})
             return false;
     return true;
 }
 
-/// An object that holds a `T{}` made on dirty memory.
+/// An object that holds one record.
 timing holding(const timestamp& one)
 {
     timing made;
@@ -164,31 +163,32 @@ pan_scan holding(const rect& one)
     return made;
 }
 
-template <typename T>
-bool a_record_made_of_zeros()
+template <support::made_with How>
+void expect_zeros()
 {
-    const support::made_on_dirty_memory<T> record;
-    for (const support::value& field : support::fields_of(holding(*record)).values)
-        if (field != support::value{} && field != support::value{0, {0}})
-            return false;
-    return true;
+    EXPECT_TRUE(is_zero(*support::made_on_dirty_memory<timing, How>()));
+    EXPECT_TRUE(is_zero(*support::made_on_dirty_memory<period, How>()));
+    EXPECT_TRUE(is_zero(*support::made_on_dirty_memory<pan_scan, How>()));
+    EXPECT_TRUE(is_zero(*support::made_on_dirty_memory<recovery, How>()));
+    EXPECT_TRUE(is_zero(holding(*support::made_on_dirty_memory<timestamp, How>())));
+    EXPECT_TRUE(is_zero(holding(*support::made_on_dirty_memory<rect, How>())));
+    const support::made_on_dirty_memory<user_data, How> data;
+    EXPECT_TRUE(data->uuid == nullptr && data->payload == nullptr && data->payload_fence == nullptr);
 }
 
 } // namespace
 
 TEST(SeiLayout, AnEmptyBraceMakesZerosFalsesAndEmpties)
 {
-    EXPECT_TRUE(made_of_zeros<timing>());
-    EXPECT_TRUE(made_of_zeros<period>());
-    EXPECT_TRUE(made_of_zeros<pan_scan>());
-    EXPECT_TRUE(made_of_zeros<recovery>());
-    EXPECT_TRUE(a_record_made_of_zeros<timestamp>());
-    EXPECT_TRUE(a_record_made_of_zeros<rect>());
-    const support::made_on_dirty_memory<user_data> data;
-    EXPECT_TRUE(data->uuid == nullptr && data->payload == nullptr && data->payload_fence == nullptr);
+    expect_zeros<support::made_with::braces>();
     const support::made_on_dirty_memory<uuid> id;
     for (const unsigned char byte : id->bytes)
         EXPECT_EQ(0, byte);
+}
+
+TEST(SeiLayout, EveryMemberHasItsInitialiser)
+{
+    expect_zeros<support::made_with::no_braces>();
 }
 
 TEST(SeiLayout, EveryMemberIsAmongTheFieldsThatTestsCompare)
