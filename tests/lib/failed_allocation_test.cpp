@@ -5,6 +5,8 @@
 #include "support/parsed.h"
 #include "support/pps_builder.h"
 #include "support/sei_builder.h"
+#include "support/slice_context.h"
+#include "support/slice_header_fields.h"
 #include "support/sps_builder.h"
 
 #include <gtest/gtest.h>
@@ -71,6 +73,7 @@ namespace {
 using brenik::h2645_common_bitreader;
 using brenik::h264_hrd_parameters;
 using brenik::h264_nal_pps;
+using brenik::h264_nal_slice_header;
 using brenik::h264_nal_sps;
 using brenik::h264_scaling_list;
 using brenik::h264_vui_parameters;
@@ -306,5 +309,68 @@ TEST(FailedAllocation, ThePanScanRectKeepsItsRectsAndValid)
             EXPECT_EQ(k == 1 ? 5U : 2U, pan_scan.rects.size());
             EXPECT_EQ(k == 1 ? 20000U : 0U, pan_scan.pan_scan_rect_repetition_period);
             EXPECT_EQ(k == 1 ? writer.size_in_bits() : writer.elements()[3].position, br.bits_consumed());
+        }
+}
+
+namespace {
+
+/// A B slice, the steps of whose lists need further memory again and again.
+support::slice_header_description slice_with_long_lists()
+{
+    support::slice_header_description slice = support::slice_of_type(1);
+    for (std::uint32_t i = 0; i < 100; ++i) {
+        slice.ref_pic_list_modification_l0.steps->push_back({i % 3, i});
+        slice.ref_pic_list_modification_l1.steps->push_back({4 + i});
+    }
+    return slice;
+}
+
+/// Whether the list holds the first steps of the description and nothing else.
+bool holds_the_first_steps(const h264_nal_slice_header::ref_pic_list_modification_entry_t& list,
+                           const support::list_modification_description& description)
+{
+    for (std::size_t i = 0; i < list.entries.size(); ++i) {
+        const support::modification_step& step = description.steps->at(i);
+        if (list.entries[i].modification_of_pic_nums_idc != step.modification_of_pic_nums_idc ||
+            list.entries[i].pic_num_value != step.value)
+            return false;
+    }
+    return true;
+}
+
+} // namespace
+
+TEST(FailedAllocation, OfASliceHeaderGetsOutAndTheEntriesBeforeItAreKept)
+{
+    const support::slice_header_description description = slice_with_long_lists();
+    const support::slice_context context = context_of(description);
+    const auto sps_store = context.sps_store();
+    const auto pps_store = context.pps_store();
+    const support::guarded_buffer buffer(support::written(description).made());
+    h264_nal_slice_header whole;
+    h2645_common_bitreader first = reader(buffer);
+    ASSERT_TRUE(with_failing_allocation(never, [&] { return whole.parse(first, sps_store, pps_store, context.nal); }));
+    const std::size_t all = allocations_made;
+    ASSERT_GE(all, 4U);
+    std::size_t kept_before = 0;
+    for (std::size_t k = 0; k < all; ++k)
+        for (const bool valid : {false, true}) {
+            h2645_common_bitreader br = reader(buffer);
+            h264_nal_slice_header slice;
+            slice.valid = valid;
+            allocations_left = k;
+            EXPECT_THROW(slice.parse(br, sps_store, pps_store, context.nal), std::bad_alloc) << k;
+            allocations_left = never;
+            EXPECT_EQ(valid, slice.valid) << k;
+            EXPECT_EQ(9U, slice.frame_num);
+            const auto& l0 = slice.ref_pic_list_modification_l0;
+            const auto& l1 = slice.ref_pic_list_modification_l1;
+            EXPECT_TRUE(l0.ref_pic_list_modification_flag);
+            EXPECT_TRUE(holds_the_first_steps(l0, description.ref_pic_list_modification_l0)) << k;
+            EXPECT_TRUE(holds_the_first_steps(l1, description.ref_pic_list_modification_l1)) << k;
+            EXPECT_EQ(l0.entries.size() == 102, l1.ref_pic_list_modification_flag) << k;
+            const std::size_t kept = l0.entries.size() + l1.entries.size();
+            EXPECT_TRUE(valid ? kept == kept_before : k == 0 ? kept == 0 : kept > kept_before) << k;
+            kept_before = kept;
         }
 }

@@ -1,0 +1,362 @@
+#include <orv-utils-v4/h264/nal_slice_header.h>
+
+#include "support/parsed_slice.h"
+#include "support/slice_header_fields.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <string>
+#include <utility>
+
+namespace {
+
+using brenik::h264_nal_slice_header;
+using support::difference;
+using support::fields_of;
+using support::full_field_slice;
+using support::full_slice;
+using support::parsed_slice;
+using support::slice_context;
+using support::slice_header_description;
+using support::slice_of_type;
+using support::with_valid;
+using support::written;
+
+constexpr std::uint32_t largest = 4294967294;
+
+/// What two slices left.
+h264_nal_slice_header filled()
+{
+    return parsed_slice(full_slice(1), parsed_slice(full_field_slice(0)).object).object;
+}
+
+} // namespace
+
+TEST(SliceHeader, ANewHeaderIsZeroEmptyAndInvalid)
+{
+    const h264_nal_slice_header slice{};
+    for (const support::value& field : fields_of(slice).values)
+        for (const std::int64_t entry : field.entries.empty() ? std::vector{field.number} : field.entries)
+            EXPECT_EQ(0, entry);
+    EXPECT_TRUE(slice.ref_pic_list_modification_l0.entries.empty());
+    EXPECT_TRUE(slice.ref_pic_list_modification_l1.entries.empty());
+}
+
+TEST(SliceHeader, EveryElementIsReadIntoItsField)
+{
+    const auto writer = written(full_slice(0));
+    const parsed_slice p(full_slice(0));
+    EXPECT_TRUE(p.result);
+    EXPECT_TRUE(p->valid);
+    EXPECT_EQ(writer.size_in_bits(), p.consumed());
+    EXPECT_TRUE(p->IdrPicFlag);
+    EXPECT_EQ(300U, p->first_mb_in_slice);
+    EXPECT_EQ(6U, p->slice_type);
+    EXPECT_EQ(7U, p->pic_parameter_set_id);
+    EXPECT_EQ(2, p->colour_plane_id);
+    EXPECT_EQ(0x1A5U, p->frame_num);
+    EXPECT_FALSE(p->field_pic_flag || p->bottom_field_flag);
+    EXPECT_EQ(5U, p->idr_pic_id);
+    EXPECT_EQ(45U, p->pic_order_cnt_lsb);
+    EXPECT_EQ(-3, p->delta_pic_order_cnt_bottom);
+    EXPECT_EQ(0, p->delta_pic_order_cnt[0]);
+    EXPECT_EQ(0, p->delta_pic_order_cnt[1]);
+    EXPECT_EQ(4U, p->redundant_pic_cnt);
+    EXPECT_TRUE(p->direct_spatial_mv_pred_flag);
+    EXPECT_TRUE(p->num_ref_idx_active_override_flag);
+    EXPECT_EQ(3U, p->num_ref_idx_l0_active_minus1);
+    EXPECT_EQ(1U, p->num_ref_idx_l1_active_minus1);
+    EXPECT_TRUE(p->ref_pic_list_modification_l0.ref_pic_list_modification_flag);
+    EXPECT_EQ(2U, p->ref_pic_list_modification_l0.entries.size());
+    EXPECT_TRUE(p->ref_pic_list_modification_l1.ref_pic_list_modification_flag);
+    EXPECT_EQ(4U, p->ref_pic_list_modification_l1.entries.size());
+}
+
+TEST(SliceHeader, NothingBehindTheListsIsRead)
+{
+    for (const std::uint32_t type : {0U, 1U, 2U, 3U, 4U}) {
+        support::element_writer writer = written(slice_of_type(type));
+        const std::size_t end = writer.size_in_bits();
+        writer.u("behind", 64, ~std::uint64_t{0});
+        const parsed_slice p(writer, context_of(slice_of_type(type)));
+        EXPECT_TRUE(p.result);
+        EXPECT_EQ(end, p.consumed()) << type;
+    }
+}
+
+TEST(SliceHeader, EachColourPlaneIsReadWithSeparatePlanesAlone)
+{
+    for (unsigned int plane = 0; plane < 4; ++plane) {
+        slice_header_description slice;
+        slice.colour_plane_id = plane;
+        slice.frame_num = 6;
+        const parsed_slice p(slice);
+        EXPECT_EQ(plane, p->colour_plane_id);
+        EXPECT_EQ(6U, p->frame_num);
+        slice.colour_plane_id.reset();
+        const parsed_slice without(slice, p.object);
+        EXPECT_EQ(plane, without->colour_plane_id);
+        EXPECT_EQ(6U, without->frame_num);
+    }
+}
+
+TEST(SliceHeader, IdrPicIdIsReadInUnitsOfTypeFiveAlone)
+{
+    for (std::uint32_t type = 0; type < 40; ++type) {
+        slice_header_description slice;
+        if (type == 5)
+            slice.idr_pic_id = 77;
+        slice.redundant_pic_cnt = 3;
+        slice_context context = context_of(slice);
+        context.nal.nal_unit_type = static_cast<brenik::h264_nal_unit_type>(type);
+        const parsed_slice p(written(slice), context);
+        EXPECT_TRUE(p.result);
+        EXPECT_EQ(type == 5, p->IdrPicFlag) << type;
+        EXPECT_EQ(type == 5 ? 77U : 0U, p->idr_pic_id) << type;
+        EXPECT_EQ(3U, p->redundant_pic_cnt) << type;
+    }
+}
+
+TEST(SliceHeader, TheSameBitsReadOtherwiseInAnIdrPicture)
+{
+    slice_header_description slice;
+    slice.idr_pic_id = 2;
+    slice.redundant_pic_cnt = 6;
+    slice_context context = context_of(slice);
+    context.nal.nal_unit_type = brenik::h264_nal_unit_type_slice_non_idr;
+    const parsed_slice p(written(slice), context, parsed_slice(slice).object);
+    EXPECT_TRUE(p.result);
+    EXPECT_FALSE(p->IdrPicFlag);
+    EXPECT_EQ(2U, p->idr_pic_id);
+    EXPECT_EQ(2U, p->redundant_pic_cnt);
+    EXPECT_EQ(written(slice).elements().back().position, p.consumed());
+}
+
+TEST(SliceHeader, NothingElseOfTheUnitHeaderCounts)
+{
+    for (const std::uint32_t type : {1U, 5U, 20U, 21U})
+        for (unsigned char ref_idc = 0; ref_idc < 4; ++ref_idc) {
+            slice_header_description slice = slice_of_type(0);
+            if (type == 5)
+                slice.idr_pic_id = 1;
+            slice_context context = context_of(slice);
+            context.nal.nal_unit_type = static_cast<brenik::h264_nal_unit_type>(type);
+            context.nal.nal_ref_idc = ref_idc;
+            context.nal.valid = ref_idc % 2 == 0;
+            const parsed_slice p(written(slice), context);
+            EXPECT_TRUE(p.result);
+            EXPECT_EQ(written(slice).size_in_bits(), p.consumed());
+        }
+}
+
+TEST(SliceHeader, TheTypeSaysWhatOfTheReferencesIsRead)
+{
+    for (const std::uint32_t type : {0U, 1U, 2U, 3U, 4U, 5U, 6U, 7U, 8U, 9U, 10U, 12U, 4294967290U, 4294967291U,
+                                     4294967292U, 4294967293U, 4294967294U}) {
+        const parsed_slice p(slice_of_type(type));
+        const bool is_b = type % 5 == 1;
+        const bool is_intra = type % 5 == 2 || type % 5 == 4;
+        EXPECT_TRUE(p.result);
+        EXPECT_EQ(type, p->slice_type);
+        EXPECT_EQ(type % 5, static_cast<std::uint32_t>(p->getSliceType()));
+        EXPECT_EQ(written(slice_of_type(type)).size_in_bits(), p.consumed()) << type;
+        EXPECT_EQ(9U, p->frame_num);
+        EXPECT_EQ(is_b, p->direct_spatial_mv_pred_flag) << type;
+        EXPECT_EQ(!is_intra, p->num_ref_idx_active_override_flag) << type;
+        EXPECT_EQ(is_intra ? 0U : 3U, p->num_ref_idx_l0_active_minus1) << type;
+        EXPECT_EQ(is_b ? 1U : 0U, p->num_ref_idx_l1_active_minus1) << type;
+        EXPECT_EQ(!is_intra, p->ref_pic_list_modification_l0.ref_pic_list_modification_flag) << type;
+        EXPECT_EQ(is_intra ? 0U : 2U, p->ref_pic_list_modification_l0.entries.size()) << type;
+        EXPECT_EQ(is_b, p->ref_pic_list_modification_l1.ref_pic_list_modification_flag) << type;
+        EXPECT_EQ(is_b ? 4U : 0U, p->ref_pic_list_modification_l1.entries.size()) << type;
+    }
+}
+
+TEST(SliceHeader, IAndSiSlicesTouchNothingOfTheReferences)
+{
+    for (const std::uint32_t type : {2U, 4U, 7U, 9U}) {
+        slice_header_description slice = full_slice(1);
+        slice.slice_type = type;
+        const h264_nal_slice_header before = filled();
+        const parsed_slice p(slice, before);
+        EXPECT_TRUE(p.result);
+        support::named_values expected = fields_of(before);
+        expected.at("slice_type").number = type;
+        EXPECT_EQ("", difference(expected, fields_of(p.object)));
+    }
+}
+
+TEST(SliceHeader, CountsThatAreNotSentAreNotInferred)
+{
+    for (const std::uint32_t type : {0U, 1U, 3U}) {
+        slice_header_description slice = slice_of_type(type);
+        slice.num_ref_idx_active_override_flag = false;
+        slice_context context = context_of(slice);
+        context.pps.num_ref_idx_l0_default_active_minus1 = 11;
+        context.pps.num_ref_idx_l1_default_active_minus1 = 12;
+        const parsed_slice p(written(slice), context, filled());
+        EXPECT_TRUE(p.result);
+        EXPECT_FALSE(p->num_ref_idx_active_override_flag);
+        EXPECT_EQ(3U, p->num_ref_idx_l0_active_minus1);
+        EXPECT_EQ(1U, p->num_ref_idx_l1_active_minus1);
+        const parsed_slice in_new(written(slice), context);
+        EXPECT_EQ(0U, in_new->num_ref_idx_l0_active_minus1 + in_new->num_ref_idx_l1_active_minus1);
+    }
+}
+
+TEST(SliceHeader, ASecondCountKeepsItsValueInPAndSpSlices)
+{
+    for (const std::uint32_t type : {0U, 3U}) {
+        h264_nal_slice_header before;
+        before.num_ref_idx_l1_active_minus1 = 20;
+        before.direct_spatial_mv_pred_flag = true;
+        const parsed_slice p(slice_of_type(type), before);
+        EXPECT_EQ(3U, p->num_ref_idx_l0_active_minus1);
+        EXPECT_EQ(20U, p->num_ref_idx_l1_active_minus1);
+        EXPECT_TRUE(p->direct_spatial_mv_pred_flag);
+    }
+}
+
+TEST(SliceHeader, TheRedundantCountIsReadWhenThePpsSaysSo)
+{
+    slice_header_description slice;
+    slice.redundant_pic_cnt = 127;
+    const parsed_slice p(slice);
+    EXPECT_EQ(127U, p->redundant_pic_cnt);
+    slice.redundant_pic_cnt.reset();
+    const parsed_slice without(slice, p.object);
+    EXPECT_EQ(127U, without->redundant_pic_cnt);
+    EXPECT_EQ(written(slice).size_in_bits(), without.consumed());
+}
+
+TEST(SliceHeader, ValuesAreStoredAsRead)
+{
+    slice_header_description slice = full_slice(0);
+    slice.first_mb_in_slice = slice.pic_parameter_set_id = largest;
+    slice.slice_type = largest - 3;
+    slice.idr_pic_id = slice.redundant_pic_cnt = largest;
+    slice.num_ref_idx_l0_active_minus1 = slice.num_ref_idx_l1_active_minus1 = largest;
+    slice.delta_pic_order_cnt_bottom = -2147483647;
+    const parsed_slice p(slice);
+    EXPECT_TRUE(p.result);
+    EXPECT_EQ(largest, p->first_mb_in_slice);
+    EXPECT_EQ(largest - 3, p->slice_type);
+    EXPECT_EQ(largest, p->pic_parameter_set_id);
+    EXPECT_EQ(largest, p->idr_pic_id);
+    EXPECT_EQ(largest, p->redundant_pic_cnt);
+    EXPECT_EQ(largest, p->num_ref_idx_l0_active_minus1);
+    EXPECT_EQ(largest, p->num_ref_idx_l1_active_minus1);
+    EXPECT_EQ(-2147483647, p->delta_pic_order_cnt_bottom);
+}
+
+TEST(SliceHeader, ASliceThatSendsLessKeepsTheOtherFields)
+{
+    const h264_nal_slice_header before = filled();
+    slice_header_description slice;
+    slice.slice_type = 2;
+    slice.frame_num = 15;
+    const parsed_slice p(slice, before);
+    EXPECT_TRUE(p.result);
+    support::named_values expected = fields_of(before);
+    expected.at("first_mb_in_slice").number = 0;
+    expected.at("slice_type").number = 2;
+    expected.at("pic_parameter_set_id").number = 0;
+    expected.at("frame_num").number = 15;
+    expected.at("IdrPicFlag").number = 0;
+    EXPECT_EQ("", difference(expected, fields_of(p.object)));
+}
+
+TEST(SliceHeader, BitsPastTheEndReadAsZero)
+{
+    for (const slice_header_description& slice :
+         {full_slice(0), full_slice(1), full_field_slice(0), slice_of_type(0), slice_of_type(2)}) {
+        const auto writer = written(slice);
+        for (std::size_t length = 0; length < writer.size_in_bits(); ++length) {
+            const support::bytes cut = support::first_bits(writer.made(), length);
+            support::bytes filled = cut;
+            filled.resize(cut.size() + 64, 0);
+            for (const bool valid : {false, true}) {
+                const auto parse = [&](const support::bytes& data) {
+                    const support::guarded_buffer buffer(data);
+                    brenik::h2645_common_bitreader br(buffer.begin(), buffer.end());
+                    h264_nal_slice_header object = with_valid<h264_nal_slice_header>(valid);
+                    const slice_context context = context_of(slice);
+                    std::string end;
+                    try {
+                        end =
+                            object.parse(br, context.sps_store(), context.pps_store(), context.nal) ? "true" : "false";
+                    } catch (const brenik::h2645_common_malformed_code& malformed) {
+                        end = "malformed at " + std::to_string(malformed.bit_position());
+                    }
+                    return std::pair(end + ", " + std::to_string(br.bits_consumed()), fields_of(object));
+                };
+                const auto [end, fields] = parse(cut);
+                const auto [filled_end, filled_fields] = parse(filled);
+                EXPECT_EQ(filled_end, end) << length;
+                EXPECT_EQ("", difference(filled_fields, fields)) << length;
+            }
+        }
+    }
+}
+
+TEST(SliceHeader, APSliceCutBeforeItsListFlagSucceeds)
+{
+    slice_header_description slice = slice_of_type(0);
+    slice.num_ref_idx_active_override_flag = false;
+    slice.first_mb_in_slice = 1;
+    const auto writer = written(slice);
+    for (const support::element& e : writer.elements())
+        if (e.name == "ref_pic_list_modification_l0.ref_pic_list_modification_flag") {
+            const parsed_slice p(support::first_bits(writer.made(), e.position), context_of(slice));
+            EXPECT_TRUE(p.result && p->valid);
+            EXPECT_FALSE(p->ref_pic_list_modification_l0.ref_pic_list_modification_flag);
+            EXPECT_EQ(e.position + 1, p.consumed());
+        }
+}
+
+TEST(SliceHeader, AMalformedCodeThrowsAndLeavesValidAndTheFieldsBefore)
+{
+    for (const slice_header_description& slice : {full_slice(0), full_slice(1)}) {
+        const slice_context context = context_of(slice);
+        const auto writer = written(slice);
+        std::size_t thrown = 0;
+        for (const support::element& e : writer.elements()) {
+            if (e.how == support::descriptor::u || e.name.ends_with("modification_of_pic_nums_idc"))
+                continue;
+            for (const bool valid : {false, true}) {
+                const support::guarded_buffer buffer(support::with_malformed_code(writer, e));
+                brenik::h2645_common_bitreader br(buffer.begin(), buffer.end());
+                h264_nal_slice_header object = with_valid<h264_nal_slice_header>(valid);
+                try {
+                    object.parse(br, context.sps_store(), context.pps_store(), context.nal);
+                    ADD_FAILURE() << e.name;
+                } catch (const brenik::h2645_common_malformed_code& malformed) {
+                    EXPECT_EQ(e.position, malformed.bit_position()) << e.name;
+                    ++thrown;
+                }
+                EXPECT_EQ(valid, object.valid) << e.name;
+                EXPECT_EQ(e.position + 32, br.bits_consumed()) << e.name;
+                EXPECT_TRUE(object.IdrPicFlag);
+                EXPECT_EQ(e.position > 0 ? 300U : 0U, object.first_mb_in_slice) << e.name;
+                EXPECT_EQ(e.name == "first_mb_in_slice" || e.name == "slice_type" ? 0U : 6U, object.slice_type);
+                EXPECT_EQ(e.position > writer.elements()[4].position ? 0x1A5U : 0U, object.frame_num) << e.name;
+            }
+        }
+        const std::size_t deltas = slice.pic_order_cnt_lsb ? 1 : 2;
+        const std::size_t list_values = 5;
+        EXPECT_EQ(2 * (3 + 1 + deltas + 1 + 2 + list_values), thrown);
+    }
+}
+
+TEST(SliceHeader, ACopyIsDeep)
+{
+    const h264_nal_slice_header original = filled();
+    const support::named_values before = fields_of(original);
+    h264_nal_slice_header copy = original;
+    EXPECT_EQ("", difference(before, fields_of(copy)));
+    copy.delta_pic_order_cnt[1] = 99;
+    copy.ref_pic_list_modification_l0.entries.front().pic_num_value = 99;
+    copy.ref_pic_list_modification_l1.entries.clear();
+    EXPECT_EQ("", difference(before, fields_of(original)));
+}
