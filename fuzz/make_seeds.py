@@ -490,6 +490,71 @@ def user_data_unreg_seeds():
     return seeds | {"empty": b""}
 
 
+def modification(*steps, end=ue(3)):
+    """ref_pic_list_modification() of one list; a step is (idc, value) or (idc,)."""
+    return "1" + "".join(ue(value) for step in steps for value in step) + end
+
+
+def slice_header(slice_type, pps_id=0, middle="", references=""):
+    """`middle` is what stands between frame_num, of 4 bits, and the references."""
+    return ue(0) + ue(slice_type) + ue(pps_id) + u(4, 9) + middle + references
+
+
+def slice_header_seeds():
+    mbs_only, planes, always_zero, bottom, redundant = 4, 2, 8, 2, 4
+
+    def pair(sps=mbs_only, pps=0, poc_type=2, log2=(0, 0), sps_id=3, pps_id=0):
+        widths = bytes(value % 256 for value in log2)
+        return bytes([sps_id, sps | poc_type << 4]) + widths + bytes([pps_id, 3, pps])
+
+    def seed(*structures, nal_unit_type=1, pairs=(pair(),), options=0):
+        data = (bits(text) for text in structures)
+        return bytes([nal_unit_type, len(pairs)]) + b"".join(pairs) + in_a_row(*data, options=options)
+
+    lists = modification((0, 3), (2, 1)), modification((1, 9), (4,), (0, 0))
+    p_slice = slice_header(5, references="1" + ue(3) + lists[0])
+    b_slice = slice_header(6, references="11" + ue(3) + ue(1) + lists[0] + lists[1])
+    i_slice = slice_header(7)
+    frame = pair(sps=0, pps=bottom | redundant, poc_type=0)
+    deltas = pair(pps=bottom, poc_type=1)
+    seeds = {
+        "empty": b"",
+        "p_b_i": seed(p_slice, b_slice, i_slice),
+        "sp_si": seed(slice_header(8, references="0" + lists[1]), slice_header(9)),
+        "largest_types": seed(*(slice_header(2**32 - 2 - k) + "0" * 4 for k in range(5))),
+        "no_lists": seed(slice_header(6, references="0" * 4)),
+        "idr": seed(slice_header(7, middle=ue(5)), nal_unit_type=5),
+        "mvc": seed(p_slice, nal_unit_type=20),
+        "absent_pps": seed(p_slice, slice_header(7, pps_id=1)),
+        "absent_sps": seed(p_slice, pairs=(pair(sps_id=4),)),
+        "colour_planes": seed(ue(0) + ue(7) + ue(0) + "10" + u(4, 9), pairs=(pair(sps=mbs_only | planes),)),
+        "frame": seed(slice_header(7, middle="0" + u(4, 3) + se(-3) + ue(2)), pairs=(frame,)),
+        "fields": seed(*(slice_header(7, middle="1" + p + u(4, 3) + ue(2)) for p in "01"), pairs=(frame,)),
+        "kept_field_flag": seed(
+            slice_header(7, middle="11" + u(4, 3) + ue(2)),
+            slice_header(7, pps_id=1, middle=u(4, 3) + ue(2)),
+            pairs=(frame, pair(pps=bottom | redundant, poc_type=0, pps_id=1)),
+        ),
+        "deltas": seed(slice_header(7, middle=se(-8) + se(17)), pairs=(deltas,)),
+        "one_delta": seed(slice_header(7, middle=se(-8)), pairs=(pair(poc_type=1),)),
+        "no_deltas": seed(i_slice, pairs=(pair(sps=mbs_only | always_zero, poc_type=1),)),
+        "poc_type_5": seed(i_slice, pairs=(pair(poc_type=5),)),
+        "idc_of_23_zeros": seed(slice_header(5, references="0" + modification((2**23 - 1,), (2, 4)))),
+        "idc_of_24_zeros": seed(slice_header(5, references="0" + modification((2**24 - 1,)))),
+        "list_without_end": seed(slice_header(5, references="0" + modification((0, 3), (4,), end=""))),
+        "second_list_without_end": seed(slice_header(6, references="00" + lists[0] + modification(end=""))),
+        "long_list": seed(slice_header(5, references="0" + modification(*[(k % 3, k) for k in range(140)]))),
+        "accumulating": seed(b_slice, b_slice, p_slice, options=1),
+        "malformed": seed(ue(0) + "0" * 32 + "1"),
+        "malformed_value": seed(p_slice, slice_header(5, references="01" + ue(2) + "0" * 32 + "1"), options=1),
+        "cut": seed(b_slice[:20], b_slice[:30], b_slice[:40]),
+    }
+    for width in (1, 16, 25, 26, 32, 33, 51, 255, 0):
+        text = ue(0) + ue(7) + ue(0) + u(8, 0x9E) * 64
+        seeds[f"width_{width}"] = seed(text, pairs=(pair(poc_type=0, log2=(width - 4, width - 4)),))
+    return seeds
+
+
 def main():
     all_seeds = {
         "bitreader": bitreader_seeds(),
@@ -497,6 +562,7 @@ def main():
         "nal_aud": aud_seeds(),
         "nal_pps": pps_seeds(),
         "nal_reader": reader_seeds(),
+        "nal_slice_header": slice_header_seeds(),
         "nal_sps": sps_seeds(),
         "nal_writer": writer_seeds(),
         "piece_feeder": feeder_seeds(),
