@@ -12,7 +12,6 @@ namespace {
 
 using brenik::h264_nal_slice_header;
 using support::full_field_slice;
-using support::full_slice;
 using support::parsed_slice;
 using support::slice_context;
 using support::slice_header_description;

@@ -139,13 +139,16 @@ TEST(SliceHeader, NothingElseOfTheUnitHeaderCounts)
         for (unsigned char ref_idc = 0; ref_idc < 4; ++ref_idc) {
             slice_header_description slice = slice_of_type(0);
             if (type == 5)
-                slice.idr_pic_id = 1;
+                slice.idr_pic_id = 12;
             slice_context context = context_of(slice);
             context.nal.nal_unit_type = static_cast<brenik::h264_nal_unit_type>(type);
             context.nal.nal_ref_idc = ref_idc;
             context.nal.valid = ref_idc % 2 == 0;
             const parsed_slice p(written(slice), context);
             EXPECT_TRUE(p.result);
+            EXPECT_EQ(type == 5, p->IdrPicFlag);
+            EXPECT_EQ(type == 5 ? 12U : 0U, p->idr_pic_id);
+            EXPECT_EQ(2U, p->ref_pic_list_modification_l0.entries.size());
             EXPECT_EQ(written(slice).size_in_bits(), p.consumed());
         }
 }
