@@ -503,15 +503,15 @@ def slice_header(slice_type, pps_id=0, middle="", references=""):
 def slice_header_seeds():
     mbs_only, planes, always_zero, bottom, redundant = 4, 2, 8, 2, 4
 
-    def pair(sps=mbs_only, pps=0, poc_type=2, log2=(0, 0), sps_id=3, pps_id=0):
+    def pair(sps=mbs_only, pps=0, poc_type=2, log2=(0, 0), sps_id=3, pps_id=0, named=None):
         widths = bytes(value % 256 for value in log2)
-        return bytes([sps_id, sps | poc_type << 4]) + widths + bytes([pps_id, 3, pps])
+        return bytes([sps_id, sps | poc_type << 4, *widths, pps_id, sps_id if named is None else named, pps])
 
     def seed(*structures, nal_unit_type=1, pairs=(pair(),), options=0):
         data = (bits(text) for text in structures)
         return bytes([nal_unit_type, len(pairs)]) + b"".join(pairs) + in_a_row(*data, options=options)
 
-    lists = modification((0, 3), (2, 1)), modification((1, 9), (4,), (0, 0))
+    lists = modification((0, 3), (2, 1)), modification((1, 9), (4,), (5,), (0, 0))
     p_slice = slice_header(5, references="1" + ue(3) + lists[0])
     b_slice = slice_header(6, references="11" + ue(3) + ue(1) + lists[0] + lists[1])
     i_slice = slice_header(7)
@@ -526,16 +526,39 @@ def slice_header_seeds():
         "idr": seed(slice_header(7, middle=ue(5)), nal_unit_type=5),
         "mvc": seed(p_slice, nal_unit_type=20),
         "absent_pps": seed(p_slice, slice_header(7, pps_id=1)),
-        "absent_sps": seed(p_slice, pairs=(pair(sps_id=4),)),
-        "colour_planes": seed(ue(0) + ue(7) + ue(0) + "10" + u(4, 9), pairs=(pair(sps=mbs_only | planes),)),
+        "absent_sps": seed(p_slice, pairs=(pair(sps_id=4, named=3),)),
+        "colour_planes": seed(
+            *(ue(0) + ue(7) + ue(k) + plane + u(4, 9) for k, plane in enumerate(("11", ""))),
+            pairs=(pair(sps=mbs_only | planes), pair(sps_id=4, pps_id=1)),
+        ),
         "frame": seed(slice_header(7, middle="0" + u(4, 3) + se(-3) + ue(2)), pairs=(frame,)),
         "fields": seed(*(slice_header(7, middle="1" + p + u(4, 3) + ue(2)) for p in "01"), pairs=(frame,)),
         "kept_field_flag": seed(
             slice_header(7, middle="11" + u(4, 3) + ue(2)),
             slice_header(7, pps_id=1, middle=u(4, 3) + ue(2)),
-            pairs=(frame, pair(pps=bottom | redundant, poc_type=0, pps_id=1)),
+            slice_header(7, middle="0" + u(4, 3) + se(-3) + ue(2)),
+            pairs=(frame, pair(pps=bottom | redundant, poc_type=0, sps_id=4, pps_id=1)),
+        ),
+        "idr_frame_and_field": seed(
+            slice_header(7, middle="0" + ue(5) + u(4, 3) + se(-3) + ue(2)),
+            slice_header(7, middle="10" + ue(6) + u(4, 3) + ue(2)),
+            nal_unit_type=5,
+            pairs=(frame,),
+        ),
+        "widths_that_differ": seed(
+            ue(0) + ue(7) + ue(0) + u(9, 0x1A5) + u(6, 45), pairs=(pair(poc_type=0, log2=(5, 2)),)
+        ),
+        "redundant_count_of_200": seed(slice_header(7, middle=ue(200)), pairs=(pair(pps=redundant),)),
+        "modified_then_not": seed(b_slice, slice_header(6, references="0" * 4), i_slice),
+        "first_list_without_end_after_a_good_slice": seed(
+            p_slice, slice_header(5, references="0" + modification((0, 3), end=""))
         ),
         "deltas": seed(slice_header(7, middle=se(-8) + se(17)), pairs=(deltas,)),
+        "two_deltas_then_one": seed(
+            slice_header(7, middle=se(-8) + se(17)),
+            slice_header(7, pps_id=1, middle=se(-9)),
+            pairs=(deltas, pair(poc_type=1, sps_id=4, pps_id=1)),
+        ),
         "one_delta": seed(slice_header(7, middle=se(-8)), pairs=(pair(poc_type=1),)),
         "no_deltas": seed(i_slice, pairs=(pair(sps=mbs_only | always_zero, poc_type=1),)),
         "poc_type_5": seed(i_slice, pairs=(pair(poc_type=5),)),
