@@ -578,6 +578,37 @@ def slice_header_seeds():
     return seeds
 
 
+def walker_seeds():
+    def seed(*units):
+        return b"".join(bytes([header, len(data) >> 8, len(data) & 0xFF]) + data for header, data in units)
+
+    def sei(*messages):
+        return 6, b"".join(bytes([kind, len(payload)]) + payload for kind, payload in messages) + b"\x80"
+
+    timed = "1" + vui(NO_GROUPS, hrd(1))
+    sets = ((SPS, rbsp(sps_head() + sps_tail(ue(0) + ue(0), vui_text=timed))), (PPS, rbsp(pps())))
+    start = ue(0) + ue(5) + ue(1) + u(4, 7)
+    p_slice = start + u(4, 9) + ue(0) + "0"
+    steps = ue(0) + ue(5) + ue(2) + ue(1)
+    timing = bits(u(23, 70) + u(22, 5) + u(4, 3) + "0" + "1" + u(19, 77) + "0" + u(24, 3))
+    return {
+        "empty": b"",
+        "parameter_sets": seed(*sets, (AUD, b"\xf0")),
+        "p_slice": seed(*sets, (0x41, rbsp(p_slice + "0"))),
+        "idr_slice": seed(*sets, (IDR, rbsp(ue(0) + ue(7) + ue(1) + u(4, 7) + ue(3) + u(4, 1) + ue(0)) + bytes([0x55] * 300))),
+        "list_over_two_blocks": seed(*sets, (0x41, rbsp(p_slice + "1" + steps * 90 + ue(3)) + bytes([0xAA] * 9))),
+        "list_with_escapes": seed(*sets, (0x41, rbsp(p_slice + "1" + (ue(0) + ue(65535)) * 60 + ue(3)))),
+        "list_without_end": seed(*sets, (0x41, bits(p_slice + "1" + steps * 30) + bytes(9))),
+        "slice_without_sets": seed((0x41, rbsp(p_slice + "0"))),
+        "malformed_slice": seed(*sets, (0x41, bytes(200))),
+        "buffering_period_and_timing": seed(*sets, sei((0, bits(ue(0) + u(24, 90000, 3))), (1, timing))),
+        "every_payload": seed(*sets, sei((2, bits(ue(1) + "0" + ue(0) + se(-1) * 4 + ue(1))), (6, b"\xc4"),
+                                         (5, bytes(range(0x41, 0x61))), (4, b"\xb5"), (200, b""))),
+        "sei_problems": seed(sei((1, timing), (0, b"\x28"), (5, b"\x01"), (2, bits(ue(0) + "0" + ue(128))))),
+        "sei_truncated": seed((6, b"\x05\xff\xff\x10\x01\x02")),
+    }
+
+
 def main():
     all_seeds = {
         "bitreader": bitreader_seeds(),
@@ -596,6 +627,7 @@ def main():
         "sei_recovery_point": recovery_point_seeds(),
         "sei_user_data_unreg": user_data_unreg_seeds(),
         "scaling_list": scaling_list_seeds(),
+        "stream_walker": walker_seeds(),
         "vui_parameters": vui_seeds(),
     }
     for target, seeds in all_seeds.items():
