@@ -6,8 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <string>
-#include <utility>
 
 namespace {
 
@@ -20,7 +18,6 @@ using support::parsed_slice;
 using support::slice_context;
 using support::slice_header_description;
 using support::slice_of_type;
-using support::with_valid;
 using support::written;
 
 constexpr std::uint32_t largest = 4294967294;
@@ -268,88 +265,6 @@ TEST(SliceHeader, ASliceThatSendsLessKeepsTheOtherFields)
     expected.at("frame_num").number = 15;
     expected.at("IdrPicFlag").number = 0;
     EXPECT_EQ("", difference(expected, fields_of(p.object)));
-}
-
-TEST(SliceHeader, BitsPastTheEndReadAsZero)
-{
-    for (const slice_header_description& slice :
-         {full_slice(0), full_slice(1), full_field_slice(0), slice_of_type(0), slice_of_type(2)}) {
-        const auto writer = written(slice);
-        for (std::size_t length = 0; length < writer.size_in_bits(); ++length) {
-            const support::bytes cut = support::first_bits(writer.made(), length);
-            support::bytes filled = cut;
-            filled.resize(cut.size() + 64, 0);
-            for (const bool valid : {false, true}) {
-                const auto parse = [&](const support::bytes& data) {
-                    const support::guarded_buffer buffer(data);
-                    brenik::h2645_common_bitreader br(buffer.begin(), buffer.end());
-                    h264_nal_slice_header object = with_valid<h264_nal_slice_header>(valid);
-                    const slice_context context = context_of(slice);
-                    std::string end;
-                    try {
-                        end =
-                            object.parse(br, context.sps_store(), context.pps_store(), context.nal) ? "true" : "false";
-                    } catch (const brenik::h2645_common_malformed_code& malformed) {
-                        end = "malformed at " + std::to_string(malformed.bit_position());
-                    }
-                    return std::pair(end + ", " + std::to_string(br.bits_consumed()), fields_of(object));
-                };
-                const auto [end, fields] = parse(cut);
-                const auto [filled_end, filled_fields] = parse(filled);
-                EXPECT_EQ(filled_end, end) << length;
-                EXPECT_EQ("", difference(filled_fields, fields)) << length;
-            }
-        }
-    }
-}
-
-TEST(SliceHeader, APSliceCutBeforeItsListFlagSucceeds)
-{
-    slice_header_description slice = slice_of_type(0);
-    slice.num_ref_idx_active_override_flag = false;
-    slice.first_mb_in_slice = 1;
-    const auto writer = written(slice);
-    for (const support::element& e : writer.elements())
-        if (e.name == "ref_pic_list_modification_l0.ref_pic_list_modification_flag") {
-            const parsed_slice p(support::first_bits(writer.made(), e.position), context_of(slice));
-            EXPECT_TRUE(p.result && p->valid);
-            EXPECT_FALSE(p->ref_pic_list_modification_l0.ref_pic_list_modification_flag);
-            EXPECT_EQ(e.position + 1, p.consumed());
-        }
-}
-
-TEST(SliceHeader, AMalformedCodeThrowsAndLeavesValidAndTheFieldsBefore)
-{
-    for (const slice_header_description& slice : {full_slice(0), full_slice(1)}) {
-        const slice_context context = context_of(slice);
-        const auto writer = written(slice);
-        std::size_t thrown = 0;
-        for (const support::element& e : writer.elements()) {
-            if (e.how == support::descriptor::u || e.name.ends_with("modification_of_pic_nums_idc"))
-                continue;
-            for (const bool valid : {false, true}) {
-                const support::guarded_buffer buffer(support::with_malformed_code(writer, e));
-                brenik::h2645_common_bitreader br(buffer.begin(), buffer.end());
-                h264_nal_slice_header object = with_valid<h264_nal_slice_header>(valid);
-                try {
-                    object.parse(br, context.sps_store(), context.pps_store(), context.nal);
-                    ADD_FAILURE() << e.name;
-                } catch (const brenik::h2645_common_malformed_code& malformed) {
-                    EXPECT_EQ(e.position, malformed.bit_position()) << e.name;
-                    ++thrown;
-                }
-                EXPECT_EQ(valid, object.valid) << e.name;
-                EXPECT_EQ(e.position + 32, br.bits_consumed()) << e.name;
-                EXPECT_TRUE(object.IdrPicFlag);
-                EXPECT_EQ(e.position > 0 ? 300U : 0U, object.first_mb_in_slice) << e.name;
-                EXPECT_EQ(e.name == "first_mb_in_slice" || e.name == "slice_type" ? 0U : 6U, object.slice_type);
-                EXPECT_EQ(e.position > writer.elements()[4].position ? 0x1A5U : 0U, object.frame_num) << e.name;
-            }
-        }
-        const std::size_t deltas = slice.pic_order_cnt_lsb ? 1 : 2;
-        const std::size_t list_values = 5;
-        EXPECT_EQ(2 * (3 + 1 + deltas + 1 + 2 + list_values), thrown);
-    }
 }
 
 TEST(SliceHeader, ACopyIsDeep)
