@@ -1,7 +1,7 @@
 // The parse of picture parameter sets against the literal parse. Input: a byte that says how many SPSs are stored, two
 // bytes for each of them (its id; its chroma_format_idc, and whether it is valid in the highest bit), and then see
 // expect_same_in_a_row().
-#include "parameter_set.h"
+#include "structure.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {

@@ -2,7 +2,7 @@
 // stored; for each pair the SPS in four bytes (its id; its flags with pic_order_cnt_type above them; the two
 // log2_max_..._minus4, from 128 on less 2^32) and the PPS in three (its id, that of its SPS, its flags); and then see
 // expect_same_in_a_row().
-#include "parameter_set.h"
+#include "structure.h"
 
 #include "support/literal_slice_parse.h"
 

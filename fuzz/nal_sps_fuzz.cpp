@@ -1,5 +1,5 @@
 // The parse of sequence parameter sets against the literal parse, and the getters. Input: see expect_same_in_a_row().
-#include "parameter_set.h"
+#include "structure.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // The parse of a scaling list against the literal parse. Input: a byte for the size, and one for the bit that the list
 // begins at; the data, parsed twice into one object.
-#include "parameter_set.h"
+#include "structure.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {

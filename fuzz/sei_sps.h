@@ -1,7 +1,7 @@
 // The SPSs of the SEI entry points, out of an input's first bytes.
 #pragma once
 
-#include "parameter_set.h"
+#include "structure.h"
 
 #include "support/literal_sei_parse.h"
 

@@ -1,6 +1,6 @@
 // The stream walker of the tool and what is shown of its units. A slice header read from a small block is that of the
-// whole unit; lines and problems are there for whatever was read. Input: units, each a header byte, two bytes of length,
-// and the RBSP.
+// whole unit; lines and problems are there for whatever was read. Input: units, each a header byte, two bytes of
+// length, and the RBSP.
 #include "input.h"
 
 #include "support/slice_header_fields.h"

@@ -1,5 +1,5 @@
 // The parse of VUI parameters against the literal parse. Input: see expect_same_in_a_row().
-#include "parameter_set.h"
+#include "structure.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {

@@ -25,7 +25,7 @@ void show_list_modification(field_printer& p, int number, const list_modificatio
     for (const list_modification::entry& entry : list.entries) {
         const bool inter_view = entry.modification_of_pic_nums_idc == 4 || entry.modification_of_pic_nums_idc == 5;
         p.ue("modification_of_pic_nums_idc", entry.modification_of_pic_nums_idc,
-             inter_view ? "no value read, in H.264 Annex H there is one" : "");
+             inter_view ? "no value read, in multiview coding there is one" : "");
         if (entry.modification_of_pic_nums_idc < 2)
             p.ue("abs_diff_pic_num_minus1", entry.pic_num_value);
         else if (entry.modification_of_pic_nums_idc == 2)

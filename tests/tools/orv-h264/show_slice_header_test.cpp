@@ -74,10 +74,10 @@ TEST(ShowSliceHeader, AFieldOfABSliceWithEverything)
               "        abs_diff_pic_num_minus1 6\n"
               "        modification_of_pic_nums_idc 2\n"
               "        long_term_pic_num 7\n"
-              "        modification_of_pic_nums_idc 4 (no value read, in H.264 Annex H there is one)\n"
+              "        modification_of_pic_nums_idc 4 (no value read, in multiview coding there is one)\n"
               "        modification_of_pic_nums_idc 3\n"
               "    ref_pic_list_modification_flag_l1 1\n"
-              "        modification_of_pic_nums_idc 5 (no value read, in H.264 Annex H there is one)\n"
+              "        modification_of_pic_nums_idc 5 (no value read, in multiview coding there is one)\n"
               "        modification_of_pic_nums_idc 3\n",
               shown(seq, pic, w));
 }

@@ -1,6 +1,8 @@
 // Every real stream through the feeder: whole and in pieces, and rewritten in every framing.
 #include "support/feed.h"
+#include "support/slice_header_fields.h"
 #include "support/stream_files.h"
+#include "support/walked.h"
 
 #include <gtest/gtest.h>
 
@@ -46,6 +48,33 @@ TEST_P(RealStream, PiecesGiveTheSameAsTheWhole)
 {
     for (const std::size_t piece : {1U, 3U, 1000U, 65536U})
         EXPECT_EQ(feed(stream, brenik::nalfmt_annexb, {piece}), items) << "pieces of " << piece;
+}
+
+/// The header of a slice from the whole of its unit.
+brenik::h264_nal_slice_header whole_header(const orv_h264::stream_walker& walker, const fed& slice)
+{
+    brenik::h264_nal_slice_header header;
+    brenik::h264_nal nal;
+    nal.decode_header(static_cast<unsigned char>(slice.header));
+    brenik::h2645_common_bitreader br(slice.rbsp.data(), slice.rbsp.data() + slice.rbsp.size());
+    header.parse(br, walker.sps_store(), walker.pps_store(), nal);
+    return header;
+}
+
+TEST_P(RealStream, SliceHeadersFromSmallBlocksAreThoseOfTheWholeUnit)
+{
+    orv_h264::stream_walker walker;
+    for (const fed& item : items) {
+        if (!item.is_unit)
+            continue;
+        const orv_h264::walked_unit unit = support::walk(walker, static_cast<unsigned char>(item.header), item.rbsp);
+        const auto* const header = std::get_if<brenik::h264_nal_slice_header>(&unit.syntax);
+        if (header != nullptr) {
+            ASSERT_EQ("",
+                      support::difference(support::fields_of(whole_header(walker, item)), support::fields_of(*header)))
+                << "unit at " << item.offset;
+        }
+    }
 }
 
 TEST_P(RealStream, EveryFramingCarriesTheSameUnits)

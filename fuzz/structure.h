@@ -1,4 +1,4 @@
-// What the fuzz entry points of the parameter sets share.
+// What the fuzz entry points of parsed structures share.
 #pragma once
 
 #include "input.h"
