@@ -77,7 +77,8 @@ TEST_F(StreamWalker, AParameterSetThatFailsIsNotStored)
 
 TEST_F(StreamWalker, UnitsOfOtherTypesHaveNoFieldsAndNoProblem)
 {
-    for (const unsigned int type : {0, 3, 4, 10, 11, 12, 13, 14, 15, 16, 17, 18, 20, 21, 22, 23, 24, 30, 31}) {
+    for (const unsigned int type :
+         {0U, 3U, 4U, 10U, 11U, 12U, 13U, 14U, 15U, 16U, 17U, 18U, 20U, 21U, 22U, 23U, 24U, 30U, 31U}) {
         const walked_unit unit = walk(support::header_byte(0, type), bytes(40, 0));
         EXPECT_TRUE(std::holds_alternative<std::monostate>(unit.syntax)) << type;
         EXPECT_EQ(problem_of(unit), "") << type;
