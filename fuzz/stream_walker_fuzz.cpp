@@ -42,7 +42,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     orv_h264::stream_walker walker;
     for (bool more = true; more;) {
         const auto header = static_cast<unsigned char>(input.byte() & 0x7F);
-        const std::size_t length = input.byte() * 256U;
+        const std::size_t length = std::size_t{256} * input.byte();
         const fuzz::bytes rbsp = input.take(length + input.byte());
         more = !rbsp.empty();
         support::unit_reader reader(header, rbsp);

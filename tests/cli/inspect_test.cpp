@@ -69,8 +69,8 @@ TEST(Inspect, AUnitThatDoesNotParseIsReportedAndShownAsFarAsItGoes)
 
 TEST(Inspect, ARealStreamShowsItsSliceHeadersAndSeiMessages)
 {
-    const tool_result result =
-        run_tool({"inspect", "--only", "1-6", "--limit", "3", ORV_TEST_STREAMS "/pulldown32.264"});
+    const std::string path = ORV_TEST_STREAMS "/pulldown32.264";
+    const tool_result result = run_tool({"inspect", "--only", "1-6", "--limit", "3", path});
     const std::string user_data =
         "    sei_message payloadType 5 (user_data_unregistered), payloadSize 680\n"
         "        uuid_iso_iec_11578 dc45e9bd-e6d9-48b7-962c-d820d923eeef (libx264 debug info)\n"
@@ -97,8 +97,8 @@ TEST(Inspect, ARealStreamShowsItsSliceHeadersAndSeiMessages)
 
 TEST(Inspect, TimingThatDepartsFromTheStandardSaysSoAndIsNoProblem)
 {
-    const tool_result result =
-        run_tool({"inspect", "--only", "6", "--limit", "3", ORV_TEST_STREAMS "/hrd_vbr_aud.264"});
+    const std::string path = ORV_TEST_STREAMS "/hrd_vbr_aud.264";
+    const tool_result result = run_tool({"inspect", "--only", "6", "--limit", "3", path});
     EXPECT_NE(result.out.find("        cpb_removal_delay 16 (read as 19 bits, in H.264 10)\n"
                               "        = as H.264 reads it\n"
                               "            cpb_removal_delay 0\n"
