@@ -5,6 +5,7 @@ if(PROJECT_IS_TOP_LEVEL)
     option(BUILD_SHARED_LIBS "Build the libraries shared; OFF builds static archives" ON)
 endif()
 option(ORV_UTILS_V4_TOOLS "Build the command-line tool orv-h264" ${PROJECT_IS_TOP_LEVEL})
+option(ORV_UTILS_V4_EXAMPLES "Build the programs of examples/" ${PROJECT_IS_TOP_LEVEL})
 option(ORV_UTILS_V4_TESTS "Build the tests and fuzz replay programs" ${PROJECT_IS_TOP_LEVEL})
 set(ORV_UTILS_V4_SANITIZE "" CACHE STRING "Value for -fsanitize=, empty for none")
 

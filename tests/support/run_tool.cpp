@@ -26,6 +26,11 @@ namespace {
         const rlimit limit = {*input.max_memory, *input.max_memory};
         setrlimit(RLIMIT_AS, &limit);
     }
+    if (input.max_file) {
+        const rlimit limit = {*input.max_file, *input.max_file};
+        setrlimit(RLIMIT_FSIZE, &limit);
+        signal(SIGXFSZ, SIG_IGN);
+    }
     signal(SIGPIPE, SIG_DFL);
     execv(argv[0], argv);
     _exit(127);

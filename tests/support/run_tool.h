@@ -1,4 +1,4 @@
-// Runs orv-h264 as a user does, and keeps what it printed.
+// Runs a program as a user does, and keeps what it printed: orv-h264, or in the tests of the examples one of those.
 #pragma once
 
 #include "support/stream_builder.h"
@@ -20,10 +20,11 @@ struct tool_input {
     std::optional<bytes> piped = std::nullopt; ///< what a pipe on the standard input gives; nothing is /dev/null
     std::size_t repeat = 1;                    ///< how often the pipe gives it
     std::optional<std::size_t> max_memory = std::nullopt; ///< bytes of address space
+    std::optional<std::size_t> max_file = std::nullopt;   ///< bytes that a file may grow to
     std::string out_path = {};                            ///< where the standard output goes instead of `out`
 };
 
-/// Runs orv-h264 with `arguments` and waits for its end.
+/// Runs the program with `arguments` and waits for its end.
 tool_result run_tool(const std::vector<std::string>& arguments, const tool_input& input = {});
 
 /// A file that goes when the object does.
