@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <utility>
+
 namespace {
 
 using orv_h264::library_lengths;
@@ -56,6 +58,8 @@ TEST(PicTimingLengths, TheLibraryHasTheLongestInitialDelayOfBothPresentOrNot)
     vui.vcl_hrd = hrd_of(5, 6, 7, 8);
     expect_lengths(library_lengths(vui), 6, 6, 14);
     vui.nal_hrd_parameters_present_flag = true;
+    expect_lengths(library_lengths(vui), 6, 6, 14);
+    std::swap(vui.nal_hrd, vui.vcl_hrd);
     expect_lengths(library_lengths(vui), 6, 6, 14);
 }
 

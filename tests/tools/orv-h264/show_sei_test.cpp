@@ -9,6 +9,7 @@ namespace {
 using support::bit_writer;
 using support::bytes;
 using support::sei_rbsp;
+using support::stream_builder;
 
 class ShowSei : public testing::Test {
 protected:
@@ -194,6 +195,38 @@ TEST_F(ShowSei, ATimestampWithoutHrdParametersDepartsByItsTimeOffset)
     EXPECT_LT(lines.find("        = as H.264 reads it\n"), lines.find("time_offset")) << lines;
 }
 
+TEST_F(ShowSei, ACutMessageShowsTheFieldsBeforeTheCut)
+{
+    stream.walk(sps_with({})); // each delay has 24 bits
+    const std::string period = "    sei_message payloadType 0 (buffering_period), payloadSize ";
+    EXPECT_EQ(period + "3\n        seq_parameter_set_id 0\n        NAL HRD\n", shown(sei_rbsp({{0, {0x80, 0, 0}}})));
+    EXPECT_EQ(period + "4\n        seq_parameter_set_id 0\n        NAL HRD\n"
+                       "            initial_cpb_removal_delay[0] 0 (0 s)\n",
+              shown(sei_rbsp({{0, {0x80, 0, 0, 0}}})));
+    bit_writer timing;
+    timing.u(48, 0).u(4, 0).flag(true).u(19, 0).flag(false).u(15, 0); // time_offset has 24 bits
+    const std::string lines = shown(sei_rbsp({{1, timing.bytes()}}));
+    EXPECT_NE(std::string::npos, lines.find("seconds_flag 0\n"));
+    EXPECT_EQ(std::string::npos, lines.find("time_offset")) << lines;
+}
+
+TEST_F(ShowSei, OfTheStandardsReadingTooOnlyWhatIsThereIsShown)
+{
+    support::hrd_description hrd;
+    hrd.initial_cpb_removal_delay_length_minus1 = 3;
+    hrd.cpb_removal_delay_length_minus1 = 19;
+    hrd.dpb_output_delay_length_minus1 = 19;
+    stream.walk(sps_with(hrd));
+    EXPECT_EQ("    sei_message payloadType 1 (pic_timing), payloadSize 3\n"
+              "        cpb_removal_delay 1 (read as 4 bits, in H.264 20)\n"
+              "        dpb_output_delay 2 (read as 4 bits, in H.264 20)\n"
+              "        pic_struct 0 (Progressive frame)\n"
+              "        clock_timestamp_flag[0] 0\n"
+              "        = as H.264 reads it\n"
+              "            cpb_removal_delay 73728\n",
+              shown(sei_rbsp({{1, {0x12, 0, 0}}})));
+}
+
 TEST_F(ShowSei, PictureTimingWithoutAnSpsShowsNothing)
 {
     EXPECT_EQ("    sei_message payloadType 1 (pic_timing), payloadSize 2\n", shown(sei_rbsp({{1, {0x11, 0x22}}})));
@@ -269,13 +302,14 @@ TEST_F(ShowSei, UserDataThatIsNoTextIsHex)
 
 TEST_F(ShowSei, LongTextIsCut)
 {
-    bytes rbsp = {5, 255, 255, 255, 255, 200};
-    const bytes payload = user_data(libx264, bytes(4 * 255 + 200 - 16, 'a'));
-    rbsp.insert(rbsp.end(), payload.begin(), payload.end());
-    rbsp.push_back(0x80);
-    const std::string lines = shown(rbsp);
-    EXPECT_EQ("        user_data \"" + std::string(1024, 'a') + "\" ...\n",
-              lines.substr(lines.find("        user_data \"")));
+    const auto user_data_line = [this](std::size_t size) {
+        stream_builder rbsp;
+        rbsp.raw({5, 255, 255, 255, 255}).fill(1, static_cast<unsigned char>(size + 16 - 4 * 255));
+        const std::string lines = shown(rbsp.raw(libx264).fill(size, 'a').raw({0x80}));
+        return lines.substr(lines.find("        user_data \""));
+    };
+    EXPECT_EQ("        user_data \"" + std::string(1024, 'a') + "\"\n", user_data_line(1024));
+    EXPECT_EQ("        user_data \"" + std::string(1024, 'a') + "\" ...\n", user_data_line(1025));
 }
 
 TEST_F(ShowSei, UserDataWithoutRoomForAUuidIsHex)

@@ -91,6 +91,38 @@ TEST_F(WalkedSlice, EscapesAtTheEndOfABlockAreTakenOut)
     }
 }
 
+TEST_F(WalkedSlice, AnIdcWhoseZerosReachBehindABlockDoesNotEndTheList)
+{
+    constexpr std::uint32_t idc = 0x7FFFFF; // 23 zeros in front
+    for (std::size_t count = 330; count < 400; ++count) {
+        bit_writer w = modified_p_slice();
+        for (std::size_t i = 0; i < count; ++i)
+            w.ue(0).ue(0);
+        const walked_unit unit = walk(followed_by(w.ue(idc).ue(3), 100));
+        ASSERT_EQ("", problem_of(unit)) << count;
+        ASSERT_EQ(idc, header_of(unit).ref_pic_list_modification_l0.entries.at(count).modification_of_pic_nums_idc);
+    }
+}
+
+TEST_F(WalkedSlice, ZerosThatEndTheUnitAtTheEndOfABlockAreNoPartOfTheHeader)
+{
+    support::sps_description seq;
+    seq.log2_max_frame_num_minus4 = 1;
+    stream.walk(seq);
+    bit_writer w; // 94 bytes of a B slice, up to and without ref_pic_list_modification_flag_l1
+    w.ue(0).ue(1).ue(0).u(5, 5).u(4, 6).flag(true).flag(false).flag(true);
+    for (int i = 0; i < 365; ++i)
+        w.ue(0).ue(0);
+    w.ue(3);
+    ASSERT_EQ(94U * 8, w.bits());
+    const bytes stream_bytes =
+        support::stream_builder().prefixed_unit(2, p_slice, support::stream_builder().raw(w.bytes()).raw({0, 0, 1, 9}));
+    const support::guarded_buffer buffer(stream_bytes);
+    brenik::h264_nal_reader reader(brenik::nalfmt_length2);
+    reader.scan(buffer.begin(), buffer.end());
+    EXPECT_EQ("truncated: fields read past the end, 753 bits of 752", problem_of(stream.walker.walk(reader)));
+}
+
 TEST_F(WalkedSlice, AListWithoutAnEndIsReadToTheEndOfTheUnit)
 {
     bit_writer w = modified_p_slice();
@@ -139,8 +171,12 @@ TEST_F(WalkedSlice, ProblemMissingSps)
         seq.seq_parameter_set_id = id;
         stream.walk(seq); // the SPS with the highest id gives way
     }
-    EXPECT_EQ("picture parameter set 1 names sequence parameter set 1000, which is missing",
-              problem_of(walk(followed_by(modified_p_slice(1), 0))));
+    const walked_unit unit = walk(followed_by(modified_p_slice(1), 0));
+    EXPECT_EQ("picture parameter set 1 names sequence parameter set 1000, which is missing", problem_of(unit));
+    EXPECT_EQ("    first_mb_in_slice 0\n"
+              "    slice_type 0 (P)\n"
+              "    pic_parameter_set_id 1\n",
+              orv_h264::show_fields(unit));
 }
 
 TEST_F(WalkedSlice, ProblemMalformedCodeAndFieldsPastTheEnd)
