@@ -304,7 +304,7 @@ TEST_F(ShowSei, LongTextIsCut)
 {
     const auto user_data_line = [this](std::size_t size) {
         stream_builder rbsp;
-        rbsp.raw({5, 255, 255, 255, 255}).fill(1, static_cast<unsigned char>(size + 16 - 4 * 255));
+        rbsp.raw({5, 255, 255, 255, 255}).fill(1, static_cast<unsigned char>(size + 16 - 1020));
         const std::string lines = shown(rbsp.raw(libx264).fill(size, 'a').raw({0x80}));
         return lines.substr(lines.find("        user_data \""));
     };
