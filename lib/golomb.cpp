@@ -1,0 +1,30 @@
+// H.264 clause 9.1: the Exp-Golomb codes of the legacy interface.
+#include <orv-utils-v4/h264_legacy/golomb.h>
+
+#include "legacy_bits.h"
+
+unsigned int legacy_bits::ue() const
+{
+    constexpr unsigned int longest_prefix = 24;
+    unsigned int zeros = 0;
+    while (zeros < longest_prefix && u(1) == 0)
+        ++zeros;
+    return (1U << zeros) - 1 + u(static_cast<unsigned char>(zeros));
+}
+
+int legacy_bits::se() const
+{
+    const unsigned int k = ue();
+    const int magnitude = static_cast<int>((k + 1) >> 1);
+    return k % 2 == 1 ? magnitude : -magnitude;
+}
+
+unsigned int h264_ue_golomb_read(be_bitfield* b)
+{
+    return legacy_bits{*b, nullptr}.ue();
+}
+
+int h264_se_golomb_read(be_bitfield* b)
+{
+    return legacy_bits{*b, nullptr}.se();
+}

@@ -1,0 +1,29 @@
+// Reads of syntax elements for the legacy interface, one token an element, open-ended or up to a fence: the syntax is
+// written once over this.
+#pragma once
+
+#include <orv-utils-v4/misc/be_bitfields.h>
+
+#include <cstdint>
+
+struct legacy_bits {
+    be_bitfield& bf;
+    const unsigned char* fence; ///< bits from here on read as zero; null when there is no known end
+
+    /// u(n), with the answers of be_bitfield_read() for widths of 0 and above 24.
+    std::uint32_t u(unsigned char n) const { return be_bitfield_read_until(&bf, n, fence); }
+
+    std::uint8_t u8(unsigned char n) const { return static_cast<std::uint8_t>(u(n)); }
+
+    std::uint32_t u32() const
+    {
+        const std::uint32_t high = u(16);
+        return high << 16 | u(16);
+    }
+
+    unsigned int ue() const;
+    int se() const;
+
+    /// No one bit remains: nothing but zeros can be read.
+    bool at_end() const { return fence != nullptr && bf.ptr >= fence && (bf.bits >= 32 || bf.word << bf.bits == 0); }
+};

@@ -1,0 +1,58 @@
+// The NAL writer of the legacy interface, H.264 clause 7.3.1 and Annex B. It shares nothing with the newer NAL writer.
+#include <orv-utils-v4/h264_legacy/nal_writer.h>
+
+#include <orv-utils-v4/h2645_common/advance_past.h>
+#include <orv-utils-v4/misc/assertion.h>
+
+using brenik::range_size;
+
+namespace {
+
+constexpr std::size_t smallest_output = 16;
+constexpr std::size_t start_code_size = 3;
+constexpr std::size_t kept_room = 3;
+
+/// Copies the payload with emulation-prevention bytes while more than three bytes of room remain; where the copy ends.
+unsigned char* escape(unsigned char* w, const unsigned char* out_fence, const unsigned char* p,
+                      const unsigned char* payload_fence)
+{
+    while (p != payload_fence && range_size(w, out_fence) > kept_room) {
+        if (range_size(p, payload_fence) >= 3 && p[0] == 0 && p[1] == 0 && p[2] <= 3) {
+            *w++ = 0;
+            *w++ = 0;
+            *w++ = 3;
+            p += 2;
+        } else {
+            *w++ = *p++;
+        }
+    }
+    return w;
+}
+
+void store_big_endian(unsigned char* prefix, unsigned int size, std::size_t value)
+{
+    for (unsigned int i = size; i-- > 0; value >>= 8)
+        prefix[i] = static_cast<unsigned char>(value & 0xFF);
+}
+
+} // namespace
+
+// NOLINTNEXTLINE(readability-non-const-parameter): the exported signature
+int h264_nal_write(unsigned char* out, std::size_t out_size, unsigned char* payload, std::size_t payload_size,
+                   unsigned int nal_length_size, unsigned char header)
+{
+    constexpr unsigned char forbidden_bit = 0x80;
+    if (out_size < smallest_output)
+        return -1;
+    orv_utils_v4::check(nal_length_size <= 4, "lib/nal_writer", 27, "nal_length_size <= 4");
+    const bool annexb = nal_length_size == 0;
+    if (annexb)
+        store_big_endian(out, start_code_size, 1);
+    if ((header & forbidden_bit) != 0)
+        return -1;
+    unsigned char* const unit = out + (annexb ? start_code_size : nal_length_size);
+    *unit = header;
+    const unsigned char* const end = escape(unit + 1, out + out_size, payload, payload + payload_size);
+    store_big_endian(out, nal_length_size, range_size(unit, end));
+    return static_cast<int>(end - out);
+}
