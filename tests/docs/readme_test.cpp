@@ -1,7 +1,9 @@
-// The example of README.md, compiled as it stands there.
-#include "readme_example.h"
+// The examples of README.md, compiled as they stand there.
+#include "annexb_to_length4.h"
+#include "print_frames.h"
 
 #include "support/stream_builder.h"
+#include "support/stream_files.h"
 
 #include <gtest/gtest.h>
 
@@ -24,6 +26,25 @@ TEST(Readme, TheExamplePrintsEachUnitAndRewritesTheFraming)
     EXPECT_EQ(out, bytes(stream_builder()
                              .prefixed_unit(4, support::sps, {0x42, 0, 0, 3, 1})
                              .prefixed_unit(4, support::aud, {0x10})));
+}
+
+TEST(Readme, TheLegacyExamplePrintsEachFrame)
+{
+    testing::internal::CaptureStdout();
+    print_frames(support::read_file(ORV_TEST_STREAMS "/pulldown32.264"));
+    const std::string lines = testing::internal::GetCapturedStdout();
+    EXPECT_EQ("    2717  176 x 144  3 fields\n"
+              "     961  176 x 144  3 fields\n",
+              lines.substr(0, 2 * 30));
+    EXPECT_EQ(39, std::count(lines.begin(), lines.end(), '\n'));
+}
+
+TEST(Readme, TheLegacyExampleFindsNoFramesWhereThereIsNone)
+{
+    testing::internal::CaptureStdout();
+    print_frames({});
+    print_frames(bytes(100, 0));
+    EXPECT_EQ("", testing::internal::GetCapturedStdout());
 }
 
 } // namespace
