@@ -39,10 +39,16 @@ enum ORV_UTILS_V4_EXPORT h264_common_frame_scan_flags : std::uint32_t {
 ///
 /// Frames end before the SEI, SPS, PPS, AUD, end of sequence or end of stream that follows a slice, or at a slice with
 /// another frame_num. The two fields of a frame stay together unless `split_fields` is set.
+/// @param info what was found; what it held before does not matter
 /// @param sps_updated set when an SPS was read into `sps`; never cleared
+/// @param sps the stream's SPS; keep it from call to call
+/// @param s where the frame begins
+/// @param sf the end of the input
 /// @param nal_length_size 0 for Annex B, 1 to 4 for length prefixes
 /// @param out room for the RBSP of the largest unit
+/// @param out_size the bytes of that room
 /// @param flags h264_common_frame_scan_flags; other bits are ignored
+/// @return where the next call begins
 ORV_UTILS_V4_EXPORT const unsigned char* h264_common_frame_scan(h264_common_frame_scan_info& info, bool& sps_updated,
                                                                 h264_sps& sps, const unsigned char* s,
                                                                 const unsigned char* sf, int nal_length_size,

@@ -26,6 +26,11 @@ struct h264_nal_parser_state {
 /// start code before a header with the forbidden bit is passed over, a length-prefixed unit with one is skipped. A
 /// length of 0, above 16777214 or past `sf` gives up on the range. Three bytes 00 00 00, 00 00 01 or 00 00 02 end a
 /// unit, a length-prefixed one too.
+/// @param hp takes what was found; keep it from call to call or not
+/// @param out where the RBSP goes
+/// @param out_size the bytes of room there
+/// @param s where to begin
+/// @param sf the end of the input, and of a unit in Annex B when no start code follows
 /// @param nal_length_size 0 for Annex B, 1 to 4 for a big-endian length prefix of so many bytes
 /// @return where the next scan should begin
 ORV_UTILS_V4_EXPORT const unsigned char* h264_nal_parser_scan(h264_nal_parser_state* hp, unsigned char* out,
@@ -37,6 +42,10 @@ ORV_UTILS_V4_EXPORT const char* h264_nal_parser_unit_type_to_str(unsigned char t
 
 /// Prints a line for every unit of [`s`, `sf`), and up to `dump_bytes` bytes of its RBSP in hex, 16 a line. The RBSP is
 /// decoded into 64 KiB on the stack.
-/// @param f null for the standard error stream
+/// @param f where to print; null for the standard error stream
+/// @param s the first byte of the buffer
+/// @param sf one past its last byte
+/// @param nal_length_size as for h264_nal_parser_scan()
+/// @param dump_bytes how many bytes of each RBSP to print; none when below 1
 ORV_UTILS_V4_EXPORT void h264_nal_dump_dbg(std::FILE* f, const unsigned char* s, const unsigned char* sf,
                                            unsigned int nal_length_size, int dump_bytes);

@@ -10,8 +10,10 @@
 /// The copy stops, without a word, when three bytes of room or fewer are left: `payload_size` * 3 / 2 + 16 bytes are
 /// enough for certain. One or two zero bytes at the end of the payload are not escaped. A length that does not fit its
 /// prefix is cut to the prefix's bits. Asserts "nal_length_size <= 4".
-/// @param out_size 16 at least
+/// @param out where the unit goes
+/// @param out_size the bytes of room there, 16 at least
 /// @param payload the RBSP behind the header byte, outside of `out`
+/// @param payload_size its bytes
 /// @param nal_length_size 0 for Annex B, 1 to 4 for a big-endian length prefix of so many bytes
 /// @param header the NAL unit header byte
 /// @return the bytes written, framing included; -1 when `out_size` is below 16, with nothing written, and when the

@@ -51,7 +51,9 @@ inline void be_bitfield_open(be_bitfield* b, const unsigned char* data)
 
 /// The next `n` bits, first bit most significant: u(n) of H.264 clause 7.2. Bits at and past `fence` read as zero; a
 /// null fence means that there is none.
+/// @param b the reader
 /// @param n 1 to 24; 0 gives 0 and above 24 gives 0xFFFFFFFF, and neither loads or consumes anything
+/// @param fence the end of the data, or null
 inline std::uint32_t be_bitfield_read_until(be_bitfield* b, unsigned char n, const unsigned char* fence)
 {
     constexpr unsigned char widest_read = 24;
