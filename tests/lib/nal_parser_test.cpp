@@ -1,0 +1,241 @@
+#include <orv-utils-v4/h264_legacy/nal_parser.h>
+
+#include "support/legacy_scanned.h"
+
+#include <gtest/gtest.h>
+
+#include <iterator>
+#include <string>
+
+namespace {
+
+using support::bytes;
+using support::legacy_scanned;
+using support::stream_builder;
+
+/// The payload that a unit with `payload` behind its header comes out as.
+bytes scanned_payload(const bytes& payload)
+{
+    const legacy_scanned s(stream_builder().annexb_unit(support::sps, payload));
+    EXPECT_EQ(1, s.state.found);
+    return s.payload();
+}
+
+} // namespace
+
+TEST(LegacyNalScan, UnitsComeOneAfterAnother)
+{
+    legacy_scanned s(bytes{0, 0, 1, 0x65, 0xAA, 0, 0, 3, 1, 0, 0, 1, 0x41});
+    EXPECT_EQ(1, s.state.found);
+    EXPECT_EQ(0, s.state.overflow);
+    EXPECT_EQ(5, s.state.nal_unit_type);
+    EXPECT_EQ(3, s.state.nal_ref_idc);
+    EXPECT_EQ((bytes{0xAA, 0, 0, 1}), s.payload());
+    EXPECT_EQ(s.output.begin(), s.state.nal);
+    EXPECT_EQ(s.input.begin(), s.state.raw_nal);
+    EXPECT_EQ(s.next, s.state.raw_nal_fence);
+    EXPECT_EQ(9U, s.next_offset());
+    s.scan();
+    EXPECT_EQ(1, s.state.found);
+    EXPECT_EQ(1, s.state.nal_unit_type);
+    EXPECT_EQ(2, s.state.nal_ref_idc);
+    EXPECT_EQ(bytes{}, s.payload());
+    EXPECT_EQ(9U, s.raw_offset());
+    EXPECT_EQ(s.input.end(), s.state.raw_nal_fence);
+    EXPECT_EQ(s.input.end(), s.next);
+}
+
+TEST(LegacyNalScan, WithoutAStartCodeTheLastTwoBytesStay)
+{
+    for (std::size_t size = 0; size <= 9; ++size)
+        for (const unsigned char filler : bytes{0, 1, 2, 0xEE}) {
+            const legacy_scanned s(bytes(size, filler));
+            EXPECT_EQ(size < 3 ? 0 : size - 2, s.next_offset());
+            EXPECT_TRUE(s.took_nothing());
+            EXPECT_EQ(nullptr, s.state.raw_nal);
+        }
+}
+
+TEST(LegacyNalScan, ARangeOfNothingIsReturnedAsItIs)
+{
+    const bytes stream = {0, 0, 1, support::sps};
+    h264_nal_parser_state state;
+    unsigned char out[4];
+    for (unsigned int k = 0; k <= 4; ++k) {
+        EXPECT_EQ(nullptr, h264_nal_parser_scan(&state, out, 4, nullptr, nullptr, k));
+        EXPECT_EQ(stream.data() + 2, h264_nal_parser_scan(&state, out, 4, stream.data() + 2, stream.data(), k));
+        EXPECT_EQ(0, state.found);
+        EXPECT_EQ(nullptr, state.raw_nal);
+    }
+}
+
+TEST(LegacyNalScan, AStartCodeAtTheEndIsConsumed)
+{
+    const legacy_scanned s(bytes{0xEE, 0, 0, 1});
+    EXPECT_EQ(s.input.end(), s.next);
+    EXPECT_TRUE(s.took_nothing());
+    EXPECT_EQ(1U, s.raw_offset());
+    EXPECT_EQ(nullptr, s.state.raw_nal_fence);
+}
+
+TEST(LegacyNalScan, FoundAndOverflowAreClearedByEveryScan)
+{
+    legacy_scanned s(stream_builder().annexb_unit(support::sps, {1, 2, 3}), 0, 1);
+    EXPECT_EQ(1, s.state.found);
+    EXPECT_EQ(1, s.state.overflow);
+    const h264_nal_parser_state before = s.state;
+    s.scan();
+    EXPECT_EQ(0, s.state.found);
+    EXPECT_EQ(0, s.state.overflow);
+    EXPECT_EQ(before.nal_ref_idc, s.state.nal_ref_idc);
+    EXPECT_EQ(before.nal_unit_type, s.state.nal_unit_type);
+    EXPECT_EQ(before.nal, s.state.nal);
+    EXPECT_EQ(before.nal_fence, s.state.nal_fence);
+    EXPECT_EQ(before.raw_nal, s.state.raw_nal);
+    EXPECT_EQ(before.raw_nal_fence, s.state.raw_nal_fence);
+}
+
+TEST(LegacyNalScan, ZerosBeforeAStartCodeAreNoPartOfTheUnit)
+{
+    const legacy_scanned s(stream_builder().zeros(5).annexb_unit(support::sps, {9}));
+    EXPECT_EQ(1, s.state.found);
+    EXPECT_EQ(5U, s.raw_offset());
+}
+
+TEST(LegacyNalScan, AStartCodeBeforeAForbiddenHeaderIsPassedOver)
+{
+    const legacy_scanned s(
+        stream_builder().annexb_unit(support::forbidden, {1, 2}).annexb_unit(support::pps, {3}).made());
+    EXPECT_EQ(1, s.state.found);
+    EXPECT_EQ(8, s.state.nal_unit_type);
+    EXPECT_EQ(6U, s.raw_offset());
+    EXPECT_EQ(bytes{3}, s.payload());
+}
+
+TEST(LegacyNalScan, TheSearchGoesOnAtTheByteBehindTheStartCodesFirst)
+{
+    for (const unsigned char header : bytes{0x80, 0xFF}) {
+        const legacy_scanned s(bytes{0, 0, 1, header});
+        EXPECT_EQ(2U, s.next_offset());
+        EXPECT_TRUE(s.took_nothing());
+        EXPECT_EQ(0U, s.raw_offset());
+        EXPECT_EQ(nullptr, s.state.raw_nal_fence);
+    }
+}
+
+TEST(LegacyNalScan, EveryHeaderByteIsTakenApart)
+{
+    for (unsigned int header = 0; header < 256; ++header)
+        for (const unsigned int k : {0U, 1U}) {
+            const bytes stream = k == 0 ? bytes{0, 0, 1, static_cast<unsigned char>(header), 7}
+                                        : bytes{2, static_cast<unsigned char>(header), 7};
+            const legacy_scanned s(stream, k);
+            EXPECT_EQ(header < 128 ? 1 : 0, s.state.found);
+            EXPECT_EQ(header < 128 ? header / 32 : 7, s.state.nal_ref_idc);
+            EXPECT_EQ(header < 128 ? header % 32 : 77, s.state.nal_unit_type);
+        }
+}
+
+TEST(LegacyNalScan, EmulationPreventionBytesAreDropped)
+{
+    EXPECT_EQ((bytes{0, 0, 1}), scanned_payload({0, 0, 3, 1}));
+    EXPECT_EQ((bytes{0, 0}), scanned_payload({0, 0, 3}));
+    EXPECT_EQ((bytes{0, 0, 0, 0}), scanned_payload({0, 0, 3, 0, 0, 3}));
+    EXPECT_EQ((bytes{7, 0, 0, 9}), scanned_payload({7, 0, 0, 3, 9})) << "whatever byte follows";
+    EXPECT_EQ((bytes{0, 0, 3, 3}), scanned_payload({0, 0, 3, 3, 3}));
+    EXPECT_EQ((bytes{1, 0, 3}), scanned_payload({1, 0, 3}));
+    EXPECT_EQ((bytes{0, 1, 3}), scanned_payload({0, 1, 3}));
+    EXPECT_EQ((bytes{0, 0, 4, 0, 0}), scanned_payload({0, 0, 4, 0, 0}));
+}
+
+TEST(LegacyNalScan, ZeroZeroAndLessThanThreeEndsAUnit)
+{
+    for (const unsigned char third : bytes{0, 1, 2})
+        for (std::size_t before = 0; before < 5; ++before) {
+            legacy_scanned s(
+                stream_builder().annexb_unit(support::sps, {}).fill(before, 9).raw({0, 0, third, support::pps, 8}));
+            EXPECT_EQ(bytes(before, 9), s.payload());
+            EXPECT_EQ(4 + before, s.next_offset());
+            EXPECT_EQ(s.next, s.state.raw_nal_fence);
+        }
+}
+
+TEST(LegacyNalScan, TheLastTwoBytesOfAUnitAreCopiedUnexamined)
+{
+    EXPECT_EQ((bytes{0}), scanned_payload({0}));
+    EXPECT_EQ((bytes{0, 0}), scanned_payload({0, 0}));
+    EXPECT_EQ((bytes{9, 0, 0}), scanned_payload({9, 0, 0}));
+    EXPECT_EQ((bytes{0, 0, 0, 0}), scanned_payload({0, 0, 3, 0, 0}));
+}
+
+TEST(LegacyNalScan, TwoBytesIntoOneOverflow)
+{
+    const legacy_scanned s(stream_builder().annexb_unit(support::sps, {8, 9}), 0, 1);
+    EXPECT_EQ(1, s.state.found);
+    EXPECT_EQ(1, s.state.overflow);
+    EXPECT_EQ(bytes{8}, s.payload());
+    EXPECT_EQ(s.input.end(), s.next);
+}
+
+/// Two bytes that do not both fit are dropped, and the byte behind them still fits.
+TEST(LegacyNalScan, APairIsDroppedWholeAndTheByteBehindItMayFit)
+{
+    const bytes stream = stream_builder().annexb_unit(support::sps, {4, 5, 6, 7, 8, 9});
+    const bytes expected[] = {
+        {}, {6}, {4, 5}, {4, 5, 6}, {4, 5, 6, 9}, {4, 5, 6, 7, 8}, {4, 5, 6, 7, 8, 9}, {4, 5, 6, 7, 8, 9}};
+    for (std::size_t room = 0; room < std::size(expected); ++room) {
+        const legacy_scanned s(stream, 0, room);
+        EXPECT_EQ(expected[room], s.payload()) << room;
+        EXPECT_EQ(room < 6 ? 1 : 0, s.state.overflow);
+        EXPECT_EQ(s.input.end(), s.state.raw_nal_fence);
+    }
+}
+
+TEST(LegacyNalScan, TwoZerosBeforeAnEmulationPreventionByteAreAPairToo)
+{
+    const bytes stream = stream_builder().annexb_unit(support::sps, {0, 0, 3, 1, 2, 3});
+    const bytes expected[] = {{}, {1}, {0, 0}, {0, 0, 1}, {0, 0, 1, 2}, {0, 0, 1, 2, 3}};
+    for (std::size_t room = 0; room < std::size(expected); ++room) {
+        const legacy_scanned s(stream, 0, room);
+        EXPECT_EQ(expected[room], s.payload()) << room;
+        EXPECT_EQ(room < 5 ? 1 : 0, s.state.overflow);
+    }
+}
+
+TEST(LegacyNalScan, AnOutputOfNothingMayBeNull)
+{
+    const bytes stream = stream_builder().annexb_unit(support::sps, {1, 2, 9, 0, 0, 3});
+    h264_nal_parser_state state;
+    const unsigned char* const end = stream.data() + stream.size();
+    EXPECT_EQ(end, h264_nal_parser_scan(&state, nullptr, 0, stream.data(), end, 0));
+    EXPECT_EQ(1, state.found);
+    EXPECT_EQ(1, state.overflow);
+    EXPECT_EQ(nullptr, state.nal_fence);
+}
+
+TEST(LegacyNalScan, TypesOneToTwelveHaveNames)
+{
+    const std::string expected[] = {
+        "Coded slice of a non-IDR picture",
+        "Coded slice data partition A",
+        "Coded slice data partition B",
+        "Coded slice data partition C",
+        "Coded slice of an IDR picture",
+        "Supplemental enhancement information",
+        "Sequence parameter set",
+        "Picture parameter set",
+        "Access unit delimiter",
+        "End of sequence",
+        "End of stream",
+        "Filler data",
+    };
+    for (unsigned char type = 1; type <= 12; ++type)
+        EXPECT_EQ(expected[type - 1], h264_nal_parser_unit_type_to_str(type));
+}
+
+TEST(LegacyNalScan, OtherTypesHaveNone)
+{
+    EXPECT_EQ(nullptr, h264_nal_parser_unit_type_to_str(0));
+    for (unsigned int type = 13; type < 256; ++type)
+        EXPECT_EQ(nullptr, h264_nal_parser_unit_type_to_str(static_cast<unsigned char>(type)));
+}
