@@ -609,8 +609,106 @@ def walker_seeds():
     }
 
 
+def record(sps, pps, sps_count=None, pps_count=None, tail=b""):
+    """An AVC decoder configuration record; its counts may lie."""
+    counts = (len(sps) if sps_count is None else sps_count, len(pps) if pps_count is None else pps_count)
+    head = bytes([1, 0x64, 0, 0x1F, 0xFF, 0xE0 | counts[0]])
+    entries = [b"".join(prefixed(2, bytes(entry)) for entry in sets) for sets in (sps, pps)]
+    return head + entries[0] + bytes([counts[1]]) + entries[1] + tail
+
+
+def record_seeds():
+    sps, pps = unit(SPS, 0x64, 0, 0x1F), unit(PPS, 0xEE)
+    whole = record([sps, b"", sps], [pps, pps])
+    return {
+        "empty": b"",
+        "one_of_each": record([sps], [pps]),
+        "several": whole,
+        "extension": record([sps], [pps], tail=bytes([0xFD, 0xF8, 0xF8, 0])),
+        "six_bytes": whole[:6],
+        "no_sps": record([], [pps]),
+        "no_pps": record([sps], []),
+        "no_pps_and_a_byte": record([sps], [], tail=b"\xfd"),
+        "cut_sps": whole[:10],
+        "cut_pps": whole[:-1],
+        "without_pps_count": record([sps], [pps])[:12],
+        "too_few_sps": record([sps], [pps], sps_count=31),
+        "too_few_pps": record([sps], [pps], pps_count=255),
+        "longest_entry": record([], []) + b"\xff\xff" + sps,
+    }
+
+
+LEGACY_READ, LEGACY_UE, LEGACY_SE, LEGACY_U32, LEGACY_AT_END, LEGACY_READ_NARROW = range(6)
+
+
+def legacy_bits_seeds():
+    counted = bytes(range(0x11, 0x100, 0x11))
+    codes = bits("1 010 011 00100 00111 0001000 1") + bytes(12)
+    to_the_end = [(LEGACY_AT_END, 0), (LEGACY_READ_NARROW, 7)] * 6
+    return {
+        "empty": b"",
+        "every_width": bitreader([(LEGACY_READ, n) for n in range(26)], counted * 3),
+        "widths_that_move_nothing": bitreader([(LEGACY_READ, n) for n in (8, 0, 25, 8, 255, 8)], counted),
+        "unsigned_codes": bitreader([(LEGACY_UE, 0)] * 8, codes),
+        "signed_codes": bitreader([(LEGACY_SE, 0)] * 8, codes),
+        "largest_code": bitreader([(LEGACY_UE, 0)] * 2, bytes(3) + b"\xff" * 9),
+        "23_zeros": bitreader([(LEGACY_UE, 0), (LEGACY_SE, 0)], bits("0" * 23 + "1" * 30)),
+        "24_zeros_and_a_one": bitreader([(LEGACY_UE, 0), (LEGACY_UE, 0)], bits("0" * 24 + "1" + "01" * 40)),
+        "zeros_only": bitreader([(LEGACY_UE, 0), (LEGACY_SE, 0), (LEGACY_UE, 0)], bytes(20)),
+        "code_behind_a_bit": bitreader([(LEGACY_READ, 1), (LEGACY_UE, 0), (LEGACY_U32, 0)], bits("1 0001" + "01" * 60)),
+        "32_bits": bitreader([(LEGACY_READ, 3), (LEGACY_U32, 0), (LEGACY_U32, 0)], counted),
+        "to_the_end": bitreader(to_the_end, b"\x01\x00\x40\x00"),
+        "three_bytes": bitreader([(LEGACY_UE, 0), (LEGACY_AT_END, 0)], b"\x00\x00\x01"),
+    }
+
+
+def scanner(k, stream, room=64, cut=0):
+    return bytes([k, room, cut]) + stream
+
+
+def legacy_nal_parser_seeds():
+    escapes = unit(SPS, 0x42, 0, 0, 3, 1, 0, 0, 3, 0, 0, 3)
+    plain = unit(IDR, *range(0x10, 0x38), 0, 0, 4)
+    annexb = bytes(1) + START_CODE + escapes + bytes(1) + START_CODE + unit(PPS, 0xCE) + START_CODE + plain
+    seeds = {
+        "empty": b"",
+        "annexb_units": scanner(0, annexb, cut=12),
+        "annexb_forbidden_header": scanner(0, START_CODE + unit(FORBIDDEN, 1) + START_CODE + unit(AUD, 0xF0), cut=4),
+        "annexb_junk": scanner(0, bytes([0xEE] * 9 + [0, 0, 2, 0, 7, 0, 0])),
+        "annexb_start_code_at_the_end": scanner(0, START_CODE + plain + START_CODE, cut=11),
+        "annexb_three_zeros_end_a_unit": scanner(0, START_CODE + unit(SPS, 7, 0, 0, 0)),
+        "annexb_type_without_a_name": scanner(0, START_CODE + unit(0x6D, *range(0x70, 0x81))),
+    }
+    for room in range(8):
+        seeds[f"annexb_room_of_{room}"] = scanner(0, START_CODE + unit(SPS, 4, 5, 6, 0, 0, 3, 1, 9), room=room)
+    for k in range(1, 5):
+        stream = prefixed(k, escapes) + prefixed(k, unit(FORBIDDEN, 1)) + prefixed(k, plain) + prefixed(k, unit(AUD))
+        seeds[f"length{k}_units"] = scanner(k, stream, cut=k + 3)
+        seeds[f"length{k}_zero"] = scanner(k, prefixed(k, unit(SPS, 1)) + prefixed(k, b"") + plain)
+        seeds[f"length{k}_too_large"] = scanner(k, prefixed(k, plain, length=256**k - 1), cut=k)
+        seeds[f"length{k}_start_code_inside"] = scanner(k, prefixed(k, unit(SPS, 9, 0, 0, 1, 1, 7)) + stream)
+    return seeds
+
+
+def legacy_nal_write_seeds():
+    payload = bytes([0x42, 0, 0, 1, 0, 0, 0, 3, 0, 0, 2, 9, 0, 0, 4])
+    seeds = {"empty": b"", "zeros": bytes([0, SPS, 0]) + bytes(40)}
+    for k in range(5):
+        seeds[f"length{k}"] = bytes([k, SPS, 0]) + payload
+        seeds[f"length{k}_forbidden_header"] = bytes([k, FORBIDDEN, 0]) + payload
+        seeds[f"length{k}_two_zeros_at_the_end"] = bytes([k, SPS, 0]) + payload + bytes(2)
+        seeds[f"length{k}_300_bytes"] = bytes([k, SPS, 0]) + b"\x55" * 300
+        for missing in range(10, 24, 3):
+            seeds[f"length{k}_{missing}_missing"] = bytes([k, SPS, missing]) + payload
+    return seeds
+
+
 def main():
     all_seeds = {
+        "decoder_configuration_record": record_seeds(),
+        "legacy_bits": legacy_bits_seeds(),
+        "legacy_nal_parser": legacy_nal_parser_seeds(),
+        "legacy_nal_write": legacy_nal_write_seeds(),
         "bitreader": bitreader_seeds(),
         "hrd_parameters": hrd_seeds(),
         "nal_aud": aud_seeds(),
