@@ -1,0 +1,338 @@
+// SEI messages and picture timing for the legacy interface.
+#include "support/legacy_parse.h"
+#include "support/zero_heavy.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <string>
+
+namespace {
+
+using support::bit_writer;
+using support::bytes;
+using support::guarded_buffer;
+
+/// The message at the start of some bytes that end at an unmapped page; pointers as offsets.
+struct read_pair {
+    guarded_buffer buffer;
+    h264_sei_pair pair = {9, 9, 9, nullptr, &dirt, &dirt};
+    const unsigned char* next;
+
+    explicit read_pair(const bytes& data) : buffer(data), next(h264_sei_read_pair(&pair, buffer.begin(), buffer.end()))
+    {
+    }
+
+    const h264_sei_pair* operator->() const { return &pair; }
+
+    static constexpr unsigned char dirt = 0;
+};
+
+/// An SPS with HRD parameters of these lengths, or none, and pic_struct.
+h264_sps timing_sps(bool hrd, unsigned int cpb = 24, unsigned int dpb = 24)
+{
+    h264_sps sps;
+    sps.nal_hrd_parameters_present_flag = hrd ? 1 : 0;
+    sps.cpb_removal_delay_length = static_cast<std::uint8_t>(cpb);
+    sps.dpb_output_delay_length = static_cast<std::uint8_t>(dpb);
+    sps.pic_struct_present_flag = 1;
+    return sps;
+}
+
+struct parsed_timing_info {
+    guarded_buffer buffer;
+    h264_sei_picture_timing_info info = {9, 9, 9, 9};
+    int result;
+
+    parsed_timing_info(const bytes& data, h264_sps sps)
+        : buffer(data), result(h264_sei_picture_timing_info_parse(&info, buffer.begin(), buffer.end(), sps))
+    {
+    }
+
+    const h264_sei_picture_timing_info* operator->() const { return &info; }
+};
+
+int duration_of(const bytes& rbsp, h264_sps sps = timing_sps(false))
+{
+    const guarded_buffer buffer(rbsp);
+    return h264_sei_get_field_duration(sps, buffer.begin(), buffer.end());
+}
+
+constexpr std::uint32_t durations[16] = {2, 1, 1, 2, 2, 3, 3, 4, 6};
+
+} // namespace
+
+TEST(LegacySei, AMessageIsTypeSizeAndPayload)
+{
+    const read_pair p({0x05, 0x02, 0xAA, 0xBB, 0x80});
+    EXPECT_EQ(1, p->valid);
+    EXPECT_EQ(5U, p->payload_type);
+    EXPECT_EQ(2U, p->payload_size);
+    EXPECT_EQ(p.buffer.begin(), p->start);
+    EXPECT_EQ(p.buffer.begin() + 2, p->data);
+    EXPECT_EQ(p.buffer.begin() + 4, p->fence);
+    EXPECT_EQ(p.buffer.begin() + 4, p.next);
+}
+
+TEST(LegacySei, SumsGoOnBehindEveryFF)
+{
+    bytes data = {0x05, 0xFF, 0x01};
+    data.resize(3 + 256, 0x11);
+    const read_pair p(data);
+    EXPECT_EQ(1, p->valid);
+    EXPECT_EQ(5U, p->payload_type);
+    EXPECT_EQ(256U, p->payload_size);
+    EXPECT_EQ(p->start + 3, p->data);
+    EXPECT_EQ(p.buffer.end(), p.next);
+
+    data = {0xFF, 0xFF, 0x07, 0xFF, 0x00};
+    data.resize(5 + 255, 0x11);
+    const read_pair q(data);
+    EXPECT_EQ(1, q->valid);
+    EXPECT_EQ(517U, q->payload_type);
+    EXPECT_EQ(255U, q->payload_size);
+}
+
+TEST(LegacySei, AnEmptyRangeHasNoMessage)
+{
+    unsigned char byte = 5;
+    const unsigned char* const ranges[][2] = {{&byte, &byte}, {&byte + 1, &byte}, {nullptr, nullptr}};
+    for (const auto& range : ranges) {
+        h264_sei_pair pair = {1, 2, 3, nullptr, &byte, &byte};
+        EXPECT_EQ(range[1], h264_sei_read_pair(&pair, range[0], range[1]));
+        EXPECT_EQ(0, pair.valid);
+        EXPECT_EQ(0U, pair.payload_type);
+        EXPECT_EQ(0U, pair.payload_size);
+        EXPECT_EQ(range[0], pair.start);
+        EXPECT_EQ(nullptr, pair.data);
+        EXPECT_EQ(nullptr, pair.fence);
+    }
+}
+
+TEST(LegacySei, ATypeWithoutAnEndLeavesItsPartialSum)
+{
+    const read_pair p({0xFF, 0xFF});
+    EXPECT_EQ(p.buffer.end(), p.next);
+    EXPECT_EQ(0, p->valid);
+    EXPECT_EQ(510U, p->payload_type);
+    EXPECT_EQ(0U, p->payload_size);
+    EXPECT_EQ(p.buffer.begin(), p->start);
+    EXPECT_EQ(nullptr, p->data);
+    EXPECT_EQ(nullptr, p->fence);
+}
+
+TEST(LegacySei, ASizeWithoutAnEndLeavesItsPartialSum)
+{
+    const read_pair p({0xFF, 0x01, 0xFF, 0xFF, 0xFF});
+    EXPECT_EQ(p.buffer.end(), p.next);
+    EXPECT_EQ(0, p->valid);
+    EXPECT_EQ(256U, p->payload_type);
+    EXPECT_EQ(765U, p->payload_size);
+    EXPECT_EQ(nullptr, p->data);
+    EXPECT_EQ(nullptr, p->fence);
+}
+
+TEST(LegacySei, TheTrailingBitsAreATypeWithoutASize)
+{
+    const read_pair p({0x80});
+    EXPECT_EQ(p.buffer.end(), p.next);
+    EXPECT_EQ(0, p->valid);
+    EXPECT_EQ(128U, p->payload_type);
+    EXPECT_EQ(0U, p->payload_size);
+    EXPECT_EQ(nullptr, p->data);
+}
+
+TEST(LegacySei, APayloadPastTheEndIsNotValidAndItsFenceIsKept)
+{
+    for (const unsigned int size : {3U, 4U, 100U, 254U}) {
+        const read_pair p({0x05, static_cast<unsigned char>(size), 0xAA, 0xBB});
+        EXPECT_EQ(p.buffer.end(), p.next);
+        EXPECT_EQ(0, p->valid);
+        EXPECT_EQ(size, p->payload_size);
+        EXPECT_EQ(p.buffer.begin() + 2, p->data);
+        EXPECT_EQ(reinterpret_cast<std::uintptr_t>(p->data) + size, reinterpret_cast<std::uintptr_t>(p->fence));
+    }
+}
+
+TEST(LegacySei, APayloadUpToTheEndAndAnEmptyOneAreValid)
+{
+    const read_pair p({0x05, 0x02, 0xAA, 0xBB});
+    EXPECT_EQ(1, p->valid);
+    EXPECT_EQ(p.buffer.end(), p.next);
+    const read_pair empty({0x05, 0x00});
+    EXPECT_EQ(1, empty->valid);
+    EXPECT_EQ(empty.buffer.end(), empty->data);
+    EXPECT_EQ(empty.buffer.end(), empty->fence);
+    EXPECT_EQ(empty.buffer.end(), empty.next);
+}
+
+TEST(LegacySei, EveryTruncationIsReadAsTheLiteralOneReadsIt)
+{
+    bytes data = {0xFF, 0xFF, 0x03, 0xFF, 0x05};
+    data.resize(5 + 260, 0xEE);
+    const bytes tail = {0x01, 0x01, 0x70, 0x06, 0x00, 0x80};
+    data.insert(data.end(), tail.begin(), tail.end());
+    for (std::size_t size = 0; size <= data.size(); ++size) {
+        const guarded_buffer buffer(bytes(data.begin(), data.begin() + static_cast<std::ptrdiff_t>(size)));
+        ASSERT_EQ("", support::compare_sei_messages(buffer.begin(), buffer.end())) << size;
+    }
+}
+
+TEST(LegacySei, RandomBytesAreReadAsTheLiteralOneReadsThem)
+{
+    support::random_source random(5);
+    for (int i = 0; i < 5000; ++i) {
+        bytes data = support::zero_heavy_up_to(random, 60);
+        for (unsigned char& byte : data)
+            if (support::pick(random, 4) == 0)
+                byte = 0xFF;
+        const guarded_buffer buffer(data);
+        ASSERT_EQ("", support::compare_sei_messages(buffer.begin(), buffer.end())) << i;
+    }
+}
+
+TEST(LegacyPicTiming, EveryPicStructHasItsDuration)
+{
+    for (unsigned int pic_struct = 0; pic_struct < 16; ++pic_struct) {
+        const parsed_timing_info p({static_cast<unsigned char>(pic_struct * 16 + 15)}, timing_sps(false));
+        EXPECT_EQ(1, p.result);
+        EXPECT_EQ(pic_struct, p->pic_struct);
+        EXPECT_EQ(durations[pic_struct], p->field_duration);
+        EXPECT_EQ(0U, p->cpb_removal_delay);
+        EXPECT_EQ(0U, p->dpb_output_delay);
+    }
+}
+
+TEST(LegacyPicTiming, AnEmptyPayloadIsRefusedWithADurationOfTwo)
+{
+    const parsed_timing_info p({}, timing_sps(true));
+    EXPECT_EQ(0, p.result);
+    unsigned char byte = 0xFF;
+    h264_sps sps = timing_sps(true);
+    const unsigned char* const ranges[][2] = {{&byte, &byte}, {&byte + 1, &byte}, {nullptr, nullptr}};
+    for (const auto& range : ranges) {
+        h264_sei_picture_timing_info info = {9, 9, 9, 9};
+        EXPECT_EQ(0, h264_sei_picture_timing_info_parse(&info, range[0], range[1], sps));
+        EXPECT_EQ(0U, info.cpb_removal_delay);
+        EXPECT_EQ(0U, info.dpb_output_delay);
+        EXPECT_EQ(0U, info.pic_struct);
+        EXPECT_EQ(2U, info.field_duration);
+    }
+}
+
+TEST(LegacyPicTiming, WithoutPicStructTheDurationIsTwo)
+{
+    h264_sps sps = timing_sps(true, 8, 8);
+    sps.pic_struct_present_flag = 0;
+    const parsed_timing_info p({0x12, 0x34, 0x70}, sps);
+    EXPECT_EQ(1, p.result);
+    EXPECT_EQ(0x12U, p->cpb_removal_delay);
+    EXPECT_EQ(0x34U, p->dpb_output_delay);
+    EXPECT_EQ(0U, p->pic_struct);
+    EXPECT_EQ(2U, p->field_duration);
+}
+
+TEST(LegacyPicTiming, EitherHrdBringsTheDelays)
+{
+    for (unsigned int which = 0; which < 4; ++which) {
+        h264_sps sps = timing_sps(false, 8, 8);
+        sps.nal_hrd_parameters_present_flag = which & 1;
+        sps.vcl_hrd_parameters_present_flag = static_cast<std::uint8_t>(which >> 1);
+        const parsed_timing_info p({0x12, 0x34, 0x50}, sps);
+        EXPECT_EQ(which != 0 ? 0x12U : 0U, p->cpb_removal_delay);
+        EXPECT_EQ(which != 0 ? 0x34U : 0U, p->dpb_output_delay);
+        EXPECT_EQ(which != 0 ? 5U : 1U, p->pic_struct);
+    }
+}
+
+TEST(LegacyPicTiming, EachDelayHasItsOwnWidth)
+{
+    for (unsigned int cpb = 0; cpb <= 24; ++cpb)
+        for (const unsigned int dpb : {0U, 1U, 7U, 24U - cpb, 24U}) {
+            const std::uint32_t first = 0xABCDEFU & ((1U << cpb) - 1);
+            const std::uint32_t second = 0x9A5A5BU & ((1U << dpb) - 1);
+            const parsed_timing_info p(bit_writer().u(cpb, first).u(dpb, second).u(4, 7).bytes(),
+                                       timing_sps(true, cpb, dpb));
+            EXPECT_EQ(first, p->cpb_removal_delay);
+            EXPECT_EQ(second, p->dpb_output_delay);
+            EXPECT_EQ(4U, p->field_duration);
+        }
+}
+
+TEST(LegacyPicTiming, ADelayAbove24BitsIsAllOnesAndConsumesNothing)
+{
+    for (unsigned int wide = 25; wide < 256; ++wide) {
+        const parsed_timing_info dpb(bit_writer().u(24, 0x123456).u(4, 5).bytes(), timing_sps(true, 24, wide));
+        EXPECT_EQ(0x123456U, dpb->cpb_removal_delay);
+        EXPECT_EQ(0xFFFFFFFFU, dpb->dpb_output_delay);
+        EXPECT_EQ(5U, dpb->pic_struct);
+        const parsed_timing_info cpb(bit_writer().u(24, 0x123456).u(4, 5).bytes(), timing_sps(true, wide, 24));
+        EXPECT_EQ(0xFFFFFFFFU, cpb->cpb_removal_delay);
+        EXPECT_EQ(0x123456U, cpb->dpb_output_delay);
+        EXPECT_EQ(5U, cpb->pic_struct);
+    }
+}
+
+TEST(LegacyPicTiming, CutAnywhereReadsZerosBehindTheEnd)
+{
+    const bytes whole = bit_writer().u(23, 0x5A5A5A).u(21, 0x1BCDEF).u(4, 7).bytes();
+    for (std::size_t size = 1; size <= whole.size(); ++size) {
+        const bytes cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size));
+        const parsed_timing_info alone(cut, timing_sps(true, 23, 21));
+        const parsed_timing_info padded(support::followed_by_zeros(cut, 16), timing_sps(true, 23, 21));
+        EXPECT_EQ(1, alone.result);
+        EXPECT_EQ(padded->cpb_removal_delay, alone->cpb_removal_delay);
+        EXPECT_EQ(padded->dpb_output_delay, alone->dpb_output_delay);
+        EXPECT_EQ(padded->pic_struct, alone->pic_struct);
+        EXPECT_EQ(padded->field_duration, alone->field_duration);
+    }
+}
+
+TEST(LegacyFieldDuration, IsThatOfThePictureTiming)
+{
+    for (unsigned int pic_struct = 0; pic_struct < 16; ++pic_struct)
+        EXPECT_EQ(durations[pic_struct],
+                  static_cast<std::uint32_t>(duration_of({1, 1, static_cast<unsigned char>(pic_struct * 16), 0x80})));
+}
+
+TEST(LegacyFieldDuration, OtherMessagesArePassedOver)
+{
+    EXPECT_EQ(3, duration_of({0, 2, 0x11, 0x22, 5, 0, 0xFF, 0x00, 1, 0xFF, 1, 1, 0x50, 0x80}));
+}
+
+TEST(LegacyFieldDuration, TheFirstPictureTimingCounts)
+{
+    EXPECT_EQ(1, duration_of({1, 1, 0x10, 1, 1, 0x70, 0x80}));
+    EXPECT_EQ(4, duration_of({1, 1, 0x70, 1, 1, 0x10, 0x80}));
+    EXPECT_EQ(2, duration_of({1, 0, 1, 1, 0x70, 0x80})) << "an empty one counts too";
+}
+
+TEST(LegacyFieldDuration, IsTwoWithoutAPictureTiming)
+{
+    EXPECT_EQ(2, duration_of({}));
+    EXPECT_EQ(2, duration_of({0x80}));
+    EXPECT_EQ(2, duration_of({0, 1, 0x70, 0x80}));
+    EXPECT_EQ(2, duration_of({0, 1, 0x70}));
+    EXPECT_EQ(2, duration_of({0xFF, 1, 1, 0x70, 0x80})) << "a type of 256";
+    h264_sps sps = timing_sps(false);
+    EXPECT_EQ(2, h264_sei_get_field_duration(sps, nullptr, nullptr));
+    unsigned char byte = 1;
+    EXPECT_EQ(2, h264_sei_get_field_duration(sps, &byte + 1, &byte));
+    sps.pic_struct_present_flag = 0;
+    EXPECT_EQ(2, duration_of({1, 1, 0x70, 0x80}, sps));
+}
+
+TEST(LegacyFieldDuration, AMessageThatIsNotWholeEndsTheWalk)
+{
+    EXPECT_EQ(2, duration_of({1, 2, 0x70}));
+    EXPECT_EQ(2, duration_of({0, 9, 1, 1, 0x70, 0x80}));
+    EXPECT_EQ(2, duration_of({1}));
+    EXPECT_EQ(2, duration_of({1, 0xFF}));
+}
+
+TEST(LegacyFieldDuration, ThePayloadAloneIsRead)
+{
+    // 24 and 24 bits of delays do not fit: pic_struct lies behind the payload and is 0, whatever stands there.
+    EXPECT_EQ(2, duration_of({1, 6, 0, 0, 0, 0, 0, 0, 0x70, 0, 0x80}, timing_sps(true)));
+    EXPECT_EQ(4, duration_of({1, 7, 0, 0, 0, 0, 0, 0, 0x70, 0x80}, timing_sps(true)));
+}

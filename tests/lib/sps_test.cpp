@@ -1,0 +1,331 @@
+// seq_parameter_set_data() of the legacy interface, but for the VUI parameters.
+#include "support/legacy_parse.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <set>
+
+namespace {
+
+using support::element_writer;
+using support::end_of;
+using support::full_legacy_sps;
+using support::high_sps;
+using support::parsed_legacy_sps;
+using support::sps_description;
+using support::written;
+
+/// What differs between two SPSs.
+std::string difference(const h264_sps& expected, const h264_sps& actual)
+{
+    return support::difference(support::fields_of(expected), support::fields_of(actual));
+}
+
+} // namespace
+
+TEST(LegacySps, ANewOneIsAllZeros)
+{
+    for (const support::value& field : support::fields_of(h264_sps()).values)
+        EXPECT_EQ(support::value{}, field);
+}
+
+TEST(LegacySps, ResetZeroesEveryField)
+{
+    h264_sps sps = support::numbered_sps();
+    for (const support::value& field : support::fields_of(sps).values)
+        EXPECT_NE(0, field.number);
+    sps.reset();
+    EXPECT_EQ("", difference(h264_sps(), sps));
+}
+
+TEST(LegacySps, EveryElementIsReadIntoItsField)
+{
+    const element_writer writer = written(full_legacy_sps());
+    const parsed_legacy_sps p(writer);
+    EXPECT_EQ(244, p->profile_idc);
+    EXPECT_EQ(1, p->constraint_set0_flag);
+    EXPECT_EQ(0, p->constraint_set1_flag);
+    EXPECT_EQ(1, p->constraint_set2_flag);
+    EXPECT_EQ(1, p->constraint_set3_flag);
+    EXPECT_EQ(0, p->constraint_set4_flag);
+    EXPECT_EQ(0, p->constraint_set5_flag);
+    EXPECT_EQ(2, p->reserved_zero_2bits);
+    EXPECT_EQ(41, p->level_idc);
+    EXPECT_EQ(7U, p->seq_parameter_set_id);
+    EXPECT_EQ(3U, p->chroma_format_idc);
+    EXPECT_EQ(1, p->separate_colour_plane_flag);
+    EXPECT_EQ(10U, p->bit_depth_luma);
+    EXPECT_EQ(12U, p->bit_depth_chroma);
+    EXPECT_EQ(1, p->qprime_y_zero_transform_bypass_flag);
+    EXPECT_EQ(1, p->seq_scaling_matrix_present_flag);
+    EXPECT_EQ(13, p->log2_max_frame_num);
+    EXPECT_EQ(8192U, p->max_frame_num);
+    EXPECT_EQ(1, p->pic_order_cnt_type);
+    EXPECT_EQ(0, p->max_pic_order_cnt_lsb);
+    EXPECT_EQ(1, p->delta_pic_order_always_zero_flag);
+    EXPECT_EQ(6, p->max_num_ref_frames);
+    EXPECT_EQ(1, p->gaps_in_frame_num_value_allowed_flag);
+    EXPECT_EQ(120U, p->pic_width_in_mbps);
+    EXPECT_EQ(34U, p->pic_height_in_map_units);
+    EXPECT_EQ(0, p->frame_mbs_only_flag);
+    EXPECT_EQ(1, p->mb_adaptive_frame_field_flag);
+    EXPECT_EQ(1, p->direct_8x8_inference_flag);
+    EXPECT_EQ(1, p->frame_cropping_flag);
+    EXPECT_EQ(11U, p->frame_crop_left_offset);
+    EXPECT_EQ(12U, p->frame_crop_right_offset);
+    EXPECT_EQ(13U, p->frame_crop_top_offset);
+    EXPECT_EQ(14U, p->frame_crop_bottom_offset);
+    EXPECT_EQ(1, p->vui_parameters_present_flag);
+    EXPECT_EQ(1, p->pic_struct_present_flag);
+    EXPECT_EQ(end_of(writer, "vui.pic_struct_present_flag"), p.consumed());
+}
+
+TEST(LegacySps, EachFlagOfTheHeadIsItsOwnBit)
+{
+    for (unsigned int bit = 0; bit < 6; ++bit) {
+        sps_description seq;
+        seq.constraint_set_flags = 1U << bit;
+        const parsed_legacy_sps p(written(seq));
+        EXPECT_EQ(bit == 5, p->constraint_set0_flag);
+        EXPECT_EQ(bit == 4, p->constraint_set1_flag);
+        EXPECT_EQ(bit == 3, p->constraint_set2_flag);
+        EXPECT_EQ(bit == 2, p->constraint_set3_flag);
+        EXPECT_EQ(bit == 1, p->constraint_set4_flag);
+        EXPECT_EQ(bit == 0, p->constraint_set5_flag);
+        EXPECT_EQ(0, p->reserved_zero_2bits);
+    }
+}
+
+TEST(LegacySps, ExactlyNineProfilesTellTheChromaFormat)
+{
+    const std::set<unsigned int> telling = {100, 110, 122, 244, 44, 83, 86, 118, 128};
+    for (unsigned int profile_idc = 0; profile_idc < 256; ++profile_idc) {
+        sps_description seq = high_sps(2);
+        seq.profile_idc = profile_idc;
+        seq.bit_depth_luma_minus8 = 1;
+        seq.bit_depth_chroma_minus8 = 2;
+        seq.qpprime_y_zero_transform_bypass_flag = true;
+        seq.high_profile_syntax = telling.contains(profile_idc);
+        const element_writer writer = written(seq);
+        const parsed_legacy_sps p(writer);
+        EXPECT_EQ(seq.high_profile_syntax ? 2U : 0U, p->chroma_format_idc) << profile_idc;
+        EXPECT_EQ(seq.high_profile_syntax ? 9U : 0U, p->bit_depth_luma) << profile_idc;
+        EXPECT_EQ(seq.high_profile_syntax ? 10U : 0U, p->bit_depth_chroma) << profile_idc;
+        EXPECT_EQ(seq.high_profile_syntax ? 1 : 0, p->qprime_y_zero_transform_bypass_flag) << profile_idc;
+        EXPECT_EQ(writer.size_in_bits(), p.consumed()) << profile_idc;
+    }
+}
+
+TEST(LegacySps, OnlyChromaFormatThreeHasTheColourPlaneFlag)
+{
+    for (const std::uint32_t format : {0U, 1U, 2U, 3U, 4U, 259U}) {
+        sps_description seq = high_sps(format);
+        seq.separate_colour_plane_flag = true;
+        const element_writer writer = written(seq);
+        const parsed_legacy_sps p(writer);
+        EXPECT_EQ(format, p->chroma_format_idc);
+        EXPECT_EQ(format == 3, p->separate_colour_plane_flag);
+        EXPECT_EQ(writer.size_in_bits(), p.consumed());
+    }
+}
+
+TEST(LegacySps, TheNumberOfFramesIsAShiftByFiveBits)
+{
+    struct {
+        std::uint32_t minus4;
+        std::uint8_t log2;
+        std::uint32_t number;
+    } const cases[] = {{0, 4, 16},  {12, 16, 65536},       {27, 31, 2147483648},   {28, 32, 1},
+                       {30, 34, 4}, {247, 251, 134217728}, {251, 255, 2147483648}, {252, 0, 1},
+                       {253, 1, 2}, {255, 3, 8},           {256, 4, 16},           {16777214, 2, 4}};
+    for (const auto& c : cases) {
+        sps_description seq;
+        seq.log2_max_frame_num_minus4 = c.minus4;
+        const parsed_legacy_sps p(written(seq));
+        EXPECT_EQ(c.log2, p->log2_max_frame_num) << c.minus4;
+        EXPECT_EQ(c.number, p->max_frame_num) << c.minus4;
+    }
+}
+
+TEST(LegacySps, TypeZeroHasTheLogarithmOfTheLsbs)
+{
+    for (const std::uint32_t minus4 : {0U, 12U, 251U, 252U, 256U}) {
+        sps_description seq;
+        seq.log2_max_pic_order_cnt_lsb_minus4 = minus4;
+        const element_writer writer = written(seq);
+        const parsed_legacy_sps p(writer);
+        EXPECT_EQ((minus4 + 4) % 256, p->max_pic_order_cnt_lsb);
+        EXPECT_EQ(writer.size_in_bits(), p.consumed());
+    }
+}
+
+TEST(LegacySps, TypeOneIsReadAndItsOffsetsDropped)
+{
+    for (const std::size_t frames : {0U, 1U, 128U, 129U, 255U, 256U, 1000U}) {
+        sps_description seq;
+        seq.pic_order_cnt_type = 1;
+        seq.delta_pic_order_always_zero_flag = true;
+        seq.offset_for_non_ref_pic = -8388607;
+        seq.offset_for_top_to_bottom_field = 8388607;
+        for (std::size_t i = 0; i < frames; ++i)
+            seq.offset_for_ref_frame.push_back(static_cast<std::int32_t>(i * 17 % 4001) - 2000);
+        seq.max_num_ref_frames = 9;
+        const element_writer writer = written(seq);
+        const parsed_legacy_sps p(writer);
+        EXPECT_EQ(1, p->delta_pic_order_always_zero_flag);
+        EXPECT_EQ(0, p->max_pic_order_cnt_lsb);
+        EXPECT_EQ(9, p->max_num_ref_frames);
+        EXPECT_EQ(11U, p->pic_width_in_mbps);
+        EXPECT_EQ(writer.size_in_bits(), p.consumed());
+    }
+}
+
+TEST(LegacySps, OtherTypesReadNothingForThePictureOrderCount)
+{
+    for (const std::uint32_t type : {2U, 3U, 255U, 258U}) {
+        sps_description seq;
+        seq.pic_order_cnt_type = type;
+        const element_writer writer = written(seq);
+        const parsed_legacy_sps p(writer);
+        EXPECT_EQ(type % 256, p->pic_order_cnt_type);
+        EXPECT_EQ(0, p->max_pic_order_cnt_lsb);
+        EXPECT_EQ(1, p->max_num_ref_frames);
+        EXPECT_EQ(writer.size_in_bits(), p.consumed());
+    }
+}
+
+TEST(LegacySps, TheLowByteOfTheTypeSaysWhatFollows)
+{
+    // profile, flags and level; the id, log2_max_frame_num_minus4, and a type whose low byte is 0 or 1
+    support::bit_writer zero;
+    zero.u(8, 66).u(8, 0).u(8, 30).ue(0).ue(0).ue(256).ue(5).ue(2).flag(true).ue(10).ue(8).u(3, 0b110).flag(false);
+    const parsed_legacy_sps p(zero.bytes());
+    EXPECT_EQ(0, p->pic_order_cnt_type);
+    EXPECT_EQ(9, p->max_pic_order_cnt_lsb);
+    EXPECT_EQ(2, p->max_num_ref_frames);
+    EXPECT_EQ(zero.bits(), p.consumed());
+
+    support::bit_writer one;
+    one.u(8, 66).u(8, 0).u(8, 30).ue(0).ue(0).ue(257).flag(true).se(-5).se(6).ue(2).se(70).se(-80);
+    one.ue(3).flag(true).ue(10).ue(8).u(3, 0b110).flag(false);
+    const parsed_legacy_sps q(one.bytes());
+    EXPECT_EQ(1, q->pic_order_cnt_type);
+    EXPECT_EQ(1, q->delta_pic_order_always_zero_flag);
+    EXPECT_EQ(3, q->max_num_ref_frames);
+    EXPECT_EQ(one.bits(), q.consumed());
+}
+
+TEST(LegacySps, TheNumberOfReferenceFramesIsItsLowByte)
+{
+    for (const std::uint32_t frames : {0U, 16U, 255U, 256U, 259U, 16777214U}) {
+        sps_description seq;
+        seq.max_num_ref_frames = frames;
+        EXPECT_EQ(frames % 256, parsed_legacy_sps(written(seq))->max_num_ref_frames);
+    }
+}
+
+TEST(LegacySps, LargeValuesAreStoredAsRead)
+{
+    sps_description seq = high_sps(16777214);
+    seq.seq_parameter_set_id = 16777213;
+    seq.bit_depth_luma_minus8 = 16777212;
+    seq.bit_depth_chroma_minus8 = 16777211;
+    seq.pic_width_in_mbs_minus1 = 16777210;
+    seq.pic_height_in_map_units_minus1 = 16777209;
+    seq.frame_cropping_flag = true;
+    seq.frame_crop_left_offset = 16777208;
+    seq.frame_crop_right_offset = 16777207;
+    seq.frame_crop_top_offset = 16777206;
+    seq.frame_crop_bottom_offset = 16777205;
+    const parsed_legacy_sps p(written(seq));
+    EXPECT_EQ(16777214U, p->chroma_format_idc);
+    EXPECT_EQ(16777213U, p->seq_parameter_set_id);
+    EXPECT_EQ(16777220U, p->bit_depth_luma);
+    EXPECT_EQ(16777219U, p->bit_depth_chroma);
+    EXPECT_EQ(16777211U, p->pic_width_in_mbps);
+    EXPECT_EQ(16777210U, p->pic_height_in_map_units);
+    EXPECT_EQ(16777208U, p->frame_crop_left_offset);
+    EXPECT_EQ(16777207U, p->frame_crop_right_offset);
+    EXPECT_EQ(16777206U, p->frame_crop_top_offset);
+    EXPECT_EQ(16777205U, p->frame_crop_bottom_offset);
+}
+
+TEST(LegacySps, OnlyFieldStreamsHaveTheAdaptiveFlag)
+{
+    for (const bool frames : {false, true}) {
+        sps_description seq;
+        seq.frame_mbs_only_flag = frames;
+        seq.mb_adaptive_frame_field_flag = true;
+        seq.direct_8x8_inference_flag = false;
+        const element_writer writer = written(seq);
+        const parsed_legacy_sps p(writer);
+        EXPECT_EQ(frames, p->frame_mbs_only_flag);
+        EXPECT_EQ(!frames, p->mb_adaptive_frame_field_flag);
+        EXPECT_EQ(0, p->direct_8x8_inference_flag);
+        EXPECT_EQ(writer.size_in_bits(), p.consumed());
+    }
+}
+
+TEST(LegacySps, FieldsThatAreNotSentKeepTheirValues)
+{
+    const h264_sps before = support::numbered_sps(3);
+    const element_writer writer = written(sps_description());
+    const parsed_legacy_sps p(writer, before);
+    // What every SPS carries, and the logarithm of picture order count type 0.
+    h264_sps expected = before;
+    const h264_sps alone = parsed_legacy_sps(writer).object;
+    expected.profile_idc = 66;
+    expected.constraint_set0_flag = expected.constraint_set1_flag = expected.constraint_set2_flag = 0;
+    expected.constraint_set3_flag = expected.constraint_set4_flag = expected.constraint_set5_flag = 0;
+    expected.reserved_zero_2bits = 0;
+    expected.level_idc = 30;
+    expected.seq_parameter_set_id = 0;
+    expected.log2_max_frame_num = 4;
+    expected.max_frame_num = 16;
+    expected.pic_order_cnt_type = 0;
+    expected.max_pic_order_cnt_lsb = 4;
+    expected.max_num_ref_frames = 1;
+    expected.gaps_in_frame_num_value_allowed_flag = 0;
+    expected.pic_width_in_mbps = 11;
+    expected.pic_height_in_map_units = 9;
+    expected.frame_mbs_only_flag = expected.direct_8x8_inference_flag = 1;
+    expected.frame_cropping_flag = 0;
+    expected.vui_parameters_present_flag = 0;
+    EXPECT_EQ("", difference(expected, p.object));
+    EXPECT_EQ(0, alone.time_scale);
+}
+
+TEST(LegacySps, AnotherPictureOrderCountTypeKeepsTheFieldsOfTheFirst)
+{
+    sps_description seq;
+    seq.log2_max_pic_order_cnt_lsb_minus4 = 7;
+    h264_sps sps = parsed_legacy_sps(written(seq)).object;
+    seq.pic_order_cnt_type = 1;
+    seq.delta_pic_order_always_zero_flag = true;
+    sps = parsed_legacy_sps(written(seq), sps).object;
+    EXPECT_EQ(11, sps.max_pic_order_cnt_lsb);
+    seq.pic_order_cnt_type = 2;
+    sps = parsed_legacy_sps(written(seq), sps).object;
+    EXPECT_EQ(11, sps.max_pic_order_cnt_lsb);
+    EXPECT_EQ(1, sps.delta_pic_order_always_zero_flag);
+}
+
+TEST(LegacySps, ALongerPrefixIsReadAs24Zeros)
+{
+    // Of the code with 24 zeros before its one bit, the one bit is the first of 24 bits behind the prefix.
+    sps_description seq;
+    seq.seq_parameter_set_id = 16777215;
+    const element_writer writer = written(seq);
+    support::bytes data = writer.made();
+    const parsed_legacy_sps p(data);
+    EXPECT_EQ(16777215U + 0x800000U, p->seq_parameter_set_id);
+
+    support::bit_writer zeros;
+    zeros.u(8, 66).u(8, 0).u(8, 30).u(48, 0);
+    zeros.ue(0).ue(2).ue(3).flag(true).ue(10).ue(8).u(3, 0b110).flag(false);
+    const parsed_legacy_sps q(zeros.bytes());
+    EXPECT_EQ(16777215U, q->seq_parameter_set_id);
+    EXPECT_EQ(3, q->max_num_ref_frames);
+    EXPECT_EQ(zeros.bits(), q.consumed());
+}
