@@ -701,6 +701,85 @@ def legacy_nal_write_seeds():
         for missing in range(10, 24, 3):
             seeds[f"length{k}_{missing}_missing"] = bytes([k, SPS, missing]) + payload
     return seeds
+def legacy_sps_seeds():
+    def seed(*structures, reset=0):
+        return b"".join(bytes([reset, len(data) >> 8, len(data) & 0xFF]) + data for data in structures)
+
+    lists_4x4, lists_8x8 = "1" + scaling_list(*[1] * 16), "1" + scaling_list(*[1] * 64)
+    poc_1 = ue(1) + "1" + se(-3) + se(5)
+    baseline = rbsp(sps_head() + sps_tail(ue(0) + ue(2)))
+    chroma = {idc: ue(idc) + ("1" if idc == 3 else "") + ue(0) + ue(0) + "0" for idc in (0, 1, 2, 3, 4)}
+    full_lists = chroma[3] + "1" + lists_4x4 * 6 + lists_8x8 * 6
+    full_tail = sps_tail(poc_1 + ue(2) + se(4) + se(-5), "01", "1" + ue(1) * 4, "1" + FULL_VUI)
+    full = rbsp(sps_head(244, 1, full_lists) + full_tail)
+    with_vui = {f"hrd_{n}": vui(NO_GROUPS, nal=hrd(n)) for n in (1, 2, 32, 33, 128)}
+    with_vui |= {f"aspect_ratio_idc_{k}": vui("1" + u(8, k) + "0000") for k in (0, 1, 13, 16, 17, 254)}
+    with_vui |= {"both_hrds": vui(NO_GROUPS, hrd(3), hrd(2)), "vcl_hrd": vui(NO_GROUPS, vcl=hrd(1))}
+    with_vui |= {"every_group": FULL_VUI}
+    seeds = {k: seed(rbsp(sps_head() + sps_tail(ue(2), vui_text="1" + text))) for k, text in with_vui.items()}
+    seeds |= {f"chroma_{k}": seed(rbsp(sps_head(100, 0, text + "0") + sps_tail(ue(2)))) for k, text in chroma.items()}
+    seeds |= {f"cut_{n}": seed(full, full[:n]) for n in (1, 4, 9, 20, 60, 200, len(full) - 1)}
+    for profile_idc in (100, 110, 122, 244, 44, 83, 86, 118, 128, 138, 139, 134, 135):
+        text = sps_head(profile_idc, 0, chroma[2] + "0") + sps_tail(ue(0) + ue(0))
+        seeds[f"profile_{profile_idc}"] = seed(rbsp(text))
+    return seeds | {
+        "empty": b"",
+        "baseline": seed(baseline),
+        "every_element_then_few": seed(full, baseline),
+        "every_element_then_few_reset": seed(full, baseline, reset=1),
+        "eight_lists": seed(rbsp(sps_head(100, 0, chroma[1] + "1" + lists_4x4 * 6 + lists_8x8 * 2) + sps_tail(ue(2)))),
+        "default_lists": seed(rbsp(sps_head(100, 0, chroma[1] + "1" + ("1" + scaling_list(-8)) * 8) + sps_tail(ue(2)))),
+        "poc_types": seed(*(rbsp(sps_head() + sps_tail(ue(k) + poc_1 + ue(0))) for k in (2, 5, 255, 256, 257))),
+        "cycle_of_255": seed(rbsp(sps_head() + sps_tail(poc_1 + ue(255) + se(-2) * 255))),
+        "largest_cycle": seed(bits(u(8, 66, 0, 30) + ue(0) + ue(0) + poc_1 + "0" * 24 + "1" * 24)),
+        "fields": seed(rbsp(sps_head(77) + sps_tail(ue(2), mbs_only="01"))),
+        "crop_larger_than_picture": seed(rbsp(sps_head() + sps_tail(ue(2), cropping="1" + ue(2**24 - 2) * 4))),
+        "prefix_of_24": seed(rbsp(u(8, 66, 0, 30) + ue(2**24 - 1) + sps_tail(ue(2)))),
+        "prefix_of_48": seed(bits(u(8, 66, 0, 30) + "0" * 48 + sps_tail(ue(2)))),
+    }
+
+
+def legacy_slice_seeds():
+    def seed(*structures, width=4, planes=0, frames=0):
+        data = (bits(text) for text in structures)
+        return bytes([planes | frames << 1, width]) + b"".join(bytes([len(each)]) + each for each in data)
+
+    start = ue(300) + ue(7) + ue(5)
+    seeds = {f"width_{n}": seed(start + u(24, 0x9E9E9E) + "11", width=n) for n in (0, 1, 4, 16, 24, 25, 32, 255)}
+    return seeds | {
+        "empty": b"",
+        "field_then_frame": seed(start + u(4, 9) + "11", start + u(4, 9) + "0"),
+        "frames": seed(start + u(4, 9) + "11", frames=1),
+        "planes": seed(start + "10" + u(4, 9) + "10", start + "11" + u(4, 9) + "0", planes=1),
+        "largest_codes": seed((ue(2**24 - 2) * 3) + u(4, 9) + "11"),
+        "prefix_of_24": seed(ue(2**24 - 1) + "0" * 48 + ue(0) + u(4, 9) + "11"),
+        "cut": seed(start[:8], start[:16], start[:20]),
+    }
+
+
+def legacy_sei_seeds():
+    def seed(content, hrd=0, pic_struct=1, lengths=(24, 24)):
+        return bytes([hrd | pic_struct << 2, *lengths]) + content
+
+    def message(kind, payload):
+        return bytes([kind, len(payload)]) + payload
+
+    delays = bits(u(24, 0xABCDEF, 0x123456) + u(4, 7))
+    seeds = {f"pic_struct_{k}": seed(message(1, bytes([k << 4])) + b"\x80") for k in range(16)}
+    seeds |= {f"delays_of_{n}": seed(delays, 1, lengths=(n, 49 - min(n, 49))) for n in (0, 1, 23, 24, 25, 255)}
+    return seeds | {
+        "empty": b"",
+        "no_rbsp": seed(b""),
+        "buffering_period_first": seed(message(0, b"\x11\x22") + message(1, b"\x50") + b"\x80"),
+        "two_timings": seed(message(1, b"\x10") + message(1, b"\x70") + b"\x80"),
+        "empty_timing_first": seed(message(1, b"") + message(1, b"\x70") + b"\x80"),
+        "with_delays": seed(message(1, delays) + b"\x80", 2),
+        "no_pic_struct": seed(message(1, delays) + b"\x80", 3, 0),
+        "long_type_and_size": seed(b"\xff\xff\x03\xff\x05" + bytes(260) + message(1, b"\x70") + b"\x80"),
+        "cut_payload": seed(message(0, b"\x01") + b"\x01\x05\x70"),
+        "cut_type": seed(message(0, b"\x01") + b"\xff\xff"),
+        "cut_size": seed(b"\x01\xff\xff"),
+    }
 
 
 def main():
@@ -711,6 +790,9 @@ def main():
         "legacy_nal_write": legacy_nal_write_seeds(),
         "bitreader": bitreader_seeds(),
         "hrd_parameters": hrd_seeds(),
+        "legacy_sei": legacy_sei_seeds(),
+        "legacy_slice": legacy_slice_seeds(),
+        "legacy_sps": legacy_sps_seeds(),
         "nal_aud": aud_seeds(),
         "nal_pps": pps_seeds(),
         "nal_reader": reader_seeds(),
