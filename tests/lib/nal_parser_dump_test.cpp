@@ -82,6 +82,7 @@ TEST(LegacyNalDump, NoMoreThanThePayloadIsDumped)
     EXPECT_EQ(summary_of_counted(3) + "  10 11 12 \n", dumped(counted_unit(3), 4));
     EXPECT_EQ(summary_of_counted(3) + "  10 11 12 \n", dumped(counted_unit(3), 3));
     EXPECT_EQ(summary_of_counted(3) + "  10 11 \n", dumped(counted_unit(3), 2));
+    EXPECT_EQ(summary_of_counted(3) + "  10 \n", dumped(counted_unit(3), 1));
     EXPECT_EQ(summary_of_counted(3) + "  10 11 12 \n", dumped(counted_unit(3), INT_MAX));
 }
 
