@@ -25,7 +25,6 @@ namespace {
 
 using support::bit_writer;
 using support::bytes;
-using support::element_writer;
 using support::guarded_buffer;
 using support::open_bits;
 using support::parsed_legacy_sps;
@@ -165,6 +164,19 @@ TEST(LegacyFencedSps, ACycleIsFollowedWhileAOneBitRemains)
     EXPECT_EQ(writer.bytes().size(), f.loaded());
     EXPECT_EQ(6U + 701 + 3, codes_read) << "the one bit belongs to the cycle";
     EXPECT_EQ(255, f.object.max_num_ref_frames);
+}
+
+TEST(LegacyFencedSps, AOneBitInAByteThatIsNotYetLoadedCounts)
+{
+    // The second value of the cycle begins on a byte: 24 zeros, which are loaded, and a byte, which is not.
+    bit_writer writer;
+    writer.u(8, 66).u(8, 0).u(8, 30).ue(1).ue(1).ue(1).flag(true).se(0).se(0).ue(2).se(0);
+    ASSERT_EQ(40U, writer.bits());
+    fenced_bits f = fenced(writer.u(24, 0).u(8, 1).bytes());
+    codes_read = 0;
+    read_seq_parameter_set_data(f.object, f.bits());
+    EXPECT_EQ(6U + 2 + 3, codes_read);
+    EXPECT_EQ(writer.bytes().size(), f.loaded());
 }
 
 TEST(LegacyFencedSps, AWholeCycleUpToTheVeryEndIsReadWhole)

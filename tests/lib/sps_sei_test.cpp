@@ -313,7 +313,7 @@ TEST(LegacyFieldDuration, IsTwoWithoutAPictureTiming)
     EXPECT_EQ(2, duration_of({0x80}));
     EXPECT_EQ(2, duration_of({0, 1, 0x70, 0x80}));
     EXPECT_EQ(2, duration_of({0, 1, 0x70}));
-    EXPECT_EQ(2, duration_of({0xFF, 1, 1, 0x70, 0x80})) << "a type of 256";
+    EXPECT_EQ(2, duration_of({0xFF, 2, 1, 0x70, 0x80})) << "a type of 257";
     h264_sps sps = timing_sps(false);
     EXPECT_EQ(2, h264_sei_get_field_duration(sps, nullptr, nullptr));
     unsigned char byte = 1;

@@ -10,7 +10,6 @@ namespace {
 
 using support::bit_writer;
 using support::bytes;
-using support::element_writer;
 using support::guarded_buffer;
 using support::slice_header_description;
 using support::written;

@@ -274,7 +274,6 @@ TEST(LegacySps, FieldsThatAreNotSentKeepTheirValues)
     const parsed_legacy_sps p(writer, before);
     // What every SPS carries, and the logarithm of picture order count type 0.
     h264_sps expected = before;
-    const h264_sps alone = parsed_legacy_sps(writer).object;
     expected.profile_idc = 66;
     expected.constraint_set0_flag = expected.constraint_set1_flag = expected.constraint_set2_flag = 0;
     expected.constraint_set3_flag = expected.constraint_set4_flag = expected.constraint_set5_flag = 0;
@@ -293,7 +292,6 @@ TEST(LegacySps, FieldsThatAreNotSentKeepTheirValues)
     expected.frame_cropping_flag = 0;
     expected.vui_parameters_present_flag = 0;
     EXPECT_EQ("", difference(expected, p.object));
-    EXPECT_EQ(0, alone.time_scale);
 }
 
 TEST(LegacySps, AnotherPictureOrderCountTypeKeepsTheFieldsOfTheFirst)
@@ -317,8 +315,7 @@ TEST(LegacySps, ALongerPrefixIsReadAs24Zeros)
     sps_description seq;
     seq.seq_parameter_set_id = 16777215;
     const element_writer writer = written(seq);
-    support::bytes data = writer.made();
-    const parsed_legacy_sps p(data);
+    const parsed_legacy_sps p(writer);
     EXPECT_EQ(16777215U + 0x800000U, p->seq_parameter_set_id);
 
     support::bit_writer zeros;

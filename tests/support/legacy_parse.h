@@ -116,6 +116,9 @@ struct legacy_sps_parses {
     using structure = h264_sps;
     static constexpr bool never_throws = true;
 
+    /// More than 12 lists and 2 HRD parameters of the longest codes, six bytes each.
+    static constexpr std::size_t most_zeros_read = 8192;
+
     compared operator()(structure& object, const bit_range& bits) const
     {
         const named_values before = fields_of(object);
@@ -127,7 +130,7 @@ struct legacy_sps_parses {
         named_values after = fields_of(object);
         std::string text = difference(expected, after);
         if (whole) {
-            bytes data = followed_by_zeros(reader.bytes, 6 * 1024);
+            bytes data = followed_by_zeros(reader.bytes, most_zeros_read);
             be_bitfield bf;
             be_bitfield_open(&bf, data.data());
             open.parse_sps(bf);
