@@ -4,8 +4,8 @@
 #include "support/parameter_set_fields.h"
 
 #include <orv-utils-v4/h264_legacy/sei.h>
-#include <orv-utils-v4/h264_legacy/sps.h>
 #include <orv-utils-v4/h264_legacy/slice.h>
+#include <orv-utils-v4/h264_legacy/sps.h>
 
 #include <cstdint>
 #include <type_traits>
