@@ -780,6 +780,42 @@ def legacy_sei_seeds():
         "cut_type": seed(message(0, b"\x01") + b"\xff\xff"),
         "cut_size": seed(b"\x01\xff\xff"),
     }
+def frame_scan_seeds():
+    def sei(pic_struct):
+        return unit(6, 1, 1, pic_struct << 4 | 8, 0x80)
+
+    def slice_unit(frame_num, field="0", kind=0x21, width=4):
+        return bytes([kind]) + rbsp(ue(0) + ue(5) + ue(0) + u(width, frame_num) + field + "1" * 9)
+
+    def seed(*units, flags=0, room=255):
+        streams = [b"".join(START_CODE + one for one in units)]
+        streams += [b"".join(prefixed(size, one) for one in units) for size in range(1, 5)]
+        return [bytes([framing, flags, room]) + stream for framing, stream in enumerate(streams)]
+
+    top, bottom = "10", "11"
+    aud, pps_unit, filler, end = unit(AUD, 0xF0), unit(PPS, 0xCE, 0x38, 0x80), unit(12, 0xFF, 0x80), unit(11)
+    sps = bytes([SPS]) + rbsp(sps_head() + sps_tail(ue(0) + ue(0), mbs_only="00", vui_text="1" + vui(NO_GROUPS)))
+    timed = bytes([SPS]) + rbsp(sps_head() + sps_tail(ue(2), vui_text="1" + vui(NO_GROUPS, hrd(1))))
+    pair = (sps, sei(1), slice_unit(3, top), sei(2), slice_unit(3, bottom), aud)
+    rows = {
+        "frames": seed(aud, sps, pps_unit, slice_unit(0, kind=IDR), slice_unit(1), slice_unit(1), slice_unit(2), aud),
+        "pair": seed(*pair),
+        "pair_split": seed(*pair, flags=3),
+        "lone_field": seed(sps, slice_unit(3, top), aud, sei(7), slice_unit(4, top), sei(1)),
+        "frame_behind_a_field": seed(sps, slice_unit(3, top), aud, slice_unit(3), filler),
+        "end_behind_leading_units": seed(filler, sps, end, slice_unit(1), unit(10), end, slice_unit(1), end),
+        "little_room": seed(*pair, room=6),
+        "no_room": seed(*pair, room=0),
+        "delays": seed(timed, unit(6, 1, 7, *range(1, 8), 0x80), slice_unit(3), aud),
+        "empty_slices": seed(sps, unit(1), slice_unit(1), unit(5), unit(6), aud),
+        "wide_frame_num": seed(
+            bytes([SPS]) + rbsp(sps_head() + ue(21) + sps_tail(ue(2), mbs_only="00")[1:]),
+            slice_unit(0, top, width=0), sps, slice_unit(3, bottom), slice_unit(4),
+        ),
+    }
+    names = ("annexb", *(f"length{size}" for size in range(1, 5)))
+    seeds = {f"{row}_{name}": one for row, framed in rows.items() for name, one in zip(names, framed)}
+    return seeds | {"empty": b"", "cut": seeds["pair_annexb"][:-3], "junk_between": bytes([0, 0, 255]) + b"\xee\0" * 9}
 
 
 def main():
@@ -793,6 +829,7 @@ def main():
         "legacy_sei": legacy_sei_seeds(),
         "legacy_slice": legacy_slice_seeds(),
         "legacy_sps": legacy_sps_seeds(),
+        "legacy_frame_scan": frame_scan_seeds(),
         "nal_aud": aud_seeds(),
         "nal_pps": pps_seeds(),
         "nal_reader": reader_seeds(),
