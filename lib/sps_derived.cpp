@@ -5,10 +5,11 @@
 
 namespace {
 
-/// `size` without what is cropped, in 32-bit arithmetic, and never negative.
-int cropped(std::uint64_t size, std::uint64_t crop_unit, std::uint64_t offsets)
+/// `size` without what is cropped, never negative; of a number above 32 bits the low 32.
+int cropped(std::int64_t size, std::int64_t crop_unit, std::int64_t offsets)
 {
-    return std::max(static_cast<std::int32_t>(static_cast<std::uint32_t>(size - crop_unit * offsets)), 0);
+    const std::int64_t left = std::max<std::int64_t>(size - crop_unit * offsets, 0);
+    return std::max(static_cast<std::int32_t>(left), 0);
 }
 
 } // namespace
@@ -16,16 +17,16 @@ int cropped(std::uint64_t size, std::uint64_t crop_unit, std::uint64_t offsets)
 int h264_sps::get_final_frame_width()
 {
     const bool chroma_is_halved = chroma_format_idc == 1 || chroma_format_idc == 2;
-    const std::uint64_t offsets = std::uint64_t{frame_crop_left_offset} + frame_crop_right_offset;
-    return cropped(std::uint64_t{pic_width_in_mbps} * 16, chroma_is_halved ? 2 : 1,
+    const std::int64_t offsets = std::int64_t{frame_crop_left_offset} + frame_crop_right_offset;
+    return cropped(std::int64_t{pic_width_in_mbps} * 16, chroma_is_halved ? 2 : 1,
                    frame_cropping_flag != 0 ? offsets : 0);
 }
 
 int h264_sps::get_final_frame_height()
 {
-    const std::uint64_t fields = 2U - frame_mbs_only_flag;
-    const std::uint64_t offsets = std::uint64_t{frame_crop_top_offset} + frame_crop_bottom_offset;
-    return cropped(std::uint64_t{pic_height_in_map_units} * 16 * fields, chroma_format_idc == 1 ? 2 * fields : fields,
+    const std::int64_t fields = 2 - frame_mbs_only_flag;
+    const std::int64_t offsets = std::int64_t{frame_crop_top_offset} + frame_crop_bottom_offset;
+    return cropped(std::int64_t{pic_height_in_map_units} * 16 * fields, chroma_format_idc == 1 ? 2 * fields : fields,
                    frame_cropping_flag != 0 ? offsets : 0);
 }
 

@@ -126,6 +126,23 @@ TEST(LegacySpsSize, TheLargestCodedSizesAreExact)
     EXPECT_EQ(1073741792 - 268435440, sps.get_final_frame_height());
 }
 
+TEST(LegacySpsSize, CropsSetByHandLeaveNothingRatherThanWrap)
+{
+    for (const std::uint32_t offset : {0x7FFFFFFFU, 0x80000000U, 0xFFFFFF00U, 0xFFFFFFFFU}) {
+        h264_sps sps;
+        sps.pic_width_in_mbps = 120;
+        sps.pic_height_in_map_units = 68;
+        sps.frame_cropping_flag = 1;
+        sps.chroma_format_idc = 1;
+        sps.frame_crop_left_offset = sps.frame_crop_bottom_offset = offset;
+        EXPECT_EQ(0, sps.get_final_frame_width()) << offset;
+        EXPECT_EQ(0, sps.get_final_frame_height()) << offset;
+        sps.frame_crop_right_offset = sps.frame_crop_top_offset = offset;
+        EXPECT_EQ(0, sps.get_final_frame_width()) << offset;
+        EXPECT_EQ(0, sps.get_final_frame_height()) << offset;
+    }
+}
+
 TEST(LegacySpsSize, SizesSetByHandAreTheirLow32Bits)
 {
     struct {
