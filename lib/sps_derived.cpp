@@ -14,6 +14,9 @@ int cropped(std::int64_t size, std::int64_t crop_unit, std::int64_t offsets)
 
 } // namespace
 
+// The getters are not const: their signatures are the interface.
+// NOLINTBEGIN(readability-make-member-function-const)
+
 int h264_sps::get_final_frame_width()
 {
     const bool chroma_is_halved = chroma_format_idc == 1 || chroma_format_idc == 2;
@@ -38,3 +41,5 @@ int h264_sps::get_final_field_rate(unsigned& num, unsigned& den)
     num = time_scale;
     return 1;
 }
+
+// NOLINTEND(readability-make-member-function-const)

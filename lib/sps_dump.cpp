@@ -2,6 +2,7 @@
 #include <orv-utils-v4/h264_legacy/sps.h>
 
 // Labels that are not the standard's names are the fields' own.
+// NOLINTNEXTLINE(readability-make-member-function-const): the signature is the interface
 void h264_sps::dump(std::FILE* f)
 {
     const auto decimal = [f](const char* label, std::uint32_t value) {
