@@ -56,6 +56,9 @@ walked_sei split_messages(rbsp_bytes rbsp)
     sei.rest = rbsp;
     brenik::h264_nal_sei_reader reader(rbsp.data(), rbsp.data() + rbsp.size());
     while (reader.next_message()) {
+        sei.more_messages = sei.messages.size() == stream_walker::most_messages;
+        if (sei.more_messages)
+            break;
         walked_message& message = sei.messages.emplace_back();
         message.type = reader.payloadType;
         message.stated_size = reader.payloadSize;
@@ -156,9 +159,10 @@ walked_unit stream_walker::walk_slice(brenik::h264_nal_reader& reader)
             attempt(head.bytes, head.trusted(), [&](bitreader& br) { return slice.parse(br, spss, ppss, reader.nal); });
         unit.pps = ppss.find(slice.pic_parameter_set_id);
         unit.sps = unit.pps == nullptr ? nullptr : spss.find(unit.pps->seq_parameter_set_id);
-        const bool may_need_more = !unit.outcome.parsed || unit.outcome.truncated();
-        if (may_need_more && !head.whole)
+        const bool may_need_more = !head.whole && (!unit.outcome.parsed || unit.outcome.truncated());
+        if (may_need_more && size < most_slice_header)
             continue;
+        unit.header_goes_on = may_need_more;
         if (unit.sps != nullptr && !unit.outcome.malformed_code)
             activate(unit.pps->seq_parameter_set_id);
         return unit;

@@ -17,6 +17,10 @@ public:
     /// highest ids give way.
     static constexpr std::size_t most_sps = 256;
     static constexpr std::size_t most_pps = 1024;
+    /// What a sound slice header and a sound SEI unit never reach, so that a unit of any size takes bounded memory: the
+    /// bytes of a slice that its header is looked for in, and the messages of an SEI unit.
+    static constexpr std::size_t most_slice_header = std::size_t{96} * 1024;
+    static constexpr std::size_t most_messages = 1024;
 
     /// Parses the unit that the reader stands on, and updates the stores. Slices are decoded only as far as their
     /// headers reach.

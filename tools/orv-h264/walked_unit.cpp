@@ -73,6 +73,14 @@ std::string failure_of(const brenik::h264_nal_slice_header& slice, const walked_
     return "reference picture list modification does not end";
 }
 
+std::string header_problem(const walked_unit& unit)
+{
+    const bool malformed_for_sure = unit.outcome.malformed_code && !unit.outcome.truncated();
+    if (!unit.header_goes_on || malformed_for_sure || unit.sps == nullptr)
+        return "";
+    return fmt::format("slice header does not end within {} bytes", unit.outcome.bits / 8);
+}
+
 // Why the parse of an SEI payload failed, likewise.
 
 template <typename Syntax>
@@ -132,6 +140,8 @@ std::string problem_of(const walked_message& message)
 /// What is wrong behind the last message; "" when nothing is.
 std::string end_problem(const walked_sei& sei)
 {
+    if (sei.more_messages)
+        return fmt::format("more than {} SEI messages", sei.messages.size());
     if (!sei.messages.empty() && sei.messages.back().truncated)
         return "";
     if (sei.rest.size() > 1)
@@ -161,6 +171,8 @@ std::vector<std::string> problems_of(const walked_unit& unit)
         return problems_of(*sei);
     if (std::holds_alternative<std::monostate>(unit.syntax))
         return {};
+    if (const std::string problem = header_problem(unit); !problem.empty())
+        return {problem};
     if (const std::string problem = bit_problem(unit.outcome); !problem.empty())
         return {problem};
     if (unit.outcome.parsed)

@@ -53,7 +53,8 @@ struct walked_message {
 /// The messages of an SEI unit.
 struct walked_sei {
     std::vector<walked_message> messages;
-    rbsp_bytes rest; ///< what follows the last message; one byte, 0x80, in a sound unit
+    rbsp_bytes rest;            ///< what follows the last message; one byte, 0x80, in a sound unit
+    bool more_messages = false; ///< there are more than the walker takes
 };
 
 /// A unit. What it points to is valid until the walker takes another one.
@@ -63,6 +64,7 @@ struct walked_unit {
                  brenik::h264_nal_slice_header, walked_sei>
         syntax;
     parse_outcome outcome;                     ///< of every syntax but SEI, whose messages have their own
+    bool header_goes_on = false;               ///< slice: its header was not found to end where it was looked for
     const brenik::h264_nal_pps* pps = nullptr; ///< slice: the PPS that it names, if it is stored
     const brenik::h264_nal_sps* sps = nullptr; ///< slice and PPS: the SPS, likewise
 };

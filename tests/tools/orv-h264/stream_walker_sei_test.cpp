@@ -152,6 +152,21 @@ TEST_F(WalkedSei, TheUnitEndsInItsTrailingBits)
     EXPECT_EQ("malformed trailing bits", problem_of(walk({})));
 }
 
+TEST_F(WalkedSei, OfMoreMessagesThanAUnitEverHasTheFirstAreTaken)
+{
+    constexpr std::size_t most = orv_h264::stream_walker::most_messages;
+    const auto messages = [](std::size_t count) {
+        support::stream_builder rbsp;
+        for (std::size_t i = 0; i < count; ++i)
+            rbsp.raw({100, 0});
+        return rbsp.raw({0x80}).made();
+    };
+    EXPECT_EQ("", problem_of(walk(messages(most))));
+    const walked_unit unit = walk(messages(most + 1));
+    EXPECT_EQ("more than 1024 SEI messages", problem_of(unit));
+    EXPECT_EQ(most, std::get<walked_sei>(unit.syntax).messages.size());
+}
+
 TEST_F(WalkedSei, ABufferingPeriodOfAnAbsentSpsOrWithoutAnIdActivatesNothing)
 {
     stream.walk(timed_sps(0, 8, 8, 8));

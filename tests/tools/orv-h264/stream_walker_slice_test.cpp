@@ -11,6 +11,7 @@
 namespace {
 
 using brenik::h264_nal_slice_header;
+using orv_h264::stream_walker;
 using orv_h264::walked_unit;
 using support::bit_writer;
 using support::bytes;
@@ -133,6 +134,23 @@ TEST_F(WalkedSlice, AListWithoutAnEndIsReadToTheEndOfTheUnit)
     const walked_unit unit = walk(rbsp);
     EXPECT_EQ("reference picture list modification does not end", problem_of(unit));
     EXPECT_GE(header_of(unit).ref_pic_list_modification_l0.entries.size(), 10000U);
+}
+
+TEST_F(WalkedSlice, AHeaderIsLookedForInABoundedPartOfTheSlice)
+{
+    bit_writer w = modified_p_slice();
+    for (std::size_t i = 0; i < 5 * stream_walker::most_slice_header; ++i)
+        w.ue(0).ue(0);
+    const walked_unit endless = walk(w.ue(3).bytes());
+    EXPECT_EQ("slice header does not end within 98302 bytes", problem_of(endless));
+    EXPECT_LE(header_of(endless).ref_pic_list_modification_l0.entries.size(), 4 * stream_walker::most_slice_header);
+    const bytes zeros(2 * stream_walker::most_slice_header, 0);
+    EXPECT_EQ("malformed Exp-Golomb code at bit 0", problem_of(walk(zeros)));
+    EXPECT_EQ("slice names picture parameter set 9, which is missing",
+              problem_of(walk(followed_by(modified_p_slice(9), zeros.size()))));
+    bytes ends = with_modifications(modified_p_slice(), 100).bytes();
+    ends.insert(ends.end(), zeros.begin(), zeros.end());
+    EXPECT_EQ("", problem_of(walk(ends)));
 }
 
 TEST_F(WalkedSlice, TheTypesThatBeginWithASliceHeaderAreRead)
