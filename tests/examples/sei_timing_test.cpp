@@ -12,17 +12,11 @@ namespace {
 
 using support::bit_writer;
 using support::bytes;
+using support::sei;
+using support::sei_rbsp;
 using support::stream_builder;
 using support::tool_result;
 using support::written_rbsp;
-
-constexpr unsigned char sei = support::header_byte(0, 6);
-
-/// An SEI unit with one message.
-bytes message(unsigned char type, const bytes& payload)
-{
-    return stream_builder().raw({type, static_cast<unsigned char>(payload.size())}).raw(payload).raw({0x80});
-}
 
 /// A stream of an SPS with picture structures and, unless `vui` says otherwise, no delays.
 stream_builder sps_unit(std::uint32_t id = 0, const support::vui_description& vui = {.pic_struct_present_flag = true})
@@ -99,7 +93,7 @@ TEST(SeiTiming, DelaysOfAVclHrdAloneHaveItsLengthsAndTheTimestampsFollow)
     begin_timestamp(timing, true, 5).u(6, 9).u(6, 8).u(5, 7).u(7, 1);
     EXPECT_EQ("cpb_removal_delay 101  dpb_output_delay 18  Top field, bottom field, in that order  23:59:58:04  "
               "07:08:09:05\n",
-              timing_of(sps_unit(0, vui).annexb_unit(sei, message(1, timing.trailing_bits().bytes()))).out);
+              timing_of(sps_unit(0, vui).annexb_unit(sei, sei_rbsp({{1, timing.trailing_bits().bytes()}}))).out);
 }
 
 TEST(SeiTiming, WithoutAnHrdTheTimeOffsetsHave24Bits)
@@ -109,13 +103,13 @@ TEST(SeiTiming, WithoutAnHrdTheTimeOffsetsHave24Bits)
     begin_timestamp(timing, true, 4).u(6, 58).u(6, 59).u(5, 23).u(24, 0xFFFFFF);
     begin_timestamp(timing, true, 5).u(6, 9).u(6, 8).u(5, 7).u(24, 1);
     EXPECT_EQ("Top field, bottom field, in that order  23:59:58:04  07:08:09:05\n",
-              timing_of(sps_unit().annexb_unit(sei, message(1, timing.trailing_bits().bytes()))).out);
+              timing_of(sps_unit().annexb_unit(sei, sei_rbsp({{1, timing.trailing_bits().bytes()}}))).out);
 }
 
 TEST(SeiTiming, WithoutAnSpsThatParsesThereIsNoTiming)
 {
     const bytes malformed_sps = {66, 0, 30, 0, 0, 3, 0, 0, 3, 1};
-    const bytes timing = message(1, {0x04});
+    const bytes timing = sei_rbsp({{1, {0x04}}});
     EXPECT_EQ("", timing_of(stream_builder().annexb_unit(sei, timing)).out);
     const tool_result result = timing_of(sps_unit()
                                              .annexb_unit(support::sps, malformed_sps)

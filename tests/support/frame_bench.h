@@ -63,10 +63,7 @@ inline unit idr(std::uint32_t frame_num, picture kind = frame)
 /// An SEI unit of these messages, sizes below 255.
 inline unit sei_of(std::initializer_list<std::pair<unsigned char, bytes>> messages, const bytes& end = {0x80})
 {
-    stream_builder rbsp;
-    for (const auto& [type, payload] : messages)
-        rbsp.raw({type, static_cast<unsigned char>(payload.size())}).raw(payload);
-    return of_type(6, rbsp.raw(end));
+    return of_type(6, sei_rbsp(messages, end));
 }
 
 /// Picture timing without delays.

@@ -3,6 +3,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <initializer_list>
+#include <utility>
 #include <vector>
 
 namespace support {
@@ -21,6 +23,8 @@ constexpr unsigned char aud = header_byte(0, 9);
 constexpr unsigned char idr_slice = header_byte(3, 5);
 /// An SPS header but for the forbidden bit.
 constexpr unsigned char forbidden = 0x80 | sps;
+
+constexpr unsigned char sei = header_byte(0, 6);
 
 /// Bytes of a stream, appended left to right.
 class stream_builder {
@@ -70,5 +74,14 @@ public:
 private:
     bytes stream;
 };
+
+/// The SEI RBSP that holds these messages, a type and a payload each, both below 255; `end` follows them.
+inline bytes sei_rbsp(std::initializer_list<std::pair<unsigned char, bytes>> messages, const bytes& end = {0x80})
+{
+    stream_builder rbsp;
+    for (const auto& [type, payload] : messages)
+        rbsp.raw({type, static_cast<unsigned char>(payload.size())}).raw(payload);
+    return rbsp.raw(end);
+}
 
 } // namespace support

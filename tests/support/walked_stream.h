@@ -10,9 +10,7 @@
 
 #include <gtest/gtest.h>
 
-#include <initializer_list>
 #include <string>
-#include <utility>
 
 namespace support {
 
@@ -27,16 +25,5 @@ public:
 
     orv_h264::stream_walker walker;
 };
-
-/// The SEI RBSP that holds these messages, sizes below 255.
-inline bytes sei_rbsp(std::initializer_list<std::pair<unsigned char, bytes>> messages)
-{
-    stream_builder rbsp;
-    for (const auto& [type, payload] : messages)
-        rbsp.raw({type, static_cast<unsigned char>(payload.size())}).raw(payload);
-    return rbsp.raw({0x80});
-}
-
-constexpr unsigned char sei = header_byte(0, 6);
 
 } // namespace support
