@@ -302,27 +302,6 @@ TEST(Inspect, HelpNamesEveryOptionAndTheExitStatus)
         EXPECT_NE(result.out.find(word), std::string::npos) << word;
 }
 
-// The examples of the help text, as they stand but for the names of the files.
-TEST(Inspect, TheExamplesOfTheHelpTextWork)
-{
-    const std::string movie = ORV_TEST_STREAMS "/pulldown32.264";
-    std::istringstream help(run_tool({"inspect", "--help"}).out);
-    int examples = 0;
-    for (std::string line; std::getline(help, line);) {
-        const std::size_t command = line.find("orv-h264 inspect ");
-        if (command == std::string::npos || line.rfind("  ", 0) != 0)
-            continue;
-        std::istringstream words(line.substr(command));
-        std::vector<std::string> arguments;
-        for (std::string word; words >> word;)
-            arguments.push_back(word == "movie.264" ? movie : word);
-        arguments.erase(arguments.begin());
-        EXPECT_EQ(run_tool(arguments, {.piped = support::read_file(movie)}).status, 0) << line;
-        ++examples;
-    }
-    EXPECT_EQ(examples, 5);
-}
-
 TEST(Inspect, VersionIsPrinted)
 {
     const tool_result result = run_tool({"--version"});

@@ -2,9 +2,6 @@
 
 #include <bit>
 
-#include <fmt/format.h>
-#include <fmt/ranges.h>
-
 namespace orv_h264 {
 
 namespace {
@@ -23,62 +20,59 @@ std::size_t se_bits(std::int64_t value)
 
 } // namespace
 
-field_printer::field_printer(std::string& out, std::size_t limit, int first_depth)
-    : lines(out), last_bit(limit), depth(first_depth)
+void field_printer::u(unsigned int n, const element_name& name, std::uint64_t value, std::string_view note)
 {
+    element(n, name, value, note);
 }
 
-void field_printer::u(unsigned int n, std::string_view name, std::uint64_t value, std::string_view note)
+void field_printer::i(unsigned int n, const element_name& name, std::int32_t value)
 {
-    element(n, name, fmt::to_string(value), note);
+    element(n, name, std::int64_t{value}, "");
 }
 
-void field_printer::i(unsigned int n, std::string_view name, std::int32_t value)
+void field_printer::flag(const element_name& name, bool value)
 {
-    element(n, name, fmt::to_string(value), "");
+    element(1, name, std::uint64_t{value}, "");
 }
 
-void field_printer::flag(std::string_view name, bool value)
+void field_printer::ue(const element_name& name, std::uint32_t value, std::string_view note)
 {
-    element(1, name, value ? "1" : "0", "");
+    element(ue_bits(value), name, std::uint64_t{value}, note);
 }
 
-void field_printer::ue(std::string_view name, std::uint32_t value, std::string_view note)
+void field_printer::se(const element_name& name, std::int32_t value)
 {
-    element(ue_bits(value), name, fmt::to_string(value), note);
+    element(se_bits(value), name, std::int64_t{value}, "");
 }
 
-void field_printer::se(std::string_view name, std::int32_t value)
-{
-    element(se_bits(value), name, fmt::to_string(value), "");
-}
-
-void field_printer::scaling_list(std::string_view name, const brenik::h264_scaling_list& list)
+void field_printer::scaling_list(std::size_t number, const brenik::h264_scaling_list& list)
 {
     // Different deltas make the same list, so that the bits it took are not known.
     if (last_bit != no_limit)
         last_bit = 0;
-    element(0, name, list.useDefaultScalingMatrixFlag ? "default" : fmt::format("{}", fmt::join(list.values, " ")), "");
+    const deeper indented(*this, {"scaling_lists", number});
+    if (list.useDefaultScalingMatrixFlag)
+        element(0, "scaling_list", std::string_view("default"), "");
+    else
+        element(0, "scaling_list", std::span<const std::uint8_t>(list.values), "");
 }
 
-void field_printer::derived(std::string_view text)
+void field_printer::bytes(const element_name& name, std::string_view text, std::string_view note)
+{
+    sink.element(name, text, note);
+}
+
+void field_printer::derived(std::string_view text, std::initializer_list<fact> facts)
 {
     if (position <= last_bit)
-        line(fmt::format("= {}", text));
+        sink.derived(text, facts);
 }
 
-void field_printer::element(std::size_t bits, std::string_view name, std::string_view value, std::string_view note)
+void field_printer::element(std::size_t bits, const element_name& name, const field_value& value, std::string_view note)
 {
     position += bits;
-    if (position > last_bit)
-        return;
-    line(note.empty() ? fmt::format("{} {}", name, value) : fmt::format("{} {} ({})", name, value, note));
-}
-
-void field_printer::line(std::string_view text)
-{
-    constexpr int step = 4;
-    fmt::format_to(std::back_inserter(lines), "{:{}}{}\n", "", depth * step, text);
+    if (position <= last_bit)
+        sink.element(name, value, note);
 }
 
 } // namespace orv_h264

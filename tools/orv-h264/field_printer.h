@@ -1,13 +1,15 @@
-// Prints syntax elements, one a line, under their H.264 names. It counts the bits that the elements took, so that of a
-// unit whose parse failed only those are shown that the unit carried.
+// Hands syntax elements to a sink, under their H.264 names. It counts the bits that the elements took, so that of a
+// unit whose parse failed only those are handed on that the unit carried.
 #pragma once
+
+#include "field_sink.h"
 
 #include <orv-utils-v4/h264.h>
 
 #include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 #include <limits>
-#include <string>
 #include <string_view>
 
 namespace orv_h264 {
@@ -16,45 +18,60 @@ class field_printer {
 public:
     static constexpr std::size_t no_limit = std::numeric_limits<std::size_t>::max();
 
-    /// Appends lines to `out`, indented by `first_depth` steps, for the elements that end at or before bit `limit`.
-    explicit field_printer(std::string& out, std::size_t limit = no_limit, int first_depth = 1);
+    /// Hands on the elements that end at or before bit `limit`.
+    explicit field_printer(field_sink& out, std::size_t limit = no_limit) : sink(out), last_bit(limit) {}
 
     /// u(n); `note` says in words what the value means.
-    void u(unsigned int n, std::string_view name, std::uint64_t value, std::string_view note = "");
+    void u(unsigned int n, const element_name& name, std::uint64_t value, std::string_view note = "");
     /// i(n)
-    void i(unsigned int n, std::string_view name, std::int32_t value);
+    void i(unsigned int n, const element_name& name, std::int32_t value);
     /// u(1)
-    void flag(std::string_view name, bool value);
-    void ue(std::string_view name, std::uint32_t value, std::string_view note = "");
-    void se(std::string_view name, std::int32_t value);
+    void flag(const element_name& name, bool value);
+    void ue(const element_name& name, std::uint32_t value, std::string_view note = "");
+    void se(const element_name& name, std::int32_t value);
     /// A scaling list that is present, its entries in scan order.
-    void scaling_list(std::string_view name, const brenik::h264_scaling_list& list);
+    void scaling_list(std::size_t number, const brenik::h264_scaling_list& list);
 
-    /// A line that is no element, or stands for many; shown in any case.
-    void line(std::string_view text);
+    /// Bytes in words, which stand for many elements; in any case.
+    void bytes(const element_name& name, std::string_view text, std::string_view note = "");
 
-    /// What follows from elements shown before; only when all of them were.
-    void derived(std::string_view text);
+    /// What follows from elements before; only when all of them were handed on.
+    void derived(std::string_view text, std::initializer_list<fact> facts);
 
-    /// While it lives, lines are indented one step deeper.
+    /// While it lives, fields belong to the structure `name`, indented one step deeper, behind `heading` if there is
+    /// one.
     class deeper {
     public:
-        explicit deeper(field_printer& p) : printer(p) { ++printer.depth; }
+        deeper(field_printer& p, const element_name& name, std::string_view heading = "") : sink(p.sink)
+        {
+            sink.open(name, heading);
+        }
         deeper(const deeper&) = delete;
         deeper& operator=(const deeper&) = delete;
-        ~deeper() { --printer.depth; }
+        ~deeper() { sink.close(); }
 
     private:
-        field_printer& printer;
+        field_sink& sink;
+    };
+
+    /// While it lives, fields belong to an entry of the array `name`, in one row with the others.
+    class entry {
+    public:
+        entry(field_printer& p, const char* name, std::size_t index) : sink(p.sink) { sink.open_entry({name, index}); }
+        entry(const entry&) = delete;
+        entry& operator=(const entry&) = delete;
+        ~entry() { sink.close_entry(); }
+
+    private:
+        field_sink& sink;
     };
 
 private:
-    void element(std::size_t bits, std::string_view name, std::string_view value, std::string_view note);
+    void element(std::size_t bits, const element_name& name, const field_value& value, std::string_view note);
 
-    std::string& lines;
+    field_sink& sink;
     std::size_t last_bit;
     std::size_t position = 0;
-    int depth;
 };
 
 } // namespace orv_h264

@@ -5,6 +5,7 @@
 
 #include <fcntl.h>
 #include <fmt/format.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace orv_h264 {
@@ -21,6 +22,14 @@ input_file::~input_file()
 {
     if (descriptor != STDIN_FILENO)
         ::close(descriptor);
+}
+
+std::optional<std::uint64_t> input_file::size() const
+{
+    struct stat status = {};
+    if (::fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode))
+        return {};
+    return static_cast<std::uint64_t>(status.st_size);
 }
 
 std::size_t input_file::read(unsigned char* out, std::size_t size)

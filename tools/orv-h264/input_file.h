@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace orv_h264 {
@@ -18,6 +19,12 @@ public:
 
     /// Reads up to `size` bytes, as many as are there, and waits for the first; 0 at the end.
     std::size_t read(unsigned char* out, std::size_t size);
+
+    /// How many bytes were read so far.
+    std::uint64_t bytes_read() const noexcept { return offset; }
+
+    /// The bytes of the whole, of a regular file.
+    std::optional<std::uint64_t> size() const;
 
     /// The name for messages.
     const std::string& name() const noexcept { return shown_name; }

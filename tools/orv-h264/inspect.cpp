@@ -1,14 +1,12 @@
 #include "inspect.h"
 
-#include "input_file.h"
-#include "recognise.h"
-#include "show_syntax.h"
+#include "json_output.h"
+#include "messages.h"
+#include "names.h"
+#include "show_unit.h"
 #include "stream_walker.h"
 
-#include <cstdio>
-#include <utility>
-
-#include <fmt/format.h>
+#include <string>
 
 namespace orv_h264 {
 
@@ -16,8 +14,8 @@ namespace {
 
 class inspection {
 public:
-    inspection(const inspect_options& chosen, const std::string& name, piece_feeder& from)
-        : options(chosen), input_name(name), feeder(from)
+    inspection(const inspect_options& chosen, stream_input& from)
+        : options(chosen), feeder(from.feeder()), problems(from.name())
     {
     }
 
@@ -28,11 +26,11 @@ public:
             if (const auto* u = std::get_if<unit>(&item))
                 take_unit(*u);
             else if (const auto* g = std::get_if<gap>(&item))
-                complain(g->offset, fmt::format("{} ({} bytes)", describe(*g), g->size));
+                complain(g->offset, describe_with_size(*g));
             else
                 break;
         }
-        return status;
+        return problems.status();
     }
 
 private:
@@ -41,7 +39,7 @@ private:
         brenik::h264_nal_reader& reader = feeder.reader();
         const brenik::h264_nal nal = reader.nal;
         if (u.cut)
-            complain(u.offset, fmt::format("unit of {} bytes runs past the end of the input", u.stated_length));
+            complain(u.offset, describe_cut(u));
         walked_unit walked;
         if (!options.nals) {
             walked = walker.walk(reader);
@@ -51,48 +49,42 @@ private:
         if (!options.only.test(nal.nal_unit_type))
             return;
         ++lines;
-        fmt::print("offset {:>10}  framing {}  length {:>8}  rbsp {:>8}  nal_ref_idc {}  type {:>2}  {}\n", u.offset,
-                   u.framing_size, u.length, decoder.whole(reader).size(), nal.nal_ref_idc,
-                   static_cast<unsigned int>(nal.nal_unit_type), brenik::h264_nal_unit_type_to_str(nal.nal_unit_type));
-        if (!options.nals)
-            fmt::print("{}", show_fields(walked));
+        const shown_unit shown = {u, nal, decoder.whole(reader).size(), options.nals ? nullptr : &walked};
+        if (options.json) {
+            json object = {{"record", "unit"}};
+            object.update(unit_json(shown));
+            print_json(object);
+        } else {
+            print_unit(shown);
+        }
     }
 
     void complain(std::uint64_t offset, const std::string& what)
     {
-        fmt::print(stderr, "orv-h264: {}: offset {}: {}\n", input_name, offset, what);
-        status = exit_broken_stream;
+        problems.add(offset, what);
+        if (options.json)
+            print_json(json_problem(offset, what));
     }
 
     const inspect_options& options;
-    const std::string& input_name;
     piece_feeder& feeder;
+    complaints problems;
     stream_walker walker;
     rbsp_decoder decoder; // for the sizes
     std::uint64_t lines = 0;
-    exit_status status = exit_clean;
 };
 
 } // namespace
 
 exit_status inspect(const inspect_options& options)
 {
-    input_file input(options.path);
-    input_window window([&](unsigned char* out, std::size_t size) { return input.read(out, size); });
-    if (!options.format) {
-        if (const char* container = container_name(window)) {
-            fmt::print(stderr, "orv-h264: {}: this is {}; take the H.264 stream out of it first\n", input.name(),
-                       container);
-            return exit_not_supported;
-        }
-        if (!is_annexb(window)) {
-            fmt::print(stderr, "orv-h264: {}: not an Annex B stream; name the framing with --format\n", input.name());
-            return exit_usage_or_io;
-        }
+    stream_input input(options.stream);
+    if (options.json) {
+        json head = json_head("orv-h264/inspect", input.name());
+        head["framing"] = framing_name(input.framing());
+        print_json(head);
     }
-    piece_feeder feeder(std::move(window), options.format.value_or(brenik::nalfmt_annexb),
-                        static_cast<std::size_t>(options.max_unit));
-    return inspection(options, input.name(), feeder).run();
+    return inspection(options, input).run();
 }
 
 } // namespace orv_h264

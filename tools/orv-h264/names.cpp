@@ -43,6 +43,38 @@ constexpr numbered_name profiles[] = {
 
 } // namespace
 
+std::string framing_name(brenik::h2645_common_nalfmt framing)
+{
+    return framing == brenik::nalfmt_annexb ? "annexb" : fmt::format("length{}", static_cast<unsigned int>(framing));
+}
+
+std::string short_unit_name(brenik::h264_nal_unit_type type)
+{
+    constexpr numbered_name names[] = {
+        {1, "slice"},
+        {2, "partition-A"},
+        {3, "partition-B"},
+        {4, "partition-C"},
+        {5, "IDR"},
+        {6, "SEI"},
+        {7, "SPS"},
+        {8, "PPS"},
+        {9, "AUD"},
+        {10, "end-of-seq"},
+        {11, "end-of-stream"},
+        {12, "filler"},
+        {13, "SPS-ext"},
+        {14, "prefix"},
+        {15, "subset-SPS"},
+        {16, "DPS"},
+        {19, "auxiliary"},
+        {20, "extension"},
+        {21, "3D-extension"},
+    };
+    const std::string name = find_name(names, type);
+    return name.empty() ? fmt::format("type-{}", static_cast<unsigned int>(type)) : name;
+}
+
 std::string profile_name(const brenik::h264_nal_sps& sps)
 {
     std::string name = find_name(profiles, sps.profile_idc);
@@ -76,6 +108,16 @@ std::string level_name(const brenik::h264_nal_sps& sps)
     const int level = sps.level_idc / 10;
     const int part = sps.level_idc % 10;
     return part == 0 ? fmt::to_string(level) : fmt::format("{}.{}", level, part);
+}
+
+std::string codec_string(const brenik::h264_nal_sps& sps)
+{
+    unsigned int constraints = 0; // the byte behind profile_idc
+    for (const bool flag : {sps.constraint_set0_flag, sps.constraint_set1_flag, sps.constraint_set2_flag,
+                            sps.constraint_set3_flag, sps.constraint_set4_flag, sps.constraint_set5_flag})
+        constraints = constraints << 1U | (flag ? 1U : 0U);
+    constraints = constraints << 2U | sps.reserved_zero_2bits;
+    return fmt::format("avc1.{:02X}{:02X}{:02X}", sps.profile_idc, constraints, sps.level_idc);
 }
 
 std::string chroma_format_name(std::uint32_t chroma_format_idc)

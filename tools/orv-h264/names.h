@@ -8,11 +8,20 @@
 
 namespace orv_h264 {
 
+/// The framing as the command line has it: "annexb", "length4".
+std::string framing_name(brenik::h2645_common_nalfmt framing);
+
+/// A NAL unit type in a word, for tables: "SPS", "IDR", "slice"; "type-24" for one without a name.
+std::string short_unit_name(brenik::h264_nal_unit_type type);
+
 /// The profile, H.264 Annex A, with what the constraint flags make of it.
 std::string profile_name(const brenik::h264_nal_sps& sps);
 
 /// The level, H.264 A.3: "4", "3.1", "1b".
 std::string level_name(const brenik::h264_nal_sps& sps);
+
+/// The codecs parameter of RFC 6381, clause 3.3: "avc1.640028".
+std::string codec_string(const brenik::h264_nal_sps& sps);
 
 /// H.264 Table 6-1.
 std::string chroma_format_name(std::uint32_t chroma_format_idc);

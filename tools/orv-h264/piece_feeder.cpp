@@ -20,6 +20,16 @@ bool is_zero(unsigned char byte)
 
 } // namespace
 
+std::string describe_with_size(const gap& g)
+{
+    return fmt::format("{} ({} bytes)", describe(g), g.size);
+}
+
+std::string describe_cut(const unit& u)
+{
+    return fmt::format("unit of {} bytes runs past the end of the input", u.stated_length);
+}
+
 std::string describe(const gap& g)
 {
     switch (g.reason) {

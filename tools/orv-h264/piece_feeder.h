@@ -36,6 +36,9 @@ struct gap {
 /// The reason as text for a person.
 std::string describe(const gap& g);
 
+/// Likewise, with the size.
+std::string describe_with_size(const gap& g);
+
 /// A whole NAL unit, or the rest of the last one.
 struct unit {
     std::uint64_t offset = 0;        ///< of the first byte of its framing
@@ -44,6 +47,9 @@ struct unit {
     std::uint64_t stated_length = 0; ///< the length prefix; 0 in Annex B
     bool cut = false;                ///< the unit runs past the end of the input
 };
+
+/// What is wrong with a unit that is cut, as text for a person.
+std::string describe_cut(const unit& u);
 
 struct end_of_input {};
 

@@ -13,20 +13,18 @@ namespace {
 using lists = std::array<brenik::h264_scaling_list, 6>;
 
 // H.264 E.1.2, hrd_parameters()
-void show(field_printer& p, const brenik::h264_hrd_parameters& hrd)
+void show(field_printer& p, const char* name, const brenik::h264_hrd_parameters& hrd)
 {
-    const field_printer::deeper indented(p);
+    const field_printer::deeper indented(p, name);
     p.ue("cpb_cnt_minus1", hrd.cpb_cnt_minus1);
     p.u(4, "bit_rate_scale", hrd.bit_rate_scale);
     p.u(4, "cpb_size_scale", hrd.cpb_size_scale);
     for (std::size_t i = 0; i < hrd.cbr_flag.size(); ++i) {
         const std::uint64_t bit_rate = (std::uint64_t{hrd.bit_rate_value_minus1[i]} + 1) << (6 + hrd.bit_rate_scale);
         const std::uint64_t cpb_size = (std::uint64_t{hrd.cpb_size_value_minus1[i]} + 1) << (4 + hrd.cpb_size_scale);
-        p.ue(fmt::format("bit_rate_value_minus1[{}]", i), hrd.bit_rate_value_minus1[i],
-             fmt::format("{} bit/s", bit_rate));
-        p.ue(fmt::format("cpb_size_value_minus1[{}]", i), hrd.cpb_size_value_minus1[i],
-             fmt::format("{} bits", cpb_size));
-        p.flag(fmt::format("cbr_flag[{}]", i), hrd.cbr_flag[i]);
+        p.ue({"bit_rate_value_minus1", i}, hrd.bit_rate_value_minus1[i], fmt::format("{} bit/s", bit_rate));
+        p.ue({"cpb_size_value_minus1", i}, hrd.cpb_size_value_minus1[i], fmt::format("{} bits", cpb_size));
+        p.flag({"cbr_flag", i}, hrd.cbr_flag[i]);
     }
     p.u(5, "initial_cpb_removal_delay_length_minus1", hrd.initial_cpb_removal_delay_length_minus1);
     p.u(5, "cpb_removal_delay_length_minus1", hrd.cpb_removal_delay_length_minus1);
@@ -62,7 +60,7 @@ void show_bitstream_restriction(field_printer& p, const brenik::h264_vui_paramet
 void show(field_printer& p, const brenik::h264_vui_parameters& vui)
 {
     constexpr std::uint8_t Extended_SAR = 255;
-    const field_printer::deeper indented(p);
+    const field_printer::deeper indented(p, "vui_parameters");
     p.flag("aspect_ratio_info_present_flag", vui.aspect_ratio_info_present_flag);
     if (vui.aspect_ratio_info_present_flag) {
         p.u(8, "aspect_ratio_idc", vui.aspect_ratio_idc, sample_aspect_ratio_name(vui));
@@ -90,10 +88,10 @@ void show(field_printer& p, const brenik::h264_vui_parameters& vui)
     }
     p.flag("nal_hrd_parameters_present_flag", vui.nal_hrd_parameters_present_flag);
     if (vui.nal_hrd_parameters_present_flag)
-        show(p, vui.nal_hrd);
+        show(p, "nal_hrd_parameters", vui.nal_hrd);
     p.flag("vcl_hrd_parameters_present_flag", vui.vcl_hrd_parameters_present_flag);
     if (vui.vcl_hrd_parameters_present_flag)
-        show(p, vui.vcl_hrd);
+        show(p, "vcl_hrd_parameters", vui.vcl_hrd);
     if (vui.nal_hrd_parameters_present_flag || vui.vcl_hrd_parameters_present_flag)
         p.flag("low_delay_hrd_flag", vui.low_delay_hrd_flag);
     p.flag("pic_struct_present_flag", vui.pic_struct_present_flag);
@@ -102,14 +100,14 @@ void show(field_printer& p, const brenik::h264_vui_parameters& vui)
         show_bitstream_restriction(p, vui);
 }
 
-/// The lists that begin at number `first` of `name`, each with its present flag.
-void show_scaling_lists(field_printer& p, const char* name, std::size_t first, const lists& all, std::size_t count)
+/// The lists that begin at number `first`, each with its present flag.
+void show_scaling_lists(field_printer& p, const char* present_flag, std::size_t first, const lists& all,
+                        std::size_t count)
 {
     for (std::size_t i = 0; i < count; ++i) {
-        p.flag(fmt::format("{}_scaling_list_present_flag[{}]", name, first + i), all[i].present);
-        const field_printer::deeper indented(p);
+        p.flag({present_flag, first + i}, all[i].present);
         if (all[i].present)
-            p.scaling_list("scaling_list", all[i]);
+            p.scaling_list(first + i, all[i]);
     }
 }
 
@@ -129,9 +127,11 @@ void show_high_profile_syntax(field_printer& p, const brenik::h264_nal_sps& sps)
     p.flag("seq_scaling_matrix_present_flag", sps.seq_scaling_matrix_present_flag);
     if (!sps.seq_scaling_matrix_present_flag)
         return;
-    const field_printer::deeper indented(p);
-    show_scaling_lists(p, "seq", 0, sps.scaling_list_4x4, sps.scaling_list_4x4.size());
-    show_scaling_lists(p, "seq", sps.scaling_list_4x4.size(), sps.scaling_list_8x8, lists_8x8(sps.chroma_format_idc));
+    constexpr const char* present_flag = "seq_scaling_list_present_flag";
+    const field_printer::deeper indented(p, "seq_scaling_matrix");
+    show_scaling_lists(p, present_flag, 0, sps.scaling_list_4x4, sps.scaling_list_4x4.size());
+    show_scaling_lists(p, present_flag, sps.scaling_list_4x4.size(), sps.scaling_list_8x8,
+                       lists_8x8(sps.chroma_format_idc));
 }
 
 void show_pic_order_cnt(field_printer& p, const brenik::h264_nal_sps& sps)
@@ -145,7 +145,7 @@ void show_pic_order_cnt(field_printer& p, const brenik::h264_nal_sps& sps)
         p.se("offset_for_top_to_bottom_field", sps.offset_for_top_to_bottom_field);
         p.ue("num_ref_frames_in_pic_order_cnt_cycle", sps.num_ref_frames_in_pic_order_cnt_cycle);
         for (std::size_t i = 0; i < sps.offset_for_ref_frame.size(); ++i)
-            p.se(fmt::format("offset_for_ref_frame[{}]", i), sps.offset_for_ref_frame[i]);
+            p.se({"offset_for_ref_frame", i}, sps.offset_for_ref_frame[i]);
     }
 }
 
@@ -154,12 +154,17 @@ void show_derived(field_printer& p, const brenik::h264_nal_sps& sps)
     const bool crops_more_than_there_is = std::uint64_t{sps.getCropLeft()} + sps.getCropRight() >= sps.getPicWidth() ||
                                           std::uint64_t{sps.getCropTop()} + sps.getCropBottom() >= sps.getPicHeight();
     if (crops_more_than_there_is)
-        p.derived(fmt::format("coded size {}x{}, cropped to nothing", sps.getPicWidth(), sps.getPicHeight()));
+        p.derived(fmt::format("coded size {}x{}, cropped to nothing", sps.getPicWidth(), sps.getPicHeight()),
+                  {{"cropped_width", std::uint64_t{0}}, {"cropped_height", std::uint64_t{0}}});
     else
-        p.derived(fmt::format("cropped size {}x{}", sps.getCroppedPicWidth(), sps.getCroppedPicHeight()));
+        p.derived(fmt::format("cropped size {}x{}", sps.getCroppedPicWidth(), sps.getCroppedPicHeight()),
+                  {{"cropped_width", std::uint64_t{sps.getCroppedPicWidth()}},
+                   {"cropped_height", std::uint64_t{sps.getCroppedPicHeight()}}});
     const brenik::h264_vui_parameters& vui = sps.vui;
-    if (sps.vui_parameters_present_flag && vui.timing_info_present_flag && vui.num_units_in_tick != 0)
-        p.derived(fmt::format("field rate {:.7g} Hz", static_cast<double>(vui.time_scale) / vui.num_units_in_tick));
+    if (sps.vui_parameters_present_flag && vui.timing_info_present_flag && vui.num_units_in_tick != 0) {
+        const double rate = static_cast<double>(vui.time_scale) / vui.num_units_in_tick;
+        p.derived(fmt::format("field rate {:.7g} Hz", rate), {{"field_rate", rate}});
+    }
 }
 
 } // namespace
@@ -208,10 +213,10 @@ void show_slice_groups(field_printer& p, const brenik::h264_nal_pps& pps)
 {
     p.ue("slice_group_map_type", pps.slice_group_map_type);
     for (std::size_t i = 0; i < pps.run_length_minus1.size(); ++i)
-        p.ue(fmt::format("run_length_minus1[{}]", i), pps.run_length_minus1[i]);
+        p.ue({"run_length_minus1", i}, pps.run_length_minus1[i]);
     for (std::size_t i = 0; i < pps.bottom_right.size(); ++i) {
-        p.ue(fmt::format("top_left[{}]", i), pps.top_left[i]);
-        p.ue(fmt::format("bottom_right[{}]", i), pps.bottom_right[i]);
+        p.ue({"top_left", i}, pps.top_left[i]);
+        p.ue({"bottom_right", i}, pps.bottom_right[i]);
     }
     if (pps.slice_group_map_type >= 3 && pps.slice_group_map_type <= 5) {
         p.flag("slice_group_change_direction_flag", pps.slice_group_change_direction_flag);
@@ -226,7 +231,7 @@ void show_slice_groups(field_printer& p, const brenik::h264_nal_pps& pps)
     const std::string note =
         std::has_single_bit(slice_groups) ? fmt::format("read as {} bits, in H.264 {}", width, width - 1) : "";
     for (std::size_t i = 0; i < pps.slice_group_id.size(); ++i)
-        p.u(width, fmt::format("slice_group_id[{}]", i), pps.slice_group_id[i], note);
+        p.u(width, {"slice_group_id", i}, pps.slice_group_id[i], note);
 }
 
 void show_tail(field_printer& p, const brenik::h264_nal_pps& pps, std::uint32_t chroma_format_idc)
@@ -234,10 +239,11 @@ void show_tail(field_printer& p, const brenik::h264_nal_pps& pps, std::uint32_t 
     p.flag("transform_8x8_mode_flag", pps.transform_8x8_mode_flag);
     p.flag("pic_scaling_matrix_present_flag", pps.pic_scaling_matrix_present_flag);
     if (pps.pic_scaling_matrix_present_flag) {
-        const field_printer::deeper indented(p);
-        show_scaling_lists(p, "pic", 0, pps.pic_scaling_list_4x4, pps.pic_scaling_list_4x4.size());
+        constexpr const char* present_flag = "pic_scaling_list_present_flag";
+        const field_printer::deeper indented(p, "pic_scaling_matrix");
+        show_scaling_lists(p, present_flag, 0, pps.pic_scaling_list_4x4, pps.pic_scaling_list_4x4.size());
         const std::size_t count = pps.transform_8x8_mode_flag ? lists_8x8(chroma_format_idc) : 0;
-        show_scaling_lists(p, "pic", pps.pic_scaling_list_4x4.size(), pps.pic_scaling_list_8x8, count);
+        show_scaling_lists(p, present_flag, pps.pic_scaling_list_4x4.size(), pps.pic_scaling_list_8x8, count);
     }
     p.se("second_chroma_qp_index_offset", pps.second_chroma_qp_index_offset);
 }

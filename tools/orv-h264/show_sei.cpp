@@ -18,8 +18,6 @@ using timestamp_t = brenik::h264_nal_sei_pic_timing::timestamp_t;
 constexpr std::size_t most_hex_bytes = 16;
 constexpr std::size_t most_text_bytes = 1024;
 
-constexpr int message_depth = 2;
-
 std::string hex(rbsp_bytes bytes)
 {
     const bool all = bytes.size() <= most_hex_bytes;
@@ -56,15 +54,14 @@ std::string in_seconds(std::uint32_t ticks_90khz)
     return fmt::format("{:.6g} s", ticks_90khz / 90000.0);
 }
 
-void show_delays(field_printer& p, const char* hrd_name, const brenik::h264_hrd_parameters& hrd,
+void show_delays(field_printer& p, const char* name, const char* heading, const brenik::h264_hrd_parameters& hrd,
                  const std::vector<std::uint32_t>& delays, const std::vector<std::uint32_t>& offsets)
 {
     const unsigned int length = hrd.initial_cpb_removal_delay_length_minus1 + 1U;
-    p.line(hrd_name);
-    const field_printer::deeper indented(p);
+    const field_printer::deeper indented(p, name, heading);
     for (std::size_t i = 0; i < offsets.size(); ++i) {
-        p.u(length, fmt::format("initial_cpb_removal_delay[{}]", i), delays[i], in_seconds(delays[i]));
-        p.u(length, fmt::format("initial_cpb_removal_delay_offset[{}]", i), offsets[i], in_seconds(offsets[i]));
+        p.u(length, {"initial_cpb_removal_delay", i}, delays[i], in_seconds(delays[i]));
+        p.u(length, {"initial_cpb_removal_delay_offset", i}, offsets[i], in_seconds(offsets[i]));
     }
 }
 
@@ -76,10 +73,10 @@ void show(field_printer& p, const brenik::h264_nal_sei_buffering_period& period,
         return;
     const brenik::h264_vui_parameters& vui = message.sps->vui;
     if (vui.nal_hrd_parameters_present_flag)
-        show_delays(p, "NAL HRD", vui.nal_hrd, period.nal_initial_cpb_removal_delay,
+        show_delays(p, "nal_hrd", "NAL HRD", vui.nal_hrd, period.nal_initial_cpb_removal_delay,
                     period.nal_initial_cpb_removal_delay_offset);
     if (vui.vcl_hrd_parameters_present_flag)
-        show_delays(p, "VCL HRD", vui.vcl_hrd, period.vcl_initial_cpb_removal_delay,
+        show_delays(p, "vcl_hrd", "VCL HRD", vui.vcl_hrd, period.vcl_initial_cpb_removal_delay,
                     period.vcl_initial_cpb_removal_delay_offset);
 }
 
@@ -101,9 +98,9 @@ void show_time_of_day(field_printer& p, const timestamp_t& t)
         p.u(5, "hours_value", t.hours_value);
 }
 
-void show_timestamp(field_printer& p, const timestamp_t& t, unsigned int time_offset_length)
+void show_timestamp(field_printer& p, std::size_t number, const timestamp_t& t, unsigned int time_offset_length)
 {
-    const field_printer::deeper indented(p);
+    const field_printer::deeper indented(p, {"clock_timestamp", number});
     p.u(2, "ct_type", t.ct_type, t.ct_type_to_str());
     p.flag("nuit_field_based_flag", t.nuit_field_based_flag);
     p.u(5, "counting_type", t.counting_type);
@@ -114,8 +111,11 @@ void show_timestamp(field_printer& p, const timestamp_t& t, unsigned int time_of
     show_time_of_day(p, t);
     if (time_offset_length > 0)
         p.i(time_offset_length, "time_offset", t.time_offset);
-    if (t.hours_flag)
-        p.derived(fmt::format("{:02}:{:02}:{:02}:{:02}", t.hours_value, t.minutes_value, t.seconds_value, t.n_frames));
+    if (t.hours_flag) {
+        const std::string time =
+            fmt::format("{:02}:{:02}:{:02}:{:02}", t.hours_value, t.minutes_value, t.seconds_value, t.n_frames);
+        p.derived(time, {{"time", std::string_view(time)}});
+    }
 }
 
 std::string length_note(unsigned int read, unsigned int standard)
@@ -138,23 +138,23 @@ void show(field_printer& p, const brenik::h264_nal_sei_pic_timing& timing, const
         return;
     p.u(4, "pic_struct", timing.pic_struct, timing.pic_struct_to_str());
     for (std::size_t i = 0; i < timing.timestamps.size(); ++i) {
-        p.flag(fmt::format("clock_timestamp_flag[{}]", i), timing.timestamps[i].clock_timestamp_flag);
+        p.flag({"clock_timestamp_flag", i}, timing.timestamps[i].clock_timestamp_flag);
         if (timing.timestamps[i].clock_timestamp_flag)
-            show_timestamp(p, timing.timestamps[i], lengths.time_offset);
+            show_timestamp(p, i, timing.timestamps[i], lengths.time_offset);
     }
 }
 
-void show(std::string& lines, const walked_pic_timing& timing, const walked_message& message)
+void show(field_sink& sink, const walked_pic_timing& timing, const walked_message& message)
 {
     if (message.sps == nullptr)
         return;
     const brenik::h264_vui_parameters& vui = message.sps->vui;
-    field_printer as_read(lines, last_known_bit(message.outcome), message_depth);
+    field_printer as_read(sink, last_known_bit(message.outcome));
     show(as_read, timing.read, vui, library_lengths(vui));
     if (!timing.standard)
         return;
-    as_read.line("= as H.264 reads it");
-    field_printer by_standard(lines, last_known_bit(timing.standard->outcome), message_depth + 1);
+    const field_printer::deeper indented(as_read, "as_h264_reads_it", "= as H.264 reads it");
+    field_printer by_standard(sink, last_known_bit(timing.standard->outcome));
     show(by_standard, timing.standard->read, vui, standard_lengths(vui));
 }
 
@@ -167,10 +167,10 @@ void show(field_printer& p, const brenik::h264_nal_sei_pan_scan_rect& pan_scan, 
         return;
     p.ue("pan_scan_cnt_minus1", pan_scan.pan_scan_cnt_minus1);
     for (std::size_t i = 0; i < pan_scan.rects.size(); ++i) {
-        p.se(fmt::format("pan_scan_rect_left_offset[{}]", i), pan_scan.rects[i].pan_scan_rect_left_offset);
-        p.se(fmt::format("pan_scan_rect_right_offset[{}]", i), pan_scan.rects[i].pan_scan_rect_right_offset);
-        p.se(fmt::format("pan_scan_rect_top_offset[{}]", i), pan_scan.rects[i].pan_scan_rect_top_offset);
-        p.se(fmt::format("pan_scan_rect_bottom_offset[{}]", i), pan_scan.rects[i].pan_scan_rect_bottom_offset);
+        p.se({"pan_scan_rect_left_offset", i}, pan_scan.rects[i].pan_scan_rect_left_offset);
+        p.se({"pan_scan_rect_right_offset", i}, pan_scan.rects[i].pan_scan_rect_right_offset);
+        p.se({"pan_scan_rect_top_offset", i}, pan_scan.rects[i].pan_scan_rect_top_offset);
+        p.se({"pan_scan_rect_bottom_offset", i}, pan_scan.rects[i].pan_scan_rect_bottom_offset);
     }
     p.ue("pan_scan_rect_repetition_period", pan_scan.pan_scan_rect_repetition_period);
 }
@@ -179,7 +179,7 @@ void show(field_printer& p, const brenik::h264_nal_sei_pan_scan_rect& pan_scan, 
 void show(field_printer& p, std::monostate, const walked_message& message)
 {
     if (!message.payload.empty())
-        p.line(fmt::format("payload {}", hex(message.payload)));
+        p.bytes("payload", hex(message.payload));
 }
 
 // H.264 D.1.7, user_data_unregistered()
@@ -188,10 +188,9 @@ void show(field_printer& p, const brenik::h264_nal_sei_user_data_unreg& user_dat
     if (user_data.uuid == nullptr)
         return show(p, std::monostate(), message);
     const std::string_view name = brenik::h264_uuid_to_str(*user_data.uuid);
-    p.line(fmt::format("uuid_iso_iec_11578 {}{}", uuid_text(*user_data.uuid),
-                       name.empty() ? "" : fmt::format(" ({})", name)));
+    p.bytes("uuid_iso_iec_11578", uuid_text(*user_data.uuid), name);
     if (user_data.payload != user_data.payload_fence)
-        p.line(fmt::format("user_data {}", text_or_hex({user_data.payload, user_data.payload_fence})));
+        p.bytes("user_data", text_or_hex({user_data.payload, user_data.payload_fence}));
 }
 
 // H.264 D.1.8, recovery_point()
@@ -204,25 +203,41 @@ void show(field_printer& p, const brenik::h264_nal_sei_recovery_point& recovery,
 }
 
 template <typename Payload>
-void show(std::string& lines, const Payload& payload, const walked_message& message)
+void show(field_sink& sink, const Payload& payload, const walked_message& message)
 {
-    field_printer printer(lines, last_known_bit(message.outcome), message_depth);
+    field_printer printer(sink, last_known_bit(message.outcome));
     show(printer, payload, message);
+}
+
+std::string heading_of(const walked_message& message, std::string_view name)
+{
+    return fmt::format("sei_message payloadType {}{}, payloadSize {}{}", static_cast<std::uint32_t>(message.type),
+                       name.empty() ? "" : fmt::format(" ({})", name), message.stated_size,
+                       message.truncated ? fmt::format(", truncated to {}", message.payload.size()) : "");
+}
+
+void tell_heading(field_sink& sink, const walked_message& message, std::string_view name)
+{
+    sink.told({"payloadType", std::uint64_t{message.type}});
+    if (!name.empty())
+        sink.told({"name", name});
+    sink.told({"payloadSize", std::uint64_t{message.stated_size}});
+    if (message.truncated)
+        sink.told({"truncated_to", std::uint64_t{message.payload.size()}});
 }
 
 } // namespace
 
 // H.264 7.3.2.3.1, sei_message()
-void show_messages(std::string& lines, const walked_sei& sei)
+void show_messages(field_sink& sink, const walked_sei& sei)
 {
-    field_printer heads(lines);
-    for (const walked_message& message : sei.messages) {
+    for (std::size_t i = 0; i < sei.messages.size(); ++i) {
+        const walked_message& message = sei.messages[i];
         const std::string_view name = brenik::h264_nal_sei_payload_type_to_str(message.type);
-        heads.line(fmt::format("sei_message payloadType {}{}, payloadSize {}{}",
-                               static_cast<std::uint32_t>(message.type), name.empty() ? "" : fmt::format(" ({})", name),
-                               message.stated_size,
-                               message.truncated ? fmt::format(", truncated to {}", message.payload.size()) : ""));
-        std::visit([&](const auto& payload) { show(lines, payload, message); }, message.syntax);
+        sink.open({"sei_message", i}, heading_of(message, name));
+        tell_heading(sink, message, name);
+        std::visit([&](const auto& payload) { show(sink, payload, message); }, message.syntax);
+        sink.close();
     }
 }
 

@@ -1,7 +1,5 @@
 #include "show_structures.h"
 
-#include <fmt/format.h>
-
 namespace orv_h264 {
 
 namespace {
@@ -18,11 +16,15 @@ unsigned int length_of(std::uint32_t log2_minus4)
 void show_list_modification(field_printer& p, int number, const list_modification& list)
 {
     constexpr std::uint32_t end_of_list = 3;
-    p.flag(fmt::format("ref_pic_list_modification_flag_l{}", number), list.ref_pic_list_modification_flag);
+    p.flag(number == 0 ? "ref_pic_list_modification_flag_l0" : "ref_pic_list_modification_flag_l1",
+           list.ref_pic_list_modification_flag);
     if (!list.ref_pic_list_modification_flag)
         return;
-    const field_printer::deeper indented(p);
-    for (const list_modification::entry& entry : list.entries) {
+    const char* const name = number == 0 ? "ref_pic_list_modification_l0" : "ref_pic_list_modification_l1";
+    const field_printer::deeper indented(p, name);
+    for (std::size_t i = 0; i < list.entries.size(); ++i) {
+        const list_modification::entry& entry = list.entries[i];
+        const field_printer::entry grouped(p, "entries", i);
         const bool inter_view = entry.modification_of_pic_nums_idc == 4 || entry.modification_of_pic_nums_idc == 5;
         p.ue("modification_of_pic_nums_idc", entry.modification_of_pic_nums_idc,
              inter_view ? "no value read, in multiview coding there is one" : "");
@@ -31,6 +33,7 @@ void show_list_modification(field_printer& p, int number, const list_modificatio
         else if (entry.modification_of_pic_nums_idc == 2)
             p.ue("long_term_pic_num", entry.pic_num_value);
     }
+    const field_printer::entry grouped(p, "entries", list.entries.size());
     p.ue("modification_of_pic_nums_idc", end_of_list);
 }
 
@@ -43,9 +46,9 @@ void show_pic_order_cnt(field_printer& p, const brenik::h264_nal_slice_header& s
         if (bottom_order_sent)
             p.se("delta_pic_order_cnt_bottom", slice.delta_pic_order_cnt_bottom);
     } else if (sps.pic_order_cnt_type == 1 && !sps.delta_pic_order_always_zero_flag) {
-        p.se("delta_pic_order_cnt[0]", slice.delta_pic_order_cnt[0]);
+        p.se({"delta_pic_order_cnt", 0}, slice.delta_pic_order_cnt[0]);
         if (bottom_order_sent)
-            p.se("delta_pic_order_cnt[1]", slice.delta_pic_order_cnt[1]);
+            p.se({"delta_pic_order_cnt", 1}, slice.delta_pic_order_cnt[1]);
     }
 }
 
@@ -93,7 +96,7 @@ void show(field_printer& p, const brenik::h264_nal_slice_header& slice, const wa
     if (type != brenik::h264_slice_type_I && type != brenik::h264_slice_type_SI)
         show_references(p, slice);
     if (slice.IdrPicFlag)
-        p.derived("IDR picture");
+        p.derived("IDR picture", {{"IdrPicFlag", std::uint64_t{1}}});
 }
 
 } // namespace orv_h264

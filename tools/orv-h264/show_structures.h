@@ -5,7 +5,6 @@
 #include "walked_unit.h"
 
 #include <cstddef>
-#include <string>
 
 namespace orv_h264 {
 
@@ -13,8 +12,7 @@ void show(field_printer& p, const brenik::h264_nal_sps& sps, const walked_unit& 
 void show(field_printer& p, const brenik::h264_nal_pps& pps, const walked_unit& unit);
 void show(field_printer& p, const brenik::h264_nal_slice_header& slice, const walked_unit& unit);
 
-/// Appends the messages of an SEI unit to `lines`.
-void show_messages(std::string& lines, const walked_sei& sei);
+void show_messages(field_sink& sink, const walked_sei& sei);
 
 /// The last bit up to which fields are what the unit or payload says.
 std::size_t last_known_bit(const parse_outcome& outcome);

@@ -1,6 +1,7 @@
 #include "show_syntax.h"
 
 #include "show_structures.h"
+#include "text_fields.h"
 
 #include <algorithm>
 
@@ -14,17 +15,17 @@ void show(field_printer& p, const brenik::h264_nal_aud& aud, const walked_unit&)
     p.u(3, "primary_pic_type", aud.primary_pic_type);
 }
 
-void show(std::string&, std::monostate, const walked_unit&) {}
+void show(field_sink&, std::monostate, const walked_unit&) {}
 
-void show(std::string& lines, const walked_sei& sei, const walked_unit&)
+void show(field_sink& sink, const walked_sei& sei, const walked_unit&)
 {
-    show_messages(lines, sei);
+    show_messages(sink, sei);
 }
 
 template <typename Syntax>
-void show(std::string& lines, const Syntax& syntax, const walked_unit& unit)
+void show(field_sink& sink, const Syntax& syntax, const walked_unit& unit)
 {
-    field_printer printer(lines, last_known_bit(unit.outcome));
+    field_printer printer(sink, last_known_bit(unit.outcome));
     show(printer, syntax, unit);
 }
 
@@ -37,10 +38,16 @@ std::size_t last_known_bit(const parse_outcome& outcome)
     return std::min({outcome.bits, outcome.bits_consumed, outcome.malformed_code.value_or(outcome.bits)});
 }
 
+void show_fields(field_sink& sink, const walked_unit& unit)
+{
+    std::visit([&](const auto& syntax) { show(sink, syntax, unit); }, unit.syntax);
+}
+
 std::string show_fields(const walked_unit& unit)
 {
     std::string lines;
-    std::visit([&](const auto& syntax) { show(lines, syntax, unit); }, unit.syntax);
+    text_fields fields(lines);
+    show_fields(fields, unit);
     return lines;
 }
 

@@ -1,13 +1,17 @@
-// The fields of parsed structures as lines, in the order of their syntax.
+// The fields of parsed structures, in the order of their syntax.
 #pragma once
 
+#include "field_sink.h"
 #include "walked_unit.h"
 
 #include <string>
 
 namespace orv_h264 {
 
-/// The fields that the unit carried, a line each; "" for a unit whose syntax is not read.
+/// Hands the fields that the unit carried to `sink`; none for a unit whose syntax is not read.
+void show_fields(field_sink& sink, const walked_unit& unit);
+
+/// Likewise as lines.
 std::string show_fields(const walked_unit& unit);
 
 } // namespace orv_h264

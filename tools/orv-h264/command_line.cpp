@@ -1,0 +1,120 @@
+#include "command_line.h"
+
+#include "help_texts.h"
+#include "inspect.h"
+#include "type_set.h"
+
+#include <functional>
+#include <map>
+#include <stdexcept>
+#include <string>
+
+#include <CLI/CLI.hpp>
+
+namespace orv_h264 {
+
+namespace {
+
+using brenik::h2645_common_nalfmt;
+
+const std::map<std::string, h2645_common_nalfmt>& framings()
+{
+    static const std::map<std::string, h2645_common_nalfmt> by_name = {
+        {"annexb", brenik::nalfmt_annexb},   {"length1", brenik::nalfmt_length1}, {"length2", brenik::nalfmt_length2},
+        {"length3", brenik::nalfmt_length3}, {"length4", brenik::nalfmt_length4},
+    };
+    return by_name;
+}
+
+CLI::Option* add_framing(CLI::App& app, const char* name, const char* description,
+                         const std::function<void(h2645_common_nalfmt)>& take)
+{
+    return app
+        .add_option_function<std::string>(
+            name, [take](const std::string& framing) { take(framings().at(framing)); }, description)
+        ->check(CLI::IsMember(framings()).description(""))
+        ->type_name("FRAMING");
+}
+
+void add_stream(CLI::App& app, const char* name, stream_options& options)
+{
+    app.add_option(name, options.path, "The stream; - is the standard input")->required();
+    add_framing(app, "--format",
+                "The framing: annexb, length1, length2, length3 or length4; without it, Annex B is recognised",
+                [&options](h2645_common_nalfmt framing) { options.format = framing; });
+    app.add_option("--max-unit", options.max_unit,
+                   "Report a unit longer than this instead of reading it; K, M and G are powers of 1024")
+        ->transform(CLI::AsSizeValue(false).description(""))
+        ->type_name("BYTES")
+        ->default_str("64M");
+}
+
+void add_json(CLI::App& app, bool& json, const char* description)
+{
+    app.add_flag("--json", json, description);
+}
+
+constexpr const char* json_lines = "Print JSON instead, an object a line";
+
+/// The subcommands, their options, and the one that was chosen.
+struct command_line {
+    command_line();
+
+    void add_inspect();
+
+    template <typename Options>
+    void run_with(CLI::App& subcommand, exit_status (*command)(const Options&), const Options& options)
+    {
+        subcommand.callback([this, command, &options] { chosen = [command, &options] { return command(options); }; });
+    }
+
+    CLI::App app{"What is in an H.264 stream, without decoding a picture", "orv-h264"};
+    inspect_options inspect_chosen;
+    std::function<exit_status()> chosen;
+};
+
+command_line::command_line()
+{
+    app.set_version_flag("--version", "orv-h264 " ORV_UTILS_V4_VERSION, "Print the version and exit");
+    app.require_subcommand(1);
+    app.footer(std::string(help_texts::main) + help_texts::exit_statuses);
+    add_inspect();
+}
+
+void command_line::add_inspect()
+{
+    CLI::App& inspection = *app.add_subcommand("inspect", "Show what a stream holds, unit by unit");
+    add_stream(inspection, "FILE", inspect_chosen.stream);
+    inspection.add_flag("--nals", inspect_chosen.nals, "Units only, without their fields");
+    inspection.add_option("--limit", inspect_chosen.limit, "Stop after N units shown")->type_name("N");
+    inspection
+        .add_option_function<std::string>(
+            "--only",
+            [this](const std::string& text) {
+                try {
+                    inspect_chosen.only = parse_type_set(text);
+                } catch (const std::invalid_argument& error) {
+                    throw CLI::ValidationError("--only", error.what());
+                }
+            },
+            "Show these NAL unit types only, for example 7,8 or 1-5")
+        ->type_name("TYPES");
+    add_json(inspection, inspect_chosen.json, json_lines);
+    inspection.footer(std::string(help_texts::inspect) + help_texts::exit_statuses);
+    run_with(inspection, inspect, inspect_chosen);
+}
+
+} // namespace
+
+exit_status run_command_line(int argc, char** argv)
+{
+    command_line line;
+    try {
+        line.app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        return line.app.exit(error) == 0 ? exit_clean : exit_usage_or_io;
+    }
+    return line.chosen();
+}
+
+} // namespace orv_h264

@@ -1,0 +1,34 @@
+// What --help says below the options of each subcommand.
+#pragma once
+
+namespace orv_h264::help_texts {
+
+/// Below each of the others.
+constexpr const char* exit_statuses =
+    "\n\nExit status: 0 nothing is wrong, 1 the stream is broken somewhere, 2 usage or input and output,\n"
+    "3 the input is recognised but not supported.";
+
+constexpr const char* main =
+    "Each subcommand has its own --help, with examples.\n"
+    "\n"
+    "Messages go to the standard error stream, with the name of the file, the byte offset and the reason; reading "
+    "goes\n"
+    "on. On a terminal they are coloured, unless the environment variable NO_COLOR is set.";
+
+constexpr const char* inspect =
+    "Each line tells of one NAL unit: the byte offset of its framing, the size of the framing, its length from\n"
+    "the header byte to where decoding stops, the size of its RBSP, nal_ref_idc, type and name. Without --nals, the\n"
+    "fields of delimiters, parameter sets, slice headers and SEI messages stand indented below their unit, under\n"
+    "their H.264 names, what they mean in brackets, and what follows from them behind =. Slice headers go as far as\n"
+    "the modification of the reference picture lists. SEI payloads that are not read show their first bytes.\n"
+    "What does not parse, and what belongs to no unit and is not zero padding, is reported on the standard error\n"
+    "stream with its byte offset; reading goes on.\n"
+    "\n"
+    "Examples:\n"
+    "  orv-h264 inspect movie.264\n"
+    "  orv-h264 inspect --only 7,8 movie.264\n"
+    "  orv-h264 inspect --only 1-5 --limit 30 movie.264\n"
+    "  orv-h264 inspect --json movie.264 | jq 'select(.nal_unit_type == 7) | .fields.profile_idc'\n"
+    "  camera | orv-h264 inspect --nals --format annexb -";
+
+} // namespace orv_h264::help_texts

@@ -1,0 +1,78 @@
+#include "json_fields.h"
+
+#include <string>
+#include <type_traits>
+
+namespace orv_h264 {
+
+namespace {
+
+using json = nlohmann::ordered_json;
+
+json& place(json& object, const element_name& name)
+{
+    json& member = object[std::string(name.name)];
+    if (!name.index)
+        return member;
+    while (member.size() <= *name.index)
+        member.push_back(nullptr);
+    return member[*name.index];
+}
+
+json json_of(const field_value& value)
+{
+    return std::visit(
+        [](const auto& held) -> json {
+            if constexpr (std::is_same_v<std::decay_t<decltype(held)>, std::span<const std::uint8_t>>)
+                return std::vector<std::uint8_t>(held.begin(), held.end());
+            else
+                return held;
+        },
+        value);
+}
+
+} // namespace
+
+void json_fields::element(const element_name& name, const field_value& value, std::string_view note)
+{
+    json& object = *inside.back();
+    place(object, name) = json_of(value);
+    if (!note.empty())
+        place(object["meaning"], name) = note;
+}
+
+void json_fields::open(const element_name& name, std::string_view)
+{
+    json& member = place(*inside.back(), name);
+    member = json::object();
+    inside.push_back(&member);
+}
+
+void json_fields::close()
+{
+    inside.pop_back();
+}
+
+void json_fields::open_entry(const element_name& name)
+{
+    open(name, "");
+}
+
+void json_fields::close_entry()
+{
+    close();
+}
+
+void json_fields::told(const fact& what)
+{
+    (*inside.back())[what.first] = json_of(what.second);
+}
+
+void json_fields::derived(std::string_view, std::initializer_list<fact> facts)
+{
+    json& object = (*inside.back())["derived"];
+    for (const fact& what : facts)
+        object[what.first] = json_of(what.second);
+}
+
+} // namespace orv_h264

@@ -1,0 +1,30 @@
+// Fields as a JSON object: syntax elements under their H.264 names, arrays in the order of their indices, with null
+// where an entry was not sent. What values mean stands in "meaning", what follows from them in "derived".
+#pragma once
+
+#include "field_sink.h"
+
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+namespace orv_h264 {
+
+class json_fields final : public field_sink {
+public:
+    /// Adds to the object `out`.
+    explicit json_fields(nlohmann::ordered_json& out) : inside({&out}) {}
+
+    void element(const element_name& name, const field_value& value, std::string_view note) override;
+    void open(const element_name& name, std::string_view heading) override;
+    void close() override;
+    void open_entry(const element_name& name) override;
+    void close_entry() override;
+    void told(const fact& what) override;
+    void derived(std::string_view text, std::initializer_list<fact> facts) override;
+
+private:
+    std::vector<nlohmann::ordered_json*> inside; // the object that is being filled, behind those that hold it
+};
+
+} // namespace orv_h264

@@ -1,0 +1,24 @@
+// JSON for programs: a line an object, written as soon as it is complete. docs/schema/ describes the objects.
+#pragma once
+
+#include <nlohmann/json.hpp>
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace orv_h264 {
+
+using json = nlohmann::ordered_json;
+
+/// Prints the object as one line. Bytes that are not UTF-8 become U+FFFD.
+void print_json(const json& object);
+
+/// The members that every output begins with: the name of its schema, the version of the schema, the input's name.
+/// The version grows when members change their meaning or go; new members may come without it.
+json json_head(const char* schema, std::string_view input_name);
+
+/// A line that says what is wrong.
+json json_problem(std::uint64_t offset, std::string_view message);
+
+} // namespace orv_h264

@@ -1,0 +1,32 @@
+// What the tool tells about its input on the standard error stream.
+#pragma once
+
+#include "exit_status.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace orv_h264 {
+
+/// Prints "orv-h264: " and the reason.
+void print_error(std::string_view reason);
+
+/// What is wrong with one input.
+class complaints {
+public:
+    explicit complaints(std::string input_name) : name(std::move(input_name)) {}
+
+    /// Prints what is wrong at `offset`.
+    void add(std::uint64_t offset, std::string_view what);
+
+    /// What the complaints make of a run that was fine otherwise.
+    exit_status status() const noexcept { return any ? exit_broken_stream : exit_clean; }
+
+private:
+    std::string name;
+    bool any = false;
+};
+
+} // namespace orv_h264

@@ -1,0 +1,42 @@
+#include "show_unit.h"
+
+#include "json_fields.h"
+#include "show_syntax.h"
+#include "terminal.h"
+
+#include <cstdio>
+#include <string>
+
+#include <fmt/format.h>
+
+namespace orv_h264 {
+
+void print_unit(const shown_unit& shown)
+{
+    const std::string line = fmt::format(
+        "offset {:>10}  framing {}  length {:>8}  rbsp {:>8}  nal_ref_idc {}  type {:>2}  {}", shown.where.offset,
+        shown.where.framing_size, shown.where.length, shown.rbsp_size, shown.nal.nal_ref_idc,
+        static_cast<unsigned int>(shown.nal.nal_unit_type), brenik::h264_nal_unit_type_to_str(shown.nal.nal_unit_type));
+    if (shown.walked == nullptr)
+        fmt::print("{}\n", line);
+    else
+        fmt::print("{}\n{}", emphasised(stdout, emphasis::strong, line), show_fields(*shown.walked));
+}
+
+json unit_json(const shown_unit& shown)
+{
+    json object = {{"offset", shown.where.offset},
+                   {"framing_size", shown.where.framing_size},
+                   {"length", shown.where.length},
+                   {"rbsp_size", shown.rbsp_size},
+                   {"nal_ref_idc", shown.nal.nal_ref_idc},
+                   {"nal_unit_type", static_cast<unsigned int>(shown.nal.nal_unit_type)},
+                   {"name", brenik::h264_nal_unit_type_to_str(shown.nal.nal_unit_type)}};
+    if (shown.walked != nullptr) {
+        json_fields fields(object["fields"] = json::object());
+        show_fields(fields, *shown.walked);
+    }
+    return object;
+}
+
+} // namespace orv_h264

@@ -1,0 +1,24 @@
+// A NAL unit as the tool shows it: a line and its fields, or a JSON object.
+#pragma once
+
+#include "json_output.h"
+#include "piece_feeder.h"
+#include "walked_unit.h"
+
+#include <cstddef>
+
+namespace orv_h264 {
+
+/// A unit whose turn it is to be shown.
+struct shown_unit {
+    unit where;
+    brenik::h264_nal nal;
+    std::size_t rbsp_size = 0;
+    const walked_unit* walked = nullptr; ///< null when only the unit is shown, without its fields
+};
+
+void print_unit(const shown_unit& shown);
+
+json unit_json(const shown_unit& shown);
+
+} // namespace orv_h264

@@ -1,0 +1,63 @@
+// A stream as the user names it: opened, its framing told or recognised, and fed in pieces.
+#pragma once
+
+#include "exit_status.h"
+#include "input_file.h"
+#include "piece_feeder.h"
+
+#include <cstdint>
+#include <optional>
+#include <stdexcept>
+#include <string>
+
+namespace orv_h264 {
+
+struct stream_options {
+    std::string path;                                  ///< - is the standard input
+    std::optional<brenik::h2645_common_nalfmt> format; ///< the framing, where the user tells it
+    std::uint64_t max_unit = piece_feeder::usual_max_unit;
+};
+
+/// Why the tool does not go on; main() tells the user and ends with `status`.
+class refusal : public std::runtime_error {
+public:
+    refusal(exit_status with, const std::string& reason) : std::runtime_error(reason), status(with) {}
+
+    exit_status status;
+};
+
+class stream_input {
+public:
+    /// Throws std::system_error when the file cannot be read, and refusal when it holds a container, or is not told and
+    /// not recognised.
+    explicit stream_input(const stream_options& options);
+
+    const std::string& name() const noexcept { return file.name(); }
+    std::uint64_t bytes_read() const noexcept { return file.bytes_read(); }
+    /// The bytes of the whole input, where it is a file.
+    std::optional<std::uint64_t> size() const { return file.size(); }
+    brenik::h2645_common_nalfmt framing() const noexcept { return nalfmt; }
+    piece_feeder& feeder() noexcept { return pieces; }
+
+private:
+    input_file file;
+    brenik::h2645_common_nalfmt nalfmt;
+    piece_feeder pieces;
+};
+
+/// Gives every unit and gap of the stream that is left to `on_unit` and `on_gap`, in order.
+template <typename OnUnit, typename OnGap>
+void read_all(piece_feeder& feeder, OnUnit on_unit, OnGap on_gap)
+{
+    for (;;) {
+        const fed_item item = feeder.next();
+        if (const auto* const u = std::get_if<unit>(&item))
+            on_unit(*u);
+        else if (const auto* const g = std::get_if<gap>(&item))
+            on_gap(*g);
+        else
+            return;
+    }
+}
+
+} // namespace orv_h264

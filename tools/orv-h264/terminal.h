@@ -1,0 +1,19 @@
+// What stands at the other end of an output stream.
+#pragma once
+
+#include <cstdio>
+#include <string>
+#include <string_view>
+
+namespace orv_h264 {
+
+bool is_terminal(std::FILE* stream);
+
+/// How text may stand out on a terminal.
+enum class emphasis { strong, error };
+
+/// The text, in bold or in red where `stream` is a terminal that shows it and the environment variable NO_COLOR is not
+/// set to anything.
+std::string emphasised(std::FILE* stream, emphasis how, std::string_view text);
+
+} // namespace orv_h264

@@ -1,0 +1,65 @@
+#include "text_fields.h"
+
+#include <iterator>
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+namespace orv_h264 {
+
+namespace {
+
+std::string text_of(const element_name& name)
+{
+    return name.index ? fmt::format("{}[{}]", name.name, *name.index) : std::string(name.name);
+}
+
+struct value_text {
+    std::string operator()(std::span<const std::uint8_t> list) const { return fmt::format("{}", fmt::join(list, " ")); }
+
+    template <typename T>
+    std::string operator()(T value) const
+    {
+        return fmt::format("{}", value);
+    }
+};
+
+} // namespace
+
+void text_fields::element(const element_name& name, const field_value& value, std::string_view note)
+{
+    const std::string text = std::visit(value_text(), value);
+    line(note.empty() ? fmt::format("{} {}", text_of(name), text)
+                      : fmt::format("{} {} ({})", text_of(name), text, note));
+}
+
+void text_fields::open(const element_name&, std::string_view heading)
+{
+    if (!heading.empty())
+        line(heading);
+    ++depth;
+}
+
+void text_fields::close()
+{
+    --depth;
+}
+
+void text_fields::open_entry(const element_name&) {}
+
+void text_fields::close_entry() {}
+
+void text_fields::told(const fact&) {}
+
+void text_fields::derived(std::string_view text, std::initializer_list<fact>)
+{
+    line(fmt::format("= {}", text));
+}
+
+void text_fields::line(std::string_view text)
+{
+    constexpr int step = 4;
+    fmt::format_to(std::back_inserter(lines), "{:{}}{}\n", "", depth * step, text);
+}
+
+} // namespace orv_h264

@@ -1,0 +1,30 @@
+// Fields as lines for a person, indented by structure.
+#pragma once
+
+#include "field_sink.h"
+
+#include <string>
+
+namespace orv_h264 {
+
+class text_fields final : public field_sink {
+public:
+    /// Appends lines to `out`, indented by one step.
+    explicit text_fields(std::string& out) : lines(out) {}
+
+    void element(const element_name& name, const field_value& value, std::string_view note) override;
+    void open(const element_name& name, std::string_view heading) override;
+    void close() override;
+    void open_entry(const element_name& name) override;
+    void close_entry() override;
+    void told(const fact& what) override;
+    void derived(std::string_view text, std::initializer_list<fact> facts) override;
+
+private:
+    void line(std::string_view text);
+
+    std::string& lines;
+    int depth = 1;
+};
+
+} // namespace orv_h264
