@@ -1,5 +1,6 @@
 #include "command_line.h"
 
+#include "frames.h"
 #include "help_texts.h"
 #include "inspect.h"
 #include "type_set.h"
@@ -61,6 +62,7 @@ struct command_line {
     command_line();
 
     void add_inspect();
+    void add_frames();
 
     template <typename Options>
     void run_with(CLI::App& subcommand, exit_status (*command)(const Options&), const Options& options)
@@ -70,6 +72,7 @@ struct command_line {
 
     CLI::App app{"What is in an H.264 stream, without decoding a picture", "orv-h264"};
     inspect_options inspect_chosen;
+    frames_options frames_chosen;
     std::function<exit_status()> chosen;
 };
 
@@ -79,6 +82,7 @@ command_line::command_line()
     app.require_subcommand(1);
     app.footer(std::string(help_texts::main) + help_texts::exit_statuses);
     add_inspect();
+    add_frames();
 }
 
 void command_line::add_inspect()
@@ -102,6 +106,17 @@ void command_line::add_inspect()
     add_json(inspection, inspect_chosen.json, json_lines);
     inspection.footer(std::string(help_texts::inspect) + help_texts::exit_statuses);
     run_with(inspection, inspect, inspect_chosen);
+}
+
+void command_line::add_frames()
+{
+    CLI::App& table = *app.add_subcommand("frames", "List the frames of a stream");
+    add_stream(table, "FILE", frames_chosen.stream);
+    table.add_flag("--split-fields", frames_chosen.split_fields, "Show each field of a frame by itself");
+    table.add_option("--limit", frames_chosen.limit, "Stop after N frames")->type_name("N");
+    add_json(table, frames_chosen.json, json_lines);
+    table.footer(std::string(help_texts::frames) + help_texts::exit_statuses);
+    run_with(table, frames, frames_chosen);
 }
 
 } // namespace

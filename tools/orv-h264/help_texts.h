@@ -31,4 +31,20 @@ constexpr const char* inspect =
     "  orv-h264 inspect --json movie.264 | jq 'select(.nal_unit_type == 7) | .fields.profile_idc'\n"
     "  camera | orv-h264 inspect --nals --format annexb -";
 
+constexpr const char* frames =
+    "Each line tells of one frame: its number, the byte offset of its first unit, its size, whether decoding can "
+    "begin\n"
+    "there (IDR, or a recovery point SEI message), the types of its slices, how many fields long it is shown, the "
+    "same\n"
+    "in seconds where the parameter sets tell the field rate, and the units that it holds. The closing line adds up.\n"
+    "Frames end where an SEI, SPS, PPS, AUD, end of sequence or end of stream unit follows a slice, or frame_num\n"
+    "changes; pictures that nothing of that kind separates stay together, and a line below the table says so. The two\n"
+    "fields of a frame stay together unless --split-fields is given. The last frame ends with the input.\n"
+    "The peak bit rate is that of the fullest second, counted from the start.\n"
+    "\n"
+    "Examples:\n"
+    "  orv-h264 frames movie.264\n"
+    "  orv-h264 frames --split-fields interlaced.264\n"
+    "  orv-h264 frames --json movie.264 | jq 'select(.key == true) | .offset'";
+
 } // namespace orv_h264::help_texts
