@@ -2,6 +2,7 @@
 
 #include "frames.h"
 #include "help_texts.h"
+#include "info.h"
 #include "inspect.h"
 #include "type_set.h"
 
@@ -56,6 +57,7 @@ void add_json(CLI::App& app, bool& json, const char* description)
 }
 
 constexpr const char* json_lines = "Print JSON instead, an object a line";
+constexpr const char* json_object = "Print a JSON object instead";
 
 /// The subcommands, their options, and the one that was chosen.
 struct command_line {
@@ -63,6 +65,7 @@ struct command_line {
 
     void add_inspect();
     void add_frames();
+    void add_info();
 
     template <typename Options>
     void run_with(CLI::App& subcommand, exit_status (*command)(const Options&), const Options& options)
@@ -73,6 +76,7 @@ struct command_line {
     CLI::App app{"What is in an H.264 stream, without decoding a picture", "orv-h264"};
     inspect_options inspect_chosen;
     frames_options frames_chosen;
+    info_options info_chosen;
     std::function<exit_status()> chosen;
 };
 
@@ -81,6 +85,7 @@ command_line::command_line()
     app.set_version_flag("--version", "orv-h264 " ORV_UTILS_V4_VERSION, "Print the version and exit");
     app.require_subcommand(1);
     app.footer(std::string(help_texts::main) + help_texts::exit_statuses);
+    add_info();
     add_inspect();
     add_frames();
 }
@@ -117,6 +122,15 @@ void command_line::add_frames()
     add_json(table, frames_chosen.json, json_lines);
     table.footer(std::string(help_texts::frames) + help_texts::exit_statuses);
     run_with(table, frames, frames_chosen);
+}
+
+void command_line::add_info()
+{
+    CLI::App& summary = *app.add_subcommand("info", "Tell what a stream is");
+    add_stream(summary, "FILE", info_chosen.stream);
+    add_json(summary, info_chosen.json, json_object);
+    summary.footer(std::string(help_texts::info) + help_texts::exit_statuses);
+    run_with(summary, info, info_chosen);
 }
 
 } // namespace

@@ -47,4 +47,14 @@ constexpr const char* frames =
     "  orv-h264 frames --split-fields interlaced.264\n"
     "  orv-h264 frames --json movie.264 | jq 'select(.key == true) | .offset'";
 
+constexpr const char* info =
+    "What a stream is at a glance: profile and level, picture size and shape, scan type as its slices show it, rates,\n"
+    "colour, HRD, frames, NAL units by type, the encoder, and what is wrong with it, a line for each kind of problem.\n"
+    "A stream that changes its sequence parameter set is shown sequence by sequence.\n"
+    "\n"
+    "Examples:\n"
+    "  orv-h264 info movie.264\n"
+    "  orv-h264 info --format length4 sample.bin\n"
+    "  orv-h264 info --json movie.264 | jq -r '.sequences[0].codec'";
+
 } // namespace orv_h264::help_texts

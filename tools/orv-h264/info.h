@@ -1,0 +1,17 @@
+// orv-h264 info: what a stream is, at a glance.
+#pragma once
+
+#include "exit_status.h"
+#include "stream_input.h"
+
+namespace orv_h264 {
+
+struct info_options {
+    stream_options stream;
+    bool json = false; ///< for programs
+};
+
+/// Prints the summary of the whole stream to the standard output. Throws as inspect() does.
+exit_status info(const info_options& options);
+
+} // namespace orv_h264

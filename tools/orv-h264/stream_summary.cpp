@@ -1,0 +1,117 @@
+#include "stream_summary.h"
+
+#include "show_syntax.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace orv_h264 {
+
+namespace {
+
+/// What tells a sequence from another: all fields but the id, which only tells where the set is kept.
+std::string fields_of(brenik::h264_nal_sps sps)
+{
+    sps.seq_parameter_set_id = 0;
+    walked_unit unit;
+    unit.syntax = std::move(sps);
+    unit.outcome.parsed = true;
+    return show_fields(unit);
+}
+
+/// The name and version at the start of what an encoder writes of itself: two parts of those between " - ".
+std::string encoder_name(const brenik::h264_nal_sei_user_data_unreg& user_data)
+{
+    constexpr std::size_t longest = 100;
+    const std::string_view bytes(reinterpret_cast<const char*>(user_data.payload),
+                                 brenik::range_size(user_data.payload, user_data.payload_fence));
+    const auto* const end = std::find_if_not(bytes.begin(), bytes.end(), [](char c) { return c >= ' ' && c <= '~'; });
+    const std::string_view text = bytes.substr(0, static_cast<std::size_t>(end - bytes.begin()));
+    const std::size_t first_dash = text.find(" - ");
+    const std::size_t second_dash =
+        first_dash == std::string_view::npos ? first_dash : text.find(" - ", first_dash + 1);
+    return std::string(text.substr(0, std::min(second_dash, longest)));
+}
+
+bool is_read(const walked_message& message)
+{
+    return message.outcome.parsed && !message.truncated;
+}
+
+} // namespace
+
+void stream_summary::add(const unit& where, brenik::h264_nal nal, const walked_unit& walked)
+{
+    type_count& count = types[nal.nal_unit_type];
+    ++count.units;
+    count.bytes += where.framing_size + where.length;
+    for (const std::string& problem : problems_of(walked))
+        problems.add(where.offset, problem);
+    if (std::holds_alternative<brenik::h264_nal_sps>(walked.syntax))
+        add_sps(where.offset, walked);
+    else if (std::holds_alternative<brenik::h264_nal_slice_header>(walked.syntax))
+        add_slice(where.offset, walked);
+    else if (const auto* const sei = std::get_if<walked_sei>(&walked.syntax))
+        add_sei(*sei);
+}
+
+void stream_summary::add(const frame& f)
+{
+    frames.add(f);
+}
+
+void stream_summary::add_sps(std::uint64_t offset, const walked_unit& walked)
+{
+    if (!walked.outcome.parsed)
+        return;
+    sps_changed = true;
+    if (!any_picture)
+        find_sequence(offset, std::get<brenik::h264_nal_sps>(walked.syntax));
+}
+
+void stream_summary::add_slice(std::uint64_t offset, const walked_unit& walked)
+{
+    if (walked.sps == nullptr || !walked.outcome.parsed)
+        return;
+    if (!any_picture) { // parameter sets that no picture used do not count
+        sequences.clear();
+        fields_of_sequences.clear();
+    }
+    any_picture = true;
+    if (sps_changed || sequences.empty() || walked.sps->seq_parameter_set_id != current_id)
+        find_sequence(offset, *walked.sps);
+    sps_changed = false;
+    if (current < sequences.size())
+        orv_h264::add_slice(sequences[current], std::get<brenik::h264_nal_slice_header>(walked.syntax), *walked.pps);
+}
+
+void stream_summary::add_sei(const walked_sei& sei)
+{
+    for (const walked_message& message : sei.messages) {
+        if (!is_read(message))
+            continue;
+        if (const auto* const timing = std::get_if<walked_pic_timing>(&message.syntax);
+            timing && current < sequences.size())
+            add_pic_timing(sequences[current], timing->standard ? timing->standard->read : timing->read);
+        const auto* const user_data = std::get_if<brenik::h264_nal_sei_user_data_unreg>(&message.syntax);
+        if (user_data != nullptr && encoder.empty())
+            encoder = encoder_name(*user_data);
+    }
+}
+
+/// Makes the sequence of `sps` the current one, a new one if need be; none when there are too many.
+void stream_summary::find_sequence(std::uint64_t offset, const brenik::h264_nal_sps& sps)
+{
+    const std::string fields = fields_of(sps);
+    current_id = sps.seq_parameter_set_id;
+    current = static_cast<std::size_t>(std::find(fields_of_sequences.begin(), fields_of_sequences.end(), fields) -
+                                       fields_of_sequences.begin());
+    if (current < sequences.size() || sequences.size() == most_sequences)
+        return;
+    fields_of_sequences.push_back(fields);
+    sequence_summary& added = sequences.emplace_back();
+    added.offset = offset;
+    added.sps = sps;
+}
+
+} // namespace orv_h264
