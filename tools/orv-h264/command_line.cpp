@@ -1,5 +1,6 @@
 #include "command_line.h"
 
+#include "convert.h"
 #include "frames.h"
 #include "help_texts.h"
 #include "info.h"
@@ -66,6 +67,7 @@ struct command_line {
     void add_inspect();
     void add_frames();
     void add_info();
+    void add_convert();
 
     template <typename Options>
     void run_with(CLI::App& subcommand, exit_status (*command)(const Options&), const Options& options)
@@ -77,6 +79,7 @@ struct command_line {
     inspect_options inspect_chosen;
     frames_options frames_chosen;
     info_options info_chosen;
+    convert_options convert_chosen;
     std::function<exit_status()> chosen;
 };
 
@@ -88,6 +91,7 @@ command_line::command_line()
     add_info();
     add_inspect();
     add_frames();
+    add_convert();
 }
 
 void command_line::add_inspect()
@@ -131,6 +135,18 @@ void command_line::add_info()
     add_json(summary, info_chosen.json, json_object);
     summary.footer(std::string(help_texts::info) + help_texts::exit_statuses);
     run_with(summary, info, info_chosen);
+}
+
+void command_line::add_convert()
+{
+    CLI::App& conversion = *app.add_subcommand("convert", "Write a stream in another framing");
+    add_stream(conversion, "IN", convert_chosen.stream);
+    conversion.add_option("OUT", convert_chosen.out, "Where it goes; - is the standard output")->required();
+    add_framing(conversion, "--to", "The framing to write: annexb, length1, length2, length3 or length4",
+                [this](h2645_common_nalfmt framing) { convert_chosen.to = framing; })
+        ->required();
+    conversion.footer(std::string(help_texts::convert) + help_texts::exit_statuses);
+    run_with(conversion, convert, convert_chosen);
 }
 
 } // namespace

@@ -57,4 +57,19 @@ constexpr const char* info =
     "  orv-h264 info --format length4 sample.bin\n"
     "  orv-h264 info --json movie.264 | jq -r '.sequences[0].codec'";
 
+constexpr const char* convert =
+    "Writes every NAL unit of IN to OUT in another framing: start codes (annexb) or big-endian lengths of 1 to 4 "
+    "bytes,\n"
+    "as MP4 and Matroska have them. Payloads stay what they are; emulation-prevention bytes are written anew. OUT\n"
+    "appears when it is complete, and replaces what was there; - is the standard output. A unit that cannot be "
+    "carried\n"
+    "(longer than its prefix can tell, larger than --max-unit, its forbidden bit set) stops the conversion, and OUT "
+    "is\n"
+    "left as it was. Bytes that belong to no unit are reported and left out.\n"
+    "\n"
+    "Examples:\n"
+    "  orv-h264 convert movie.264 movie.avc --to length4\n"
+    "  orv-h264 convert movie.avc movie.264 --format length4 --to annexb\n"
+    "  orv-h264 convert movie.264 - --to length4 | muxer";
+
 } // namespace orv_h264::help_texts

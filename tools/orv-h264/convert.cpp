@@ -1,0 +1,112 @@
+#include "convert.h"
+
+#include "messages.h"
+#include "output_file.h"
+#include "progress.h"
+#include "rbsp_decoder.h"
+
+#include <vector>
+
+#include <fmt/format.h>
+
+namespace orv_h264 {
+
+namespace {
+
+/// A gap that is a unit in truth, so that a copy without it would not be one.
+bool holds_a_unit(const gap& g)
+{
+    return g.reason == gap_reason::forbidden_bit || g.reason == gap_reason::too_large;
+}
+
+class conversion {
+public:
+    conversion(stream_input& from, brenik::h2645_common_nalfmt to, output_file& into)
+        : input(from), framing(to), output(into), problems(from.name()), shown_progress(from.size())
+    {
+    }
+
+    exit_status run()
+    {
+        read_all(
+            input.feeder(), [this](const unit& u) { take_unit(u); }, [this](const gap& g) { take_gap(g); });
+        flush();
+        return problems.status();
+    }
+
+private:
+    void take_unit(const unit& u)
+    {
+        if (u.cut)
+            complain(u.offset, describe_cut(u));
+        const brenik::h264_nal nal = input.feeder().reader().nal;
+        const rbsp_bytes rbsp = decoder.whole(input.feeder().reader());
+        const std::size_t room = brenik::h264_nal_writer::recommended_output_size(rbsp.size());
+        if (out.size() < filled + room)
+            out.resize(filled + room);
+        brenik::h264_nal_writer writer(out.data(), out.data() + filled, out.data() + out.size(), framing);
+        if (writer.block_encode(rbsp.data(), rbsp.size(), nal, zero_bytes(u)) == 0)
+            stop(exit_usage_or_io, u.offset,
+                 fmt::format("unit of {} bytes does not fit behind a length of {} byte{}", u.length,
+                             static_cast<unsigned int>(framing), framing == brenik::nalfmt_length1 ? "" : "s"));
+        filled = writer.data_length();
+        if (filled >= worth_writing)
+            flush();
+        shown_progress.tell(u.offset);
+    }
+
+    // Start codes keep their size; those of a stream that had none are the long ones, which are right everywhere.
+    unsigned int zero_bytes(const unit& u) const
+    {
+        constexpr unsigned int short_start_code = 3;
+        return input.framing() == brenik::nalfmt_annexb && u.framing_size == short_start_code ? 0 : 1;
+    }
+
+    void take_gap(const gap& g)
+    {
+        if (holds_a_unit(g))
+            stop(exit_broken_stream, g.offset, describe_with_size(g));
+        complain(g.offset, describe_with_size(g));
+    }
+
+    void complain(std::uint64_t offset, const std::string& what)
+    {
+        shown_progress.clear();
+        problems.add(offset, what);
+    }
+
+    [[noreturn]] void stop(exit_status status, std::uint64_t offset, const std::string& why)
+    {
+        throw refusal(status, fmt::format("{}: offset {}: {}; conversion stopped", input.name(), offset, why));
+    }
+
+    void flush()
+    {
+        output.write({out.data(), filled});
+        filled = 0;
+    }
+
+    static constexpr std::size_t worth_writing = std::size_t{256} * 1024;
+
+    stream_input& input;
+    brenik::h2645_common_nalfmt framing;
+    output_file& output;
+    complaints problems;
+    progress shown_progress;
+    rbsp_decoder decoder;
+    std::vector<unsigned char> out;
+    std::size_t filled = 0; // of `out`
+};
+
+} // namespace
+
+exit_status convert(const convert_options& options)
+{
+    stream_input input(options.stream);
+    output_file output(options.out);
+    const exit_status status = conversion(input, options.to, output).run();
+    output.commit();
+    return status;
+}
+
+} // namespace orv_h264

@@ -1,0 +1,36 @@
+// A file that is there whole or not at all: written beside its place under a name of its own, and moved there when it
+// is complete. What is no regular file (a pipe, a device, the standard output) is written as it comes.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+
+namespace orv_h264 {
+
+class output_file {
+public:
+    /// "-" is the standard output. Throws std::system_error when the file cannot be made.
+    explicit output_file(const std::string& path);
+    output_file(const output_file&) = delete;
+    output_file& operator=(const output_file&) = delete;
+    /// Without commit(), what was written goes, and the place is as it was. So it is when a signal ends the tool.
+    ~output_file();
+
+    /// Throws std::system_error when writing fails.
+    void write(std::span<const unsigned char> bytes);
+
+    /// Puts the file in its place; nothing is written behind it. Throws std::system_error when that fails.
+    void commit();
+
+private:
+    void open_beside();
+    [[noreturn]] void fail() const;
+
+    std::string shown_name; // for messages
+    std::string place;      // where the file belongs; "" when it is written as it comes
+    std::string beside;     // where it is written to; "" when there is nothing to remove
+    int descriptor = -1;
+};
+
+} // namespace orv_h264
