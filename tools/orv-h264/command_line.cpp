@@ -1,5 +1,6 @@
 #include "command_line.h"
 
+#include "avcc.h"
 #include "convert.h"
 #include "frames.h"
 #include "help_texts.h"
@@ -68,6 +69,7 @@ struct command_line {
     void add_frames();
     void add_info();
     void add_convert();
+    void add_avcc();
 
     template <typename Options>
     void run_with(CLI::App& subcommand, exit_status (*command)(const Options&), const Options& options)
@@ -80,6 +82,7 @@ struct command_line {
     frames_options frames_chosen;
     info_options info_chosen;
     convert_options convert_chosen;
+    avcc_options avcc_chosen;
     std::function<exit_status()> chosen;
 };
 
@@ -92,6 +95,7 @@ command_line::command_line()
     add_inspect();
     add_frames();
     add_convert();
+    add_avcc();
 }
 
 void command_line::add_inspect()
@@ -147,6 +151,15 @@ void command_line::add_convert()
         ->required();
     conversion.footer(std::string(help_texts::convert) + help_texts::exit_statuses);
     run_with(conversion, convert, convert_chosen);
+}
+
+void command_line::add_avcc()
+{
+    CLI::App& record = *app.add_subcommand("avcc", "Show an AVC decoder configuration record");
+    record.add_option("FILE", avcc_chosen.path, "The record; - is the standard input")->required();
+    add_json(record, avcc_chosen.json, json_object);
+    record.footer(std::string(help_texts::avcc) + help_texts::exit_statuses);
+    run_with(record, avcc, avcc_chosen);
 }
 
 } // namespace

@@ -72,4 +72,14 @@ constexpr const char* convert =
     "  orv-h264 convert movie.avc movie.264 --format length4 --to annexb\n"
     "  orv-h264 convert movie.264 - --to length4 | muxer";
 
+constexpr const char* avcc = "FILE holds an AVC decoder configuration record (ISO/IEC 14496-15), the payload of the "
+                             "box avcC of an MP4 file or the\n"
+                             "CodecPrivate of a Matroska track; a whole box, with its size and type in front, does as "
+                             "well. Shows the members of\n"
+                             "the record and the fields of its parameter sets.\n"
+                             "\n"
+                             "Examples:\n"
+                             "  orv-h264 avcc extradata.bin\n"
+                             "  orv-h264 avcc --json extradata.bin | jq .lengthSizeMinusOne";
+
 } // namespace orv_h264::help_texts
