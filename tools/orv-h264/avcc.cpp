@@ -13,7 +13,6 @@
 #include <algorithm>
 #include <span>
 #include <string_view>
-#include <vector>
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -185,17 +184,11 @@ private:
 exit_status avcc(const avcc_options& options)
 {
     input_file file(options.path);
-    std::vector<unsigned char> bytes(largest_input + 1);
-    std::size_t size = 0;
-    while (size < bytes.size()) {
-        const std::size_t count = file.read(bytes.data() + size, bytes.size() - size);
-        if (count == 0)
-            break;
-        size += count;
-    }
-    if (size > largest_input)
+    input_window window([&file](unsigned char* out, std::size_t size) { return file.read(out, size); });
+    window.fill(largest_input + 1);
+    if (window.size() > largest_input)
         throw refusal(exit_usage_or_io, fmt::format("{}: too large for a decoder configuration record", file.name()));
-    return record_view(options, file.name(), {bytes.data(), size}).run();
+    return record_view(options, file.name(), {window.start(), window.size()}).run();
 }
 
 } // namespace orv_h264

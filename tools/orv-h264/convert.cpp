@@ -5,6 +5,7 @@
 #include "progress.h"
 #include "rbsp_decoder.h"
 
+#include <algorithm>
 #include <vector>
 
 #include <fmt/format.h>
@@ -12,6 +13,12 @@
 namespace orv_h264 {
 
 namespace {
+
+std::size_t zeros_at_end(rbsp_bytes rbsp)
+{
+    const auto last = std::find_if(rbsp.rbegin(), rbsp.rend(), [](unsigned char byte) { return byte != 0; });
+    return static_cast<std::size_t>(last - rbsp.rbegin());
+}
 
 /// A gap that is a unit in truth, so that a copy without it would not be one.
 bool holds_a_unit(const gap& g)
@@ -41,14 +48,16 @@ private:
             complain(u.offset, describe_cut(u));
         const brenik::h264_nal nal = input.feeder().reader().nal;
         const rbsp_bytes rbsp = decoder.whole(input.feeder().reader());
-        const std::size_t room = brenik::h264_nal_writer::recommended_output_size(rbsp.size());
+        const std::size_t room = brenik::h264_nal_writer::recommended_output_size(rbsp.size()) + 1; // for the 03
         if (out.size() < filled + room)
             out.resize(filled + room);
         brenik::h264_nal_writer writer(out.data(), out.data() + filled, out.data() + out.size(), framing);
-        if (writer.block_encode(rbsp.data(), rbsp.size(), nal, zero_bytes(u)) == 0)
+        if (writer.block_encode(rbsp.data(), rbsp.size(), nal, zero_bytes(u)) == 0 || !end_unit(writer, rbsp))
             stop(exit_usage_or_io, u.offset,
                  fmt::format("unit of {} bytes does not fit behind a length of {} byte{}", u.length,
                              static_cast<unsigned int>(framing), framing == brenik::nalfmt_length1 ? "" : "s"));
+        if (framing == brenik::nalfmt_annexb && zeros_at_end(rbsp) % 2 != 0)
+            complain(u.offset, "unit ends in 00, which start codes cannot carry: left out");
         filled = writer.data_length();
         if (filled >= worth_writing)
             flush();
@@ -60,6 +69,21 @@ private:
     {
         constexpr unsigned int short_start_code = 3;
         return input.framing() == brenik::nalfmt_annexb && u.framing_size == short_start_code ? 0 : 1;
+    }
+
+    // H.264 7.4.1: no NAL unit ends in 00; behind cabac_zero_words stands 03. The writer adds it in Annex B alone.
+    // False when the unit then is longer than its prefix can tell.
+    bool end_unit(brenik::h264_nal_writer& writer, rbsp_bytes rbsp)
+    {
+        const std::size_t zeros = zeros_at_end(rbsp);
+        if (framing == brenik::nalfmt_annexb || zeros == 0 || zeros % 2 != 0)
+            return true;
+        *writer.write++ = 3;
+        unsigned char* const prefix = out.data() + filled;
+        for (std::size_t i = framing; i > 0; --i)
+            if (++prefix[i - 1] != 0)
+                return true;
+        return false;
     }
 
     void take_gap(const gap& g)

@@ -28,10 +28,12 @@ void remove_unfinished(int signal_number)
     static_cast<void>(::raise(signal_number));
 }
 
+/// Those that the user has the tool ignore (nohup) stay ignored.
 void handle_signals(void (*handler)(int))
 {
     for (const int number : ending_signals)
-        static_cast<void>(::signal(number, handler));
+        if (::signal(number, handler) == SIG_IGN)
+            static_cast<void>(::signal(number, SIG_IGN));
 }
 
 bool is_written_as_it_comes(const std::string& path)
