@@ -77,12 +77,13 @@ std::uint64_t coded_pictures(const frame& f)
         std::count_if(f.units.begin(), f.units.end(), [](const frame_unit& u) { return u.begins_picture; }));
 }
 
-bool is_joined(const frame& f)
+std::uint64_t shown_pictures(const frame& f)
 {
-    const std::uint64_t all = coded_pictures(f);
+    const bool any_slice = std::any_of(f.units.begin(), f.units.end(),
+                                       [](const frame_unit& u) { return is_primary_slice(u.nal.nal_unit_type); });
     const auto fields = static_cast<std::uint64_t>(
         std::count_if(f.units.begin(), f.units.end(), [](const frame_unit& u) { return u.begins_picture && u.field; }));
-    return all - fields + (fields + 1) / 2 > 1;
+    return std::max<std::uint64_t>(coded_pictures(f) - fields + (fields + 1) / 2, any_slice ? 1 : 0);
 }
 
 bool has_idr(const frame& f)

@@ -44,8 +44,9 @@ std::string describe_cut(const frame& f);
 /// How many coded pictures begin in the frame: two in a pair of fields.
 std::uint64_t coded_pictures(const frame& f);
 
-/// More than one frame or pair of fields that the scan did not tell apart.
-bool is_joined(const frame& f);
+/// How many pictures are shown one after another: frames, and pairs of fields or fields alone. At least 1 in a frame
+/// with slices; more than 1 where the scan did not tell them apart.
+std::uint64_t shown_pictures(const frame& f);
 
 bool has_idr(const frame& f);
 

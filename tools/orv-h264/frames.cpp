@@ -100,8 +100,10 @@ void print_totals(const frame_totals& totals)
     fmt::print("{} frames, {} of them key frames, {} bytes, {}\n", totals.frames(), totals.key_frames(), totals.bytes(),
                bit_rate_text(totals.bit_rate()));
     if (totals.joined_frames() > 0)
-        fmt::print("{} of the frames hold several pictures ({} in all): nothing but an equal frame_num joins them\n",
-                   totals.joined_frames(), totals.pictures());
+        fmt::print(
+            "{} of the frames hold several pictures, joined by nothing but an equal frame_num; time and bit rates "
+            "are those of all {} pictures\n",
+            totals.joined_frames(), totals.pictures());
 }
 
 json frame_json(std::uint64_t number, const frame& f)
@@ -136,7 +138,8 @@ json totals_json(const frame_totals& totals)
                    {"frames", totals.frames()},
                    {"key_frames", totals.key_frames()},
                    {"joined_frames", totals.joined_frames()},
-                   {"coded_pictures", totals.pictures()},
+                   {"pictures", totals.pictures()},
+                   {"coded_pictures", totals.coded_pictures()},
                    {"bytes", totals.bytes()},
                    {"seconds", nullptr},
                    {"mean_bit_rate", nullptr},

@@ -5,81 +5,77 @@ namespace orv_h264::help_texts {
 
 /// Below each of the others.
 constexpr const char* exit_statuses =
-    "\n\nExit status: 0 nothing is wrong, 1 the stream is broken somewhere, 2 usage or input and output,\n"
-    "3 the input is recognised but not supported.";
+    R"(
+
+Exit status: 0 nothing is wrong, 1 the stream is broken somewhere, 2 usage or input and output, 3 the input is
+recognised but not supported.)";
 
 constexpr const char* main =
-    "Each subcommand has its own --help, with examples.\n"
-    "\n"
-    "Messages go to the standard error stream, with the name of the file, the byte offset and the reason; reading "
-    "goes\n"
-    "on. On a terminal they are coloured, unless the environment variable NO_COLOR is set.";
+    R"(Each subcommand has its own --help, with examples.
+
+Messages go to the standard error stream, with the name of the file, the byte offset and the reason; reading
+goes on. On a terminal they are coloured, unless the environment variable NO_COLOR is set.)";
 
 constexpr const char* inspect =
-    "Each line tells of one NAL unit: the byte offset of its framing, the size of the framing, its length from\n"
-    "the header byte to where decoding stops, the size of its RBSP, nal_ref_idc, type and name. Without --nals, the\n"
-    "fields of delimiters, parameter sets, slice headers and SEI messages stand indented below their unit, under\n"
-    "their H.264 names, what they mean in brackets, and what follows from them behind =. Slice headers go as far as\n"
-    "the modification of the reference picture lists. SEI payloads that are not read show their first bytes.\n"
-    "What does not parse, and what belongs to no unit and is not zero padding, is reported on the standard error\n"
-    "stream with its byte offset; reading goes on.\n"
-    "\n"
-    "Examples:\n"
-    "  orv-h264 inspect movie.264\n"
-    "  orv-h264 inspect --only 7,8 movie.264\n"
-    "  orv-h264 inspect --only 1-5 --limit 30 movie.264\n"
-    "  orv-h264 inspect --json movie.264 | jq 'select(.nal_unit_type == 7) | .fields.profile_idc'\n"
-    "  camera | orv-h264 inspect --nals --format annexb -";
+    R"(Each line tells of one NAL unit: the byte offset of its framing, the size of the framing, its length from the
+header byte to where decoding stops, the size of its RBSP, nal_ref_idc, type and name. Without --nals, the
+fields of delimiters, parameter sets, slice headers and SEI messages stand indented below their unit, under
+their H.264 names, what they mean in brackets, and what follows from them behind =. Slice headers go as far as
+the modification of the reference picture lists. SEI payloads that are not read show their first bytes. What
+does not parse, and what belongs to no unit and is not zero padding, is reported on the standard error stream
+with its byte offset; reading goes on.
+
+Examples:
+  orv-h264 inspect movie.264
+  orv-h264 inspect --only 7,8 movie.264
+  orv-h264 inspect --only 1-5 --limit 30 movie.264
+  orv-h264 inspect --json movie.264 | jq 'select(.nal_unit_type == 7) | .fields.profile_idc'
+  camera | orv-h264 inspect --nals --format annexb -)";
 
 constexpr const char* frames =
-    "Each line tells of one frame: its number, the byte offset of its first unit, its size, whether decoding can "
-    "begin\n"
-    "there (IDR, or a recovery point SEI message), the types of its slices, how many fields long it is shown, the "
-    "same\n"
-    "in seconds where the parameter sets tell the field rate, and the units that it holds. The closing line adds up.\n"
-    "Frames end where an SEI, SPS, PPS, AUD, end of sequence or end of stream unit follows a slice, or frame_num\n"
-    "changes; pictures that nothing of that kind separates stay together, and a line below the table says so. The two\n"
-    "fields of a frame stay together unless --split-fields is given. The last frame ends with the input.\n"
-    "The peak bit rate is that of the fullest second, counted from the start.\n"
-    "\n"
-    "Examples:\n"
-    "  orv-h264 frames movie.264\n"
-    "  orv-h264 frames --split-fields interlaced.264\n"
-    "  orv-h264 frames --json movie.264 | jq 'select(.key == true) | .offset'";
+    R"(Each line tells of one frame: its number, the byte offset of its first unit, its size, whether decoding can
+begin there (IDR, or a recovery point SEI message), the types of its slices, how many fields long it is shown,
+the same in seconds where the parameter sets tell the field rate, and the units that it holds. The closing line
+adds up. Frames end where an SEI, SPS, PPS, AUD, end of sequence or end of stream unit follows a slice, or
+frame_num changes; pictures that nothing of that kind separates stay together, and a line below the table says
+so: the time of a row is that of one picture, the closing line counts all of them. The two fields of a frame
+stay together unless --split-fields is given. The last frame ends with the input. The peak bit rate is that of
+the fullest second, counted from the start.
+
+Examples:
+  orv-h264 frames movie.264
+  orv-h264 frames --split-fields interlaced.264
+  orv-h264 frames --json movie.264 | jq 'select(.key == true) | .offset')";
 
 constexpr const char* info =
-    "What a stream is at a glance: profile and level, picture size and shape, scan type as its slices show it, rates,\n"
-    "colour, HRD, frames, NAL units by type, the encoder, and what is wrong with it, a line for each kind of problem.\n"
-    "A stream that changes its sequence parameter set is shown sequence by sequence.\n"
-    "\n"
-    "Examples:\n"
-    "  orv-h264 info movie.264\n"
-    "  orv-h264 info --format length4 sample.bin\n"
-    "  orv-h264 info --json movie.264 | jq -r '.sequences[0].codec'";
+    R"(What a stream is at a glance: profile and level, picture size and shape, scan type as its slices show it, rates,
+colour, HRD, frames, NAL units by type, the encoder, and what is wrong with it, a line for each kind of problem.
+A stream that changes its sequence parameter set is shown sequence by sequence.
+
+Examples:
+  orv-h264 info movie.264
+  orv-h264 info --format length4 sample.bin
+  orv-h264 info --json movie.264 | jq -r '.sequences[0].codec')";
 
 constexpr const char* convert =
-    "Writes every NAL unit of IN to OUT in another framing: start codes (annexb) or big-endian lengths of 1 to 4 "
-    "bytes,\n"
-    "as MP4 and Matroska have them. Payloads stay what they are; emulation-prevention bytes are written anew. OUT\n"
-    "appears when it is complete, and replaces what was there; - is the standard output. A unit that cannot be "
-    "carried\n"
-    "(longer than its prefix can tell, larger than --max-unit, its forbidden bit set) stops the conversion, and OUT "
-    "is\n"
-    "left as it was. Bytes that belong to no unit are reported and left out.\n"
-    "\n"
-    "Examples:\n"
-    "  orv-h264 convert movie.264 movie.avc --to length4\n"
-    "  orv-h264 convert movie.avc movie.264 --format length4 --to annexb\n"
-    "  orv-h264 convert movie.264 - --to length4 | muxer";
+    R"(Writes every NAL unit of IN to OUT in another framing: start codes (annexb) or big-endian lengths of 1 to 4
+bytes, as MP4 and Matroska have them. Payloads stay what they are; emulation-prevention bytes are written anew.
+OUT appears when it is complete, and replaces what was there; - is the standard output. A unit that cannot be
+carried (longer than its prefix can tell, larger than --max-unit, its forbidden bit set) stops the conversion,
+and OUT is left as it was. Bytes that belong to no unit are reported and left out.
 
-constexpr const char* avcc = "FILE holds an AVC decoder configuration record (ISO/IEC 14496-15), the payload of the "
-                             "box avcC of an MP4 file or the\n"
-                             "CodecPrivate of a Matroska track; a whole box, with its size and type in front, does as "
-                             "well. Shows the members of\n"
-                             "the record and the fields of its parameter sets.\n"
-                             "\n"
-                             "Examples:\n"
-                             "  orv-h264 avcc extradata.bin\n"
-                             "  orv-h264 avcc --json extradata.bin | jq .lengthSizeMinusOne";
+Examples:
+  orv-h264 convert movie.264 movie.avc --to length4
+  orv-h264 convert movie.avc movie.264 --format length4 --to annexb
+  orv-h264 convert movie.264 - --to length4 | muxer)";
+
+constexpr const char* avcc =
+    R"(FILE holds an AVC decoder configuration record (ISO/IEC 14496-15), the payload of the box avcC of an MP4 file or
+the CodecPrivate of a Matroska track; a whole box, with its size and type in front, does as well. Shows the
+members of the record and the fields of its parameter sets.
+
+Examples:
+  orv-h264 avcc extradata.bin
+  orv-h264 avcc --json extradata.bin | jq .lengthSizeMinusOne)";
 
 } // namespace orv_h264::help_texts
