@@ -1,5 +1,6 @@
 #include "stream_summary.h"
 
+#include "field_values.h"
 #include "show_syntax.h"
 
 #include <algorithm>
@@ -10,13 +11,15 @@ namespace orv_h264 {
 namespace {
 
 /// What tells a sequence from another: all fields but the id, which only tells where the set is kept.
-std::string fields_of(brenik::h264_nal_sps sps)
+std::vector<std::uint64_t> fields_of(brenik::h264_nal_sps sps)
 {
     sps.seq_parameter_set_id = 0;
     walked_unit unit;
     unit.syntax = std::move(sps);
     unit.outcome.parsed = true;
-    return show_fields(unit);
+    field_values fields;
+    show_fields(fields, unit);
+    return fields.values;
 }
 
 /// The name and version at the start of what an encoder writes of itself: two parts of those between " - ".
@@ -102,7 +105,7 @@ void stream_summary::add_sei(const walked_sei& sei)
 /// Makes the sequence of `sps` the current one, a new one if need be; none when there are too many.
 void stream_summary::find_sequence(std::uint64_t offset, const brenik::h264_nal_sps& sps)
 {
-    const std::string fields = fields_of(sps);
+    const std::vector<std::uint64_t> fields = fields_of(sps);
     current_id = sps.seq_parameter_set_id;
     current = static_cast<std::size_t>(std::find(fields_of_sequences.begin(), fields_of_sequences.end(), fields) -
                                        fields_of_sequences.begin());

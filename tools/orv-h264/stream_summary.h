@@ -40,10 +40,10 @@ private:
     void add_sei(const walked_sei& sei);
     void find_sequence(std::uint64_t offset, const brenik::h264_nal_sps& sps);
 
-    std::vector<std::string> fields_of_sequences; // what tells them apart
-    std::size_t current = 0;                      // of the sequences
-    std::uint32_t current_id = 0;                 // its seq_parameter_set_id
-    bool sps_changed = true;                      // an SPS has come since the current sequence was found
+    std::vector<std::vector<std::uint64_t>> fields_of_sequences; // what tells them apart
+    std::size_t current = 0;                                     // of the sequences
+    std::uint32_t current_id = 0;                                // its seq_parameter_set_id
+    bool sps_changed = true;                                     // an SPS has come since the current sequence was found
     bool any_picture = false;
 };
 
