@@ -260,23 +260,6 @@ TEST(Inspect, AUnitAboveMaxUnitIsReportedAndReadingGoesOn)
     EXPECT_EQ(run_tool({"inspect", "--nals", "--max-unit", "1K", file.path()}).status, 0);
 }
 
-TEST(Inspect, WrongUsageIsTwo)
-{
-    const std::vector<std::vector<std::string>> wrong = {{},
-                                                         {"inspect"},
-                                                         {"frobnicate"},
-                                                         {"inspect", "--only", "32", "-"},
-                                                         {"inspect", "--format", "length5", "-"},
-                                                         {"inspect", "--limit", "-1", "-"},
-                                                         {"inspect", "--max-unit", "x", "-"}};
-    for (const auto& arguments : wrong) {
-        const tool_result result = run_tool(arguments);
-        EXPECT_EQ(result.status, 2);
-        EXPECT_NE(result.err, "");
-        EXPECT_EQ(result.out, "");
-    }
-}
-
 TEST(Inspect, AFileThatCannotBeReadIsTwoAndSaysWhy)
 {
     EXPECT_EQ(run_tool({"inspect", "/nonexistent"}).err, "orv-h264: /nonexistent: No such file or directory\n");

@@ -6,8 +6,11 @@
 #include "help_texts.h"
 #include "info.h"
 #include "inspect.h"
+#include "messages.h"
 #include "type_set.h"
+#include "usage_error.h"
 
+#include <algorithm>
 #include <functional>
 #include <map>
 #include <stdexcept>
@@ -36,19 +39,55 @@ CLI::Option* add_framing(CLI::App& app, const char* name, const char* descriptio
     return app
         .add_option_function<std::string>(
             name, [take](const std::string& framing) { take(framings().at(framing)); }, description)
-        ->check(CLI::IsMember(framings()).description(""))
+        ->check([](const std::string& text) {
+            return framings().contains(text)
+                       ? ""
+                       : "'" + text + "' is no framing (annexb, length1, length2, length3, length4)";
+        })
         ->type_name("FRAMING");
+}
+
+bool is_number(const std::string& text)
+{
+    return !text.empty() && std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
+}
+
+void add_limit(CLI::App& app, std::uint64_t& limit, const char* description)
+{
+    app.add_option("--limit", limit, description)
+        ->check([](const std::string& text) { return is_number(text) ? "" : "'" + text + "' is no number"; })
+        ->type_name("N");
+}
+
+/// The number of bytes that a text such as 64M means.
+std::string size_in_bytes(const std::string& text)
+{
+    const std::string wrong = "'" + text + "' is no size (for example 500000, 64M or 1G)";
+    if (!is_number(text.substr(0, 1)))
+        throw CLI::ValidationError(wrong);
+    try {
+        std::string size = text;
+        CLI::AsSizeValue(false)(size);
+        return size;
+    } catch (const CLI::ValidationError&) {
+        throw CLI::ValidationError(wrong);
+    }
+}
+
+void add_file(CLI::App& app, const char* name, std::string& path, const char* description)
+{
+    app.add_option(name, path, description)->required()->type_name("");
 }
 
 void add_stream(CLI::App& app, const char* name, stream_options& options)
 {
-    app.add_option(name, options.path, "The stream; - is the standard input")->required();
+    add_file(app, name, options.path, "The stream; - is the standard input");
     add_framing(app, "--format",
                 "The framing: annexb, length1, length2, length3 or length4; without it, Annex B is recognised",
                 [&options](h2645_common_nalfmt framing) { options.format = framing; });
     app.add_option("--max-unit", options.max_unit,
                    "Report a unit longer than this instead of reading it; K, M and G are powers of 1024")
-        ->transform(CLI::AsSizeValue(false).description(""))
+        ->transform(size_in_bytes)
         ->type_name("BYTES")
         ->default_str("64M");
 }
@@ -103,7 +142,7 @@ void command_line::add_inspect()
     CLI::App& inspection = *app.add_subcommand("inspect", "Show what a stream holds, unit by unit");
     add_stream(inspection, "FILE", inspect_chosen.stream);
     inspection.add_flag("--nals", inspect_chosen.nals, "Units only, without their fields");
-    inspection.add_option("--limit", inspect_chosen.limit, "Stop after N units shown")->type_name("N");
+    add_limit(inspection, inspect_chosen.limit, "Stop after N units shown");
     inspection
         .add_option_function<std::string>(
             "--only",
@@ -126,7 +165,7 @@ void command_line::add_frames()
     CLI::App& table = *app.add_subcommand("frames", "List the frames of a stream");
     add_stream(table, "FILE", frames_chosen.stream);
     table.add_flag("--split-fields", frames_chosen.split_fields, "Show each field of a frame by itself");
-    table.add_option("--limit", frames_chosen.limit, "Stop after N frames")->type_name("N");
+    add_limit(table, frames_chosen.limit, "Stop after N frames");
     add_json(table, frames_chosen.json, json_lines);
     table.footer(std::string(help_texts::frames) + help_texts::exit_statuses);
     run_with(table, frames, frames_chosen);
@@ -145,7 +184,7 @@ void command_line::add_convert()
 {
     CLI::App& conversion = *app.add_subcommand("convert", "Write a stream in another framing");
     add_stream(conversion, "IN", convert_chosen.stream);
-    conversion.add_option("OUT", convert_chosen.out, "Where it goes; - is the standard output")->required();
+    add_file(conversion, "OUT", convert_chosen.out, "Where it goes; - is the standard output");
     add_framing(conversion, "--to", "The framing to write: annexb, length1, length2, length3 or length4",
                 [this](h2645_common_nalfmt framing) { convert_chosen.to = framing; })
         ->required();
@@ -156,7 +195,7 @@ void command_line::add_convert()
 void command_line::add_avcc()
 {
     CLI::App& record = *app.add_subcommand("avcc", "Show an AVC decoder configuration record");
-    record.add_option("FILE", avcc_chosen.path, "The record; - is the standard input")->required();
+    add_file(record, "FILE", avcc_chosen.path, "The record; - is the standard input");
     add_json(record, avcc_chosen.json, json_object);
     record.footer(std::string(help_texts::avcc) + help_texts::exit_statuses);
     run_with(record, avcc, avcc_chosen);
@@ -170,7 +209,10 @@ exit_status run_command_line(int argc, char** argv)
     try {
         line.app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
-        return line.app.exit(error) == 0 ? exit_clean : exit_usage_or_io;
+        if (error.get_exit_code() == 0) // --help and --version
+            return static_cast<exit_status>(line.app.exit(error));
+        print_error(describe_usage_error(line.app, error));
+        return exit_usage_or_io;
     }
     return line.chosen();
 }
