@@ -1,0 +1,63 @@
+"""What every shell has to offer behind a piece of a command line. A tester gives a way to ask one shell."""
+
+import os
+import sys
+import tempfile
+
+import tool_help
+
+SUBCOMMANDS = ["avcc", "convert", "frames", "info", "inspect"]
+FRAMINGS = ["annexb", "length1", "length2", "length3", "length4"]
+LENGTHS = FRAMINGS[1:]
+FILES = ["movie.264", "movie.avc", "sample.bin"]
+
+CASES = [
+    ("orv-h264 ", SUBCOMMANDS),
+    ("orv-h264 in", ["info", "inspect"]),
+    ("orv-h264 c", ["convert"]),
+    ("orv-h264 mov", []),
+    ("orv-h264 convert --to ", FRAMINGS),
+    ("orv-h264 convert --to le", LENGTHS),
+    ("orv-h264 convert movie.264 copy --to a", ["annexb"]),
+    ("orv-h264 convert --to avcc", []),
+    ("orv-h264 convert --format length4 --to ", FRAMINGS),
+    ("orv-h264 info --format ", FRAMINGS),
+    ("orv-h264 inspect --nals --format l", LENGTHS),
+    ("orv-h264 frames --format a", ["annexb"]),
+    ("orv-h264 inspect --limit ", []),
+    ("orv-h264 inspect --only ", []),
+    ("orv-h264 frames --limit ", []),
+    ("orv-h264 info --max-unit ", []),
+    ("orv-h264 info ", FILES),
+    ("orv-h264 info --json mov", ["movie.264", "movie.avc"]),
+    ("orv-h264 inspect --limit 3 s", ["sample.bin"]),
+    ("orv-h264 convert movie.264 sa", ["sample.bin"]),
+    ("orv-h264 convert --to length4 s", ["sample.bin"]),
+    ("orv-h264 avcc s", ["sample.bin"]),
+]
+
+
+def option_cases(tool):
+    """The options of each subcommand, as its help has them."""
+    known = tool_help.read_all(tool)
+    if sorted(name for name in known if name) != SUBCOMMANDS:
+        raise SystemExit(f"the help has the subcommands {sorted(name for name in known if name)}")
+    for name, of_name in known.items():
+        yield f"orv-h264 {name + ' ' if name else ''}-", of_name
+
+
+def check(tool, ask, more_cases=()):
+    """Asks for each case in a folder that holds FILES; `ask` gives the candidates, in any order."""
+    wrong = []
+    cases = [*CASES, *more_cases, *((line, of_name.options) for line, of_name in option_cases(tool))]
+    with tempfile.TemporaryDirectory() as folder:
+        for name in FILES:
+            with open(os.path.join(folder, name), "wb"):
+                pass
+        for line, wanted in cases:
+            found = ask(line, folder)
+            if sorted(found) != sorted(wanted):
+                wrong.append(f"'{line}' is completed to {sorted(found)}, not to {sorted(wanted)}")
+    if wrong:
+        sys.exit("\n".join(wrong))
+    print(f"{len(cases)} pieces of command lines are completed")

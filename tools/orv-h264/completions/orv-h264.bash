@@ -1,0 +1,46 @@
+# Completion of orv-h264 for bash. It needs nothing of the package bash-completion.
+
+_orv_h264()
+{
+    local subcommands="info inspect frames convert avcc"
+    local framings="annexb length1 length2 length3 length4"
+    local help="-h --help"
+    local current=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD-1]} subcommand=${COMP_WORDS[1]} options
+
+    # --to=length4 stands there as three words.
+    if [[ $current == "=" ]]; then
+        current=
+    elif [[ $before == "=" ]]; then
+        before=${COMP_WORDS[COMP_CWORD-2]}
+    fi
+
+    COMPREPLY=()
+    if ((COMP_CWORD == 1)); then
+        [[ $current != -* ]] || subcommands="$help --version"
+        mapfile -t COMPREPLY < <(compgen -W "$subcommands" -- "$current")
+        return
+    fi
+    case $subcommand in
+    info) options="--format --max-unit --json" ;;
+    inspect) options="--format --max-unit --nals --limit --only --json" ;;
+    frames) options="--format --max-unit --split-fields --limit --json" ;;
+    convert) options="--format --max-unit --to" ;;
+    avcc) options="--json" ;;
+    *) return ;;
+    esac
+    case $before in
+    --format | --to)
+        [[ " $options " != *" $before "* ]] || mapfile -t COMPREPLY < <(compgen -W "$framings" -- "$current")
+        return
+        ;;
+    --limit | --max-unit | --only) return ;;
+    esac
+    if [[ $current == -* ]]; then
+        mapfile -t COMPREPLY < <(compgen -W "$help $options" -- "$current")
+    else
+        compopt -o filenames 2>/dev/null
+        mapfile -t COMPREPLY < <(compgen -f -- "$current")
+    fi
+}
+
+complete -F _orv_h264 orv-h264
