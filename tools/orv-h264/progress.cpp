@@ -15,7 +15,7 @@ constexpr std::uint64_t step = 4 * mebibyte;
 
 } // namespace
 
-progress::progress(std::optional<std::uint64_t> size) : whole(size), wanted(is_terminal(stderr)) {}
+progress::progress(std::optional<std::uint64_t> size) : whole(size), wanted(is_capable_terminal(stderr)) {}
 
 void progress::tell(std::uint64_t done)
 {

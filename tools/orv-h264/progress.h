@@ -1,4 +1,4 @@
-// How far the tool has come, on the standard error stream when that is a terminal.
+// How far the tool has come, on the standard error stream when that is a terminal that can clear a line.
 #pragma once
 
 #include <cstdint>

@@ -17,14 +17,14 @@ std::string_view environment(const char* name)
 
 } // namespace
 
-bool is_terminal(std::FILE* stream)
+bool is_capable_terminal(std::FILE* stream)
 {
-    return ::isatty(::fileno(stream)) == 1;
+    return ::isatty(::fileno(stream)) == 1 && environment("TERM") != "dumb";
 }
 
 std::string emphasised(std::FILE* stream, emphasis how, std::string_view text)
 {
-    if (!is_terminal(stream) || !environment("NO_COLOR").empty() || environment("TERM") == "dumb")
+    if (!is_capable_terminal(stream) || !environment("NO_COLOR").empty())
         return std::string(text);
     return fmt::format("\x1B[{}m{}\x1B[0m", how == emphasis::error ? "1;31" : "1", text);
 }

@@ -7,13 +7,14 @@
 
 namespace orv_h264 {
 
-bool is_terminal(std::FILE* stream);
+/// A terminal that understands control sequences: one whose type, the environment variable TERM, is not dumb.
+bool is_capable_terminal(std::FILE* stream);
 
 /// How text may stand out on a terminal.
 enum class emphasis { strong, error };
 
-/// The text, in bold or in red where `stream` is a terminal that shows it and the environment variable NO_COLOR is not
-/// set to anything.
+/// The text, in bold or in red where `stream` is a terminal that can show it and the environment variable NO_COLOR is
+/// unset or empty.
 std::string emphasised(std::FILE* stream, emphasis how, std::string_view text);
 
 } // namespace orv_h264
