@@ -28,12 +28,14 @@ void remove_unfinished(int signal_number)
     static_cast<void>(::raise(signal_number));
 }
 
-/// Those that the user has the tool ignore (nohup) stay ignored.
+// A signal that is ignored stays so: nohup has it thus.
 void handle_signals(void (*handler)(int))
 {
-    for (const int number : ending_signals)
-        if (::signal(number, handler) == SIG_IGN)
-            static_cast<void>(::signal(number, SIG_IGN));
+    for (const int number : ending_signals) {
+        struct sigaction now = {};
+        if (::sigaction(number, nullptr, &now) != 0 || now.sa_handler != SIG_IGN)
+            static_cast<void>(::signal(number, handler));
+    }
 }
 
 bool is_written_as_it_comes(const std::string& path)
