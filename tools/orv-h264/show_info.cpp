@@ -49,11 +49,14 @@ std::string or_number(const std::string& name, std::uint64_t number)
 
 std::string display_text(const brenik::h264_nal_sps& sps)
 {
-    const picture_size size = display_size(sps);
-    const std::uint64_t divisor = std::gcd(size.width, size.height);
+    const picture_size size = cropped_size(sps);
+    const fraction sample = sample_aspect_ratio(sps).value_or(fraction{1, 1});
+    const std::uint64_t width = size.width * sample.numerator;
+    const std::uint64_t height = size.height * sample.denominator;
+    const std::uint64_t divisor = std::gcd(width, height);
     if (divisor == 0)
         return "";
-    return fmt::format("{} ({}:{})", size_text(size), size.width / divisor, size.height / divisor);
+    return fmt::format("{} ({}:{})", size_text(display_size(sps)), width / divisor, height / divisor);
 }
 
 std::string bit_depth_text(const brenik::h264_nal_sps& sps)
@@ -90,7 +93,7 @@ std::string colour_text(const brenik::h264_nal_sps& sps)
     if (!vui.colour_description_present_flag)
         return range;
     return fmt::format(
-        "{}, primaries {}, transfer {}, matrix {}", range,
+        "{}; primaries {}; transfer {}; matrix {}", range,
         or_number(colour_primaries_name(vui.colour_primaries), vui.colour_primaries),
         or_number(transfer_characteristics_name(vui.transfer_characteristics), vui.transfer_characteristics),
         or_number(matrix_coefficients_name(vui.matrix_coefficients), vui.matrix_coefficients));
