@@ -22,7 +22,7 @@ public:
     /// Coded frames and coded fields.
     std::uint64_t coded_pictures() const noexcept { return coded; }
     std::uint64_t bytes() const noexcept { return size; }
-    /// Of all pictures, each with the duration of its frame.
+    /// Of all pictures; those that the scan joined to another last two fields each.
     const bit_rate_meter& bit_rate() const noexcept { return rate; }
 
     /// How many pictures lie from one key frame to the next; only with two key frames.
