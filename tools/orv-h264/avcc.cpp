@@ -46,6 +46,10 @@ public:
           base(input.data()),
           record(without_box_header(input))
     {
+        for (const char* member : {"configurationVersion", "AVCProfileIndication", "profile_compatibility",
+                                   "AVCLevelIndication", "lengthSizeMinusOne", "numOfSequenceParameterSets", "sps",
+                                   "numOfPictureParameterSets", "pps", "extension"})
+            object[member] = nullptr;
         object["problems"] = json::array();
     }
 
@@ -149,7 +153,7 @@ private:
         constexpr std::size_t most_shown = 16;
         const std::string hex = fmt::format("{:02x}{}", fmt::join(rest.first(std::min(rest.size(), most_shown)), " "),
                                             rest.size() > most_shown ? " ..." : "");
-        object["extension"] = hex;
+        object["extension"] = hex_digits(rest);
         if (!options.json)
             fmt::print("extension {}\n", hex);
     }

@@ -57,9 +57,14 @@ void field_printer::scaling_list(std::size_t number, const brenik::h264_scaling_
         element(0, "scaling_list", std::span<const std::uint8_t>(list.values), "");
 }
 
-void field_printer::bytes(const element_name& name, std::string_view text, std::string_view note)
+void field_printer::words(const element_name& name, std::string_view text, std::string_view note)
 {
     sink.element(name, text, note);
+}
+
+void field_printer::bytes(const element_name& name, std::span<const std::uint8_t> all, std::string_view text)
+{
+    sink.bytes(name, all, text);
 }
 
 void field_printer::derived(std::string_view text, std::initializer_list<fact> facts)

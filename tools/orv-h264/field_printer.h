@@ -10,6 +10,7 @@
 #include <cstdint>
 #include <initializer_list>
 #include <limits>
+#include <span>
 #include <string_view>
 
 namespace orv_h264 {
@@ -32,8 +33,11 @@ public:
     /// A scaling list that is present, its entries in scan order.
     void scaling_list(std::size_t number, const brenik::h264_scaling_list& list);
 
-    /// Bytes in words, which stand for many elements; in any case.
-    void bytes(const element_name& name, std::string_view text, std::string_view note = "");
+    /// Words, which stand for many elements; in any case.
+    void words(const element_name& name, std::string_view text, std::string_view note = "");
+
+    /// Bytes, which stand for many elements, and what they say where they are text; in any case.
+    void bytes(const element_name& name, std::span<const std::uint8_t> all, std::string_view text = "");
 
     /// What follows from elements before; only when all of them were handed on.
     void derived(std::string_view text, std::initializer_list<fact> facts);

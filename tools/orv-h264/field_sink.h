@@ -22,8 +22,9 @@ struct element_name {
     std::optional<std::size_t> index;
 };
 
-/// A number, words, or the entries of a list.
-using field_value = std::variant<std::uint64_t, std::int64_t, double, std::string_view, std::span<const std::uint8_t>>;
+/// A number, yes or no, nothing, words, or the entries of a list.
+using field_value = std::variant<std::uint64_t, std::int64_t, double, bool, std::nullptr_t, std::string_view,
+                                 std::span<const std::uint8_t>>;
 
 /// Something known under a name.
 using fact = std::pair<const char*, field_value>;
@@ -37,6 +38,9 @@ public:
 
     /// A syntax element; `note` says in words what the value means, or is "".
     virtual void element(const element_name& name, const field_value& value, std::string_view note) = 0;
+
+    /// Bytes that stand for many elements; `text` is what they say where they are text, or "".
+    virtual void bytes(const element_name& name, std::span<const std::uint8_t> all, std::string_view text) = 0;
 
     /// What follows, up to close(), belongs together. A person reads `heading`, where it is not "", and finds what
     /// follows indented.

@@ -15,6 +15,8 @@ public:
         std::visit([this](const auto& held) { add(held); }, value);
     }
 
+    void bytes(const element_name&, std::span<const std::uint8_t> all, std::string_view) override { add(all); }
+
     void open(const element_name&, std::string_view) override {}
     void close() override {}
     void open_entry(const element_name&) override {}
@@ -27,6 +29,8 @@ public:
 private:
     void add(std::uint64_t value) { values.push_back(value); }
     void add(std::int64_t value) { values.push_back(static_cast<std::uint64_t>(value)); }
+    void add(bool value) { values.push_back(value ? 1 : 0); }
+    void add(std::nullptr_t) { values.push_back(0); }
     void add(double value) { values.push_back(std::bit_cast<std::uint64_t>(value)); }
     void add(std::string_view text) { values.insert(values.end(), text.begin(), text.end()); }
     void add(std::span<const std::uint8_t> list) { values.insert(values.end(), list.begin(), list.end()); }

@@ -229,7 +229,7 @@ exit_status frames(const frames_options& options)
 {
     stream_input input(options.stream);
     if (options.json) {
-        json head = json_head("orv-h264/frames", input.name());
+        json head = json_first_line("orv-h264/frames", input.name());
         head["framing"] = framing_name(input.framing());
         head["split_fields"] = options.split_fields;
         print_json(head);

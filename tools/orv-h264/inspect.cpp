@@ -80,7 +80,7 @@ exit_status inspect(const inspect_options& options)
 {
     stream_input input(options.stream);
     if (options.json) {
-        json head = json_head("orv-h264/inspect", input.name());
+        json head = json_first_line("orv-h264/inspect", input.name());
         head["framing"] = framing_name(input.framing());
         print_json(head);
     }

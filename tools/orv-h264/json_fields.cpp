@@ -1,13 +1,14 @@
 #include "json_fields.h"
 
+#include "json_output.h"
+
 #include <string>
 #include <type_traits>
+#include <utility>
 
 namespace orv_h264 {
 
 namespace {
-
-using json = nlohmann::ordered_json;
 
 json& place(json& object, const element_name& name)
 {
@@ -35,21 +36,31 @@ json json_of(const field_value& value)
 
 void json_fields::element(const element_name& name, const field_value& value, std::string_view note)
 {
-    json& object = *inside.back();
-    place(object, name) = json_of(value);
+    place(*inside.back().object, name) = json_of(value);
     if (!note.empty())
-        place(object["meaning"], name) = note;
+        place(inside.back().meaning, name) = note;
+}
+
+void json_fields::bytes(const element_name& name, std::span<const std::uint8_t> all, std::string_view text)
+{
+    const std::string digits = hex_digits(all);
+    element(name, std::string_view(digits), text);
 }
 
 void json_fields::open(const element_name& name, std::string_view)
 {
-    json& member = place(*inside.back(), name);
+    json& member = place(*inside.back().object, name);
     member = json::object();
-    inside.push_back(&member);
+    inside.push_back({&member, {}, {}});
 }
 
 void json_fields::close()
 {
+    structure& closed = inside.back();
+    if (!closed.meaning.is_null())
+        (*closed.object)["meaning"] = std::move(closed.meaning);
+    if (!closed.derived.is_null())
+        (*closed.object)["derived"] = std::move(closed.derived);
     inside.pop_back();
 }
 
@@ -65,14 +76,13 @@ void json_fields::close_entry()
 
 void json_fields::told(const fact& what)
 {
-    (*inside.back())[what.first] = json_of(what.second);
+    (*inside.back().object)[what.first] = json_of(what.second);
 }
 
 void json_fields::derived(std::string_view, std::initializer_list<fact> facts)
 {
-    json& object = (*inside.back())["derived"];
     for (const fact& what : facts)
-        object[what.first] = json_of(what.second);
+        inside.back().derived[what.first] = json_of(what.second);
 }
 
 } // namespace orv_h264

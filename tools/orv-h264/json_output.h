@@ -4,6 +4,7 @@
 #include <nlohmann/json.hpp>
 
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -14,9 +15,15 @@ using json = nlohmann::ordered_json;
 /// Prints the object as one line. Bytes that are not UTF-8 become U+FFFD.
 void print_json(const json& object);
 
+/// Two hex digits a byte.
+std::string hex_digits(std::span<const std::uint8_t> bytes);
+
 /// The members that every output begins with: the name of its schema, the version of the schema, the input's name.
 /// The version grows when members change their meaning or go; new members may come without it.
 json json_head(const char* schema, std::string_view input_name);
+
+/// The first of the lines of an output that has several.
+json json_first_line(const char* schema, std::string_view input_name);
 
 /// A line that says what is wrong.
 json json_problem(std::uint64_t offset, std::string_view message);

@@ -46,16 +46,20 @@ json colour_json(const brenik::h264_nal_sps& sps)
     const brenik::h264_vui_parameters& vui = sps.vui;
     if (!sps.vui_parameters_present_flag || !vui.video_signal_type_present_flag)
         return nullptr;
-    json colour = {{"full_range", vui.video_full_range_flag}, {"video_format", vui.video_format_to_str()}};
-    if (vui.colour_description_present_flag) {
-        colour["primaries"] = or_null(colour_primaries_name(vui.colour_primaries));
-        colour["transfer"] = or_null(transfer_characteristics_name(vui.transfer_characteristics));
-        colour["matrix"] = or_null(matrix_coefficients_name(vui.matrix_coefficients));
-        colour["colour_primaries"] = vui.colour_primaries;
-        colour["transfer_characteristics"] = vui.transfer_characteristics;
-        colour["matrix_coefficients"] = vui.matrix_coefficients;
-    }
-    return colour;
+    const bool described = vui.colour_description_present_flag;
+    const auto number = [&](std::uint8_t value) { return described ? json(value) : json(); };
+    const auto name = [&](const std::string& words) { return described ? or_null(words) : json(); };
+    return {
+        {"full_range", vui.video_full_range_flag},
+        {"video_format", vui.video_format},
+        {"format", vui.video_format_to_str()},
+        {"colour_primaries", number(vui.colour_primaries)},
+        {"primaries", name(colour_primaries_name(vui.colour_primaries))},
+        {"transfer_characteristics", number(vui.transfer_characteristics)},
+        {"transfer", name(transfer_characteristics_name(vui.transfer_characteristics))},
+        {"matrix_coefficients", number(vui.matrix_coefficients)},
+        {"matrix", name(matrix_coefficients_name(vui.matrix_coefficients))},
+    };
 }
 
 json sequence_json(const sequence_summary& sequence)

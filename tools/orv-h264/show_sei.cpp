@@ -14,30 +14,17 @@ namespace {
 
 using timestamp_t = brenik::h264_nal_sei_pic_timing::timestamp_t;
 
-// Of the bytes of a payload this many are shown, as hex or as text.
-constexpr std::size_t most_hex_bytes = 16;
-constexpr std::size_t most_text_bytes = 1024;
-
-std::string hex(rbsp_bytes bytes)
-{
-    const bool all = bytes.size() <= most_hex_bytes;
-    return fmt::format("{:02x}{}", fmt::join(bytes.first(all ? bytes.size() : most_hex_bytes), " "), all ? "" : " ...");
-}
-
 bool is_text(rbsp_bytes bytes)
 {
     return !bytes.empty() &&
            std::all_of(bytes.begin(), bytes.end(), [](unsigned char c) { return c >= ' ' && c <= '~'; });
 }
 
-/// Bytes as text where they are nothing else (the zero that ends a string aside), in hex otherwise.
-std::string text_or_hex(rbsp_bytes bytes)
+/// What the bytes say where they are text (the zero that ends a string aside), or "".
+std::string_view text_of(rbsp_bytes bytes)
 {
     const rbsp_bytes string = bytes.first(bytes.size() - (!bytes.empty() && bytes.back() == 0 ? 1 : 0));
-    if (!is_text(string))
-        return hex(bytes);
-    const std::string_view text(reinterpret_cast<const char*>(string.data()), string.size());
-    return fmt::format("\"{}\"{}", text.substr(0, most_text_bytes), text.size() > most_text_bytes ? " ..." : "");
+    return is_text(string) ? std::string_view(reinterpret_cast<const char*>(string.data()), string.size()) : "";
 }
 
 /// 8-4-4-4-12 hex digits.
@@ -179,7 +166,7 @@ void show(field_printer& p, const brenik::h264_nal_sei_pan_scan_rect& pan_scan, 
 void show(field_printer& p, std::monostate, const walked_message& message)
 {
     if (!message.payload.empty())
-        p.bytes("payload", hex(message.payload));
+        p.bytes("payload", message.payload);
 }
 
 // H.264 D.1.7, user_data_unregistered()
@@ -188,9 +175,10 @@ void show(field_printer& p, const brenik::h264_nal_sei_user_data_unreg& user_dat
     if (user_data.uuid == nullptr)
         return show(p, std::monostate(), message);
     const std::string_view name = brenik::h264_uuid_to_str(*user_data.uuid);
-    p.bytes("uuid_iso_iec_11578", uuid_text(*user_data.uuid), name);
-    if (user_data.payload != user_data.payload_fence)
-        p.bytes("user_data", text_or_hex({user_data.payload, user_data.payload_fence}));
+    p.words("uuid_iso_iec_11578", uuid_text(*user_data.uuid), name);
+    const rbsp_bytes data(user_data.payload, user_data.payload_fence);
+    if (!data.empty())
+        p.bytes("user_data", data, text_of(data));
 }
 
 // H.264 D.1.8, recovery_point()
@@ -219,11 +207,10 @@ std::string heading_of(const walked_message& message, std::string_view name)
 void tell_heading(field_sink& sink, const walked_message& message, std::string_view name)
 {
     sink.told({"payloadType", std::uint64_t{message.type}});
-    if (!name.empty())
-        sink.told({"name", name});
+    sink.told({"name", name.empty() ? field_value(nullptr) : field_value(name)});
     sink.told({"payloadSize", std::uint64_t{message.stated_size}});
-    if (message.truncated)
-        sink.told({"truncated_to", std::uint64_t{message.payload.size()}});
+    sink.told({"truncated_to", message.truncated ? field_value(std::uint64_t{message.payload.size()}) : nullptr});
+    sink.told({"valid", problem_of(message).empty()});
 }
 
 } // namespace

@@ -6,10 +6,25 @@
 
 #include <cstdio>
 #include <string>
+#include <variant>
 
 #include <fmt/format.h>
 
 namespace orv_h264 {
+
+namespace {
+
+json fields_json(const walked_unit& walked)
+{
+    json object = json::object();
+    {
+        json_fields fields(object);
+        show_fields(fields, walked);
+    }
+    return object;
+}
+
+} // namespace
 
 void print_unit(const shown_unit& shown)
 {
@@ -32,10 +47,12 @@ json unit_json(const shown_unit& shown)
                    {"nal_ref_idc", shown.nal.nal_ref_idc},
                    {"nal_unit_type", static_cast<unsigned int>(shown.nal.nal_unit_type)},
                    {"name", brenik::h264_nal_unit_type_to_str(shown.nal.nal_unit_type)}};
-    if (shown.walked != nullptr) {
-        json_fields fields(object["fields"] = json::object());
-        show_fields(fields, *shown.walked);
-    }
+    object["valid"] = nullptr;
+    object["fields"] = nullptr;
+    if (shown.walked == nullptr || std::holds_alternative<std::monostate>(shown.walked->syntax))
+        return object;
+    object["valid"] = problems_of(*shown.walked).empty();
+    object["fields"] = fields_json(*shown.walked);
     return object;
 }
 

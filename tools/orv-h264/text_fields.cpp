@@ -14,6 +14,21 @@ std::string text_of(const element_name& name)
     return name.index ? fmt::format("{}[{}]", name.name, *name.index) : std::string(name.name);
 }
 
+// Of bytes this many are shown, as hex or as text.
+constexpr std::size_t most_hex_bytes = 16;
+constexpr std::size_t most_text_bytes = 1024;
+
+std::string hex(std::span<const std::uint8_t> bytes)
+{
+    const bool all = bytes.size() <= most_hex_bytes;
+    return fmt::format("{:02x}{}", fmt::join(bytes.first(all ? bytes.size() : most_hex_bytes), " "), all ? "" : " ...");
+}
+
+std::string quoted(std::string_view text)
+{
+    return fmt::format("\"{}\"{}", text.substr(0, most_text_bytes), text.size() > most_text_bytes ? " ..." : "");
+}
+
 struct value_text {
     std::string operator()(std::span<const std::uint8_t> list) const { return fmt::format("{}", fmt::join(list, " ")); }
 
@@ -31,6 +46,11 @@ void text_fields::element(const element_name& name, const field_value& value, st
     const std::string text = std::visit(value_text(), value);
     line(note.empty() ? fmt::format("{} {}", text_of(name), text)
                       : fmt::format("{} {} ({})", text_of(name), text, note));
+}
+
+void text_fields::bytes(const element_name& name, std::span<const std::uint8_t> all, std::string_view text)
+{
+    line(fmt::format("{} {}", text_of(name), text.empty() ? hex(all) : quoted(text)));
 }
 
 void text_fields::open(const element_name&, std::string_view heading)

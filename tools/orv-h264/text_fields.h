@@ -13,6 +13,7 @@ public:
     explicit text_fields(std::string& out) : lines(out) {}
 
     void element(const element_name& name, const field_value& value, std::string_view note) override;
+    void bytes(const element_name& name, std::span<const std::uint8_t> all, std::string_view text) override;
     void open(const element_name& name, std::string_view heading) override;
     void close() override;
     void open_entry(const element_name& name) override;

@@ -127,6 +127,8 @@ const parse_outcome& outcome_of(const walked_message& message)
     return timing != nullptr && timing->standard ? timing->standard->outcome : message.outcome;
 }
 
+} // namespace
+
 std::string problem_of(const walked_message& message)
 {
     if (message.truncated)
@@ -136,6 +138,8 @@ std::string problem_of(const walked_message& message)
         return bit_problem(outcome);
     return std::visit([&](const auto& syntax) { return failure_of(syntax, message); }, message.syntax);
 }
+
+namespace {
 
 /// What is wrong behind the last message; "" when nothing is.
 std::string end_problem(const walked_sei& sei)

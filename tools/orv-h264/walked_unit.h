@@ -69,6 +69,9 @@ struct walked_unit {
     const brenik::h264_nal_sps* sps = nullptr; ///< slice and PPS: the SPS, likewise
 };
 
+/// What is wrong with an SEI message, for a person; "" when nothing is.
+std::string problem_of(const walked_message& message);
+
 /// What is wrong with a unit, for a person, a line each.
 std::vector<std::string> problems_of(const walked_unit& unit);
 
