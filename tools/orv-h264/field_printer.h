@@ -43,31 +43,46 @@ public:
     void derived(std::string_view text, std::initializer_list<fact> facts);
 
     /// While it lives, fields belong to the structure `name`, indented one step deeper, behind `heading` if there is
-    /// one.
+    /// one; unless the structure begins behind the limit.
     class deeper {
     public:
-        deeper(field_printer& p, const element_name& name, std::string_view heading = "") : sink(p.sink)
+        deeper(field_printer& p, const element_name& name, std::string_view heading = "")
+            : sink(p.position <= p.last_bit ? &p.sink : nullptr)
         {
-            sink.open(name, heading);
+            if (sink != nullptr)
+                sink->open(name, heading);
         }
         deeper(const deeper&) = delete;
         deeper& operator=(const deeper&) = delete;
-        ~deeper() { sink.close(); }
+        ~deeper()
+        {
+            if (sink != nullptr)
+                sink->close();
+        }
 
     private:
-        field_sink& sink;
+        field_sink* sink; // null when nothing was opened
     };
 
-    /// While it lives, fields belong to an entry of the array `name`, in one row with the others.
+    /// Likewise to an entry of the array `name`, in one row with the others.
     class entry {
     public:
-        entry(field_printer& p, const char* name, std::size_t index) : sink(p.sink) { sink.open_entry({name, index}); }
+        entry(field_printer& p, const char* name, std::size_t index)
+            : sink(p.position <= p.last_bit ? &p.sink : nullptr)
+        {
+            if (sink != nullptr)
+                sink->open_entry({name, index});
+        }
         entry(const entry&) = delete;
         entry& operator=(const entry&) = delete;
-        ~entry() { sink.close_entry(); }
+        ~entry()
+        {
+            if (sink != nullptr)
+                sink->close_entry();
+        }
 
     private:
-        field_sink& sink;
+        field_sink* sink; // null when nothing was opened
     };
 
 private:

@@ -140,9 +140,10 @@ void show(field_sink& sink, const walked_pic_timing& timing, const walked_messag
     show(as_read, timing.read, vui, library_lengths(vui));
     if (!timing.standard)
         return;
-    const field_printer::deeper indented(as_read, "as_h264_reads_it", "= as H.264 reads it");
+    sink.open("as_h264_reads_it", "= as H.264 reads it");
     field_printer by_standard(sink, last_known_bit(timing.standard->outcome));
     show(by_standard, timing.standard->read, vui, standard_lengths(vui));
+    sink.close();
 }
 
 // H.264 D.1.4, pan_scan_rect()
