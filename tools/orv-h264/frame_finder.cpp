@@ -39,13 +39,14 @@ bool is_primary_slice(brenik::h264_nal_unit_type type)
            type == brenik::h264_nal_unit_type_slice_data_partition_a;
 }
 
-std::optional<double> seconds_of(std::uint32_t field_duration, h264_sps& sps)
+// Not by the SPS of the scan: that keeps the rate of an SPS before it which told one, and is the next frame's already
+// when the scan had to look ahead.
+std::optional<double> seconds_of(const frame& f)
 {
-    unsigned int fields = 0;
-    unsigned int seconds = 0;
-    if (sps.get_final_field_rate(fields, seconds) == 0 || fields == 0)
-        return {};
-    return static_cast<double>(field_duration) * seconds / fields;
+    for (const frame_unit& u : f.units)
+        if (u.rate)
+            return static_cast<double>(f.field_duration * u.rate->denominator) / static_cast<double>(u.rate->numerator);
+    return {};
 }
 
 } // namespace
@@ -57,6 +58,8 @@ frame_unit make_frame_unit(const unit& where, brenik::h264_nal nal, const walked
     made.nal = nal;
     made.recovery_frame_cnt = find_recovery_point(walked);
     const auto* const slice = std::get_if<brenik::h264_nal_slice_header>(&walked.syntax);
+    if (slice != nullptr && walked.sps != nullptr)
+        made.rate = field_rate(*walked.sps);
     if (slice != nullptr && is_primary_slice(nal.nal_unit_type) && walked.outcome.parsed &&
         !walked.outcome.truncated()) {
         made.slice_type = slice->getSliceType();
@@ -139,7 +142,6 @@ bool frame_finder::next(frame& found)
             drop(static_cast<std::size_t>(info.frame_start - stream.data()));
             found = {};
             found.field_duration = info.field_duration;
-            found.seconds = seconds_of(info.field_duration, sps);
             take(static_cast<std::size_t>(info.frame_end - stream.data()), found);
             found.last = finished && held_units() == 0;
             worth_scanning = 1;
@@ -155,7 +157,6 @@ bool frame_finder::next(frame& found)
         if (is_full()) {
             found = {};
             found.field_duration = info.field_duration;
-            found.seconds = seconds_of(info.field_duration, scanned_sps);
             found.cut = true;
             sps = scanned_sps;
             take(stream.size(), found);
@@ -183,7 +184,7 @@ bool frame_finder::grow_scratch()
     return true;
 }
 
-/// Moves the units before `position` to the frame.
+/// Moves the units before `position` to the frame, whose duration is known.
 void frame_finder::take(std::size_t position, frame& found)
 {
     for (; first_unit < units.size() && units[first_unit].position < position; ++first_unit)
@@ -194,6 +195,7 @@ void frame_finder::take(std::size_t position, frame& found)
     const unit& last_unit = found.units.back().where;
     found.offset = found.units.front().where.offset;
     found.size = last_unit.offset + last_unit.framing_size + last_unit.length - found.offset;
+    found.seconds = seconds_of(found);
 }
 
 void frame_finder::drop(std::size_t position)

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "piece_feeder.h"
+#include "sequence_summary.h"
 #include "walked_unit.h"
 
 #include <orv-utils-v4/h264_legacy.h>
@@ -23,6 +24,7 @@ struct frame_unit {
     std::optional<brenik::h264_slice_type_t> slice_type; ///< of a slice whose header was read
     bool begins_picture = false;                         ///< the first slice of a primary coded picture
     bool field = false;                                  ///< a slice of a field
+    std::optional<fraction> rate;                        ///< of a slice: fields a second, where its SPS tells it
     std::optional<std::uint32_t> recovery_frame_cnt;     ///< of a recovery point SEI message
 };
 
@@ -33,7 +35,7 @@ struct frame {
     std::uint64_t size = 0;   ///< from there to the end of its last unit
     std::vector<frame_unit> units;
     std::uint32_t field_duration = 0;
-    std::optional<double> seconds; ///< how long it is shown, where the SPS tells the field rate
+    std::optional<double> seconds; ///< how long it is shown, where the SPS of its slices tells the field rate
     bool last = false;             ///< the end of the input ended it
     bool cut = false;              ///< it grew larger than the finder keeps: the rest of it comes as another frame
 };
