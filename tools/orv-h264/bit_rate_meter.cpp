@@ -28,10 +28,10 @@ void bit_rate_meter::add(std::uint64_t bytes, std::optional<double> seconds)
         return;
     close_second();
     const double left = std::max(0.0, *seconds - here);
-    const double whole_seconds = std::floor(left);
+    const double whole_seconds = std::floor(left + rounding);
     if (whole_seconds >= 1)
         most = std::max(most, rate);
-    second_time = left - whole_seconds;
+    second_time = std::max(0.0, left - whole_seconds);
     second_bits = rate * second_time;
 }
 
