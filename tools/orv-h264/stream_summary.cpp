@@ -84,8 +84,12 @@ void stream_summary::add_slice(std::uint64_t offset, const walked_unit& walked)
     if (sps_changed || sequences.empty() || walked.sps->seq_parameter_set_id != current_id)
         find_sequence(offset, *walked.sps);
     sps_changed = false;
-    if (current < sequences.size())
-        orv_h264::add_slice(sequences[current], std::get<brenik::h264_nal_slice_header>(walked.syntax), *walked.pps);
+    const auto picture_timing = std::exchange(timing, std::nullopt);
+    if (current == sequences.size())
+        return;
+    if (picture_timing)
+        add_pic_timing(sequences[current], *picture_timing);
+    orv_h264::add_slice(sequences[current], std::get<brenik::h264_nal_slice_header>(walked.syntax), *walked.pps);
 }
 
 void stream_summary::add_sei(const walked_sei& sei)
@@ -93,9 +97,8 @@ void stream_summary::add_sei(const walked_sei& sei)
     for (const walked_message& message : sei.messages) {
         if (!is_read(message))
             continue;
-        if (const auto* const timing = std::get_if<walked_pic_timing>(&message.syntax);
-            timing && current < sequences.size())
-            add_pic_timing(sequences[current], timing->standard ? timing->standard->read : timing->read);
+        if (const auto* const pic_timing = std::get_if<walked_pic_timing>(&message.syntax))
+            timing = pic_timing->standard ? pic_timing->standard->read : pic_timing->read;
         const auto* const user_data = std::get_if<brenik::h264_nal_sei_user_data_unreg>(&message.syntax);
         if (user_data != nullptr && encoder.empty())
             encoder = encoder_name(*user_data);

@@ -43,6 +43,7 @@ private:
     std::vector<std::vector<std::uint64_t>> fields_of_sequences; // what tells them apart
     std::size_t current = 0;                                     // of the sequences
     std::uint32_t current_id = 0;                                // its seq_parameter_set_id
+    std::optional<brenik::h264_nal_sei_pic_timing> timing;       // of the picture that follows
     bool sps_changed = true;                                     // an SPS has come since the current sequence was found
     bool any_picture = false;
 };
