@@ -301,7 +301,7 @@ TEST(FrameUnit, OfThreeColourPlanesTheFirstBeginsThePicture)
     const auto frames = frames_of(stream);
     ASSERT_EQ(1U, frames.size());
     EXPECT_EQ(1U, orv_h264::coded_pictures(frames[0]));
-    EXPECT_FALSE(orv_h264::is_joined(frames[0]));
+    EXPECT_EQ(1U, orv_h264::shown_pictures(frames[0]));
 }
 
 TEST(FrameUnit, ASliceWithoutItsParameterSetsTellsNothing)
@@ -351,12 +351,12 @@ TEST(Frame, IsJoinedWhenItHoldsMoreThanAFrameOrAPairOfFields)
     std::vector<bool> joined;
     for (const frame& f : frames) {
         pictures.push_back(orv_h264::coded_pictures(f));
-        joined.push_back(orv_h264::is_joined(f));
+        joined.push_back(orv_h264::shown_pictures(f) > 1);
     }
     EXPECT_EQ((std::vector<std::uint64_t>{2, 3, 2, 3}), pictures);
     EXPECT_EQ((std::vector<bool>{true, true, true, true}), joined);
     const auto sound = frames_of(coded_stream().sets(coded_sps(true)).slice(2, coded::top).slice(2, coded::bottom));
     ASSERT_EQ(1U, sound.size());
     EXPECT_EQ(2U, orv_h264::coded_pictures(sound[0]));
-    EXPECT_FALSE(orv_h264::is_joined(sound[0]));
+    EXPECT_EQ(1U, orv_h264::shown_pictures(sound[0]));
 }
