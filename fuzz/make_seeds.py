@@ -818,8 +818,45 @@ def frame_scan_seeds():
     return seeds | {"empty": b"", "cut": seeds["pair_annexb"][:-3], "junk_between": bytes([0, 0, 255]) + b"\xee\0" * 9}
 
 
+def frame_finder_seeds():
+    def sei(pic_struct):
+        return unit(6, 1, 1, pic_struct << 4 | 8, 0x80)
+
+    def slice_unit(frame_num, field="0", kind=0x21):
+        return bytes([kind]) + rbsp(ue(0) + ue(5) + ue(0) + u(4, frame_num) + field + "1" * 9)
+
+    def seed(*units, framing=0, flags=0, piece=4):
+        padded = (one if isinstance(one, tuple) else (one, 0) for one in units)
+        return bytes([framing, flags, piece]) + b"".join(
+            bytes([one[0], padding, len(one) - 1]) + one[1:] for one, padding in padded
+        )
+
+    top, bottom = "10", "11"
+    aud, pps_unit, filler, end = unit(AUD, 0xF0), bytes([PPS]) + rbsp(pps()), unit(12, 0xFF, 0x80), unit(11)
+    frames_only = bytes([SPS]) + rbsp(sps_head() + sps_tail(ue(2)))
+    sps = bytes([SPS]) + rbsp(sps_head() + sps_tail(ue(2), mbs_only="00", vui_text="1" + vui(NO_GROUPS)))
+    pair = (sps, pps_unit, sei(1), slice_unit(3, top), sei(2), slice_unit(3, bottom))
+    seeds = {
+        "empty": b"",
+        "lone_field_at_the_end": seed(sps, pps_unit, sei(1), slice_unit(3, top)),
+        "frame_behind_a_field": seed(sps, slice_unit(3, top), aud, slice_unit(4), filler, end),
+        "no_frame": seed(filler, end, (filler, 100), unit(10)),
+        "filler_in_front": seed((filler, 200), filler, sps, pps_unit, slice_unit(1)),
+        "sps_changes": seed(sps, slice_unit(1, top), frames_only, slice_unit(2), sps, slice_unit(3, bottom)),
+        "large_units": seed(aud, frames_only, pps_unit, *((slice_unit(i), 80 * i) for i in range(4))),
+        "large_unit_in_the_frame": seed(frames_only, pps_unit, (slice_unit(1), 60), (slice_unit(1), 250), aud),
+        "empty_units": seed(unit(9), unit(5), unit(1), unit(7), unit(8), unit(6), unit(1)),
+        "zeros_inside": seed(sps, slice_unit(1) + b"\0\0\1\x65", unit(1, 0, 0), unit(5, 0), framing=4),
+    }
+    for framing, name in enumerate(("annexb", *(f"length{size}" for size in range(1, 5)))):
+        seeds[f"pair_{name}"] = seed(*pair, *pair, framing=framing)
+        seeds[f"pair_split_{name}"] = seed(*pair, *pair, framing=framing, flags=3)
+    return seeds
+
+
 def main():
     all_seeds = {
+        "frame_finder": frame_finder_seeds(),
         "decoder_configuration_record": record_seeds(),
         "legacy_bits": legacy_bits_seeds(),
         "legacy_nal_parser": legacy_nal_parser_seeds(),
