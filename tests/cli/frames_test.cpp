@@ -283,19 +283,32 @@ TEST(Frames, HelpNamesEveryOptionAndTheExitStatus)
         EXPECT_NE(std::string::npos, result.out.find(word)) << word;
 }
 
-TEST(Frames, AFrameOfCountlessRunsOfUnitsShowsTheFirst64)
+namespace {
+
+/// A frame of `count` runs of units, at least 3.
+coded_stream frame_of_runs(std::size_t count)
 {
     coded_stream stream;
     stream.sets(coded_sps(false)).idr();
-    for (int i = 0; i < 40; ++i)
-        stream.filler().slice(0);
-    const temporary_file file(stream);
-    const std::string out = run_tool({"frames", file.path()}).out;
-    EXPECT_NE(std::string::npos, out.find(" filler slice filler ...  (last)\n")) << out;
+    for (std::size_t i = 3; i < count; ++i)
+        i % 2 == 1 ? stream.filler() : stream.slice(0);
+    return stream;
+}
+
+} // namespace
+
+TEST(Frames, OfCountlessRunsOfUnitsTheFirst64AreShown)
+{
+    const temporary_file all(frame_of_runs(64));
+    const std::string all_out = run_tool({"frames", all.path()}).out;
+    EXPECT_EQ(std::string::npos, all_out.find("...")) << all_out;
+    const temporary_file more(frame_of_runs(65));
+    const std::string out = run_tool({"frames", more.path()}).out;
+    EXPECT_NE(std::string::npos, out.find(" slice filler ...  (last)\n")) << out;
     std::string shown = out.substr(out.find(" SPS PPS"));
     shown.resize(shown.find(" ..."));
     EXPECT_EQ(64, std::count(shown.begin(), shown.end(), ' '));
-    EXPECT_EQ(83U, lines_of(run_tool({"frames", "--json", file.path()}).out).at(1)["nal_unit_types"].size());
+    EXPECT_EQ(65U, lines_of(run_tool({"frames", "--json", more.path()}).out).at(1)["nal_unit_types"].size());
 }
 
 #if !defined(ORV_TEST_SANITIZED)

@@ -13,7 +13,7 @@
 namespace orv_h264 {
 
 struct sequence_summary {
-    std::uint64_t offset = 0; ///< of the first unit that belongs to it
+    std::uint64_t offset = 0; ///< of its first slice, or of the SPS while there is no slice at all
     brenik::h264_nal_sps sps;
     std::uint64_t frame_pictures = 0; ///< coded frames without macroblock-adaptive frame/field decoding
     std::uint64_t mbaff_pictures = 0; ///< coded frames with it

@@ -285,9 +285,19 @@ TEST(SequenceSummary, CroppingToNothingLeaves0x0)
     };
     // 176x144, in units of 2x2.
     const crop_case cases[] = {
-        {44, 43, 0, 0, false}, {44, 44, 0, 0, true},   {88, 0, 0, 0, true},         {0, 89, 0, 0, true},
-        {0, 0, 36, 35, false}, {0, 0, 36, 36, true},   {0, 0, 0, 72, true},         {0, 0, 73, 0, true},
-        {1, 1, 1, 1, false},   {200, 200, 0, 0, true}, {0x3FFFFFFF, 1, 0, 0, true},
+        {44, 43, 0, 0, false},
+        {44, 44, 0, 0, true},
+        {88, 0, 0, 0, true},
+        {0, 89, 0, 0, true},
+        {0, 0, 36, 35, false},
+        {0, 0, 36, 36, true},
+        {0, 0, 0, 72, true},
+        {0, 0, 73, 0, true},
+        {1, 1, 1, 1, false},
+        {200, 200, 0, 0, true},
+        {0x3FFFFFFF, 1, 0, 0, true},
+        {0x3FFFFFFF, 0x40000001, 0, 0, true},
+        {0, 0, 0x3FFFFFFF, 0x40000001, true},
     };
     for (const crop_case& c : cases) {
         support::sps_description seq = with_sar(255, 4, 3);
