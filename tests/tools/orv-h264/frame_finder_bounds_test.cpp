@@ -58,7 +58,7 @@ public:
         content[0] = header;
         orv_h264::frame_unit u;
         u.where = {offset, 3, length, 0, false};
-        u.nal.decode_header(content.data()[0]);
+        u.nal.decode_header(header);
         finder.add(u, content);
         offset += 3 + length;
         take();
@@ -204,7 +204,7 @@ TEST(FrameFinderBounds, AFrameOfCountlessUnitsIsScannedAFewTimes)
         for (std::size_t bytes = std::size_t{32} * 1024; bytes < 5 * units; bytes *= 2)
             ++doublings;
         ASSERT_LE(work.calls, doublings + 4) << units;
-        EXPECT_LE(work.bytes, 4 * 5 * units + 100) << "each byte is read a few times";
+        EXPECT_LE(work.bytes, std::size_t{4} * 5 * units + 100) << "each byte is read a few times";
     }
 }
 
