@@ -2,6 +2,7 @@
 
 #include "json_output.h"
 
+#include <algorithm>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -43,8 +44,8 @@ void json_fields::element(const element_name& name, const field_value& value, st
 
 void json_fields::bytes(const element_name& name, std::span<const std::uint8_t> all, std::string_view text)
 {
-    const std::string digits = hex_digits(all);
-    element(name, std::string_view(digits), text);
+    const std::string digits = hex_digits(all.first(std::min(all.size(), most_bytes)));
+    element(name, std::string_view(digits), text.substr(0, most_bytes));
 }
 
 void json_fields::open(const element_name& name, std::string_view)

@@ -13,6 +13,9 @@ namespace orv_h264 {
 
 class json_fields final : public field_sink {
 public:
+    /// Of bytes that stand for many elements so many are told; a sound stream has fewer in a message.
+    static constexpr std::size_t most_bytes = std::size_t{64} * 1024;
+
     /// Adds to the object `out`, which is complete when this one goes.
     explicit json_fields(nlohmann::ordered_json& out) { inside.push_back({&out, {}, {}}); }
     json_fields(const json_fields&) = delete;

@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <vector>
 
 namespace {
 
@@ -64,6 +65,20 @@ TEST(JsonFields, BytesAreHexDigitsAndTheirTextIsTheirMeaning)
     EXPECT_EQ(R"({"data":"009f22"})", json_of([&](field_printer& p) { p.bytes("data", bytes); }));
     EXPECT_EQ(R"({"data":"009f22","meaning":{"data":"\"x"}})",
               json_of([&](field_printer& p) { p.bytes("data", bytes, "\"x"); }));
+}
+
+TEST(JsonFields, BytesAreToldUpToABound)
+{
+    constexpr std::size_t most = orv_h264::json_fields::most_bytes;
+    const std::vector<std::uint8_t> fits(most, 'A');
+    const std::vector<std::uint8_t> longer(most + 1, 'A');
+    const std::string text(most + 1, 'A');
+    const auto told = [&](const std::vector<std::uint8_t>& bytes) {
+        return json_of(
+            [&](field_printer& p) { p.bytes("data", bytes, std::string_view(text).substr(0, bytes.size())); });
+    };
+    EXPECT_EQ(told(fits), told(longer));
+    EXPECT_NE(told(fits), told({fits.begin() + 1, fits.end()}));
 }
 
 TEST(JsonFields, BehindTheLastBitNoStructureIsOpened)
