@@ -161,7 +161,7 @@ TEST_F(Avcc, ARecordThatEndsBehindANumberOfZeroIsBroken)
     none[31] = 0;
     const tool_result result = avcc(none);
     EXPECT_TRUE(holds(result.out, "numOfPictureParameterSets 0\n"));
-    EXPECT_EQ(message("32: the record ends behind its parameter sets' numbers"), result.err);
+    EXPECT_EQ(message("32: the record ends directly behind a numOfPictureParameterSets of 0"), result.err);
     EXPECT_EQ(1, result.status);
     none.push_back(0xFD);
     EXPECT_EQ(0, avcc(none).status) << "with a byte behind it, it is whole";

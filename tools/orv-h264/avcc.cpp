@@ -81,7 +81,7 @@ private:
         if (!take_sets("pps", pps_count, brenik::h264_nal_unit_type_pps))
             return;
         if (!whole)
-            complain(rest, "the record ends behind its parameter sets' numbers");
+            complain(rest, "the record ends directly behind a numOfPictureParameterSets of 0");
         show_extension();
     }
 

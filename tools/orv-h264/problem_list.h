@@ -25,7 +25,7 @@ public:
 
     void add(std::uint64_t offset, const std::string& message, std::uint64_t bytes = 0);
 
-    /// In the order of their first offsets.
+    /// In the order in which they came up.
     const std::vector<problem_kind>& kinds() const noexcept { return list; }
 
 private:

@@ -2,6 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <iterator>
+#include <set>
+#include <string>
+
 namespace {
 
 struct profile_case {
@@ -89,6 +93,44 @@ TEST(Names, SampleAspectRatios)
     vui.sar_width = 12;
     vui.sar_height = 11;
     EXPECT_EQ(orv_h264::sample_aspect_ratio_name(vui), "12:11");
+}
+
+TEST(Names, TheCodecStringHasProfileConstraintsAndLevelInHex)
+{
+    brenik::h264_nal_sps sps;
+    sps.profile_idc = 100;
+    sps.level_idc = 40;
+    EXPECT_EQ(orv_h264::codec_string(sps), "avc1.640028");
+    bool* const flags[] = {&sps.constraint_set0_flag, &sps.constraint_set1_flag, &sps.constraint_set2_flag,
+                           &sps.constraint_set3_flag, &sps.constraint_set4_flag, &sps.constraint_set5_flag};
+    const char* const constraints[] = {"80", "40", "20", "10", "08", "04"};
+    for (std::size_t i = 0; i < std::size(flags); ++i) {
+        *flags[i] = true;
+        EXPECT_EQ(orv_h264::codec_string(sps), std::string("avc1.64") + constraints[i] + "28");
+        *flags[i] = false;
+    }
+    sps.reserved_zero_2bits = 3;
+    sps.profile_idc = 9;
+    sps.level_idc = 1;
+    EXPECT_EQ(orv_h264::codec_string(sps), "avc1.090301");
+}
+
+TEST(Names, EveryUnitTypeHasAWord)
+{
+    std::set<std::string> words;
+    for (unsigned int type = 0; type < 32; ++type)
+        words.insert(orv_h264::short_unit_name(static_cast<brenik::h264_nal_unit_type>(type)));
+    EXPECT_EQ(words.size(), 32U) << "each another";
+    EXPECT_TRUE(words.contains("IDR"));
+    EXPECT_TRUE(words.contains("SPS"));
+    EXPECT_TRUE(words.contains("type-24"));
+}
+
+TEST(Names, FramingsAreThoseOfTheCommandLine)
+{
+    EXPECT_EQ(orv_h264::framing_name(brenik::nalfmt_annexb), "annexb");
+    EXPECT_EQ(orv_h264::framing_name(brenik::nalfmt_length1), "length1");
+    EXPECT_EQ(orv_h264::framing_name(brenik::nalfmt_length4), "length4");
 }
 
 } // namespace
