@@ -157,7 +157,7 @@ json totals_json(const frame_totals& totals)
 class frame_list {
 public:
     frame_list(const frames_options& chosen, stream_input& from)
-        : options(chosen), feeder(from.feeder()), problems(from.name()), finder(chosen.split_fields)
+        : options(chosen), feeder(from.feeder()), problems(from.name(), chosen.json), finder(chosen.split_fields)
     {
     }
 
@@ -176,7 +176,7 @@ private:
         if (const auto* const u = std::get_if<unit>(&item)) {
             take_unit(*u);
         } else if (const auto* const g = std::get_if<gap>(&item)) {
-            complain(g->offset, describe_with_size(*g));
+            problems.add(g->offset, describe_with_size(*g));
         } else {
             finder.finish();
             show_found();
@@ -190,10 +190,10 @@ private:
         brenik::h264_nal_reader& reader = feeder.reader();
         const brenik::h264_nal nal = reader.nal;
         if (u.cut)
-            complain(u.offset, describe_cut(u));
+            problems.add(u.offset, describe_cut(u));
         const walked_unit walked = walker.walk(reader);
         for (const std::string& problem : problems_of(walked))
-            complain(u.offset, problem);
+            problems.add(u.offset, problem);
         finder.add(make_frame_unit(u, nal, walked), {reader.nal_header, static_cast<std::size_t>(u.length)});
     }
 
@@ -202,17 +202,10 @@ private:
         frame f;
         while (totals.frames() < options.limit && finder.next(f)) {
             if (f.cut)
-                complain(f.offset, describe_cut(f));
+                problems.add(f.offset, describe_cut(f));
             options.json ? print_json(frame_json(totals.frames(), f)) : print_frame(totals.frames(), f);
             totals.add(f);
         }
-    }
-
-    void complain(std::uint64_t offset, const std::string& what)
-    {
-        problems.add(offset, what);
-        if (options.json)
-            print_json(json_problem(offset, what));
     }
 
     const frames_options& options;

@@ -15,7 +15,7 @@ namespace {
 class inspection {
 public:
     inspection(const inspect_options& chosen, stream_input& from)
-        : options(chosen), feeder(from.feeder()), problems(from.name())
+        : options(chosen), feeder(from.feeder()), problems(from.name(), chosen.json)
     {
     }
 
@@ -26,7 +26,7 @@ public:
             if (const auto* u = std::get_if<unit>(&item))
                 take_unit(*u);
             else if (const auto* g = std::get_if<gap>(&item))
-                complain(g->offset, describe_with_size(*g));
+                problems.add(g->offset, describe_with_size(*g));
             else
                 break;
         }
@@ -39,12 +39,12 @@ private:
         brenik::h264_nal_reader& reader = feeder.reader();
         const brenik::h264_nal nal = reader.nal;
         if (u.cut)
-            complain(u.offset, describe_cut(u));
+            problems.add(u.offset, describe_cut(u));
         walked_unit walked;
         if (!options.nals) {
             walked = walker.walk(reader);
             for (const std::string& problem : problems_of(walked))
-                complain(u.offset, problem);
+                problems.add(u.offset, problem);
         }
         if (!options.only.test(nal.nal_unit_type))
             return;
@@ -57,13 +57,6 @@ private:
         } else {
             print_unit(shown);
         }
-    }
-
-    void complain(std::uint64_t offset, const std::string& what)
-    {
-        problems.add(offset, what);
-        if (options.json)
-            print_json(json_problem(offset, what));
     }
 
     const inspect_options& options;

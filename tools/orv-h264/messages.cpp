@@ -1,5 +1,6 @@
 #include "messages.h"
 
+#include "json_output.h"
 #include "terminal.h"
 
 #include <cstdio>
@@ -16,6 +17,8 @@ void print_error(std::string_view reason)
 void complaints::add(std::uint64_t offset, std::string_view what)
 {
     print_error(fmt::format("{}: offset {}: {}", name, offset, what));
+    if (also_json)
+        print_json(json_problem(offset, what));
     any = true;
 }
 

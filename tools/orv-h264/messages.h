@@ -16,9 +16,11 @@ void print_error(std::string_view reason);
 /// What is wrong with one input.
 class complaints {
 public:
-    explicit complaints(std::string input_name) : name(std::move(input_name)) {}
+    explicit complaints(std::string input_name, bool in_json = false) : name(std::move(input_name)), also_json(in_json)
+    {
+    }
 
-    /// Prints what is wrong at `offset`.
+    /// Prints what is wrong at `offset`; where the output is JSON, a line of it says so too.
     void add(std::uint64_t offset, std::string_view what);
 
     /// What the complaints make of a run that was fine otherwise.
@@ -26,6 +28,7 @@ public:
 
 private:
     std::string name;
+    bool also_json;
     bool any = false;
 };
 
