@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <vector>
 
 namespace {
@@ -81,7 +82,8 @@ TEST(BitRateMeter, RoundingOfWhatALongFrameLeavesLosesNoSecond)
     // 1.9 - 0.9 is a little less than 1. The last second is the fullest.
     for (const double first : {0.1, 0.2, 0.3, 0.4, 0.6, 0.7, 0.8, 0.9}) {
         const double long_one = 2.0 - first;
-        const auto meter = meter_of({{0, first}, {static_cast<std::uint64_t>(10000 * long_one + 0.5), long_one}});
+        const auto meter =
+            meter_of({{0, first}, {static_cast<std::uint64_t>(std::lround(10000 * long_one)), long_one}});
         expect_near(80000, meter.peak(), "the last second");
     }
 }

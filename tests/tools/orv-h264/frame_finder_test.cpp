@@ -25,7 +25,7 @@ std::vector<int> types_of(const frame& f)
 {
     std::vector<int> types;
     for (const orv_h264::frame_unit& u : f.units)
-        types.push_back(u.nal.nal_unit_type);
+        types.push_back(static_cast<int>(u.nal.nal_unit_type));
     return types;
 }
 
