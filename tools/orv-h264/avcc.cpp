@@ -7,6 +7,7 @@
 #include "show_unit.h"
 #include "stream_input.h"
 #include "stream_walker.h"
+#include "text_fields.h"
 
 #include <orv-utils-v4/h264_legacy.h>
 
@@ -15,7 +16,6 @@
 #include <string_view>
 
 #include <fmt/format.h>
-#include <fmt/ranges.h>
 
 namespace orv_h264 {
 
@@ -150,12 +150,9 @@ private:
     {
         if (rest.empty())
             return;
-        constexpr std::size_t most_shown = 16;
-        const std::string hex = fmt::format("{:02x}{}", fmt::join(rest.first(std::min(rest.size(), most_shown)), " "),
-                                            rest.size() > most_shown ? " ..." : "");
         object["extension"] = hex_digits(rest);
         if (!options.json)
-            fmt::print("extension {}\n", hex);
+            fmt::print("extension {}\n", hex_start(rest));
     }
 
     void show(const char* name, std::uint64_t value)

@@ -16,11 +16,6 @@ constexpr unsigned char end_of_stream = brenik::h264_nal_unit_type_end_of_stream
 constexpr std::size_t usual_scratch = std::size_t{64} * 1024;
 constexpr std::size_t smallest_scan = std::size_t{32} * 1024;
 
-bool is_primary(const brenik::h264_nal_slice_header& slice)
-{
-    return slice.redundant_pic_cnt == 0 && slice.colour_plane_id == 0;
-}
-
 std::optional<std::uint32_t> find_recovery_point(const walked_unit& walked)
 {
     const auto* const sei = std::get_if<walked_sei>(&walked.syntax);
@@ -63,7 +58,7 @@ frame_unit make_frame_unit(const unit& where, brenik::h264_nal nal, const walked
     if (slice != nullptr && is_primary_slice(nal.nal_unit_type) && walked.outcome.parsed &&
         !walked.outcome.truncated()) {
         made.slice_type = slice->getSliceType();
-        made.begins_picture = slice->first_mb_in_slice == 0 && is_primary(*slice);
+        made.begins_picture = begins_picture(*slice);
         made.field = slice->field_pic_flag;
     }
     return made;

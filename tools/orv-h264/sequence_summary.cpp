@@ -14,10 +14,15 @@ fraction in_lowest_terms(std::uint64_t numerator, std::uint64_t denominator)
 
 } // namespace
 
+bool begins_picture(const brenik::h264_nal_slice_header& slice)
+{
+    return slice.first_mb_in_slice == 0 && slice.redundant_pic_cnt == 0 && slice.colour_plane_id == 0;
+}
+
 void add_slice(sequence_summary& sequence, const brenik::h264_nal_slice_header& slice, const brenik::h264_nal_pps& pps)
 {
     (pps.entropy_coding_mode_flag ? sequence.cabac : sequence.cavlc) = true;
-    if (slice.first_mb_in_slice != 0 || slice.redundant_pic_cnt != 0 || slice.colour_plane_id != 0)
+    if (!begins_picture(slice))
         return;
     if (!slice.field_pic_flag) {
         ++(sequence.sps.mb_adaptive_frame_field_flag && !sequence.sps.frame_mbs_only_flag ? sequence.mbaff_pictures

@@ -25,6 +25,9 @@ struct sequence_summary {
     std::uint64_t pictures() const noexcept { return frame_pictures + mbaff_pictures + field_pictures; }
 };
 
+/// The first slice of a primary coded picture, H.264 7.4.1.2.4.
+bool begins_picture(const brenik::h264_nal_slice_header& slice);
+
 /// Takes the slice into account; its header has been read to the end.
 void add_slice(sequence_summary& sequence, const brenik::h264_nal_slice_header& slice, const brenik::h264_nal_pps& pps);
 

@@ -1,4 +1,5 @@
 #include "names.h"
+#include "sequence_summary.h"
 #include "show_structures.h"
 
 #include <array>
@@ -19,11 +20,11 @@ void show(field_printer& p, const char* name, const brenik::h264_hrd_parameters&
     p.ue("cpb_cnt_minus1", hrd.cpb_cnt_minus1);
     p.u(4, "bit_rate_scale", hrd.bit_rate_scale);
     p.u(4, "cpb_size_scale", hrd.cpb_size_scale);
-    for (std::size_t i = 0; i < hrd.cbr_flag.size(); ++i) {
-        const std::uint64_t bit_rate = (std::uint64_t{hrd.bit_rate_value_minus1[i]} + 1) << (6 + hrd.bit_rate_scale);
-        const std::uint64_t cpb_size = (std::uint64_t{hrd.cpb_size_value_minus1[i]} + 1) << (4 + hrd.cpb_size_scale);
-        p.ue({"bit_rate_value_minus1", i}, hrd.bit_rate_value_minus1[i], fmt::format("{} bit/s", bit_rate));
-        p.ue({"cpb_size_value_minus1", i}, hrd.cpb_size_value_minus1[i], fmt::format("{} bits", cpb_size));
+    const std::vector<cpb_schedule> schedules = schedules_of(hrd);
+    for (std::size_t i = 0; i < schedules.size(); ++i) {
+        p.ue({"bit_rate_value_minus1", i}, hrd.bit_rate_value_minus1[i],
+             fmt::format("{} bit/s", schedules[i].bit_rate));
+        p.ue({"cpb_size_value_minus1", i}, hrd.cpb_size_value_minus1[i], fmt::format("{} bits", schedules[i].size));
         p.flag({"cbr_flag", i}, hrd.cbr_flag[i]);
     }
     p.u(5, "initial_cpb_removal_delay_length_minus1", hrd.initial_cpb_removal_delay_length_minus1);
@@ -151,15 +152,11 @@ void show_pic_order_cnt(field_printer& p, const brenik::h264_nal_sps& sps)
 
 void show_derived(field_printer& p, const brenik::h264_nal_sps& sps)
 {
-    const bool crops_more_than_there_is = std::uint64_t{sps.getCropLeft()} + sps.getCropRight() >= sps.getPicWidth() ||
-                                          std::uint64_t{sps.getCropTop()} + sps.getCropBottom() >= sps.getPicHeight();
-    if (crops_more_than_there_is)
-        p.derived(fmt::format("coded size {}x{}, cropped to nothing", sps.getPicWidth(), sps.getPicHeight()),
-                  {{"cropped_width", std::uint64_t{0}}, {"cropped_height", std::uint64_t{0}}});
-    else
-        p.derived(fmt::format("cropped size {}x{}", sps.getCroppedPicWidth(), sps.getCroppedPicHeight()),
-                  {{"cropped_width", std::uint64_t{sps.getCroppedPicWidth()}},
-                   {"cropped_height", std::uint64_t{sps.getCroppedPicHeight()}}});
+    const picture_size size = cropped_size(sps);
+    p.derived(size.width == 0
+                  ? fmt::format("coded size {}x{}, cropped to nothing", sps.getPicWidth(), sps.getPicHeight())
+                  : fmt::format("cropped size {}x{}", size.width, size.height),
+              {{"cropped_width", size.width}, {"cropped_height", size.height}});
     const brenik::h264_vui_parameters& vui = sps.vui;
     if (sps.vui_parameters_present_flag && vui.timing_info_present_flag && vui.num_units_in_tick != 0) {
         const double rate = static_cast<double>(vui.time_scale) / vui.num_units_in_tick;

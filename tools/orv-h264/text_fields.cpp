@@ -18,12 +18,6 @@ std::string text_of(const element_name& name)
 constexpr std::size_t most_hex_bytes = 16;
 constexpr std::size_t most_text_bytes = 1024;
 
-std::string hex(std::span<const std::uint8_t> bytes)
-{
-    const bool all = bytes.size() <= most_hex_bytes;
-    return fmt::format("{:02x}{}", fmt::join(bytes.first(all ? bytes.size() : most_hex_bytes), " "), all ? "" : " ...");
-}
-
 std::string quoted(std::string_view text)
 {
     return fmt::format("\"{}\"{}", text.substr(0, most_text_bytes), text.size() > most_text_bytes ? " ..." : "");
@@ -41,6 +35,12 @@ struct value_text {
 
 } // namespace
 
+std::string hex_start(std::span<const std::uint8_t> bytes)
+{
+    const bool all = bytes.size() <= most_hex_bytes;
+    return fmt::format("{:02x}{}", fmt::join(bytes.first(all ? bytes.size() : most_hex_bytes), " "), all ? "" : " ...");
+}
+
 void text_fields::element(const element_name& name, const field_value& value, std::string_view note)
 {
     const std::string text = std::visit(value_text(), value);
@@ -50,7 +50,7 @@ void text_fields::element(const element_name& name, const field_value& value, st
 
 void text_fields::bytes(const element_name& name, std::span<const std::uint8_t> all, std::string_view text)
 {
-    line(fmt::format("{} {}", text_of(name), text.empty() ? hex(all) : quoted(text)));
+    line(fmt::format("{} {}", text_of(name), text.empty() ? hex_start(all) : quoted(text)));
 }
 
 void text_fields::open(const element_name&, std::string_view heading)

@@ -7,6 +7,9 @@
 
 namespace orv_h264 {
 
+/// The first bytes as hex digits, for a line; "..." where there are more.
+std::string hex_start(std::span<const std::uint8_t> bytes);
+
 class text_fields final : public field_sink {
 public:
     /// Appends lines to `out`, indented by one step.
