@@ -1,6 +1,6 @@
 #include "json_output.h"
 
-#include <cstdio>
+#include "standard_output.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -10,7 +10,8 @@ namespace orv_h264 {
 void print_json(const json& object)
 {
     constexpr int one_line = -1;
-    fmt::print("{}\n", object.dump(one_line, ' ', false, json::error_handler_t::replace));
+    std::string line = object.dump(one_line, ' ', false, json::error_handler_t::replace);
+    write_output(line += '\n');
 }
 
 std::string hex_digits(std::span<const std::uint8_t> bytes)

@@ -1,28 +1,17 @@
 // orv-h264. Each subcommand is a file of its own; every syntax element is read by the library.
 #include "command_line.h"
 #include "messages.h"
+#include "standard_output.h"
 #include "stream_input.h"
 
-#include <cerrno>
-#include <cstdio>
 #include <exception>
-#include <system_error>
-
-namespace {
-
-void flush_output()
-{
-    if (std::fflush(stdout) != 0)
-        throw std::system_error(errno, std::generic_category(), "standard output");
-}
-
-} // namespace
 
 int main(int argc, char** argv)
 {
     try {
+        orv_h264::gather_output();
         const orv_h264::exit_status status = orv_h264::run_command_line(argc, argv);
-        flush_output();
+        orv_h264::flush_output();
         return status;
     } catch (const orv_h264::refusal& refused) {
         orv_h264::print_error(refused.what());

@@ -1,6 +1,7 @@
 #include "stream_input.h"
 
 #include "recognise.h"
+#include "standard_output.h"
 
 #include <utility>
 
@@ -12,7 +13,10 @@ namespace {
 
 input_window open_window(input_file& file, const stream_options& options)
 {
-    input_window window([&file](unsigned char* out, std::size_t size) { return file.read(out, size); });
+    input_window window([&file](unsigned char* out, std::size_t size) {
+        flush_output(); // reading may wait
+        return file.read(out, size);
+    });
     if (options.format)
         return window;
     if (const char* container = container_name(window))
