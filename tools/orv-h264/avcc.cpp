@@ -143,7 +143,7 @@ private:
         if (options.json)
             object[list].push_back(unit_json(shown));
         else
-            print_unit(shown);
+            printer.print(shown);
     }
 
     void show_extension()
@@ -178,6 +178,7 @@ private:
     std::span<unsigned char> rest; // what has not been read
     stream_walker walker;
     rbsp_decoder decoder;
+    unit_printer printer;
 };
 
 } // namespace

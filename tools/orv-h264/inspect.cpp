@@ -55,7 +55,7 @@ private:
             object.update(unit_json(shown));
             print_json(object);
         } else {
-            print_unit(shown);
+            printer.print(shown);
         }
     }
 
@@ -64,6 +64,7 @@ private:
     complaints problems;
     stream_walker walker;
     rbsp_decoder decoder; // for the sizes
+    unit_printer printer;
     std::uint64_t lines = 0;
 };
 

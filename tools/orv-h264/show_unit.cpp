@@ -2,13 +2,13 @@
 
 #include "json_fields.h"
 #include "show_syntax.h"
-#include "terminal.h"
+#include "standard_output.h"
+#include "text_fields.h"
 
-#include <cstdio>
-#include <string>
+#include <iterator>
 #include <variant>
 
-#include <fmt/format.h>
+#include <fmt/compile.h>
 
 namespace orv_h264 {
 
@@ -26,16 +26,21 @@ json fields_json(const walked_unit& walked)
 
 } // namespace
 
-void print_unit(const shown_unit& shown)
+void unit_printer::print(const shown_unit& shown)
 {
-    const std::string line = fmt::format(
-        "offset {:>10}  framing {}  length {:>8}  rbsp {:>8}  nal_ref_idc {}  type {:>2}  {}", shown.where.offset,
-        shown.where.framing_size, shown.where.length, shown.rbsp_size, shown.nal.nal_ref_idc,
-        static_cast<unsigned int>(shown.nal.nal_unit_type), brenik::h264_nal_unit_type_to_str(shown.nal.nal_unit_type));
-    if (shown.walked == nullptr)
-        fmt::print("{}\n", line);
-    else
-        fmt::print("{}\n{}", emphasised(stdout, emphasis::strong, line), show_fields(*shown.walked));
+    const emphasis_marks around = shown.walked == nullptr ? emphasis_marks() : marks;
+    lines = around.begin;
+    fmt::format_to(
+        std::back_inserter(lines),
+        FMT_COMPILE("offset {:>10}  framing {}  length {:>8}  rbsp {:>8}  nal_ref_idc {}  type {:>2}  {}{}\n"),
+        shown.where.offset, shown.where.framing_size, shown.where.length, shown.rbsp_size, shown.nal.nal_ref_idc,
+        static_cast<unsigned int>(shown.nal.nal_unit_type), brenik::h264_nal_unit_type_to_str(shown.nal.nal_unit_type),
+        around.end);
+    if (shown.walked != nullptr) {
+        text_fields fields(lines);
+        show_fields(fields, *shown.walked);
+    }
+    write_output(lines);
 }
 
 json unit_json(const shown_unit& shown)

@@ -3,9 +3,12 @@
 
 #include "json_output.h"
 #include "piece_feeder.h"
+#include "terminal.h"
 #include "walked_unit.h"
 
 #include <cstddef>
+#include <cstdio>
+#include <string>
 
 namespace orv_h264 {
 
@@ -17,7 +20,15 @@ struct shown_unit {
     const walked_unit* walked = nullptr; ///< null when only the unit is shown, without its fields
 };
 
-void print_unit(const shown_unit& shown);
+/// Prints units to the standard output, for a person.
+class unit_printer {
+public:
+    void print(const shown_unit& shown);
+
+private:
+    emphasis_marks marks = marks_of(stdout, emphasis::strong);
+    std::string lines; // of the unit
+};
 
 json unit_json(const shown_unit& shown);
 

@@ -22,11 +22,17 @@ bool is_capable_terminal(std::FILE* stream)
     return ::isatty(::fileno(stream)) == 1 && environment("TERM") != "dumb";
 }
 
-std::string emphasised(std::FILE* stream, emphasis how, std::string_view text)
+emphasis_marks marks_of(std::FILE* stream, emphasis how)
 {
     if (!is_capable_terminal(stream) || !environment("NO_COLOR").empty())
-        return std::string(text);
-    return fmt::format("\x1B[{}m{}\x1B[0m", how == emphasis::error ? "1;31" : "1", text);
+        return {};
+    return {how == emphasis::error ? "\x1B[1;31m" : "\x1B[1m", "\x1B[0m"};
+}
+
+std::string emphasised(std::FILE* stream, emphasis how, std::string_view text)
+{
+    const emphasis_marks marks = marks_of(stream, how);
+    return fmt::format("{}{}{}", marks.begin, text, marks.end);
 }
 
 } // namespace orv_h264

@@ -13,8 +13,17 @@ bool is_capable_terminal(std::FILE* stream);
 /// How text may stand out on a terminal.
 enum class emphasis { strong, error };
 
-/// The text, in bold or in red where `stream` is a terminal that can show it and the environment variable NO_COLOR is
-/// unset or empty.
+/// What makes text between them stand out.
+struct emphasis_marks {
+    std::string_view begin;
+    std::string_view end;
+};
+
+/// Bold or red where `stream` is a terminal that can show it and the environment variable NO_COLOR is unset or empty;
+/// otherwise both are "".
+emphasis_marks marks_of(std::FILE* stream, emphasis how);
+
+/// The text between its marks.
 std::string emphasised(std::FILE* stream, emphasis how, std::string_view text);
 
 } // namespace orv_h264

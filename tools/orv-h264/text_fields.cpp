@@ -2,17 +2,12 @@
 
 #include <iterator>
 
-#include <fmt/format.h>
+#include <fmt/compile.h>
 #include <fmt/ranges.h>
 
 namespace orv_h264 {
 
 namespace {
-
-std::string text_of(const element_name& name)
-{
-    return name.index ? fmt::format("{}[{}]", name.name, *name.index) : std::string(name.name);
-}
 
 // Of bytes this many are shown, as hex or as text.
 constexpr std::size_t most_hex_bytes = 16;
@@ -23,14 +18,22 @@ std::string quoted(std::string_view text)
     return fmt::format("\"{}\"{}", text.substr(0, most_text_bytes), text.size() > most_text_bytes ? " ..." : "");
 }
 
-struct value_text {
-    std::string operator()(std::span<const std::uint8_t> list) const { return fmt::format("{}", fmt::join(list, " ")); }
+/// Appends a value.
+struct value_writer {
+    void operator()(std::string_view text) const { out += text; }
+
+    void operator()(std::span<const std::uint8_t> list) const
+    {
+        fmt::format_to(std::back_inserter(out), "{}", fmt::join(list, " "));
+    }
 
     template <typename T>
-    std::string operator()(T value) const
+    void operator()(T value) const
     {
-        return fmt::format("{}", value);
+        fmt::format_to(std::back_inserter(out), FMT_COMPILE("{}"), value);
     }
+
+    std::string& out;
 };
 
 } // namespace
@@ -43,20 +46,23 @@ std::string hex_start(std::span<const std::uint8_t> bytes)
 
 void text_fields::element(const element_name& name, const field_value& value, std::string_view note)
 {
-    const std::string text = std::visit(value_text(), value);
-    line(note.empty() ? fmt::format("{} {}", text_of(name), text)
-                      : fmt::format("{} {} ({})", text_of(name), text, note));
+    begin_line(name);
+    std::visit(value_writer{lines}, value);
+    if (!note.empty())
+        lines.append(" (").append(note) += ')';
+    lines += '\n';
 }
 
 void text_fields::bytes(const element_name& name, std::span<const std::uint8_t> all, std::string_view text)
 {
-    line(fmt::format("{} {}", text_of(name), text.empty() ? hex_start(all) : quoted(text)));
+    begin_line(name);
+    lines.append(text.empty() ? hex_start(all) : quoted(text)) += '\n';
 }
 
 void text_fields::open(const element_name&, std::string_view heading)
 {
     if (!heading.empty())
-        line(heading);
+        indent().append(heading) += '\n';
     ++depth;
 }
 
@@ -73,13 +79,21 @@ void text_fields::told(const fact&) {}
 
 void text_fields::derived(std::string_view text, std::initializer_list<fact>)
 {
-    line(fmt::format("= {}", text));
+    indent().append("= ").append(text) += '\n';
 }
 
-void text_fields::line(std::string_view text)
+std::string& text_fields::indent()
 {
-    constexpr int step = 4;
-    fmt::format_to(std::back_inserter(lines), "{:{}}{}\n", "", depth * step, text);
+    constexpr std::size_t step = 4;
+    return lines.append(depth * step, ' ');
+}
+
+void text_fields::begin_line(const element_name& name)
+{
+    indent() += name.name;
+    if (name.index)
+        fmt::format_to(std::back_inserter(lines), FMT_COMPILE("[{}]"), *name.index);
+    lines += ' ';
 }
 
 } // namespace orv_h264

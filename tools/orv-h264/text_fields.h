@@ -25,10 +25,11 @@ public:
     void derived(std::string_view text, std::initializer_list<fact> facts) override;
 
 private:
-    void line(std::string_view text);
+    std::string& indent();
+    void begin_line(const element_name& name);
 
     std::string& lines;
-    int depth = 1;
+    std::size_t depth = 1;
 };
 
 } // namespace orv_h264
