@@ -16,6 +16,16 @@ constexpr unsigned char end_of_stream = brenik::h264_nal_unit_type_end_of_stream
 constexpr std::size_t usual_scratch = std::size_t{64} * 1024;
 constexpr std::size_t smallest_scan = std::size_t{32} * 1024;
 
+// The scan reads SEI and sequence parameter sets to their ends. Of a slice it reads the header up to bottom_field_flag,
+// 24 bytes with all codes as long as it takes them, 36 when they are full of escapes; of other units nothing.
+constexpr std::size_t most_slice_bytes = 64;
+
+std::size_t bytes_read(brenik::h264_nal_unit_type type, std::size_t length)
+{
+    const bool whole = type == brenik::h264_nal_unit_type_sei || type == brenik::h264_nal_unit_type_sps;
+    return whole ? length : std::min(length, most_slice_bytes);
+}
+
 std::optional<std::uint32_t> find_recovery_point(const walked_unit& walked)
 {
     const auto* const sei = std::get_if<walked_sei>(&walked.syntax);
@@ -108,7 +118,9 @@ void frame_finder::add(const frame_unit& added, std::span<const unsigned char> b
     compact();
     units.push_back({stream.size(), added});
     stream.insert(stream.end(), start_code.begin(), start_code.end());
-    stream.insert(stream.end(), bytes.begin(), bytes.end());
+    const std::span<const unsigned char> head = bytes.first(bytes_read(added.nal.nal_unit_type, bytes.size()));
+    stream.insert(stream.end(), head.begin(), head.end());
+    held_bytes += start_code.size() + bytes.size();
 }
 
 // As a decoder does, the scan takes the end of the stream as the end of its last frame.
@@ -116,12 +128,13 @@ void frame_finder::finish()
 {
     stream.insert(stream.end(), start_code.begin(), start_code.end());
     stream.push_back(end_of_stream);
+    held_bytes += start_code.size() + 1;
     finished = true;
 }
 
 bool frame_finder::next(frame& found)
 {
-    if (!finished && !is_full() && held_bytes() < worth_scanning)
+    if (!finished && !is_full() && held_bytes < worth_scanning)
         return false;
     scratch.resize(std::max(scratch.size(), usual_scratch));
     for (;;) {
@@ -157,33 +170,35 @@ bool frame_finder::next(frame& found)
             take(stream.size(), found);
             return true;
         }
-        worth_scanning = std::max(2 * held_bytes(), smallest_scan);
+        worth_scanning = std::max(2 * held_bytes, smallest_scan);
         return false;
     }
 }
 
 bool frame_finder::is_full() const noexcept
 {
-    return held_bytes() >= most_bytes || held_units() >= most_units;
+    return held_bytes >= most_bytes || held_units() >= most_units;
 }
 
 /// Makes room for the largest unit; false when there is.
 bool frame_finder::grow_scratch()
 {
-    std::uint64_t largest = 0;
+    std::size_t largest = 0;
     for (std::size_t i = first_unit; i < units.size(); ++i)
-        largest = std::max(largest, units[i].what.where.length);
+        largest = std::max(largest, bytes_read(units[i].what.nal.nal_unit_type, units[i].what.where.length));
     if (scratch.size() >= largest)
         return false;
-    scratch.resize(static_cast<std::size_t>(largest));
+    scratch.resize(largest);
     return true;
 }
 
 /// Moves the units before `position` to the frame, whose duration is known.
 void frame_finder::take(std::size_t position, frame& found)
 {
-    for (; first_unit < units.size() && units[first_unit].position < position; ++first_unit)
+    for (; first_unit < units.size() && units[first_unit].position < position; ++first_unit) {
         found.units.push_back(units[first_unit].what);
+        held_bytes -= start_code.size() + static_cast<std::size_t>(units[first_unit].what.where.length);
+    }
     first_byte = position;
     if (found.units.empty())
         return;
@@ -202,7 +217,7 @@ void frame_finder::drop(std::size_t position)
 // Bytes move to the front only when at least as many were taken, so that each moves once on average.
 void frame_finder::compact()
 {
-    if (first_byte < held_bytes() || first_byte == 0)
+    if (first_byte < stream.size() - first_byte || first_byte == 0)
         return;
     stream.erase(stream.begin(), stream.begin() + static_cast<std::ptrdiff_t>(first_byte));
     units.erase(units.begin(), units.begin() + static_cast<std::ptrdiff_t>(first_unit));

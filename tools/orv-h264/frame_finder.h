@@ -86,12 +86,13 @@ private:
     void take(std::size_t position, frame& found);
     void drop(std::size_t position);
     void compact();
-    std::size_t held_bytes() const noexcept { return stream.size() - first_byte; }
     std::size_t held_units() const noexcept { return units.size() - first_unit; }
 
-    // The units, each behind a start code: the scan gets them as Annex B, whatever framing they came in.
+    // The units, each behind a start code, as far as the scan reads them: it gets them as Annex B, whatever framing
+    // they came in.
     std::vector<unsigned char> stream;
     std::size_t first_byte = 0;
+    std::size_t held_bytes = 0; // of the start codes and units held, had they been kept whole
     std::vector<held_unit> units;
     std::size_t first_unit = 0;
     std::vector<unsigned char> scratch;

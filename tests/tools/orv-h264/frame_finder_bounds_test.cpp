@@ -91,28 +91,45 @@ TEST(FrameFinderBounds, AUnitLargerThanTheScratchBufferIsReadAllTheSame)
     for (const std::size_t length : {65535U, 65536U, 65537U, 65538U, 200000U, 3000000U}) {
         slice_feed feed;
         feed.add(delimiter, 2);
+        feed.add(support::sei, length);
         feed.add(slice, 100);
-        feed.add(slice, length);
         feed.add(delimiter, 2);
-        feed.add(slice, length / 2);
+        feed.add(support::sei, length / 2);
+        feed.add(slice, length);
         feed.finish();
         ASSERT_EQ(2U, feed.frames.size()) << length;
         EXPECT_EQ(3U, feed.frames[0].units.size());
         EXPECT_EQ(length + 100 + 2 + 9, feed.frames[0].size);
-        EXPECT_EQ(2U, feed.frames[1].units.size());
+        EXPECT_EQ(3U, feed.frames[1].units.size());
         EXPECT_TRUE(feed.frames[1].last);
         EXPECT_FALSE(feed.frames[0].cut || feed.frames[1].cut);
     }
 }
 
-TEST(FrameFinderBounds, TheScratchBufferIsNoLargerThanTheLargestUnit)
+TEST(FrameFinderBounds, TheScratchBufferIsNoLargerThanTheLargestUnitThatIsReadWhole)
+{
+    work = {};
+    slice_feed feed;
+    feed.add(support::sei, 300000);
+    feed.add(support::sei, 100000);
+    feed.add(slice, 500000);
+    feed.finish();
+    EXPECT_EQ(300000U, work.scratch);
+    ASSERT_EQ(1U, feed.frames.size());
+    EXPECT_EQ(3U, feed.frames[0].units.size());
+    EXPECT_EQ(900009U, feed.frames[0].size);
+}
+
+TEST(FrameFinderBounds, OfASliceTheScanIsGivenNoMoreThanItReads)
 {
     work = {};
     slice_feed feed;
     feed.add(slice, 300000);
-    feed.add(slice, 100000);
+    feed.add(slice, 3000000);
     feed.finish();
-    EXPECT_EQ(300000U, work.scratch);
+    EXPECT_LE(work.bytes, 1000U);
+    ASSERT_EQ(1U, feed.frames.size());
+    EXPECT_EQ(3300006U, feed.frames[0].size);
 }
 
 TEST(FrameFinderBounds, ALargeUnitInFrontOfTheFirstFrameIsPassed)

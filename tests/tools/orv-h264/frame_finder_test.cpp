@@ -7,6 +7,8 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace {
 
 using orv_h264::frame;
@@ -46,6 +48,23 @@ TEST(FrameFinder, OfNothingThereIsNoFrame)
 TEST(FrameFinder, WithoutAUnitThatBeginsAFrameThereIsNone)
 {
     EXPECT_TRUE(frames_of(coded_stream().filler().end_of_sequence().filler(100000).unit(11, {})).empty());
+}
+
+TEST(FrameFinder, AFrameNumberBehindTheLongestCodesTellsFramesApart)
+{
+    constexpr std::size_t three_codes = 3 * (24 + 24) / 8; // bytes, which escapes make half as many again
+    coded_stream stream;
+    stream.sets(coded_sps(false));
+    for (const unsigned int frame_num : {0x10U, 0x10U, 0x20U}) {
+        bytes rbsp(500, 0);
+        rbsp[three_codes] = static_cast<unsigned char>(frame_num);
+        std::fill(rbsp.begin() + three_codes + 1, rbsp.end(), static_cast<unsigned char>(0x55));
+        stream.unit(support::header_byte(2, 1), rbsp);
+    }
+    const auto frames = frames_of(stream);
+    ASSERT_EQ(2U, frames.size());
+    EXPECT_EQ((types{7, 8, 1, 1}), types_of(frames[0]));
+    EXPECT_EQ((types{1}), types_of(frames[1]));
 }
 
 TEST(FrameFinder, AFrameHoldsWhatLeadsToItAndEndsBehindItsLastUnit)
