@@ -1,6 +1,8 @@
 #include "avcc.h"
 
 #include "input_file.h"
+#include "json_fields.h"
+#include "json_output.h"
 #include "messages.h"
 #include "names.h"
 #include "rbsp_decoder.h"
@@ -35,6 +37,16 @@ std::span<unsigned char> without_box_header(std::span<unsigned char> input)
     const std::string_view text(reinterpret_cast<const char*>(input.data()), input.size());
     const bool is_box = text.size() >= header_size && text.substr(4, 4) == "avcC";
     return is_box ? input.subspan(header_size) : input;
+}
+
+json unit_json(const shown_unit& shown)
+{
+    std::string text;
+    {
+        json_fields fields(text);
+        tell_unit(fields, shown);
+    }
+    return json::parse(text);
 }
 
 class record_view {

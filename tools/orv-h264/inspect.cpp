@@ -1,12 +1,15 @@
 #include "inspect.h"
 
+#include "json_fields.h"
 #include "json_output.h"
 #include "messages.h"
 #include "names.h"
 #include "show_unit.h"
+#include "standard_output.h"
 #include "stream_walker.h"
 
 #include <string>
+#include <string_view>
 
 namespace orv_h264 {
 
@@ -50,13 +53,18 @@ private:
             return;
         ++lines;
         const shown_unit shown = {u, nal, decoder.whole(reader).size(), options.nals ? nullptr : &walked};
-        if (options.json) {
-            json object = {{"record", "unit"}};
-            object.update(unit_json(shown));
-            print_json(object);
-        } else {
-            printer.print(shown);
+        options.json ? print_json_unit(shown) : printer.print(shown);
+    }
+
+    void print_json_unit(const shown_unit& shown)
+    {
+        line.clear();
+        {
+            json_fields fields(line);
+            fields.told({"record", std::string_view("unit")});
+            tell_unit(fields, shown);
         }
+        write_output(line += '\n');
     }
 
     const inspect_options& options;
@@ -65,6 +73,7 @@ private:
     stream_walker walker;
     rbsp_decoder decoder; // for the sizes
     unit_printer printer;
+    std::string line; // of JSON
     std::uint64_t lines = 0;
 };
 

@@ -1,30 +1,17 @@
 #include "show_unit.h"
 
-#include "json_fields.h"
 #include "show_syntax.h"
 #include "standard_output.h"
 #include "text_fields.h"
 
+#include <cstdint>
 #include <iterator>
+#include <string_view>
 #include <variant>
 
 #include <fmt/compile.h>
 
 namespace orv_h264 {
-
-namespace {
-
-json fields_json(const walked_unit& walked)
-{
-    json object = json::object();
-    {
-        json_fields fields(object);
-        show_fields(fields, walked);
-    }
-    return object;
-}
-
-} // namespace
 
 void unit_printer::print(const shown_unit& shown)
 {
@@ -43,22 +30,25 @@ void unit_printer::print(const shown_unit& shown)
     write_output(lines);
 }
 
-json unit_json(const shown_unit& shown)
+void tell_unit(field_sink& sink, const shown_unit& shown)
 {
-    json object = {{"offset", shown.where.offset},
-                   {"framing_size", shown.where.framing_size},
-                   {"length", shown.where.length},
-                   {"rbsp_size", shown.rbsp_size},
-                   {"nal_ref_idc", shown.nal.nal_ref_idc},
-                   {"nal_unit_type", static_cast<unsigned int>(shown.nal.nal_unit_type)},
-                   {"name", brenik::h264_nal_unit_type_to_str(shown.nal.nal_unit_type)}};
-    object["valid"] = nullptr;
-    object["fields"] = nullptr;
-    if (shown.walked == nullptr || std::holds_alternative<std::monostate>(shown.walked->syntax))
-        return object;
-    object["valid"] = problems_of(*shown.walked).empty();
-    object["fields"] = fields_json(*shown.walked);
-    return object;
+    const auto number = [&](const char* name, std::uint64_t value) { sink.told({name, value}); };
+    number("offset", shown.where.offset);
+    number("framing_size", shown.where.framing_size);
+    number("length", shown.where.length);
+    number("rbsp_size", shown.rbsp_size);
+    number("nal_ref_idc", shown.nal.nal_ref_idc);
+    number("nal_unit_type", shown.nal.nal_unit_type);
+    sink.told({"name", std::string_view(brenik::h264_nal_unit_type_to_str(shown.nal.nal_unit_type))});
+    if (shown.walked == nullptr || std::holds_alternative<std::monostate>(shown.walked->syntax)) {
+        sink.told({"valid", nullptr});
+        sink.told({"fields", nullptr});
+        return;
+    }
+    sink.told({"valid", problems_of(*shown.walked).empty()});
+    sink.open("fields", "");
+    show_fields(sink, *shown.walked);
+    sink.close();
 }
 
 } // namespace orv_h264

@@ -1,7 +1,7 @@
 // A NAL unit as the tool shows it: a line and its fields, or a JSON object.
 #pragma once
 
-#include "json_output.h"
+#include "field_sink.h"
 #include "piece_feeder.h"
 #include "terminal.h"
 #include "walked_unit.h"
@@ -30,6 +30,7 @@ private:
     std::string lines; // of the unit
 };
 
-json unit_json(const shown_unit& shown);
+/// Tells the members of the unit's JSON object to `sink`.
+void tell_unit(field_sink& sink, const shown_unit& shown);
 
 } // namespace orv_h264

@@ -25,12 +25,12 @@ std::string text_of(Fill fill)
 template <typename Fill>
 std::string json_of(Fill fill)
 {
-    nlohmann::ordered_json out;
+    std::string out;
     {
         orv_h264::json_fields sink(out);
         fill(static_cast<field_sink&>(sink));
     }
-    return out.dump();
+    return out;
 }
 
 } // namespace

@@ -5,25 +5,25 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <string>
 #include <vector>
 
 namespace {
 
 using orv_h264::field_printer;
 using orv_h264::json_fields;
-using json = nlohmann::ordered_json;
 
 /// What `show` makes of a printer that hands on the elements up to bit `limit`.
 template <typename Show>
 std::string json_of(Show show, std::size_t limit = field_printer::no_limit)
 {
-    json object = json::object();
+    std::string text;
     {
-        json_fields fields(object);
+        json_fields fields(text);
         field_printer p(fields, limit);
         show(p);
     }
-    return object.dump();
+    return text;
 }
 
 TEST(JsonFields, MeaningAndDerivedStandBehindTheElements)
@@ -57,6 +57,36 @@ TEST(JsonFields, EntriesThatWereNotSentAreNull)
         p.ue({"value", 2}, 6, "six");
     };
     EXPECT_EQ(R"({"value":[5,null,6],"meaning":{"value":[null,null,"six"]}})", json_of(show));
+}
+
+TEST(JsonFields, ArraysGrowSideBySide)
+{
+    const auto show = [](field_printer& p) {
+        for (std::size_t i = 0; i < 2; ++i) {
+            p.se({"left", i}, -1);
+            const field_printer::deeper indented(p, {"right", i});
+            p.u(8, "b", i);
+        }
+    };
+    EXPECT_EQ(R"({"left":[-1,-1],"right":[{"b":0},{"b":1}]})", json_of(show));
+}
+
+TEST(JsonFields, TextIsEscapedAndWhatIsNotUtf8Replaced)
+{
+    const auto show = [](field_printer& p) {
+        p.words("quoted", "\"a\\b\"");
+        p.words("control", "\n\x01\x7F");
+        p.words("utf8", "\xC3\xA4");
+        p.words("broken", "a\xFFz");
+    };
+    EXPECT_EQ("{\"quoted\":\"\\\"a\\\\b\\\"\",\"control\":\"\\n\\u0001\x7F\","
+              "\"utf8\":\"\xC3\xA4\",\"broken\":\"a\xEF\xBF\xBDz\"}",
+              json_of(show));
+}
+
+TEST(JsonFields, WithoutFieldsTheObjectIsEmpty)
+{
+    EXPECT_EQ("{}", json_of([](field_printer&) {}));
 }
 
 TEST(JsonFields, BytesAreHexDigitsAndTheirTextIsTheirMeaning)
