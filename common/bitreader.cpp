@@ -3,6 +3,7 @@
 #include <orv-utils-v4/h2645_common/bitreader.h>
 
 #include <algorithm>
+#include <bit>
 
 namespace brenik {
 
@@ -35,6 +36,12 @@ h2645_common_bitreader::h2645_common_bitreader(const unsigned char* data, const 
 // H.264 9.1
 unsigned int h2645_common_bitreader::ue()
 {
+    constexpr int most_zeros_loaded = 12; // a code with these is 25 bits long, as many as are loaded for sure
+    refill();
+    const int zeros_loaded = std::countl_zero(reservoir.bits);
+    if (zeros_loaded <= most_zeros_loaded)
+        return get<unsigned int>(static_cast<unsigned char>(2 * zeros_loaded + 1)) - 1;
+
     constexpr unsigned char too_many_zeros = 32;
     const std::size_t code_start = bits_consumed();
     unsigned char leading_zeros = 0;

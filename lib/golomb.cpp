@@ -3,13 +3,19 @@
 
 #include "legacy_bits.h"
 
+#include <algorithm>
+#include <bit>
+
 unsigned int legacy_bits::ue() const
 {
-    constexpr unsigned int longest_prefix = 24;
-    unsigned int zeros = 0;
-    while (zeros < longest_prefix && u(1) == 0)
-        ++zeros;
-    return (1U << zeros) - 1 + u(static_cast<unsigned char>(zeros));
+    constexpr unsigned char longest_prefix = 24;
+    be_bitfield_refill(&bf, fence); // 25 bits at least
+    const int zeros_loaded = std::countl_zero(bf.word << bf.bits);
+    const auto zeros = static_cast<unsigned char>(std::min<int>(zeros_loaded, longest_prefix));
+    u(zeros);
+    if (zeros < longest_prefix)
+        u(1);
+    return (1U << zeros) - 1 + u(zeros);
 }
 
 int legacy_bits::se() const

@@ -45,6 +45,16 @@ public:
         cursor = advance_past(cursor, 1);
         return 0;
     }
+
+    /// Whether the four bytes at `cursor` are there.
+    bool has_four() const noexcept { return range_size(cursor, fence) >= 4; }
+
+    /// The four bytes at `cursor`, which are there, first byte highest; `cursor` stays.
+    unsigned int peek_four() const noexcept
+    {
+        return static_cast<unsigned int>(cursor[0]) << 24 | static_cast<unsigned int>(cursor[1]) << 16 |
+               static_cast<unsigned int>(cursor[2]) << 8 | static_cast<unsigned int>(cursor[3]);
+    }
 };
 
 /// Reads bits out of a byte source through a reservoir. Past the end of the source the stream reads as an endless run
@@ -63,6 +73,12 @@ public:
     /// Loads whole bytes until at least 25 bits are valid. Consumes nothing.
     void refill() noexcept
     {
+        if (reservoir.empty_count >= 8 && source.has_four()) {
+            const unsigned int loaded_bits = reservoir.empty_count & ~7U; // 8 to 32
+            reservoir.empty_count = static_cast<unsigned char>(reservoir.empty_count & 7U);
+            reservoir.bits |= source.peek_four() >> (32 - loaded_bits) << reservoir.empty_count;
+            source.cursor += loaded_bits / 8;
+        }
         while (reservoir.empty_count >= 8) {
             const unsigned int byte = source.next_or_zero();
             reservoir.empty_count = static_cast<unsigned char>(reservoir.empty_count - 8);

@@ -28,6 +28,17 @@ inline void be_bitfield_load_byte(be_bitfield* b, const unsigned char* fence)
 /// Loads bytes until at least 25 bits are not consumed. Consumes nothing.
 inline void be_bitfield_refill(be_bitfield* b, const unsigned char* fence)
 {
+    if (b->bits < 8)
+        return;
+    if (fence != nullptr && b->ptr < fence && fence - b->ptr >= 4) {
+        const unsigned int loaded_bits = b->bits & ~7U; // 8 to 32
+        const std::uint64_t next_four =
+            std::uint64_t{b->ptr[0]} << 24 | std::uint64_t{b->ptr[1]} << 16 | std::uint64_t{b->ptr[2]} << 8 | b->ptr[3];
+        b->word = static_cast<std::uint32_t>((std::uint64_t{b->word} << 32 | next_four) >> (32 - loaded_bits));
+        b->ptr += loaded_bits / 8;
+        b->bits = static_cast<std::uint8_t>(b->bits & 7U);
+        return;
+    }
     for (; b->bits >= 8; b->bits = static_cast<std::uint8_t>(b->bits - 8))
         be_bitfield_load_byte(b, fence);
 }
