@@ -16,6 +16,9 @@ function(orv_library name)
         POSITION_INDEPENDENT_CODE ON
         INSTALL_RPATH "$ORIGIN")
     target_compile_features(${target} PUBLIC cxx_std_17)
+    # Members that were stored one by one are not to be loaded two at a time: the processor would wait for the stores.
+    # Calls within the library go to the library.
+    target_compile_options(${target} PRIVATE -fno-tree-slp-vectorize -fno-semantic-interposition)
     target_include_directories(${target}
         PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>
         PRIVATE ${PROJECT_SOURCE_DIR}/${arg_NAMESPACE_DIR})

@@ -7,6 +7,7 @@ endif()
 option(ORV_UTILS_V4_TOOLS "Build the command-line tool orv-h264" ${PROJECT_IS_TOP_LEVEL})
 option(ORV_UTILS_V4_EXAMPLES "Build the programs of examples/" ${PROJECT_IS_TOP_LEVEL})
 option(ORV_UTILS_V4_TESTS "Build the tests and fuzz replay programs" ${PROJECT_IS_TOP_LEVEL})
+option(ORV_UTILS_V4_BENCH "Build the benchmarks; needs Google Benchmark" OFF)
 set(ORV_UTILS_V4_SANITIZE "" CACHE STRING "Value for -fsanitize=, empty for none")
 
 if(PROJECT_IS_TOP_LEVEL AND NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)

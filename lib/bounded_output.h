@@ -1,10 +1,11 @@
 // Output into a caller's range: every write says whether it fits, and one that does not writes nothing.
 #pragma once
 
+#include "bytescan/copy_bytes.h"
+
 #include <orv-utils-v4/h2645_common/advance_past.h>
 
 #include <cstddef>
-#include <cstring>
 
 namespace brenik {
 
@@ -18,19 +19,18 @@ public:
     {
         if (count > range_size(at, fence))
             return false;
-        if (count != 0)
-            std::memcpy(at, from, count);
+        bytescan::copy_bytes(at, from, count);
         at += count;
         return true;
     }
 
-    /// Appends `count` zero bytes; false, and nothing written, when they do not fit.
+    /// Appends `count` zero bytes, a few; false, and nothing written, when they do not fit.
     bool zeros(std::size_t count) noexcept
     {
         if (count > range_size(at, fence))
             return false;
-        std::memset(at, 0, count);
-        at += count;
+        for (; count > 0; --count)
+            *at++ = 0;
         return true;
     }
 
@@ -39,6 +39,12 @@ public:
 
     /// Where the next byte goes.
     unsigned char* position() const noexcept { return at; }
+
+    /// How far it goes.
+    unsigned char* end() const noexcept { return fence; }
+
+    /// Goes on at `p`, up to which others have written.
+    void move_to(unsigned char* p) noexcept { at = p; }
 
 private:
     unsigned char* at;

@@ -1,6 +1,10 @@
 // The NAL scanner of the legacy interface, H.264 clause 7.3.1 and Annex B, and the dump of a buffer's units. It shares
-// nothing with the newer NAL reader.
+// the byte search with the newer NAL reader, and nothing else.
 #include <orv-utils-v4/h264_legacy/nal_parser.h>
+
+#include "bytescan/bytescan.h"
+#include "bytescan/copy_bytes.h"
+#include "bytescan/escapes.h"
 
 #include <orv-utils-v4/h2645_common/advance_past.h>
 #include <orv-utils-v4/misc/assertion.h>
@@ -9,6 +13,13 @@
 #include <iterator>
 
 using brenik::range_size;
+using brenik::bytescan::at_most_3;
+using brenik::bytescan::copy_bytes;
+using brenik::bytescan::drop_escapes;
+using brenik::bytescan::is_place;
+using brenik::bytescan::milestone;
+using brenik::bytescan::passage;
+using brenik::bytescan::zero_pairs;
 using orv_utils_v4::check;
 
 namespace {
@@ -42,8 +53,9 @@ struct bounded_copy {
     }
 };
 
-/// Copies the RBSP of the unit whose payload is at `q` and that ends at `unit_end` at the latest; where it does end.
-const unsigned char* copy_rbsp(bounded_copy& out, const unsigned char* q, const unsigned char* unit_end)
+/// Copies the RBSP from `q` on, bytes in the groups that an overflow drops; where the unit ends, at `unit_end` or
+/// before.
+const unsigned char* copy_rbsp_in_groups(bounded_copy& out, const unsigned char* q, const unsigned char* unit_end)
 {
     while (range_size(q, unit_end) >= 3) {
         const bool two_zeros = q[0] == 0 && q[1] == 0;
@@ -65,6 +77,38 @@ const unsigned char* copy_rbsp(bounded_copy& out, const unsigned char* q, const 
     return q;
 }
 
+/// Copies the RBSP of the unit whose payload is at `q` and that ends at `unit_end` at the latest; where it does end.
+const unsigned char* copy_rbsp(bounded_copy& out, const unsigned char* q, const unsigned char* unit_end)
+{
+    passage bytes = {q, unit_end, out.write, out.fence};
+    milestone group = {q, out.write}; // from here groups are counted
+    if (!bytes.runs_into_itself() && drop_escapes(bytes, group)) {
+        out.write = bytes.write;
+        return bytes.read;
+    }
+    zero_pairs pairs(bytes.read, unit_end, at_most_3);
+    for (;;) {
+        const unsigned char* const place = pairs.next();
+        const std::size_t plain = range_size(bytes.read, place);
+        if (range_size(bytes.write, out.fence) < plain + 2) {
+            out.write = group.write;
+            return copy_rbsp_in_groups(out, group.read, unit_end);
+        }
+        copy_bytes(bytes.write, bytes.read, plain);
+        bytes.write += plain;
+        bytes.read = place;
+        if (place == unit_end || place[2] != 3) {
+            out.write = bytes.write;
+            return place;
+        }
+        *bytes.write++ = 0;
+        *bytes.write++ = 0;
+        bytes.read += 3;
+        pairs.resume(bytes.read);
+        group = {bytes.read, bytes.write};
+    }
+}
+
 /// Takes the unit whose header byte is at `header`.
 const unsigned char* take_unit(h264_nal_parser_state& hp, unsigned char* out, std::size_t out_size,
                                const unsigned char* header, const unsigned char* unit_end)
@@ -81,13 +125,18 @@ const unsigned char* take_unit(h264_nal_parser_state& hp, unsigned char* out, st
     return q;
 }
 
+/// Mostly it does: a scan begins where the last unit ended.
+bool begins_with_start_code(const unsigned char* s, const unsigned char* sf)
+{
+    return range_size(s, sf) >= 3 && is_place(s, brenik::bytescan::one);
+}
+
 const unsigned char* scan_annexb(h264_nal_parser_state& hp, unsigned char* out, std::size_t out_size,
                                  const unsigned char* s, const unsigned char* sf)
 {
-    const unsigned char* p = s;
-    for (; range_size(p, sf) >= 3; ++p) {
-        if (p[0] != 0 || p[1] != 0 || p[2] != 1)
-            continue;
+    zero_pairs start_codes(s, sf, brenik::bytescan::one);
+    const unsigned char* p = begins_with_start_code(s, sf) ? s : start_codes.next();
+    for (; p != sf; p = start_codes.next()) {
         const unsigned char* const header = p + 3;
         hp.raw_nal = p;
         hp.raw_nal_fence = nullptr;
@@ -95,8 +144,9 @@ const unsigned char* scan_annexb(h264_nal_parser_state& hp, unsigned char* out, 
             return sf;
         if ((*header & forbidden_bit) == 0)
             return take_unit(hp, out, out_size, header, sf);
+        start_codes.resume(header);
     }
-    return p;
+    return range_size(s, sf) >= 3 ? sf - 2 : s;
 }
 
 const unsigned char* scan_length_prefixed(h264_nal_parser_state& hp, unsigned char* out, std::size_t out_size,

@@ -1,10 +1,20 @@
-// The NAL writer of the legacy interface, H.264 clause 7.3.1 and Annex B. It shares nothing with the newer NAL writer.
+// The NAL writer of the legacy interface, H.264 clause 7.3.1 and Annex B. It shares the byte
+// search with the newer NAL writer, and nothing else.
 #include <orv-utils-v4/h264_legacy/nal_writer.h>
+
+#include "bytescan/bytescan.h"
+#include "bytescan/copy_bytes.h"
+#include "bytescan/escapes.h"
 
 #include <orv-utils-v4/h2645_common/advance_past.h>
 #include <orv-utils-v4/misc/assertion.h>
 
+#include <algorithm>
+
 using brenik::range_size;
+using brenik::bytescan::copy_bytes;
+using brenik::bytescan::passage;
+using brenik::bytescan::zero_pairs;
 
 namespace {
 
@@ -12,21 +22,35 @@ constexpr std::size_t smallest_output = 16;
 constexpr std::size_t start_code_size = 3;
 constexpr std::size_t kept_room = 3;
 
+/// How many bytes may be written at `w`, one after another.
+std::size_t room(const unsigned char* w, const unsigned char* out_fence)
+{
+    const std::size_t left = range_size(w, out_fence);
+    return left > kept_room ? left - kept_room : 0;
+}
+
 /// Copies the payload with emulation-prevention bytes while more than three bytes of room remain; where the copy ends.
-unsigned char* escape(unsigned char* w, const unsigned char* out_fence, const unsigned char* p,
+unsigned char* escape(unsigned char* w, unsigned char* out_fence, const unsigned char* p,
                       const unsigned char* payload_fence)
 {
-    while (p != payload_fence && range_size(w, out_fence) > kept_room) {
-        if (range_size(p, payload_fence) >= 3 && p[0] == 0 && p[1] == 0 && p[2] <= 3) {
-            *w++ = 0;
-            *w++ = 0;
-            *w++ = 3;
-            p += 2;
-        } else {
-            *w++ = *p++;
-        }
+    passage bytes = {p, payload_fence, w, out_fence};
+    if (!bytes.runs_into_itself())
+        brenik::bytescan::insert_escapes(bytes);
+    zero_pairs pairs(bytes.read, payload_fence, brenik::bytescan::at_most_3);
+    for (;;) {
+        const unsigned char* const place = pairs.next();
+        const std::size_t plain = std::min(range_size(bytes.read, place), room(bytes.write, out_fence));
+        copy_bytes(bytes.write, bytes.read, plain);
+        bytes.write += plain;
+        bytes.read += plain;
+        if (bytes.read != place || place == payload_fence || room(bytes.write, out_fence) == 0)
+            return bytes.write;
+        *bytes.write++ = 0;
+        *bytes.write++ = 0;
+        *bytes.write++ = 3;
+        bytes.read += 2;
+        pairs.resume(bytes.read);
     }
-    return w;
 }
 
 void store_big_endian(unsigned char* prefix, unsigned int size, std::size_t value)

@@ -1,26 +1,105 @@
-// The one search behind every byte loop: two zero bytes and a small third. Between two such places readers and
-// writers only copy.
+// The one search behind every byte loop: two zero bytes and a certain third. It takes all places of a block at once, so
+// that data full of them costs no more than a step each.
 #pragma once
+
+#include "bytescan/block.h"
+#include "bytescan/third_byte.h"
 
 #include <orv-utils-v4/h2645_common/advance_past.h>
 
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
 namespace brenik::bytescan {
+
+/// The places p of a range where p[0] = p[1] = 0 and p[2] is of a kind, all three bytes in the range; one after
+/// another.
+template <typename Block>
+class zero_pairs_of {
+public:
+    zero_pairs_of(const unsigned char* start, const unsigned char* end, third_byte kind) noexcept
+        : first(start), fence(end), third(kind), block(start), searched(start)
+    {
+    }
+
+    /// The next place at or behind where the search stands; the end of the range when there is none.
+    const unsigned char* next() noexcept
+    {
+        if (places == 0 && !search())
+            return fence;
+        return block + std::countr_zero(places);
+    }
+
+    /// Goes on at `p`, which does not lie before the place found last.
+    void resume(const unsigned char* p) noexcept
+    {
+        if (p < searched) {
+            places &= ~std::uint64_t{0} << (p - block);
+        } else {
+            searched = p;
+            places = 0;
+        }
+    }
+
+private:
+    /// Goes to the next block with a place; false when there is none.
+    bool search() noexcept
+    {
+        for (block = searched; range_size(block, fence) >= block_bytes; block = searched) {
+            ask_ahead(block);
+            searched = block + block_places;
+            places = Block::places(block, third);
+            if (places != 0)
+                return true;
+        }
+        const std::size_t left = range_size(block, fence);
+        if (left <= block_bytes - block_places)
+            return false;
+        searched = fence - (block_bytes - block_places);
+        places = last_places(left - (block_bytes - block_places));
+        return places != 0;
+    }
+
+    /// The places among the last `count` of the range, fewer than a block has.
+    std::uint64_t last_places(std::size_t count) const noexcept
+    {
+        constexpr std::size_t few = 16;
+        if (count <= few)
+            return places_one_by_one(count);
+        if (range_size(first, fence) >= block_bytes)
+            return Block::places(fence - block_bytes, third) >> (block_places - count);
+        unsigned char padded[block_bytes];
+        std::memset(padded, 0xFF, sizeof padded);
+        std::memcpy(padded, block, range_size(block, fence));
+        return Block::places(padded, third) & ~(~std::uint64_t{0} << count);
+    }
+
+    std::uint64_t places_one_by_one(std::size_t count) const noexcept
+    {
+        std::uint64_t found = 0;
+        for (std::size_t i = 0; i < count; ++i)
+            found |= std::uint64_t{is_place(block + i, third)} << i;
+        return found;
+    }
+
+    const unsigned char* first;
+    const unsigned char* fence;
+    third_byte third;
+    const unsigned char* block;
+    const unsigned char* searched; // every place before it has been looked at
+    std::uint64_t places = 0;      // bit i: `block` + i is a place that has not been passed
+};
+
+using zero_pairs = zero_pairs_of<native_block>;
 
 /// The first place p in [`start`, `fence`) where p[0] = p[1] = 0 and p[2] <= `largest_third` (at most 3), all three
 /// bytes before `fence`; `fence` when there is none.
 template <typename Byte>
 Byte* find_zero_pair(Byte* start, Byte* fence, unsigned char largest_third) noexcept
 {
-    Byte* p = start;
-    while (range_size(p, fence) >= 3) {
-        if (p[2] > largest_third)
-            p += 3;
-        else if (p[0] == 0 && p[1] == 0)
-            return p;
-        else
-            ++p;
-    }
-    return fence;
+    return start + (zero_pairs(start, fence, {0, largest_third}).next() - start);
 }
 
 } // namespace brenik::bytescan
