@@ -1,0 +1,105 @@
+// bench [--megabytes=N] [Google Benchmark's options]   runs every task on every data set by every contender, as
+// benchmarks named TASK/DATA/SIDE/CONTENDER. script/bench calls it, and makes the ratios of what it prints. Exit status
+// 1: two contenders did not do the same work.
+#include "task.h"
+
+#include <benchmark/benchmark.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <map>
+#include <string>
+
+namespace {
+
+using bench::contender;
+using bench::data_set;
+using bench::data_set_named;
+using bench::side;
+using bench::task;
+
+const char* name_of(side who)
+{
+    switch (who) {
+    case side::ours:
+        return "ours";
+    case side::peer:
+        return "peer";
+    case side::memory:
+        return "memory";
+    case side::scalar:
+        return "scalar";
+    }
+    return "?";
+}
+
+bool all_agree = true;
+
+/// Whether the results of a task on a data set agree, which they must: what does other work is no measure.
+bool agrees(const std::string& task_and_data, std::uint64_t result)
+{
+    static std::map<std::string, std::uint64_t> results;
+    return result == 0 || results.try_emplace(task_and_data, result).first->second == result;
+}
+
+void measure(benchmark::State& state, const task& what, const contender& by, const std::string& data,
+             std::size_t megabytes)
+{
+    data_set& set = data_set_named(data, megabytes);
+    std::uint64_t result = 0;
+    for ([[maybe_unused]] auto _ : state)
+        result = by.run(set);
+    state.SetBytesProcessed(static_cast<std::int64_t>(what.bytes(set)) * state.iterations());
+    if (agrees(what.name + '/' + data, result))
+        return;
+    all_agree = false;
+    state.SkipWithError(("another result than the others': " + std::to_string(result)).c_str());
+}
+
+/// Takes --megabytes=N out of the arguments.
+std::size_t megabytes_of(int& argc, char** argv)
+{
+    constexpr char option[] = "--megabytes=";
+    std::size_t megabytes = 200;
+    int kept = 1;
+    for (int i = 1; i < argc; ++i) {
+        if (std::strncmp(argv[i], option, sizeof option - 1) == 0)
+            megabytes = std::strtoul(argv[i] + sizeof option - 1, nullptr, 10);
+        else
+            argv[kept++] = argv[i];
+    }
+    argc = kept;
+    return megabytes;
+}
+
+std::vector<task> all_tasks()
+{
+    std::vector<task> all;
+    for (const auto& tasks : {bench::split_tasks(), bench::decode_tasks(), bench::encode_tasks(), bench::header_tasks(),
+                              bench::frame_tasks(), bench::reframe_tasks()})
+        all.insert(all.end(), tasks.begin(), tasks.end());
+    return all;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    const std::size_t megabytes = megabytes_of(argc, argv);
+    const std::vector<task> tasks = all_tasks();
+    for (const task& what : tasks)
+        for (const std::string& data : what.data)
+            for (const contender& by : what.contenders) {
+                const std::string name = what.name + '/' + data + '/' + name_of(by.who) + '/' + by.name;
+                benchmark::RegisterBenchmark(name.c_str(), [&what, &by, data, megabytes](benchmark::State& state) {
+                    measure(state, what, by, data, megabytes);
+                })->Unit(benchmark::kMillisecond);
+            }
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv))
+        return EXIT_FAILURE;
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return all_agree ? EXIT_SUCCESS : EXIT_FAILURE;
+}

@@ -1,0 +1,68 @@
+// What is measured: a task, and who does it.
+#pragma once
+
+#include "data_set.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace bench {
+
+enum class side {
+    ours,   ///< the libraries
+    peer,   ///< what others use for it
+    memory, ///< a pass over the same bytes that does nothing else
+    scalar, ///< the loop as the clause words it
+};
+
+/// One way to do a task. The result is a number that must be the same for all of them (units, bytes, frames), 0 from
+/// one that cannot tell.
+struct contender {
+    side who;
+    std::string name;
+    std::function<std::uint64_t(data_set&)> run;
+};
+
+struct task {
+    std::string name;
+    std::function<std::uint64_t(const data_set&)> bytes; ///< that one run takes in
+    std::vector<std::string> data;                       ///< names of data sets
+    std::vector<contender> contenders;
+};
+
+std::vector<task> split_tasks();
+std::vector<task> decode_tasks();
+std::vector<task> encode_tasks();
+std::vector<task> header_tasks();
+std::vector<task> frame_tasks();
+std::vector<task> reframe_tasks();
+
+/// Those that the program was built with; empty when it was built without.
+namespace peers {
+std::vector<contender> split();
+std::vector<contender> decode();
+std::vector<contender> encode();
+std::vector<contender> headers();
+std::vector<contender> frames();
+std::vector<contender> to_length4();
+std::vector<contender> to_annex_b();
+} // namespace peers
+
+/// Room for the largest unit of a data set, written or read back.
+inline std::vector<unsigned char>& scratch_for(const data_set& set)
+{
+    static std::vector<unsigned char> room;
+    room.resize(std::max(room.size(), 2 * set.largest_unit + data_set::padding));
+    return room;
+}
+
+inline std::vector<contender> operator+(std::vector<contender> all, const std::vector<contender>& more)
+{
+    all.insert(all.end(), more.begin(), more.end());
+    return all;
+}
+
+} // namespace bench
