@@ -61,20 +61,12 @@ std::uint64_t by_literal_scan(data_set& set)
     return scan_units(set, literal::nal_parser_scan);
 }
 
-std::uint64_t by_copying(data_set& set)
-{
-    std::vector<unsigned char>& room = scratch_for(set);
-    for (const unit_place& unit : set.units)
-        copy_pass(room.data(), set.payloads.data() + unit.offset, unit.size);
-    return 0;
-}
-
 } // namespace
 
 std::vector<task> decode_tasks()
 {
     const auto bytes = [](const data_set& set) { return set.annex_b_size; };
-    const contender memory = {side::memory, "memcpy", by_copying};
+    const contender memory = {side::memory, "memcpy", copy_payloads};
     return {{"T2 decode reader", bytes, data_set_names(),
              std::vector<contender>{
                  {side::ours, "reader", by_reader}, {side::scalar, "literal", by_literal_reader}, memory} +

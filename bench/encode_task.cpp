@@ -61,23 +61,13 @@ std::uint64_t by_literal_write(data_set& set)
     });
 }
 
-std::uint64_t by_copying(data_set& set)
-{
-    std::vector<unsigned char>& room = scratch_for(set);
-    each_unit(set, [&](const unsigned char* payload, std::size_t size, unsigned char) {
-        copy_pass(room.data(), payload, size);
-        return size;
-    });
-    return 0;
-}
-
 } // namespace
 
 std::vector<task> encode_tasks()
 {
     const auto bytes = [](const data_set& set) { return set.payloads.size(); };
     const std::vector<contender> beside =
-        std::vector<contender>{{side::memory, "memcpy", by_copying}} + peers::encode();
+        std::vector<contender>{{side::memory, "memcpy", copy_payloads}} + peers::encode();
     return {
         {"T3 encode writer", bytes, data_set_names(),
          std::vector<contender>{{side::ours, "writer", by_writer}, {side::scalar, "literal", by_literal_writer}} +

@@ -41,14 +41,6 @@ std::uint64_t by_literal_scan(data_set& set)
     return frames;
 }
 
-std::uint64_t by_copying(data_set& set)
-{
-    std::vector<unsigned char>& room = scratch_for(set);
-    for (const unit_place& unit : set.units)
-        copy_pass(room.data(), set.payloads.data() + unit.offset, unit.size);
-    return 0;
-}
-
 } // namespace
 
 std::vector<task> frame_tasks()
@@ -58,7 +50,7 @@ std::vector<task> frame_tasks()
              {"large", "8k", "70"},
              std::vector<contender>{{side::ours, "frame_scan", by_frame_scan},
                                     {side::scalar, "literal", by_literal_scan},
-                                    {side::memory, "memcpy", by_copying}} +
+                                    {side::memory, "memcpy", copy_payloads}} +
                  peers::frames()}};
 }
 

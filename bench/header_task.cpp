@@ -13,7 +13,6 @@ using namespace brenik;
 struct header_parser {
     h2645_common_base_store<h264_nal_sps> sps_store;
     h2645_common_base_store<h264_nal_pps> pps_store;
-    h264_nal_slice_header slice;
     std::uint64_t sound = 0;
 
     void parse(h264_nal_reader& reader)
@@ -35,10 +34,12 @@ struct header_parser {
             break;
         }
         case h264_nal_unit_type_slice_non_idr:
-        case h264_nal_unit_type_slice_idr:
+        case h264_nal_unit_type_slice_idr: {
+            h264_nal_slice_header slice;
             slice.parse(br, sps_store, pps_store, reader.nal);
             sound += slice.valid ? 1U : 0U;
             break;
+        }
         default:
             break;
         }

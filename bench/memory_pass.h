@@ -1,6 +1,8 @@
 // What the memory allows: a pass that only reads, and copies.
 #pragma once
 
+#include "task.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -29,6 +31,15 @@ inline void copy_pass(unsigned char* out, const unsigned char* p, std::size_t si
 {
     std::memcpy(out, p, size);
     benchmark::ClobberMemory();
+}
+
+/// Every payload into the same room, and nothing else.
+inline std::uint64_t copy_payloads(data_set& set)
+{
+    std::vector<unsigned char>& room = scratch_for(set);
+    for (const unit_place& unit : set.units)
+        copy_pass(room.data(), set.payloads.data() + unit.offset, unit.size);
+    return 0;
 }
 
 } // namespace bench

@@ -22,6 +22,7 @@ void must(bool holds, const char* what)
         throw std::runtime_error(what);
 }
 
+// NOLINTNEXTLINE(readability-non-const-parameter): libavutil asks for this signature
 void keep_bytes(void* opaque, std::uint8_t* data)
 {
     static_cast<void>(opaque);
@@ -149,6 +150,7 @@ std::vector<unsigned char> parameter_sets(const data_set& set)
     return bytes;
 }
 
+// NOLINTNEXTLINE(readability-non-const-parameter): libavformat asks for this signature
 int drop(void* opaque, std::uint8_t* bytes, int count)
 {
     static_cast<void>(bytes);

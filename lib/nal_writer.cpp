@@ -30,6 +30,7 @@ std::size_t room(const unsigned char* w, const unsigned char* out_fence)
 }
 
 /// Copies the payload with emulation-prevention bytes while more than three bytes of room remain; where the copy ends.
+// NOLINTNEXTLINE(readability-non-const-parameter): it is written through the passage
 unsigned char* escape(unsigned char* w, unsigned char* out_fence, const unsigned char* p,
                       const unsigned char* payload_fence)
 {

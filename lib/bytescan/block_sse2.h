@@ -9,7 +9,6 @@
 
 namespace brenik::bytescan {
 
-// NOLINTBEGIN(portability-simd-intrinsics): this file is the one for this machine
 struct sse2_block {
     /// Bit i: two zero bytes and one of `third` are at `p` + i. Reads 66 bytes.
     static std::uint64_t places(const unsigned char* p, third_byte third) noexcept
@@ -42,6 +41,5 @@ private:
         return static_cast<std::uint32_t>(_mm_movemask_epi8(_mm_cmpeq_epi8(bytes, _mm_setzero_si128())));
     }
 };
-// NOLINTEND(portability-simd-intrinsics)
 
 } // namespace brenik::bytescan

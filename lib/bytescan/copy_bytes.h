@@ -34,7 +34,7 @@ inline void copy_bytes(unsigned char* out, const unsigned char* from, std::size_
     else if (count >= 2)
         copy_two_blocks<2>(out, from, count);
     else if (count == 1)
-        *out = *from;
+        *out = *from; // NOLINT(clang-analyzer-core.uninitialized.Assign): it follows no memcpy
 }
 
 } // namespace brenik::bytescan
