@@ -56,8 +56,8 @@ unsigned char* escape(unsigned char* w, unsigned char* out_fence, const unsigned
 
 void store_big_endian(unsigned char* prefix, unsigned int size, std::size_t value)
 {
-    for (unsigned int i = size; i-- > 0; value >>= 8)
-        prefix[i] = static_cast<unsigned char>(value & 0xFF);
+    for (unsigned int i = size; i > 0; value >>= 8)
+        prefix[--i] = static_cast<unsigned char>(value & 0xFF);
 }
 
 } // namespace
