@@ -47,7 +47,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     whole.resize(out_size, unwritten);
     fuzz::expect(std::equal(whole.begin(), whole.end(), out.begin()), "the bytes written are the literal writer's");
     const bool prefix_holds_length = nal_length_size == 0 || nal_length_size > 2 ||
-                                     expected.output.size() - nal_length_size < std::size_t{1} << 8 * nal_length_size;
+                                     expected.output.size() < nal_length_size + (std::size_t{1} << 8 * nal_length_size);
     if (missing == 0 && header < 128 && prefix_holds_length)
         scan_again(expected.output, nal_length_size, header, payload);
     return 0;

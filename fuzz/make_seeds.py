@@ -854,6 +854,75 @@ def frame_finder_seeds():
     return seeds
 
 
+def block_twins_seeds():
+    """A kind of third byte, a step, the room for what is written, and the data."""
+    def seed(data, kind=0, step=2, room=1000):
+        return bytes([kind, step, room >> 8, room & 0xFF]) + data
+
+    escapes = bytes([0, 0, 3]) * 100
+    return {
+        "empty": b"",
+        "escapes": seed(escapes),
+        "escapes_and_an_end": seed(bytes(70) + escapes[:150] + START_CODE + bytes([0x55] * 200)),
+        "zeros": seed(bytes(300), step=0),
+        "plain": seed(bytes(range(1, 256)) * 2, kind=5),
+        "start_codes": seed((START_CODE + bytes([0x65] * 40)) * 8, kind=2),
+        "small_room": seed(bytes([9] * 66) + escapes, room=97),
+        "short": seed(bytes([0, 0, 2, 0, 0, 1]), kind=1, room=3),
+    }
+
+
+def generations_nal_seeds():
+    units = [unit(SPS, 0x42, 0, 0, 3, 1), unit(FORBIDDEN, 1), unit(IDR, 0x88, 0, 0, 3, 0, 0, 3, 3), unit(AUD, 0xF0)]
+    annexb = b"".join(START_CODE + body for body in units)
+    seeds = {
+        "annexb": bytes([0, SPS]) + bytes(1) + annexb,
+        "two_zeros_at_the_end": bytes([0, SPS, 7, 0, 0]),
+        "four_zeros_at_the_end": bytes([0, SPS, 7, 0, 0, 0, 0]),
+        "length_above_its_prefix": bytes([1, SPS]) + bytes([7] * 255),
+        "length1_ends_early": bytes([1, SPS]) + prefixed(1, unit(SPS, 9, 0, 0, 1, 7)) + prefixed(1, unit(PPS, 8)),
+        "many_zeros": bytes([4, SPS]) + bytes(400),
+    }
+    for k in range(1, 5):
+        seeds[f"length{k}"] = bytes([k, SPS]) + b"".join(prefixed(k, body) for body in units)
+    return seeds
+
+
+def generations_syntax_seeds():
+    def seed(sps, slice_bits, sei, flags=2):
+        return bytes([flags]) + b"".join(bytes([len(part)]) + part for part in (sps, bits(slice_bits), sei))
+
+    plain = rbsp(sps_head() + sps_tail(ue(0) + ue(0)))
+    timed = rbsp(sps_head() + sps_tail(ue(0) + ue(0), vui_text="1" + vui(NO_GROUPS, hrd(1))))
+    high = rbsp(sps_head(profile_idc=100, high=ue(1) + ue(0) + ue(0) + "00") + sps_tail(ue(2)))
+    start = ue(0) + ue(7) + ue(0) + u(4, 7)
+    idr = start + ue(3) + u(4, 9) + se(0) + "0"
+    timing = bytes([1, 7]) + bytes(range(7)) + b"\x80"
+    return {
+        "empty": b"",
+        "plain": seed(plain, start + u(4, 9) + se(1) + "000", timing),
+        "idr": seed(plain, idr, b"\x05\x01\x00\x80", flags=3),
+        "timed": seed(timed, start + u(4, 9) + se(1) + "000", timing),
+        "high": seed(high, start + "000", b"\x01\x00\x80"),
+    }
+
+
+def dumps_seeds():
+    """How many bytes of a unit, plus 2^31; the prefix size; the size of the stream, the stream; and the fields."""
+    def seed(shown, stream, k=0, fields=b""):
+        return (shown + 2**31).to_bytes(4, "big") + bytes([k, len(stream)]) + stream + fields
+
+    stream = START_CODE + unit(SPS, *range(40)) + START_CODE + unit(0x1F, 1) + START_CODE + unit(AUD)
+    counted = b"".join(i.to_bytes(4, "big") for i in range(1, 63))
+    return {
+        "every_byte": seed(65536, stream, fields=counted),
+        "none": seed(0, stream, fields=b"\xff" * 248),
+        "fewer_than_none": seed(-(2**31), stream),
+        "sixteen": seed(16, stream, fields=bytes(248)),
+        "seventeen": seed(17, prefixed(2, stream[3:20]) + prefixed(2, unit(PPS, 7)), k=2),
+    }
+
+
 def main():
     all_seeds = {
         "frame_finder": frame_finder_seeds(),
@@ -862,6 +931,10 @@ def main():
         "legacy_nal_parser": legacy_nal_parser_seeds(),
         "legacy_nal_write": legacy_nal_write_seeds(),
         "bitreader": bitreader_seeds(),
+        "block_twins": block_twins_seeds(),
+        "generations_nal": generations_nal_seeds(),
+        "generations_syntax": generations_syntax_seeds(),
+        "legacy_dumps": dumps_seeds(),
         "hrd_parameters": hrd_seeds(),
         "legacy_sei": legacy_sei_seeds(),
         "legacy_slice": legacy_slice_seeds(),
