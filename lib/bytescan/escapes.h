@@ -43,9 +43,12 @@ struct passage {
         write += bytes_written;
     }
 
+    /// The bytes may be written a little before where they are read.
     void copy_block() noexcept
     {
-        std::memcpy(write, read, block_places);
+        constexpr std::size_t half = block_places / 2;
+        copy_two_blocks<half / 2>(write, read, half);
+        copy_two_blocks<half / 2>(write + half, read + half, half);
         advance(block_places, block_places);
     }
 };

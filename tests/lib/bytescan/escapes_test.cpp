@@ -194,6 +194,21 @@ TYPED_TEST(Escapes, AreDroppedInPlace)
     }
 }
 
+TYPED_TEST(Escapes, BlocksWithoutAnyAreCopiedInPlaceBehindOneThatWas)
+{
+    for (std::size_t escapes = 1; escapes <= 70; ++escapes) {
+        bytes data = repeated({0, 0, 3, 5}, 0, 4 * escapes);
+        for (unsigned int i = 0; i < 400; ++i)
+            data.push_back(static_cast<unsigned char>(1 + i % 255));
+        const guarded_buffer buffer(data);
+        passage at = all_of(buffer, buffer);
+        milestone behind_escape = {at.read, at.write};
+        brenik::bytescan::drop_escapes<TypeParam>(at, behind_escape);
+        ASSERT_EQ(escapes, static_cast<std::size_t>(at.read - at.write));
+        ASSERT_EQ(dropped(data, offset(buffer, at.read)).written, bytes(buffer.begin(), at.write));
+    }
+}
+
 TEST(Passage, RunsIntoItselfWhereItWritesAheadOfWhatItReads)
 {
     unsigned char data[8] = {};
