@@ -63,7 +63,7 @@ std::string line(const std::string& name, std::int64_t number, std::int64_t sar_
         "aspect_ratio_idc", "colour_primaries", "transfer_characteristics", "matrix_coefficients"};
     if (name == "sar_height")
         return "aspect_ratio: " + std::to_string(sar_width) + " / " + std::to_string(number) + "\n";
-    return name + ": " + (in_hex.count(name) != 0 ? "0x" + hex_digits(number, 2) : std::to_string(number)) + "\n";
+    return name + ": " + (in_hex.contains(name) ? "0x" + hex_digits(number, 2) : std::to_string(number)) + "\n";
 }
 
 void dump_sps(h264_sps seq)

@@ -50,15 +50,18 @@ inline fed remember(const orv_h264::gap& g)
 struct feed_options {
     std::size_t piece = orv_h264::input_window::usual_piece; ///< the most bytes one read gives
     std::size_t max_unit = orv_h264::piece_feeder::usual_max_unit;
+    std::size_t step = 0; ///< when not 0, reads give 1, 1 + step, 1 + 2 * step ... bytes, modulo `piece`
 };
 
 /// Everything the feeder hands on for `stream`.
 inline std::vector<fed> feed(const bytes& stream, brenik::h2645_common_nalfmt nalfmt, feed_options options = {})
 {
     std::size_t at = 0;
+    std::size_t reads = 0;
     orv_h264::input_window window(
         [&](unsigned char* out, std::size_t size) {
-            const std::size_t count = std::min(size, stream.size() - at);
+            const std::size_t most = options.step == 0 ? size : 1 + reads++ * options.step % options.piece;
+            const std::size_t count = std::min({size, most, stream.size() - at});
             std::copy_n(stream.data() + at, count, out);
             at += count;
             return count;
