@@ -6,10 +6,10 @@ namespace {
 
 using list_modification = brenik::h264_nal_slice_header::ref_pic_list_modification_entry_t;
 
-/// The bits of u(v) whose length is told less four, as the library counts them.
+/// The bits of u(v) whose length is told less four, as the library counts them: modulo 256.
 unsigned int length_of(std::uint32_t log2_minus4)
 {
-    return static_cast<std::uint8_t>(log2_minus4 + 4);
+    return static_cast<std::uint8_t>(std::uint64_t{log2_minus4} + 4);
 }
 
 // H.264 7.3.3.1, ref_pic_list_modification() of list `number`
