@@ -163,6 +163,22 @@ inline std::size_t largest_array(const named_values& fields)
     return largest;
 }
 
+/// What does not hold of a parse that holds of every one; "" when all does. `most_entries` is for the arrays.
+inline std::string fault_of(const compared& c, std::size_t most_entries)
+{
+    if (!c.difference.empty())
+        return c.difference;
+    if (largest_array(c.after) > most_entries)
+        return "an array has " + std::to_string(largest_array(c.after)) + " entries";
+    if (!c.before.names->contain("valid"))
+        return "";
+    const bool was_valid = c.before.at("valid").number == 1;
+    const bool is_valid = c.after.at("valid").number == 1;
+    if (c.end.threw ? is_valid != was_valid : c.end.result != is_valid && is_valid != was_valid)
+        return "`valid` is " + std::to_string(is_valid) + ", the result " + std::to_string(c.end.result);
+    return "";
+}
+
 /// The most entries that an array may have after a parse: the library's limit, or what `Parses` says.
 template <typename Parses>
 constexpr std::size_t most_entries()

@@ -52,9 +52,9 @@ struct pic_timing_parses {
 
     compared operator()(structure& object, const bit_range& bits) const
     {
-        const brenik::h264_nal_sps sps = sps_with(vui);
+        const brenik::h264_nal_sps seq = sps_with(vui);
         return compare_parses(
-            object, bits, [&](structure& timing, brenik::h2645_common_bitreader& br) { return timing.parse(br, sps); },
+            object, bits, [&](structure& timing, brenik::h2645_common_bitreader& br) { return timing.parse(br, seq); },
             [this](const literal::structure& s) { return literal::pic_timing(s, vui); });
     }
 };

@@ -30,17 +30,8 @@ concept never_throws = Parses::never_throws;
 /// Whether what holds for every parse holds for this one.
 inline testing::AssertionResult sound(const compared& c, std::size_t most_entries)
 {
-    if (!c.difference.empty())
-        return testing::AssertionFailure() << c.difference;
-    if (largest_array(c.after) > most_entries)
-        return testing::AssertionFailure() << "an array has " << largest_array(c.after) << " entries";
-    if (!c.before.names->contain("valid"))
-        return testing::AssertionSuccess();
-    const bool was_valid = c.before.at("valid").number == 1;
-    const bool is_valid = c.after.at("valid").number == 1;
-    if (c.end.threw ? is_valid != was_valid : c.end.result != is_valid && is_valid != was_valid)
-        return testing::AssertionFailure() << "`valid` is " << is_valid << ", the result " << c.end.result;
-    return testing::AssertionSuccess();
+    const std::string fault = fault_of(c, most_entries);
+    return fault.empty() ? testing::AssertionSuccess() : testing::AssertionFailure() << fault;
 }
 
 /// The values an element is set to; of a scaling list's deltas, the first two and the last stand for the others.

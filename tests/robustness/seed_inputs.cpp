@@ -1,0 +1,171 @@
+// Bad inputs for the fuzz entry points, which check what they do themselves: their seeds cut and flipped, and streams
+// of two bytes behind what they need before them.
+#include "input_class.h"
+
+#include "support/stream_builder.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <memory>
+
+#define ENTRY_POINT(name) extern "C" int fuzz_##name(const std::uint8_t* data, std::size_t size);
+#include "entry_points.inc"
+#undef ENTRY_POINT
+
+namespace robustness {
+
+namespace {
+
+namespace fs = std::filesystem;
+using support::bytes;
+
+struct entry_point {
+    const char* name;
+    int (*run)(const std::uint8_t* data, std::size_t size);
+};
+
+constexpr entry_point entry_points[] = {
+#define ENTRY_POINT(name) {#name, fuzz_##name},
+#include "entry_points.inc"
+#undef ENTRY_POINT
+};
+
+/// A file of fuzz/seeds and the entry point that it is for.
+struct seed {
+    const entry_point* entry;
+    bytes content;
+};
+
+const entry_point* entry_named(const std::string& name)
+{
+    const auto* const found = std::find_if(std::begin(entry_points), std::end(entry_points),
+                                           [&](const entry_point& entry) { return name == entry.name; });
+    return found == std::end(entry_points) ? nullptr : found;
+}
+
+bytes content_of(const fs::path& path)
+{
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+/// Sorted by their paths, so that inputs have the same numbers everywhere.
+std::vector<seed> all_seeds(const input_class& inputs)
+{
+    std::vector<fs::path> paths;
+    for (const auto& file : fs::recursive_directory_iterator(ORV_TEST_SEEDS))
+        if (file.is_regular_file())
+            paths.push_back(file.path());
+    std::sort(paths.begin(), paths.end());
+    std::vector<seed> seeds;
+    for (const fs::path& path : paths) {
+        const entry_point* const entry = entry_named(path.parent_path().filename().string());
+        if (entry != nullptr)
+            seeds.push_back({entry, content_of(path)});
+        else if (inputs.whole())
+            inputs.fail("the entry point of this seed is not built in: " + path.string());
+    }
+    if (seeds.empty())
+        inputs.fail("there are no seeds");
+    return seeds;
+}
+
+/// Runs the entry point over a block that is as long as the data.
+void run(input_class& inputs, const entry_point& entry, const bytes& data)
+{
+    if (!inputs.next(entry.name))
+        return;
+    const std::unique_ptr<std::uint8_t[]> block(new std::uint8_t[data.size()]);
+    std::copy(data.begin(), data.end(), block.get());
+    entry.run(block.get(), data.size());
+    if (!std::equal(data.begin(), data.end(), block.get()))
+        inputs.fail("the input was changed");
+}
+
+bytes cut(const bytes& data, std::size_t bits)
+{
+    bytes made(data.begin(), data.begin() + static_cast<std::ptrdiff_t>((bits + 7) / 8));
+    if (bits % 8 != 0)
+        made.back() = static_cast<unsigned char>(made.back() & 0xFF00U >> bits % 8);
+    return made;
+}
+
+/// What an entry point needs before two bytes of stream, and what follows them.
+struct surroundings {
+    const char* entry;
+    std::vector<bytes> before;
+    bytes behind = {};
+};
+
+/// The options of the entry points are told in their sources.
+std::vector<surroundings> all_surroundings()
+{
+    constexpr unsigned char any_room = 255;
+    std::vector<surroundings> all = {
+        {"sei_reader", {{}, {5}, {255}}},
+        {"legacy_sei", {{0, 0, 0}, {7, 4, 5}, {7, 24, 25}, {7, 4, 5, 1}}},
+        {"sei_user_data_unreg", {bytes(17, 0xDC)}},
+        {"nal_aud", {{0}, {3}}},
+        {"decoder_configuration_record",
+         {{}, {1}, {1, 66, 0, 30}, {1, 66, 0, 30, 255}, {1, 66, 0, 30, 255, 225}, {1, 66, 0, 30, 255, 224}}},
+        {"bitreader", {{0}, {4, 4, 0, 5, 0, 4, 0, 6, 0}, {3, 1, 31, 4, 0, 7, 0}}},
+        {"legacy_bits", {{0}, {1}, {2, 1, 5}}},
+    };
+    for (unsigned char framing = 0; framing < 6; ++framing)
+        all.push_back({"nal_reader",
+                       {{framing, 7, 0},
+                        {framing, 3, 1, 0},
+                        {framing, 9, 0, 0, 0, 1, 103},
+                        {framing, 2, 0, 0, 0},
+                        {framing, 5, 0, 0, 0, 3},
+                        {framing, 0, 1, 1, 0, 0, 1, 9},
+                        {framing, 4, 2, 1, 3, 0, 0, 0, 1, 65}}});
+    for (unsigned char prefix_size = 0; prefix_size < 5; ++prefix_size) {
+        all.push_back({"legacy_nal_parser", {{prefix_size, 3, 0}, {prefix_size, 1, 9, 0, 0, 1, 103}}, {0, 0, 1, 9}});
+        all.push_back({"legacy_frame_scan", {{prefix_size, 0, any_room}, {prefix_size, 1, any_room, 0, 0, 1}}});
+        all.push_back({"legacy_nal_write", {{prefix_size, 103, 0}, {prefix_size, 103, 2, 0}}});
+        all.push_back({"nal_writer", {{static_cast<unsigned char>(prefix_size + 1), 0, 3, 7, 1, 2}}});
+    }
+    return all;
+}
+
+} // namespace
+
+void run_stream_bodies(input_class& inputs)
+{
+    for (const surroundings& around : all_surroundings()) {
+        const entry_point* const entry = entry_named(around.entry);
+        if (entry == nullptr)
+            inputs.fail(std::string("no entry point is called ") + around.entry);
+        for (const bytes& before : around.before)
+            for (unsigned int value = 0; value < 65536; ++value) {
+                bytes data = before;
+                data.push_back(static_cast<unsigned char>(value / 256));
+                data.push_back(static_cast<unsigned char>(value % 256));
+                data.insert(data.end(), around.behind.begin(), around.behind.end());
+                run(inputs, *entry, data);
+            }
+    }
+}
+
+void run_seed_truncations(input_class& inputs)
+{
+    for (const seed& s : all_seeds(inputs))
+        for (std::size_t bits = 0; bits <= 8 * s.content.size(); ++bits)
+            run(inputs, *s.entry, cut(s.content, bits));
+}
+
+void run_seed_flips(input_class& inputs)
+{
+    for (const seed& s : all_seeds(inputs))
+        for (std::size_t i = 0; i < 8 * s.content.size(); ++i) {
+            bytes flipped = s.content;
+            flipped[i / 8] = static_cast<unsigned char>(flipped[i / 8] ^ 0x80U >> i % 8);
+            run(inputs, *s.entry, flipped);
+        }
+}
+
+} // namespace robustness
