@@ -53,6 +53,7 @@ void run_all(const std::vector<std::size_t>& sizes)
 {
     for (const adversary& data : bounded::all_adversaries()) {
         std::vector<block> blocks;
+        blocks.reserve(sizes.size());
         for (const std::size_t size : sizes)
             blocks.emplace_back(data.make(size * kib));
         for (const work& what : bounded::all_works())

@@ -229,7 +229,7 @@ std::uint64_t legacy_parse_slice(block& data)
 std::uint64_t legacy_parse_record(block& data)
 {
     h264_AVCDecoderConfigurationRecord record;
-    return static_cast<std::uint64_t>(h264_AVCDecoderConfigurationRecord_parse(&record, data.begin(), data.end()) + 1);
+    return h264_AVCDecoderConfigurationRecord_parse(&record, data.begin(), data.end()) == 0 ? 1 : 0;
 }
 
 } // namespace

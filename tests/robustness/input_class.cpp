@@ -48,7 +48,7 @@ void on_signal(int number)
 
 } // namespace
 
-bool input_class::next(const std::string& subject)
+bool input_class::next(std::string_view subject)
 {
     const std::uint64_t number = count++;
     if (chosen.none || (chosen.only ? number != *chosen.only : number % chosen.stride != 0))

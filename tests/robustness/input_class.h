@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace robustness {
 
@@ -22,7 +23,7 @@ public:
 
     /// The next input, of something called `subject`: `run` returns what does not hold, "" when all does.
     template <typename Run>
-    void input(const std::string& subject, Run run)
+    void input(std::string_view subject, Run run)
     {
         if (!next(subject))
             return;
@@ -32,7 +33,7 @@ public:
     }
 
     /// Whether the next input is to be run; its run then follows.
-    bool next(const std::string& subject);
+    bool next(std::string_view subject);
 
     /// Counts further runs within the latest input.
     void also_ran(std::uint64_t more) { run_count += more; }

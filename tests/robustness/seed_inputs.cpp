@@ -73,11 +73,13 @@ std::vector<seed> all_seeds(const input_class& inputs)
     return seeds;
 }
 
-/// Runs the entry point over a block that is as long as the data.
-void run(input_class& inputs, const entry_point& entry, const bytes& data)
+/// Runs the entry point over a block as long as the data that `make` returns.
+template <typename Make>
+void run(input_class& inputs, const entry_point& entry, Make make)
 {
     if (!inputs.next(entry.name))
         return;
+    const bytes data = make();
     const std::unique_ptr<std::uint8_t[]> block(new std::uint8_t[data.size()]);
     std::copy(data.begin(), data.end(), block.get());
     entry.run(block.get(), data.size());
@@ -141,13 +143,14 @@ void run_stream_bodies(input_class& inputs)
         if (entry == nullptr)
             inputs.fail(std::string("no entry point is called ") + around.entry);
         for (const bytes& before : around.before)
-            for (unsigned int value = 0; value < 65536; ++value) {
-                bytes data = before;
-                data.push_back(static_cast<unsigned char>(value / 256));
-                data.push_back(static_cast<unsigned char>(value % 256));
-                data.insert(data.end(), around.behind.begin(), around.behind.end());
-                run(inputs, *entry, data);
-            }
+            for (unsigned int value = 0; value < 65536; ++value)
+                run(inputs, *entry, [&] {
+                    bytes data = before;
+                    data.push_back(static_cast<unsigned char>(value / 256));
+                    data.push_back(static_cast<unsigned char>(value % 256));
+                    data.insert(data.end(), around.behind.begin(), around.behind.end());
+                    return data;
+                });
     }
 }
 
@@ -155,17 +158,18 @@ void run_seed_truncations(input_class& inputs)
 {
     for (const seed& s : all_seeds(inputs))
         for (std::size_t bits = 0; bits <= 8 * s.content.size(); ++bits)
-            run(inputs, *s.entry, cut(s.content, bits));
+            run(inputs, *s.entry, [&] { return cut(s.content, bits); });
 }
 
 void run_seed_flips(input_class& inputs)
 {
     for (const seed& s : all_seeds(inputs))
-        for (std::size_t i = 0; i < 8 * s.content.size(); ++i) {
-            bytes flipped = s.content;
-            flipped[i / 8] = static_cast<unsigned char>(flipped[i / 8] ^ 0x80U >> i % 8);
-            run(inputs, *s.entry, flipped);
-        }
+        for (std::size_t i = 0; i < 8 * s.content.size(); ++i)
+            run(inputs, *s.entry, [&] {
+                bytes flipped = s.content;
+                flipped[i / 8] = static_cast<unsigned char>(flipped[i / 8] ^ 0x80U >> i % 8);
+                return flipped;
+            });
 }
 
 } // namespace robustness

@@ -109,16 +109,15 @@ std::string check_legacy_writer(const bytes& payload, unsigned int prefix_size, 
                  out.untouched_but(expected.output.size()), armed_new::made());
 }
 
-/// A stream of one unit, `prefix_size` 0 for Annex B, and of the unit and what begins the next one.
-std::vector<bytes> framed(std::size_t prefix_size, const bytes& payload)
+/// A stream of one unit, `prefix_size` 0 for Annex B, alone or before what begins the next one.
+bytes framed(std::size_t prefix_size, const bytes& payload, bool before_start_code)
 {
     support::stream_builder stream;
     if (prefix_size == 0)
         stream.annexb_unit(header_byte, payload);
     else
         stream.prefixed_unit(prefix_size, header_byte, payload);
-    const bytes alone = stream;
-    return {alone, stream.start_code()};
+    return before_start_code ? stream.start_code() : stream;
 }
 
 /// The unit in blocks of the size, and once more after that.
@@ -183,22 +182,25 @@ void run_legacy_writer_sizes(input_class& inputs)
 void run_block_sizes(input_class& inputs)
 {
     each_payload([&](const bytes& payload) {
-        for (unsigned int nalfmt = 1; nalfmt <= literal::annexb; ++nalfmt) {
-            for (const bytes& stream : framed(nalfmt == literal::annexb ? 0 : nalfmt, payload))
+        for (unsigned int nalfmt = 1; nalfmt <= literal::annexb; ++nalfmt)
+            for (const bool before_start_code : {false, true})
                 for (std::size_t size = 0; size <= payload.size() + room_to_spare; ++size)
-                    inputs.input("block_decode", [&] { return check_blocks(stream, nalfmt, size); });
-        }
+                    inputs.input("block_decode", [&] {
+                        const std::size_t prefix_size = nalfmt == literal::annexb ? 0 : nalfmt;
+                        return check_blocks(framed(prefix_size, payload, before_start_code), nalfmt, size);
+                    });
     });
 }
 
 void run_legacy_scan_sizes(input_class& inputs)
 {
     each_payload([&](const bytes& payload) {
-        for (unsigned int prefix_size = 0; prefix_size <= 4; ++prefix_size) {
-            for (const bytes& stream : framed(prefix_size, payload))
+        for (unsigned int prefix_size = 0; prefix_size <= 4; ++prefix_size)
+            for (const bool before_start_code : {false, true})
                 for (std::size_t size = 0; size <= payload.size() + room_to_spare; ++size)
-                    inputs.input("h264_nal_parser_scan", [&] { return check_legacy_scan(stream, prefix_size, size); });
-        }
+                    inputs.input("h264_nal_parser_scan", [&] {
+                        return check_legacy_scan(framed(prefix_size, payload, before_start_code), prefix_size, size);
+                    });
     });
 }
 
