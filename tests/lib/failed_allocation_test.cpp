@@ -1,5 +1,5 @@
-// Parses that run out of memory. This program replaces the global operator new, so it is one of its own: the k-th call
-// while armed throws, for every k that a parse reaches.
+// Parses that run out of memory: the k-th allocation throws, for every k that a parse reaches.
+#include "support/failing_new.h"
 #include "support/literal_sei_parse.h"
 #include "support/parameter_set_fields.h"
 #include "support/parsed.h"
@@ -12,61 +12,7 @@
 #include <gtest/gtest.h>
 
 #include <cstddef>
-#include <cstdlib>
-#include <limits>
 #include <new>
-
-namespace {
-
-constexpr std::size_t never = std::numeric_limits<std::size_t>::max();
-
-/// How many allocations are left before one fails.
-std::size_t allocations_left = never;
-std::size_t allocations_made = 0;
-
-void* allocate(std::size_t size)
-{
-    ++allocations_made;
-    if (allocations_left != never && allocations_left-- == 0) {
-        allocations_left = never;
-        throw std::bad_alloc();
-    }
-    if (void* const memory = std::malloc(size == 0 ? 1 : size))
-        return memory;
-    throw std::bad_alloc();
-}
-
-} // namespace
-
-void* operator new(std::size_t size)
-{
-    return allocate(size);
-}
-
-void* operator new[](std::size_t size)
-{
-    return allocate(size);
-}
-
-void operator delete(void* memory) noexcept
-{
-    std::free(memory);
-}
-
-void operator delete[](void* memory) noexcept
-{
-    std::free(memory);
-}
-
-void operator delete(void* memory, std::size_t /*size*/) noexcept
-{
-    std::free(memory);
-}
-
-void operator delete[](void* memory, std::size_t /*size*/) noexcept
-{
-    std::free(memory);
-}
 
 namespace {
 
@@ -77,22 +23,19 @@ using brenik::h264_nal_slice_header;
 using brenik::h264_nal_sps;
 using brenik::h264_scaling_list;
 using brenik::h264_vui_parameters;
+using support::armed_new;
 
 /// A parse whose allocation `k`, counted from 0, fails; it must not throw.
 template <typename Parse>
 bool with_failing_allocation(std::size_t k, Parse parse)
 {
-    allocations_made = 0;
-    allocations_left = k;
-    bool result = false;
     try {
-        result = parse();
+        const armed_new memory(k);
+        return parse();
     } catch (...) {
-        allocations_left = never;
         ADD_FAILURE() << "allocation " << k << " got out";
+        return false;
     }
-    allocations_left = never;
-    return result;
 }
 
 h2645_common_bitreader reader(const support::guarded_buffer& buffer)
@@ -130,7 +73,7 @@ TEST(FailedAllocation, AScalingListGivesFalseAndValidKeepsItsValue)
         EXPECT_EQ(0U, br.bits_consumed());
         EXPECT_TRUE(with_failing_allocation(1, [&] { return list.parse(br, 16); }));
         EXPECT_TRUE(list.valid);
-        EXPECT_EQ(1U, allocations_made);
+        EXPECT_EQ(1U, armed_new::made());
     }
 }
 
@@ -349,8 +292,9 @@ TEST(FailedAllocation, OfASliceHeaderGetsOutAndTheEntriesBeforeItAreKept)
     const support::guarded_buffer buffer(support::written(description).made());
     h264_nal_slice_header whole;
     h2645_common_bitreader first = reader(buffer);
-    ASSERT_TRUE(with_failing_allocation(never, [&] { return whole.parse(first, sps_store, pps_store, context.nal); }));
-    const std::size_t all = allocations_made;
+    ASSERT_TRUE(with_failing_allocation(armed_new::never,
+                                        [&] { return whole.parse(first, sps_store, pps_store, context.nal); }));
+    const std::size_t all = armed_new::made();
     ASSERT_GE(all, 4U);
     std::size_t kept_before = 0;
     for (std::size_t k = 0; k < all; ++k)
@@ -358,9 +302,11 @@ TEST(FailedAllocation, OfASliceHeaderGetsOutAndTheEntriesBeforeItAreKept)
             h2645_common_bitreader br = reader(buffer);
             h264_nal_slice_header slice;
             slice.valid = valid;
-            allocations_left = k;
-            EXPECT_THROW(slice.parse(br, sps_store, pps_store, context.nal), std::bad_alloc) << k;
-            allocations_left = never;
+            const auto parse = [&] {
+                const armed_new memory(k);
+                return slice.parse(br, sps_store, pps_store, context.nal);
+            };
+            EXPECT_THROW(parse(), std::bad_alloc) << k;
             EXPECT_EQ(valid, slice.valid) << k;
             EXPECT_EQ(9U, slice.frame_num);
             const auto& l0 = slice.ref_pic_list_modification_l0;

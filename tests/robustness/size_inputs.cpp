@@ -1,10 +1,10 @@
 // Outputs of every size, from none to more than is needed, for the writers and the decoders of both interfaces. Behind
 // the output lies an unmapped page, before it bytes that must stay; the inputs can only be read. The payloads are all
 // strings of a few bytes that matter.
-#include "failing_new.h"
 #include "input_class.h"
 #include "read_only_input.h"
 
+#include "support/failing_new.h"
 #include "support/guarded_buffer.h"
 #include "support/legacy_nal_walk.h"
 #include "support/literal_walk.h"
@@ -85,14 +85,14 @@ std::string check_writer(const bytes& payload, unsigned int nalfmt, unsigned int
     unsigned char* const data = in.put(payload);
     std::size_t result = 0;
     {
-        const armed_new memory;
+        const support::armed_new memory;
         result = writer.block_encode(data, payload.size(), header, zero_bytes);
     }
     // What did not fit may have been begun.
     const std::size_t touched = expected != 0 ? expected : size;
     return fault(result == expected && writer.write == start + expected,
                  std::equal(start, start + expected, model.buffer.begin()), out.untouched_but(touched),
-                 armed_new::made());
+                 support::armed_new::made());
 }
 
 std::string check_legacy_writer(const bytes& payload, unsigned int prefix_size, unsigned char header, std::size_t size)
@@ -102,11 +102,11 @@ std::string check_legacy_writer(const bytes& payload, unsigned int prefix_size, 
     unsigned char* const data = in.put(payload);
     int result = 0;
     {
-        const armed_new memory;
+        const support::armed_new memory;
         result = h264_nal_write(start, size, data, payload.size(), prefix_size, header);
     }
     return fault(result == expected.result, std::equal(expected.output.begin(), expected.output.end(), start),
-                 out.untouched_but(expected.output.size()), armed_new::made());
+                 out.untouched_but(expected.output.size()), support::armed_new::made());
 }
 
 /// A stream of one unit, `prefix_size` 0 for Annex B, alone or before what begins the next one.

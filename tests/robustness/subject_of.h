@@ -1,8 +1,9 @@
 // Makes a subject of one of the pairs of parses in tests/support.
 #pragma once
 
-#include "failing_new.h"
 #include "subject.h"
+
+#include "support/failing_new.h"
 
 #include <new>
 #include <utility>
@@ -32,7 +33,7 @@ template <typename Structure, typename Real>
 std::string parse_armed(Structure& object, const support::bit_range& bits, const Real& real, std::size_t k)
 {
     try {
-        const armed_new memory(k);
+        const support::armed_new memory(k);
         real(object, bits);
     } catch (const std::bad_alloc&) {
         return has_valid<Structure> ? "" : "the legacy interface threw";
@@ -59,7 +60,7 @@ subject subject_of(std::string name, const Parses& parses, const support::elemen
                                                               std::size_t k) {
         structure object = object_in(state, filled);
         std::string fault = parse_armed(object, bits, real, k);
-        const std::size_t requests = armed_new::made();
+        const std::size_t requests = support::armed_new::made();
         if (!has_valid<structure> && requests != 0)
             fault += "the legacy interface asked for memory";
         if (support::largest_array(support::fields_of(object)) > most_entries)

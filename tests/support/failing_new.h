@@ -1,10 +1,10 @@
-// This program's operator new: it counts, and its k-th call while armed fails.
+// The operator new of a program that links failing_new.cpp: it counts, and its k-th call while armed fails.
 #pragma once
 
 #include <cstddef>
 #include <limits>
 
-namespace robustness {
+namespace support {
 
 /// While it lives, allocations are counted, and the one with the index `k` fails.
 class armed_new {
@@ -20,4 +20,4 @@ public:
     static std::size_t made();
 };
 
-} // namespace robustness
+} // namespace support

@@ -1,5 +1,5 @@
 // The global operator new of this program.
-#include "failing_new.h"
+#include "support/failing_new.h"
 
 #include <cstdlib>
 #include <new>
@@ -7,7 +7,7 @@
 namespace {
 
 bool armed = false;
-std::size_t failing = robustness::armed_new::never;
+std::size_t failing = support::armed_new::never;
 std::size_t allocations = 0;
 
 void* allocate(std::size_t size)
@@ -21,7 +21,7 @@ void* allocate(std::size_t size)
 
 } // namespace
 
-namespace robustness {
+namespace support {
 
 armed_new::armed_new(std::size_t k)
 {
@@ -40,7 +40,7 @@ std::size_t armed_new::made()
     return allocations;
 }
 
-} // namespace robustness
+} // namespace support
 
 void* operator new(std::size_t size)
 {
