@@ -74,7 +74,7 @@ TEST(JsonFields, ArraysGrowSideBySide)
 TEST(JsonFields, TextIsEscapedAndWhatIsNotUtf8Replaced)
 {
     const auto show = [](field_printer& p) {
-        p.words("quoted", "\"a\\b\"");
+        p.words("quoted", R"("a\b")");
         p.words("control", "\n\x01\x7F");
         p.words("utf8", "\xC3\xA4");
         p.words("broken", "a\xFFz");
