@@ -15,8 +15,8 @@ enum class emphasis { strong, error };
 
 /// What makes text between them stand out.
 struct emphasis_marks {
-    std::string_view begin;
-    std::string_view end;
+    std::string_view begin = "";
+    std::string_view end = "";
 };
 
 /// Bold or red where `stream` is a terminal that can show it and the environment variable NO_COLOR is unset or empty;
