@@ -15,8 +15,10 @@ enum class emphasis { strong, error };
 
 /// What makes text between them stand out.
 struct emphasis_marks {
+    // NOLINTBEGIN(readability-redundant-string-init): {fmt} copies from their address, which must not be null
     std::string_view begin = "";
     std::string_view end = "";
+    // NOLINTEND(readability-redundant-string-init)
 };
 
 /// Bold or red where `stream` is a terminal that can show it and the environment variable NO_COLOR is unset or empty;
