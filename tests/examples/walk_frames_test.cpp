@@ -2,14 +2,22 @@
 #include "support/run_tool.h"
 #include "support/stream_files.h"
 
+#include <orv-utils-v4/h264_legacy.h>
+
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <cstdio>
+#include <sstream>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace {
 
 using support::bytes;
 using support::tool_result;
+using placed = std::vector<std::pair<std::ptrdiff_t, std::ptrdiff_t>>; // offset and size of each frame
 
 tool_result walk(const bytes& stream)
 {
@@ -47,6 +55,52 @@ TEST(WalkFrames, ANewSizeIsTold)
     const std::string lines = walk_file("two_sizes.264").out;
     EXPECT_NE(std::string::npos, lines.find("176 x 144\n"));
     EXPECT_NE(std::string::npos, lines.find("128 x 96\n"));
+}
+
+/// Where each frame lies, from the lines of the example.
+placed placed_by_example(const bytes& stream)
+{
+    std::istringstream lines(walk(stream).out);
+    placed frames;
+    for (std::string line; std::getline(lines, line);) {
+        std::ptrdiff_t offset = 0;
+        std::ptrdiff_t size = 0;
+        if (std::sscanf(line.c_str(), "%td %td bytes", &offset, &size) == 2)
+            frames.emplace_back(offset, size);
+    }
+    return frames;
+}
+
+/// The same of one run of the scan over the stream in memory.
+placed placed_in_memory(const bytes& stream)
+{
+    bytes scratch(stream.size());
+    h264_common_frame_scan_info frame;
+    h264_sps sps;
+    bool sps_updated = false;
+    placed frames;
+    const unsigned char* const end = stream.data() + stream.size();
+    const unsigned char* next = stream.data();
+    do {
+        next = h264_common_frame_scan(frame, sps_updated, sps, next, end, 0, scratch.data(), scratch.size(), 0);
+        const unsigned char* const frame_end = frame.complete != 0 ? next : end;
+        if (frame.complete != 0 || frame.need_more_data != 0)
+            frames.emplace_back(frame.frame_start - stream.data(), frame_end - frame.frame_start);
+    } while (frame.complete != 0);
+    return frames;
+}
+
+TEST(WalkFrames, AStreamReadInPiecesHasTheFramesOfTheWhole)
+{
+    bytes stream;
+    for (const auto& path : support::annexb_files(ORV_TEST_STREAMS)) {
+        const bytes one = support::read_file(path);
+        stream.insert(stream.end(), one.begin(), one.end());
+    }
+    ASSERT_LT(std::size_t{4} * 65536, stream.size());
+    const placed frames = placed_by_example(stream);
+    EXPECT_EQ(placed_in_memory(stream), frames);
+    EXPECT_LT(300U, frames.size());
 }
 
 TEST(WalkFrames, NothingHasNoFrames)

@@ -3,8 +3,21 @@
 /// out its RBSP without the emulation-prevention bytes (H.264 clause 7.3.1 and Annex B). It allocates nothing and
 /// never writes to the buffer, which must outlive it. `brenik::h264_nal_reader` is the reader for H.264.
 ///
-/// Scan from the start of the buffer; while `found` and not `incomplete`, read `nal` and call `block_decode`; then scan
-/// again from `next`. When `incomplete`, keep the bytes from `next` on, append data, and scan again.
+/// **A buffer that holds the whole input.** scan() from its start; while `found`, read `nal`, call block_decode(), and
+/// scan again from `next`, unless `incomplete`: then the length-prefixed unit is cut, and `next` is its start again.
+///
+/// **Input that comes in pieces.** As long as more is to come, each scan tells which bytes to keep; append the next
+/// piece to them, and scan again from the first byte kept:
+/// - Annex B, nothing found: keep the last three bytes, or all when there are fewer. A start code may begin there.
+/// - Annex B, a unit found: ask find_unit_end() before block_decode(). `data_fence` means that the unit may go on: keep
+///   it from `nal_start` on. Otherwise it is whole: decode it, and go on from `next`. `incomplete` stays false.
+/// - Length prefixes, `incomplete`: keep the bytes from `next` on, whether a unit was found or not. Otherwise the unit
+/// is
+///   whole: decode it, and go on from `next`.
+/// - Length prefixes, `gave_up`: after a length of 0 stop, or go on behind that prefix; after a forbidden header go on
+///   from `next`, and where that lies past `data_fence`, so many bytes of what is to come belong to the skipped unit.
+///
+/// With the last piece it is a whole buffer, and a unit that might have gone on ends there.
 #pragma once
 
 #include <orv-utils-v4/export.h>
