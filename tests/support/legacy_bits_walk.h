@@ -6,7 +6,7 @@
 
 #include <orv-utils-v4/h264_legacy/golomb.h>
 
-#include "legacy_bits.h"
+#include "legacy/legacy_bits.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -60,7 +60,7 @@ private:
     const unsigned char* base;
     const unsigned char* fence;
 
-    legacy_bits bits() { return {real, fence}; }
+    orv_utils_v4::legacy::legacy_bits bits() { return {real, fence}; }
 
     template <typename T>
     std::string compared(const std::string& what, T expected, T actual) const

@@ -1,5 +1,5 @@
 // The reads of the legacy syntax up to a fence. They are not exported: this program compiles their source in.
-#include "legacy_bits.h"
+#include "legacy/legacy_bits.h"
 
 #include "support/guarded_buffer.h"
 #include "support/legacy_bits_walk.h"
@@ -11,6 +11,7 @@
 
 namespace {
 
+using orv_utils_v4::legacy::legacy_bits;
 using support::bytes;
 using support::guarded_buffer;
 using support::legacy_bits_walk;

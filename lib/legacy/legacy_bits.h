@@ -6,6 +6,8 @@
 
 #include <cstdint>
 
+namespace orv_utils_v4::legacy {
+
 struct legacy_bits {
     be_bitfield& bf;
     const unsigned char* fence; ///< bits from here on read as zero; null when there is no known end
@@ -27,3 +29,5 @@ struct legacy_bits {
     /// No one bit remains: nothing but zeros can be read.
     bool at_end() const { return fence != nullptr && bf.ptr >= fence && (bf.bits >= 32 || bf.word << bf.bits == 0); }
 };
+
+} // namespace orv_utils_v4::legacy

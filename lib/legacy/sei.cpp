@@ -63,7 +63,7 @@ int h264_sei_picture_timing_info_parse(h264_sei_picture_timing_info* pt, const u
         return 0;
     be_bitfield bf;
     be_bitfield_open_until(&bf, s, sf);
-    const legacy_bits bits{bf, sf};
+    const orv_utils_v4::legacy::legacy_bits bits{bf, sf};
     if (sps.nal_hrd_parameters_present_flag != 0 || sps.vcl_hrd_parameters_present_flag != 0) {
         pt->cpb_removal_delay = bits.u(sps.cpb_removal_delay_length);
         pt->dpb_output_delay = bits.u(sps.dpb_output_delay_length);

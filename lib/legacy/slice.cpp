@@ -9,7 +9,7 @@ int h264_slice_parse(h264_nal_slice_info& info, h264_nal_parser_state& st, h264_
         return 0;
     be_bitfield bf;
     be_bitfield_open_until(&bf, st.nal, st.nal_fence);
-    const legacy_bits bits{bf, st.nal_fence};
+    const orv_utils_v4::legacy::legacy_bits bits{bf, st.nal_fence};
     info.first_mb_in_slice = bits.ue();
     info.slice_type = bits.ue();
     info.pic_parameter_set_id = bits.ue();

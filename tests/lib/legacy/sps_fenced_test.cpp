@@ -1,6 +1,6 @@
 // The SPS of the legacy interface read up to a fence, beside the open-ended parse: the same for whole SPSs, and zeros
 // behind the end of cut ones.
-#include "sps_syntax.h"
+#include "legacy/sps_syntax.h"
 
 #include "support/legacy_parse.h"
 
@@ -10,12 +10,14 @@
 #include <vector>
 
 // The linker sends the calls of legacy_bits::ue() here, so that a test can count them.
-unsigned int counted_ue(const legacy_bits* bits) asm("__wrap__ZNK11legacy_bits2ueEv");
-unsigned int real_ue(const legacy_bits* bits) asm("__real__ZNK11legacy_bits2ueEv");
+unsigned int
+counted_ue(const orv_utils_v4::legacy::legacy_bits* bits) asm("__wrap__ZNK12orv_utils_v46legacy11legacy_bits2ueEv");
+unsigned int
+real_ue(const orv_utils_v4::legacy::legacy_bits* bits) asm("__real__ZNK12orv_utils_v46legacy11legacy_bits2ueEv");
 
 static std::size_t codes_read = 0;
 
-unsigned int counted_ue(const legacy_bits* bits)
+unsigned int counted_ue(const orv_utils_v4::legacy::legacy_bits* bits)
 {
     ++codes_read;
     return real_ue(bits);
@@ -23,6 +25,10 @@ unsigned int counted_ue(const legacy_bits* bits)
 
 namespace {
 
+using orv_utils_v4::legacy::legacy_bits;
+using orv_utils_v4::legacy::read_hrd_lengths;
+using orv_utils_v4::legacy::read_seq_parameter_set_data;
+using orv_utils_v4::legacy::skip_scaling_list;
 using support::bit_writer;
 using support::bytes;
 using support::guarded_buffer;

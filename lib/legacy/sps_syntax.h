@@ -5,6 +5,8 @@
 
 #include <orv-utils-v4/h264_legacy/sps.h>
 
+namespace orv_utils_v4::legacy {
+
 /// seq_parameter_set_data() and vui_parameters() up to pic_struct_present_flag. A count loop ends with the data.
 void read_seq_parameter_set_data(h264_sps& sps, const legacy_bits& bits);
 
@@ -13,3 +15,5 @@ void skip_scaling_list(const legacy_bits& bits, unsigned int size);
 
 /// hrd_parameters()
 void read_hrd_lengths(h264_sps& sps, const legacy_bits& bits);
+
+} // namespace orv_utils_v4::legacy

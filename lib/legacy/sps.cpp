@@ -13,6 +13,8 @@ const std::uint8_t h264_aspect_ratio_stdent_presets[17][2] = {
     {80, 33}, {18, 11}, {15, 11}, {64, 33}, {160, 99}, {4, 3},   {3, 2},   {2, 1},
 };
 
+namespace orv_utils_v4::legacy {
+
 namespace {
 
 bool tells_chroma_format(std::uint8_t profile_idc)
@@ -195,6 +197,8 @@ void read_seq_parameter_set_data(h264_sps& sps, const legacy_bits& bits)
         read_vui_parameters(sps, bits);
 }
 
+} // namespace orv_utils_v4::legacy
+
 h264_sps::h264_sps()
 {
     reset();
@@ -208,15 +212,15 @@ void h264_sps::reset()
 
 void h264_sps::parse_sps(be_bitfield& bf)
 {
-    read_seq_parameter_set_data(*this, {bf, nullptr});
+    orv_utils_v4::legacy::read_seq_parameter_set_data(*this, {bf, nullptr});
 }
 
 void h264_sps::discard_h264_video_scaling_matrix_list_because_nobody_fucking_cares(be_bitfield& bf, unsigned size)
 {
-    skip_scaling_list({bf, nullptr}, size);
+    orv_utils_v4::legacy::skip_scaling_list({bf, nullptr}, size);
 }
 
 void h264_sps::discard_h264_video_hrd_params_because_nobody_fucking_cares(be_bitfield& bf)
 {
-    read_hrd_lengths(*this, {bf, nullptr});
+    orv_utils_v4::legacy::read_hrd_lengths(*this, {bf, nullptr});
 }

@@ -1,5 +1,6 @@
 // The NAL scanner of the legacy interface, H.264 clause 7.3.1 and Annex B, and the dump of a buffer's units. It shares
-// the byte search with the newer NAL reader, and nothing else.
+// the byte search and the loop that drops emulation-prevention bytes (bytescan/) with the newer NAL reader, so neither
+// is a check on the other there: the tests hold each against a literal model of its own.
 #include <orv-utils-v4/h264_legacy/nal_parser.h>
 
 #include "bytescan/bytescan.h"

@@ -58,7 +58,7 @@ void read_sps(h264_sps& sps, const payload_range& payload)
 {
     be_bitfield bf;
     be_bitfield_open_until(&bf, payload.start, payload.fence);
-    read_seq_parameter_set_data(sps, {bf, payload.fence});
+    orv_utils_v4::legacy::read_seq_parameter_set_data(sps, {bf, payload.fence});
 }
 
 /// Takes the field duration from the last picture timing message.

@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <bit>
 
+namespace orv_utils_v4::legacy {
+
 unsigned int legacy_bits::ue() const
 {
     constexpr unsigned char longest_prefix = 24;
@@ -24,6 +26,10 @@ int legacy_bits::se() const
     const int magnitude = static_cast<int>((k + 1) >> 1);
     return k % 2 == 1 ? magnitude : -magnitude;
 }
+
+} // namespace orv_utils_v4::legacy
+
+using orv_utils_v4::legacy::legacy_bits;
 
 unsigned int h264_ue_golomb_read(be_bitfield* b)
 {
