@@ -1,7 +1,14 @@
-# Headers, the CMake package orv_utils_v4 and the pkg-config modules. No absolute path is written, so the installed tree
+# Headers, the CMake package orv_utils_v4, the pkg-config modules and the documents. No absolute path is written, so the installed tree
 # may be moved; only a CMAKE_INSTALL_LIBDIR or CMAKE_INSTALL_INCLUDEDIR that is absolute itself stays so.
 
 install(DIRECTORY include/orv-utils-v4 DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+
+# As in the source tree, so that links hold; and the interface as HTML, where the target docs has written it.
+set(document_dir ${CMAKE_INSTALL_DATADIR}/doc/orv-utils-v4)
+install(FILES README.md HACKING.md SECURITY.md CHANGELOG.md LICENSE DESTINATION ${document_dir})
+install(DIRECTORY docs/ DESTINATION ${document_dir}/docs FILES_MATCHING PATTERN *.md PATTERN schema EXCLUDE)
+install(DIRECTORY examples DESTINATION ${document_dir})
+install(DIRECTORY ${PROJECT_BINARY_DIR}/docs/html DESTINATION ${document_dir} OPTIONAL)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/orv_utils_v4)
 install(EXPORT orv_utils_v4Targets NAMESPACE orv_utils_v4:: DESTINATION ${package_dir})

@@ -36,5 +36,7 @@ function(orv_library name)
     endif()
 
     set_property(GLOBAL APPEND PROPERTY ORV_LIBRARIES ${target})
-    install(TARGETS ${target} EXPORT orv_utils_v4Targets)
+    if(ORV_UTILS_V4_INSTALL)
+        install(TARGETS ${target} EXPORT orv_utils_v4Targets)
+    endif()
 endfunction()

@@ -7,6 +7,7 @@ endif()
 option(ORV_UTILS_V4_TOOLS "Build the command-line tool orv-h264" ${PROJECT_IS_TOP_LEVEL})
 option(ORV_UTILS_V4_EXAMPLES "Build the programs of examples/" ${PROJECT_IS_TOP_LEVEL})
 option(ORV_UTILS_V4_TESTS "Build the tests and fuzz replay programs" ${PROJECT_IS_TOP_LEVEL})
+option(ORV_UTILS_V4_INSTALL "Have install rules" ${PROJECT_IS_TOP_LEVEL})
 option(ORV_UTILS_V4_BENCH "Build the benchmarks; needs Google Benchmark" OFF)
 set(ORV_UTILS_V4_SANITIZE "" CACHE STRING "Value for -fsanitize=, empty for none")
 
@@ -14,9 +15,9 @@ if(PROJECT_IS_TOP_LEVEL AND NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYP
     set(CMAKE_BUILD_TYPE RelWithDebInfo CACHE STRING "Build type" FORCE)
 endif()
 
-find_program(CCACHE_PROGRAM ccache)
-if(CCACHE_PROGRAM AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
-    set(CMAKE_CXX_COMPILER_LAUNCHER "${CCACHE_PROGRAM}")
+find_program(ORV_UTILS_V4_CCACHE ccache)
+if(ORV_UTILS_V4_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+    set(CMAKE_CXX_COMPILER_LAUNCHER "${ORV_UTILS_V4_CCACHE}")
 endif()
 
 # The public headers are C++17; the sources may use C++20.

@@ -25,3 +25,4 @@
 #include <orv-utils-v4/h2645_common/nalfmt.h>
 #include <orv-utils-v4/h2645_common/sei_vlu32.h>
 #include <orv-utils-v4/h2645_common/uuid.h>
+#include <orv-utils-v4/version.h>

@@ -11,3 +11,4 @@
 #include <orv-utils-v4/h264_legacy/slice.h>
 #include <orv-utils-v4/h264_legacy/sps.h>
 #include <orv-utils-v4/misc/be_bitfields.h>
+#include <orv-utils-v4/version.h>

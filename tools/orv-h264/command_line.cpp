@@ -10,6 +10,8 @@
 #include "type_set.h"
 #include "usage_error.h"
 
+#include <orv-utils-v4/version.h>
+
 #include <algorithm>
 #include <functional>
 #include <map>

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <map>
 #include <stdexcept>
 #include <utility>
@@ -31,12 +32,16 @@ public:
     }
 
     /// The parameter set stored under `id`.
-    /// @throws std::out_of_range with the text "map::at" when there is none
+    /// @throws std::out_of_range with the text "map::at" when there is none; a caller compiled without exceptions aborts
     const T& at(std::uint32_t id) const
     {
         if (const T* const entry = find(id))
             return *entry;
+#ifdef __cpp_exceptions
         throw std::out_of_range("map::at");
+#else
+        std::abort();
+#endif
     }
 
     /// Stores `parameter_set` under `id`, in place of an older one. The current id stays as it is.
