@@ -9,7 +9,7 @@
 
 namespace brenik {
 
-/// access_unit_delimiter_rbsp() of H.264 clause 7.3.2.4.
+/// The access unit delimiter: access_unit_delimiter_rbsp() of H.264 clause 7.3.2.4.
 class ORV_UTILS_V4_EXPORT h264_nal_aud {
 public:
     /// u(3), 0 to 7: which slice types the coming primary picture may hold (H.264 Table 7-5).

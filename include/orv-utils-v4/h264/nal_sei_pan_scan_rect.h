@@ -10,7 +10,7 @@
 
 namespace brenik {
 
-/// pan_scan_rect() of H.264 clause D.1.4. A parse does not clear the object: fields that the message does not carry
+/// The pan-scan rectangle SEI message: pan_scan_rect() of H.264 clause D.1.4. A parse does not clear the object: fields that the message does not carry
 /// keep their values.
 class ORV_UTILS_V4_EXPORT h264_nal_sei_pan_scan_rect {
 public:

@@ -12,7 +12,7 @@
 
 namespace brenik {
 
-/// pic_timing() of H.264 clause D.1.3: when a picture leaves the buffers, how its fields are shown, and when it was
+/// Picture timing, pic_timing() of H.264 clause D.1.3: when a picture leaves the buffers, how its fields are shown, and when it was
 /// taken. A parse does not clear the object: fields that the message does not carry keep their values.
 class ORV_UTILS_V4_EXPORT h264_nal_sei_pic_timing {
 public:

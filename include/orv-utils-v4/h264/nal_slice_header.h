@@ -36,7 +36,7 @@ ORV_UTILS_V4_EXPORT const char* h264_slice_type_t_to_string(const h264_slice_typ
 /// accumulate, so use a fresh object for each slice.
 class ORV_UTILS_V4_EXPORT h264_nal_slice_header {
 public:
-    /// ref_pic_list_modification() of H.264 clause 7.3.3.1 for one list.
+    /// How a reference picture list is modified: ref_pic_list_modification() of H.264 clause 7.3.3.1 for one list.
     struct ORV_UTILS_V4_EXPORT ref_pic_list_modification_entry_t {
         /// One step of the modification.
         struct entry {

@@ -10,7 +10,7 @@
 #include <cstddef>
 #include <cstdint>
 
-/// A frame, as far as it was found. The pointers point into the caller's input.
+/// What h264_common_frame_scan() found of a frame. The pointers point into the caller's input.
 struct h264_common_frame_scan_info {
     std::uint8_t complete = 0;       ///< 1 when the frame's end was found
     std::uint8_t need_more_data = 0; ///< 1 when the input ended before the frame's end could be known

@@ -7,7 +7,7 @@
 
 #include <cstdint>
 
-/// One SEI message. The pointers point into the caller's buffer.
+/// One SEI message, as h264_sei_read_pair() finds it. The pointers point into the caller's buffer.
 struct h264_sei_pair {
     std::uint8_t valid = 0;               ///< 1 when the whole message lies inside the range given
     std::uint32_t payload_type = 0;       ///< the sum of the type bytes read so far

@@ -8,7 +8,7 @@
 
 #include <cstdint>
 
-/// The first fields of a slice header.
+/// The first fields of a slice header, up to bottom_field_flag.
 struct h264_nal_slice_info {
     std::uint32_t first_mb_in_slice = 0;    ///< ue(v)
     std::uint32_t slice_type = 0;           ///< ue(v), as coded: 0 to 9
