@@ -10,7 +10,8 @@
 
 namespace brenik {
 
-/// HRD parameters, bit rates and buffer sizes: hrd_parameters() of H.264 clause E.1.2. The three arrays have an entry for each SchedSelIdx.
+/// HRD parameters, bit rates and buffer sizes: hrd_parameters() of H.264 clause E.1.2. The three arrays have an entry
+/// for each SchedSelIdx.
 class ORV_UTILS_V4_EXPORT h264_hrd_parameters {
 public:
     std::uint32_t cpb_cnt_minus1 = 0; ///< ue(v), at most 127 (the standard: 31)

@@ -57,7 +57,8 @@ public:
     unsigned char nal_ref_idc = 0;
     /// What the unit holds, 0 to 31.
     h264_nal_unit_type nal_unit_type = h264_nal_unit_type_unspecified_0;
-    /// The members above come from a header byte without the forbidden bit, or from a caller who is about to write.
+    /// The members above come from a header byte without the forbidden bit. Who makes a header by hand, for the writer,
+    /// has to set it: a header that is not valid goes out as the byte FF.
     bool valid = false;
 
     /// The header byte, 0 to 127, of the low bits of the members; -1 when `valid` is false.

@@ -14,8 +14,8 @@
 
 namespace brenik {
 
-/// The picture parameter set: pic_parameter_set_rbsp() of H.264 clause 7.3.2.2. A parse does not clear the object: fields that the unit does not
-/// carry keep their values, so use a fresh object for each unit.
+/// The picture parameter set: pic_parameter_set_rbsp() of H.264 clause 7.3.2.2. A parse does not clear the object:
+/// fields that the unit does not carry keep their values, so use a fresh object for each unit.
 class ORV_UTILS_V4_EXPORT h264_nal_pps {
 public:
     bool valid = false;                                        ///< see parse()

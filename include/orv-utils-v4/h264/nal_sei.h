@@ -88,7 +88,8 @@ enum ORV_UTILS_V4_EXPORT h264_nal_sei_payload_type : std::uint32_t {
 ORV_UTILS_V4_EXPORT const char* h264_nal_sei_payload_type_to_str(h264_nal_sei_payload_type t);
 
 /// Walks the sei_message() structures of one SEI RBSP (H.264 clause 7.3.2.3.1). All pointers point into the caller's
-/// buffer, which must outlive the reader. After a false next_message() the fields of the message must not be used.
+/// buffer, mostly a block of block_decode(), and hold as long as its bytes stay; what follows the payload of a message
+/// in it is the next message. After a false next_message() the fields of the message must not be used.
 class ORV_UTILS_V4_EXPORT h264_nal_sei_reader {
 public:
     unsigned char* ptr = nullptr;           ///< where the next message begins

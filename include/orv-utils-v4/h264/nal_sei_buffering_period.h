@@ -12,9 +12,9 @@
 
 namespace brenik {
 
-/// The buffering period SEI message: buffering_period() of H.264 clause D.1.2. The arrays have an entry for each SchedSelIdx of the HRD parameters that
-/// they belong to; delays and offsets are in units of a 90 kHz clock. A parse does not clear the object: the arrays of
-/// HRD parameters that the SPS does not have keep their entries.
+/// The buffering period SEI message: buffering_period() of H.264 clause D.1.2. The arrays have an entry for each
+/// SchedSelIdx of the HRD parameters that they belong to; delays and offsets are in units of a 90 kHz clock. A parse
+/// does not clear the object: the arrays of HRD parameters that the SPS does not have keep their entries.
 class ORV_UTILS_V4_EXPORT h264_nal_sei_buffering_period {
 public:
     std::uint32_t seq_parameter_set_id = 0;                          ///< ue(v), names an SPS of the store

@@ -10,8 +10,8 @@
 
 namespace brenik {
 
-/// The pan-scan rectangle SEI message: pan_scan_rect() of H.264 clause D.1.4. A parse does not clear the object: fields that the message does not carry
-/// keep their values.
+/// The pan-scan rectangle SEI message: pan_scan_rect() of H.264 clause D.1.4. A parse does not clear the object: fields
+/// that the message does not carry keep their values.
 class ORV_UTILS_V4_EXPORT h264_nal_sei_pan_scan_rect {
 public:
     /// A rectangle, its sides in sixteenths of a luma sample off those of the cropped picture.

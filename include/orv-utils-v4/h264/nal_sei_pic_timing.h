@@ -12,8 +12,8 @@
 
 namespace brenik {
 
-/// Picture timing, pic_timing() of H.264 clause D.1.3: when a picture leaves the buffers, how its fields are shown, and when it was
-/// taken. A parse does not clear the object: fields that the message does not carry keep their values.
+/// Picture timing, pic_timing() of H.264 clause D.1.3: when a picture leaves the buffers, how its fields are shown, and
+/// when it was taken. A parse does not clear the object: fields that the message does not carry keep their values.
 class ORV_UTILS_V4_EXPORT h264_nal_sei_pic_timing {
 public:
     /// A clock timestamp of the message.

@@ -9,7 +9,8 @@
 
 namespace brenik {
 
-/// The recovery point, recovery_point() of H.264 clause D.1.8: from which picture on decoding that began here gives the right pictures.
+/// The recovery point, recovery_point() of H.264 clause D.1.8: from which picture on decoding that began here gives the
+/// right pictures.
 class ORV_UTILS_V4_EXPORT h264_nal_sei_recovery_point {
 public:
     std::uint32_t recovery_frame_cnt = 0;      ///< ue(v), in frames by frame_num

@@ -13,8 +13,8 @@ extern ORV_UTILS_V4_EXPORT const iso_iec_11578_uuid h264_c_uuid_libx264_debug_in
 /// The name of a known UUID: "libx264 debug info"; "" for any other. Never null, never to be freed.
 ORV_UTILS_V4_EXPORT const char* h264_uuid_to_str(const iso_iec_11578_uuid& u);
 
-/// Unregistered user data, user_data_unregistered() of H.264 clause D.1.7, cut into UUID and user data. All pointers point into the caller's
-/// buffer, which must outlive the object; all are null when the payload is too short.
+/// Unregistered user data, user_data_unregistered() of H.264 clause D.1.7, cut into UUID and user data. All pointers
+/// point into the caller's buffer, which must outlive the object; all are null when the payload is too short.
 class ORV_UTILS_V4_EXPORT h264_nal_sei_user_data_unreg {
 public:
     const iso_iec_11578_uuid* uuid = nullptr; ///< the first 16 bytes of the payload

@@ -47,7 +47,7 @@ public:
         };
 
         bool ref_pic_list_modification_flag = false; ///< u(1), that of list 0 or of list 1
-        std::vector<entry> entries;                  ///< in stream order; as many as the slice sends
+        std::vector<entry> entries; ///< in stream order; each parse of the object appends as many as the slice sends
 
         /// Reads the syntax of one list and appends its steps to `entries`.
         /// @return false when 24 zero bits stand where an idc should: the data has ended, or is broken. The steps read

@@ -14,8 +14,8 @@
 
 namespace brenik {
 
-/// The sequence parameter set: seq_parameter_set_rbsp() of H.264 clause 7.3.2.1. A parse does not clear the object: fields that the unit does not
-/// carry keep their values, so use a fresh object for each unit.
+/// The sequence parameter set: seq_parameter_set_rbsp() of H.264 clause 7.3.2.1. A parse does not clear the object:
+/// fields that the unit does not carry keep their values, so use a fresh object for each unit.
 class ORV_UTILS_V4_EXPORT h264_nal_sps {
 public:
     std::uint8_t profile_idc = 0;           ///< u(8)

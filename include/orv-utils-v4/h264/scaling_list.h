@@ -10,7 +10,8 @@
 
 namespace brenik {
 
-/// A scaling list as it is sent: scaling_list() of H.264 clause 7.3.2.1.1.1. No default or fall-back list is put in place of one that is not sent.
+/// A scaling list as it is sent: scaling_list() of H.264 clause 7.3.2.1.1.1. No default or fall-back list is put in
+/// place of one that is not sent.
 class ORV_UTILS_V4_EXPORT h264_scaling_list {
 public:
     /// The entries in the order of transmission (the scan order), 1 to 255 each: 16 of a 4x4 list, 64 of an 8x8 list.

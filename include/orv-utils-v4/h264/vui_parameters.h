@@ -23,7 +23,8 @@ enum ORV_UTILS_V4_EXPORT h264_video_format : std::uint8_t {
 /// The name of a video format; "?" for any value above 5. Never null, never to be freed.
 ORV_UTILS_V4_EXPORT const char* h264_video_format_to_str(h264_video_format v);
 
-/// Video usability information: vui_parameters() of H.264 clause E.1.1. A group whose present flag is 0 leaves its fields as they were.
+/// Video usability information: vui_parameters() of H.264 clause E.1.1. A group whose present flag is 0 leaves its
+/// fields as they were.
 class ORV_UTILS_V4_EXPORT h264_vui_parameters {
 public:
     bool aspect_ratio_info_present_flag = false; ///< u(1)

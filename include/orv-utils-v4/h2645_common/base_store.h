@@ -11,6 +11,16 @@
 
 namespace brenik {
 
+/// What h2645_common_base_store::at() does without an entry: throws, or aborts where exceptions are turned off.
+[[noreturn]] inline void h2645_common_no_entry()
+{
+#ifdef __cpp_exceptions
+    throw std::out_of_range("map::at");
+#else
+    std::abort();
+#endif
+}
+
 /// The parsed parameter sets of one kind, each under its own id (`seq_parameter_set_id`, `pic_parameter_set_id`). The
 /// application fills it after a successful parse; the parses of the library only read it. It has no lock.
 template <typename T>
@@ -32,16 +42,13 @@ public:
     }
 
     /// The parameter set stored under `id`.
-    /// @throws std::out_of_range with the text "map::at" when there is none; a caller compiled without exceptions aborts
+    /// @throws std::out_of_range with the text "map::at" when there is none. In a caller compiled without exceptions it
+    ///     ends the process; there find() is the better question
     const T& at(std::uint32_t id) const
     {
         if (const T* const entry = find(id))
             return *entry;
-#ifdef __cpp_exceptions
-        throw std::out_of_range("map::at");
-#else
-        std::abort();
-#endif
+        h2645_common_no_entry();
     }
 
     /// Stores `parameter_set` under `id`, in place of an older one. The current id stays as it is.

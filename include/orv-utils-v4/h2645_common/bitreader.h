@@ -174,6 +174,11 @@ private:
 
 /// The bit reader that every `parse` of the newer interface reads from. The bytes must outlive it. Copying it is
 /// cheap and gives a second, independent reader at the same bit.
+///
+/// A parse leaves it behind the last element that it read, whether it succeeds or fails: that is behind the trailing
+/// bits of a parameter set or delimiter, before the first element of a slice header that is not read, and within the
+/// payload of an SEI message, whose end the SEI reader knows. After h2645_common_malformed_code it stands behind the 32
+/// zero bits. Nothing holds it back at the end: bits_consumed() then tells more bits than there are.
 class ORV_UTILS_V4_EXPORT h2645_common_bitreader
     : public bit_io::reader<bit_io::reservoir<unsigned int, 0>,
                             bit_io::data_source_memory_alt1<unsigned char, const unsigned char*>> {

@@ -37,14 +37,17 @@ public:
     unsigned char* data = nullptr;       ///< the start of the range given to the latest scan
     unsigned char* data_fence = nullptr; ///< the end of that range
     unsigned char* nal_header = nullptr; ///< the unit's header byte
-    /// The first byte of the unit's framing: of the 00 00 01, or of the length prefix.
+    /// The first byte of the unit's framing: of the 00 00 01, or of the length prefix. `orv-h264` counts a zero byte
+    /// before 00 00 01 to the start code, so that its offsets are one less where `zero_count` is not 0.
     unsigned char* nal_start = nullptr;
-    unsigned char* payload = nullptr;      ///< the first byte after the header byte
-    std::uint32_t nal_length = 0;          ///< the length prefix: header byte and payload; 0 in Annex B
-    std::uint32_t payload_length = 0;      ///< `nal_length` - 1; 0 in Annex B
-    std::uint32_t zero_count = 0;          ///< Annex B: zero bytes seen directly before the 00 00 01
-    bool found = false;                    ///< the latest scan found a unit
-    bool gave_up = false;                  ///< the latest scan abandoned data: see do_give_up()
+    unsigned char* payload = nullptr; ///< the first byte after the header byte
+    std::uint32_t nal_length = 0;     ///< the length prefix: header byte and payload; 0 in Annex B
+    std::uint32_t payload_length = 0; ///< `nal_length` - 1; 0 in Annex B
+    std::uint32_t zero_count = 0;     ///< Annex B: zero bytes seen directly before the 00 00 01
+    bool found = false;               ///< the latest scan found a unit
+    /// The latest scan abandoned data: see do_give_up(). A loop that asks `found` alone takes it for the end: behind a
+    /// length of 0 it drops the rest of the buffer without a word.
+    bool gave_up = false;
     bool incomplete = false;               ///< the data ended too early: append to what lies from `next` on
     bool length_known = false;             ///< the unit's extent is known from a length prefix
     unsigned char* decode_ptr = nullptr;   ///< the next unit byte that `block_decode` reads
@@ -92,8 +95,12 @@ public:
     /// the call before stopped. Never reads at or past `decode_fence`.
     ///
     /// The last two bytes of room are filled without examination: a block that comes back full is not to be trusted
-    /// there, and neither is going on from it: rewind() and decode again into a larger one. A block is large enough
-    /// for certain when it has three bytes more than the unit; it may lie over the unit itself, to decode in place.
+    /// there, and neither is going on from it: rewind() and decode again into a larger one. Large enough for certain is
+    /// a block with three bytes more than the payload, and one as large as the buffer that was scanned. It may lie over
+    /// the unit itself, to decode in place.
+    ///
+    /// What points into the block, as an SEI message or user data does, holds until the block is written again or goes;
+    /// what a `parse` stored does not point there.
     /// @return the bytes written; 0 when nothing is left
     std::size_t block_decode(unsigned char* out, std::size_t size);
 

@@ -37,7 +37,8 @@ public:
     /// True when no byte of room is left.
     bool full() const noexcept;
 
-    /// A buffer size that holds one unit with a payload of `n` bytes in the worst case of escaping: floor(1.5 n) + 32.
+    /// A buffer size that holds one unit with a payload of `n` bytes in the worst case of escaping, with up to 28 zero
+    /// bytes before its start code: floor(1.5 n) + 32. A buffer for several units has to be as large as their sum.
     static std::size_t recommended_output_size(std::size_t n) noexcept;
 
     /// Writes one unit: framing, header byte, and the payload with emulation-prevention bytes.
@@ -46,7 +47,7 @@ public:
     /// only with a buffer that is there and has room.
     /// @param data the RBSP after the header byte, `length` bytes outside of the buffer
     /// @param length its size; `data` may be null when it is 0
-    /// @param nal the header
+    /// @param nal the header; `valid` has to be set in one that is made by hand
     /// @param zero_bytes Annex B: zero bytes written before the 00 00 01; 1 makes the four-byte start code
     /// @return the bytes added, framing included. 0, with `write` where it was, when there is no buffer, it is too
     ///     small, the unit is longer than its prefix can tell, or the framing is `nalfmt_none`

@@ -9,8 +9,8 @@
 /// An AVC decoder configuration record, checked and indexed. The pointers point into the caller's buffer.
 ///
 /// An entry of either list is a big-endian length of 16 bits and so many bytes of a NAL unit, header byte included. So
-/// each list is a length-prefixed buffer: brenik::h264_nal_reader walks it with `nalfmt_length2` (which never writes, so
-/// that const may be cast away), and h264_nal_parser_scan() with a `nal_length_size` of 2.
+/// each list is a length-prefixed buffer: brenik::h264_nal_reader walks it with `nalfmt_length2`, up to a length of 0
+/// (it never writes, so that const may be cast away), and h264_nal_parser_scan() with a `nal_length_size` of 2.
 struct h264_AVCDecoderConfigurationRecord {
     std::uint8_t configurationVersion = 0;       ///< as it stands (the standard: 1)
     std::uint8_t AVCProfileIndication = 0;       ///< profile_idc

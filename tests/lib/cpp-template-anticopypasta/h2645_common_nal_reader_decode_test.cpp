@@ -1,5 +1,6 @@
 // The NAL reader's block_decode and find_unit_end.
 #include "support/scanned.h"
+#include "support/zero_heavy.h"
 
 #include <orv-utils-v4/h264/nal_reader.h>
 
@@ -158,6 +159,25 @@ TEST(NalReader, BlockDecodeStopsAtAStartCodeOnlyWithThreeBytesOfRoomLeft)
     EXPECT_EQ((bytes{7, 8, 9, 0}), annexb_unit(unit_and_start_code).decode(4));
     EXPECT_EQ((bytes{7, 8, 9, 0, 0}), annexb_unit(unit_and_start_code).decode(5));
     EXPECT_EQ((bytes{7, 8, 9}), annexb_unit(unit_and_start_code).decode(6));
+}
+
+TEST(NalReader, ABlockOfThreeBytesMoreThanThePayloadOrAsLargeAsTheBufferHoldsAUnit)
+{
+    support::random_source random(2);
+    for (int round = 0; round < 2000; ++round) {
+        const bytes stream = support::zero_heavy_up_to(random, 40);
+        for (const auto nalfmt : {brenik::nalfmt_annexb, brenik::nalfmt_length1}) {
+            scanned s(nalfmt, stream);
+            if (!s.reader.found)
+                continue;
+            const auto payload = static_cast<std::size_t>(s.reader.find_unit_end() - s.reader.payload);
+            const bytes rbsp = s.decode(2 * stream.size() + 100);
+            s.reader.rewind();
+            EXPECT_EQ(rbsp, s.decode(payload + 3)) << round;
+            s.reader.rewind();
+            EXPECT_EQ(rbsp, s.decode(stream.size())) << round;
+        }
+    }
 }
 
 TEST(NalReader, BlockDecodeLeavesRoomBehindTheUnitUntouched)

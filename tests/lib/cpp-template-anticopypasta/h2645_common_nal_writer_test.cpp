@@ -118,6 +118,21 @@ TEST(NalWriter, RecommendedOutputSizeIsOneAndAHalfTimesThePayloadAnd32)
     EXPECT_EQ(((SIZE_MAX / 2 * 3) >> 1) + 32, h264_nal_writer::recommended_output_size(SIZE_MAX / 2));
 }
 
+TEST(NalWriter, RecommendedOutputSizeHas28ZeroBytesInIt)
+{
+    for (std::size_t size = 0; size <= 200; ++size) {
+        bytes zeros(size);
+        brenik::h264_nal header;
+        header.valid = true;
+        for (const unsigned int zero_bytes : {28U, 29U}) {
+            const guarded_buffer out(h264_nal_writer::recommended_output_size(size));
+            h264_nal_writer writer(out.begin(), out.begin(), out.end(), brenik::nalfmt_annexb);
+            const std::size_t written = writer.block_encode(zeros.data(), size, header, zero_bytes);
+            EXPECT_EQ(zero_bytes == 28, written != 0) << size;
+        }
+    }
+}
+
 TEST(NalWriter, RecommendedOutputSizeHoldsThePayloadThatEscapesMost)
 {
     for (std::size_t size = 0; size <= 200; ++size)

@@ -5,9 +5,12 @@
 #include "support/stream_builder.h"
 #include "support/zero_heavy.h"
 
+#include <orv-utils-v4/h264/nal_reader.h>
+
 #include <gtest/gtest.h>
 
 #include <cstddef>
+#include <vector>
 
 namespace {
 
@@ -226,4 +229,21 @@ TEST(DecoderConfigurationRecord, RandomRecordsAgainstTheLiteralParse)
         const guarded_buffer data(record);
         ASSERT_EQ("", support::difference_of_records(data.begin(), data.size()));
     }
+}
+
+TEST(DecoderConfigurationRecord, TheReaderWalksBothListsWithLengthsOfTwoBytes)
+{
+    const parsed_record p(head(2).raw(sps_entry).raw({0, 1, 0x67}).raw({1}).raw(pps_entry));
+    ASSERT_EQ(0, p.result);
+    const auto units = [](const unsigned char* start, const unsigned char* end) {
+        auto* const first = const_cast<unsigned char*>(start);
+        auto* const fence = const_cast<unsigned char*>(end);
+        std::vector<bytes> all;
+        brenik::h264_nal_reader reader(brenik::nalfmt_length2);
+        for (reader.scan(first, fence); reader.found && !reader.incomplete; reader.scan(reader.next, fence))
+            all.emplace_back(reader.nal_header, reader.next);
+        return all;
+    };
+    EXPECT_EQ((std::vector<bytes>{{0x67, 0x64}, {0x67}}), units(p.r.sps_list, p.r.sps_list_end));
+    EXPECT_EQ((std::vector<bytes>{{0x68, 0xEE}}), units(p.r.pps_list, p.r.pps_list_end));
 }
