@@ -1,6 +1,7 @@
 // The examples of README.md, compiled as they stand there.
 #include "annexb_to_length4.h"
 #include "print_frames.h"
+#include "reframe_as_length4.h"
 
 #include "support/stream_builder.h"
 #include "support/stream_files.h"
@@ -26,6 +27,30 @@ TEST(Readme, TheExamplePrintsEachUnitAndRewritesTheFraming)
     EXPECT_EQ(out, bytes(stream_builder()
                              .prefixed_unit(4, support::sps, {0x42, 0, 0, 3, 1})
                              .prefixed_unit(4, support::aud, {0x10})));
+}
+
+TEST(Readme, OnlyTheCopyKeepsEveryByteOfAUnit)
+{
+    bytes stream = stream_builder()
+                       .annexb_unit(support::idr_slice, {0x42, 0, 0, 3, 0, 0, 3}) // ends in a cabac_zero_word
+                       .zeros(1)
+                       .annexb_unit(support::aud, {0x10});
+    const stream_builder kept = stream_builder()
+                                    .prefixed_unit(4, support::idr_slice, {0x42, 0, 0, 3, 0, 0, 3})
+                                    .prefixed_unit(4, support::aud, {0x10});
+    EXPECT_EQ(kept.made(), reframe_as_length4(stream));
+    testing::internal::CaptureStdout();
+    EXPECT_EQ(bytes(stream_builder()
+                        .prefixed_unit(4, support::idr_slice, {0x42, 0, 0, 3, 0, 0})
+                        .prefixed_unit(4, support::aud, {0x10})),
+              annexb_to_length4(stream));
+    testing::internal::GetCapturedStdout();
+}
+
+TEST(Readme, TheCopyOfARealStreamIsItsLengthPrefixedTwin)
+{
+    bytes stream = support::read_file(ORV_TEST_STREAMS "/main_bpyramid_weighted.264");
+    EXPECT_TRUE(support::read_file(ORV_TEST_STREAMS "/main_bpyramid_weighted.length4") == reframe_as_length4(stream));
 }
 
 TEST(Readme, TheLegacyExamplePrintsEachFrame)
