@@ -1,6 +1,7 @@
 // orv-h264. Each subcommand is a file of its own; every syntax element is read by the library.
 #include "command_line.h"
 #include "messages.h"
+#include "standard_descriptors.h"
 #include "standard_output.h"
 #include "stream_input.h"
 
@@ -9,6 +10,7 @@
 int main(int argc, char** argv)
 {
     try {
+        orv_h264::occupy_closed_descriptors();
         orv_h264::gather_output();
         const orv_h264::exit_status status = orv_h264::run_command_line(argc, argv);
         orv_h264::flush_output();
