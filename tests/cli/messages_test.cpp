@@ -1,4 +1,4 @@
-// Messages as they reach a user, or do not: a standard error stream that takes none.
+// Messages as they reach a user, or do not: a standard error stream that takes none, no memory left.
 #include "support/run_tool.h"
 #include "support/stream_files.h"
 
@@ -36,5 +36,19 @@ TEST(Messages, AStandardErrorThatTakesNoneChangesNothingElse)
         }
     }
 }
+
+#if !defined(ORV_TEST_SANITIZED)
+TEST(Messages, NoMemoryIsToldInWords)
+{
+    constexpr unsigned int mebibyte = 1 << 20;
+    bytes unit = stream_builder().prefix(4, 128 * mebibyte).unit(sps, {});
+    unit.resize(mebibyte, 0x55);
+    const tool_result result =
+        run_tool({"convert", "-", "/dev/null", "--format", "length4", "--to", "annexb", "--max-unit", "1G"},
+                 {.piped = unit, .repeat = 128, .max_memory = 64 * mebibyte});
+    EXPECT_EQ("orv-h264: out of memory\n", result.err);
+    EXPECT_EQ(2, result.status);
+}
+#endif
 
 } // namespace

@@ -6,6 +6,7 @@
 #include "stream_input.h"
 
 #include <exception>
+#include <new>
 
 int main(int argc, char** argv)
 {
@@ -18,6 +19,9 @@ int main(int argc, char** argv)
     } catch (const orv_h264::refusal& refused) {
         orv_h264::print_error(refused.what());
         return refused.status;
+    } catch (const std::bad_alloc&) {
+        orv_h264::print_error("out of memory");
+        return orv_h264::exit_usage_or_io;
     } catch (const std::exception& error) {
         orv_h264::print_error(error.what());
         return orv_h264::exit_usage_or_io;
