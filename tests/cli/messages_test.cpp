@@ -1,8 +1,11 @@
-// Messages as they reach a user, or do not: a standard error stream that takes none, no memory left.
+// Messages as they reach a user, or do not: a standard error stream that takes none, no memory left, names that hold
+// control characters.
 #include "support/run_tool.h"
 #include "support/stream_files.h"
+#include "support/temporary_folder.h"
 
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include <unistd.h>
 
@@ -16,6 +19,10 @@ using support::tool_input;
 using support::tool_result;
 
 const bytes broken = stream_builder().junk(5).annexb_unit(sps, {0x42, 0x80});
+
+const std::string hostile =
+    "a\x1B[31m\n\x7F\xC2\x9B\xC3\xA9.264"; // what colours, breaks the line and begins a sequence
+const std::string shown = "a\\x1b[31m\\n\\x7f\\xc2\\x9b\xC3\xA9.264";
 
 TEST(Messages, AStandardErrorThatTakesNoneChangesNothingElse)
 {
@@ -50,5 +57,35 @@ TEST(Messages, NoMemoryIsToldInWords)
     EXPECT_EQ(2, result.status);
 }
 #endif
+
+TEST(Messages, ControlCharactersOfANameAreEscaped)
+{
+    const support::temporary_folder folder;
+    const std::string path = folder.write(hostile, broken);
+    const tool_result result = run_tool({"info", "--format", "annexb", path});
+    EXPECT_NE(std::string::npos, result.out.find(folder.path(shown) + "\nFraming")) << result.out;
+    EXPECT_EQ("orv-h264: " + folder.path(shown) + ": offset 0: bytes before the first start code (5 bytes)\n",
+              run_tool({"inspect", "--nals", "--format", "annexb", path}).err);
+    EXPECT_EQ("orv-h264: " + folder.path(shown) + ": not an Annex B stream; name the framing with --format\n",
+              run_tool({"info", folder.write(hostile, {1, 2, 3})}).err);
+    EXPECT_EQ("orv-h264: " + shown + ": No such file or directory\n", run_tool({"info", hostile}).err);
+}
+
+TEST(Messages, ControlCharactersOfAnArgumentAreEscaped)
+{
+    EXPECT_EQ("orv-h264: there is no subcommand " + shown + "; see orv-h264 --help\n", run_tool({hostile}).err);
+    EXPECT_EQ("orv-h264: " + shown + " is one argument too many; see orv-h264 info --help\n",
+              run_tool({"info", "-", hostile}).err);
+    EXPECT_EQ("orv-h264: --limit: '" + shown + "' is no number; see orv-h264 frames --help\n",
+              run_tool({"frames", "--limit", hostile, "-"}).err);
+}
+
+TEST(Messages, JsonKeepsTheNameAsItIs)
+{
+    const support::temporary_folder folder;
+    const std::string path = folder.write(hostile, broken);
+    const tool_result result = run_tool({"info", "--json", "--format", "annexb", path});
+    EXPECT_EQ(path, nlohmann::json::parse(result.out)["file"]);
+}
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "messages.h"
 
 #include "json_output.h"
+#include "printable.h"
 #include "terminal.h"
 
 #include <cstdio>
@@ -19,7 +20,7 @@ void print_error(std::string_view reason)
 {
     const emphasis_marks marks = marks_of(stderr, emphasis::error);
     fmt::memory_buffer line; // one that holds a short reason without an allocation, for when there is no memory left
-    fmt::format_to(std::back_inserter(line), "{}orv-h264:{} {}\n", marks.begin, marks.end, reason);
+    fmt::format_to(std::back_inserter(line), "{}orv-h264:{} {}\n", marks.begin, marks.end, printable(reason));
     write_message({line.data(), line.size()});
 }
 
