@@ -18,7 +18,7 @@ namespace orv_h264 {
 
 namespace {
 
-constexpr std::array<int, 4> ending_signals = {SIGHUP, SIGINT, SIGPIPE, SIGTERM};
+constexpr std::array<int, 7> ending_signals = {SIGHUP, SIGINT, SIGPIPE, SIGQUIT, SIGTERM, SIGXCPU, SIGXFSZ};
 
 // What a signal handler removes: it can read no std::string. The tool writes one file a run.
 std::array<char, PATH_MAX> unfinished;
