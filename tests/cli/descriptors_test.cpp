@@ -59,17 +59,24 @@ TEST_F(ClosedDescriptors, AnInputThatIsClosedIsRefusedAndTheOutputStays)
     }
 }
 
-TEST_F(ClosedDescriptors, AnOutputThatIsClosedIsAnError)
+TEST_F(ClosedDescriptors, AnOutputThatIsClosedOrFullIsAnError)
 {
-    const std::string message = "orv-h264: standard output: Bad file descriptor\n";
     for (const std::vector<std::string>& arguments : {std::vector<std::string>{"inspect", "--nals", in},
                                                       {"info", in},
                                                       {"convert", in, "-", "--to", "length4"},
-                                                      {"--help"}}) {
-        const tool_result result = run_tool(arguments, {.closed = {STDOUT_FILENO}});
-        EXPECT_EQ(message, result.err) << arguments.front();
-        EXPECT_EQ(2, result.status) << arguments.front();
+                                                      {"--help"},
+                                                      {"--version"}}) {
+        const tool_result closed = run_tool(arguments, {.closed = {STDOUT_FILENO}});
+        EXPECT_EQ("orv-h264: standard output: Bad file descriptor\n", closed.err) << arguments.front();
+        EXPECT_EQ(2, closed.status) << arguments.front();
+        const tool_result full = run_tool(arguments, {.out_path = "/dev/full"});
+        EXPECT_EQ("orv-h264: standard output: No space left on device\n", full.err) << arguments.front();
+        EXPECT_EQ(2, full.status) << arguments.front();
     }
+}
+
+TEST_F(ClosedDescriptors, AnOutputThatIsClosedIsAnErrorByAnotherNameToo)
+{
     const std::string link = folder.path("stdout"); // as /dev/stdout is
     std::filesystem::create_symlink("/proc/self/fd/1", link);
     const tool_result result = convert(in, link, {STDOUT_FILENO});
