@@ -22,6 +22,8 @@ struct tool_input {
     std::optional<std::size_t> max_memory = std::nullopt; ///< bytes of address space
     std::optional<std::size_t> max_file = std::nullopt;   ///< bytes that a file may grow to
     std::string out_path = {};                            ///< where the standard output goes instead of `out`
+    std::string err_path = {};                            ///< where the standard error stream goes instead of `err`
+    std::vector<int> closed = {};                         ///< descriptors that the tool finds closed
 };
 
 /// Runs the program with `arguments` and waits for its end.

@@ -1,6 +1,7 @@
 #include "show_info.h"
 
 #include "names.h"
+#include "printable.h"
 #include "terminal.h"
 
 #include <cstdio>
@@ -194,7 +195,7 @@ void print_problems(const std::vector<problem_kind>& kinds)
 
 void print_info(const stream_input& input, const stream_summary& summary)
 {
-    print_row("File", input.name());
+    print_row("File", printable(input.name()));
     print_row("Framing", framing_name(input.framing()));
     print_row("Size", fmt::format("{} bytes", input.bytes_read()));
     print_sequences(summary.sequences);
