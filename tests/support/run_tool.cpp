@@ -66,7 +66,7 @@ std::string text_of(const std::string& path)
 
 tool_result run_tool(const std::vector<std::string>& arguments, const tool_input& input)
 {
-    std::vector<std::string> words = {ORV_TEST_TOOL};
+    std::vector<std::string> words = {tested_program};
     words.insert(words.end(), arguments.begin(), arguments.end());
     std::vector<char*> argv(words.size() + 1, nullptr);
     std::transform(words.begin(), words.end(), argv.begin(), [](std::string& word) { return word.data(); });

@@ -10,6 +10,9 @@
 
 namespace support {
 
+/// What run_tool() starts; each test program has its own.
+extern const char* const tested_program;
+
 struct tool_result {
     int status = -1; ///< the exit status; -1 when a signal ended the tool
     std::string out;
