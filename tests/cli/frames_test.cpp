@@ -245,8 +245,8 @@ TEST(Frames, AUnitAboveMaxUnitBelongsToNoFrame)
     const std::size_t large = stream.here();
     const temporary_file file(stream.slice(0, coded::frame, 3000).slice(0));
     const tool_result result = run_tool({"frames", "--max-unit", "2K", file.path()});
-    EXPECT_NE(std::string::npos,
-              result.err.find("offset " + std::to_string(large) + ": unit of type 1 larger than the limit"))
+    EXPECT_NE(std::string::npos, result.err.find("offset " + std::to_string(large) +
+                                                 ": unit of type 1 longer than the limit of 2048 bytes"))
         << result.err;
     EXPECT_NE(std::string::npos, result.out.find("SPS PPS IDR slice  (last)\n")) << result.out;
     EXPECT_EQ(1, result.status);

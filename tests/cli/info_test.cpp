@@ -313,9 +313,11 @@ TEST(Info, OfNoUnitsItIsShort)
               "Framing               annexb\n"
               "Size                  0 bytes\n"
               "Frames                0, 0 of them key frames\n"
-              "\n     units       bytes  NAL unit type\n",
+              "\n     units       bytes  NAL unit type\n"
+              "\nProblems\n"
+              "offset 0: no NAL unit found: the input is empty\n",
               result.out);
-    EXPECT_EQ(0, result.status);
+    EXPECT_EQ(1, result.status);
     EXPECT_EQ(json::array(),
               json::parse(run_tool({"info", "--json", "--format", "annexb", "/dev/null"}).out)["sequences"]);
 }
