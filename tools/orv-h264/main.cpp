@@ -1,4 +1,5 @@
-// orv-h264. Each subcommand is a file of its own; every syntax element is read by the library.
+// orv-h264. Each subcommand is a file of its own. The library reads the syntax, but for the delays of picture timing,
+// which the standard gives other lengths (pic_timing_lengths.cpp), and the lists of a configuration record (avcc.cpp).
 #include "command_line.h"
 #include "messages.h"
 #include "standard_descriptors.h"

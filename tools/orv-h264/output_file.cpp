@@ -30,7 +30,7 @@ void remove_unfinished(int signal_number)
     static_cast<void>(::raise(signal_number));
 }
 
-// A signal that is ignored stays so: nohup has it thus.
+// A signal that is ignored stays ignored: nohup ignores SIGHUP for the tool that it starts.
 void handle_signals(void (*handler)(int))
 {
     for (const int number : ending_signals) {

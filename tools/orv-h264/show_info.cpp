@@ -142,7 +142,7 @@ void print_sequence(const sequence_summary& sequence)
     print_hrd("VCL HRD", sps.vui.vcl_hrd_parameters_present_flag, sps.vui.vcl_hrd);
 }
 
-void print_sequences(const std::vector<sequence_summary>& sequences)
+void print_sequences(const std::vector<sequence_summary>& sequences, std::uint64_t further)
 {
     if (sequences.size() == 1)
         print_sequence(sequences.front());
@@ -154,6 +154,8 @@ void print_sequences(const std::vector<sequence_summary>& sequences)
         }
     if (sequences.size() > 1)
         print_heading("All sequences");
+    if (further > 0)
+        print_row("Sequences", fmt::format("{} shown, {} further ones not", sequences.size(), further));
 }
 
 void print_frames(const frame_totals& frames)
@@ -198,7 +200,7 @@ void print_info(const stream_input& input, const stream_summary& summary)
     print_row("File", printable(input.name()));
     print_row("Framing", framing_name(input.framing()));
     print_row("Size", fmt::format("{} bytes", input.bytes_read()));
-    print_sequences(summary.sequences);
+    print_sequences(summary.sequences, summary.further_sequences);
     print_frames(summary.frames);
     print_row("Encoder", summary.encoder);
     print_types(summary);
