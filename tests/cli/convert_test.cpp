@@ -185,7 +185,8 @@ TEST_F(Convert, AUnitAboveTheLimitStopsWithItsOffset)
 {
     folder.write("in", stream_builder().annexb_unit(pps, plain).annexb_unit(sps, bytes(1024, 0x55)));
     const tool_result result = convert(folder.path("in"), "length4", {"--max-unit", "1K"});
-    EXPECT_EQ(message("offset 6: unit of type 7 larger than the limit (1028 bytes); conversion stopped"), result.err);
+    EXPECT_EQ(message("offset 6: unit of type 7 longer than the limit of 1024 bytes (1028 bytes); conversion stopped"),
+              result.err);
     EXPECT_EQ(1, result.status);
     expect_no_output();
 }

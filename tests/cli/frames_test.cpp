@@ -245,11 +245,36 @@ TEST(Frames, AUnitAboveMaxUnitBelongsToNoFrame)
     const std::size_t large = stream.here();
     const temporary_file file(stream.slice(0, coded::frame, 3000).slice(0));
     const tool_result result = run_tool({"frames", "--max-unit", "2K", file.path()});
-    EXPECT_NE(std::string::npos,
-              result.err.find("offset " + std::to_string(large) + ": unit of type 1 larger than the limit"))
+    EXPECT_NE(std::string::npos, result.err.find("offset " + std::to_string(large) +
+                                                 ": unit of type 1 longer than the limit of 2048 bytes"))
         << result.err;
     EXPECT_NE(std::string::npos, result.out.find("SPS PPS IDR slice  (last)\n")) << result.out;
     EXPECT_EQ(1, result.status);
+}
+
+TEST(Frames, WithoutASliceThereIsNone)
+{
+    struct sliceless_case {
+        coded_stream stream;
+        std::size_t frames;
+    };
+    for (const auto& [stream, frames] :
+         {sliceless_case{coded_stream().sets(coded_sps(false)), 0},
+          {coded_stream().aud(), 0},
+          {coded_stream().sets(coded_sps(false)).recovery_point(0), 0},
+          {coded_stream().sets(coded_sps(false)).idr().aud().sets(coded_sps(false)), 1}}) {
+        const tool_result result = run_tool({"frames", "-"}, {.piped = stream});
+        EXPECT_EQ(1 + frames + 1, count_lines(result.out)) << result.out;
+        EXPECT_NE(std::string::npos, result.out.find("\n" + std::to_string(frames) + " frames, ")) << result.out;
+        EXPECT_EQ(0, result.status) << result.err;
+        const auto objects = lines_of(run_tool({"frames", "--json", "-"}, {.piped = stream}).out);
+        EXPECT_EQ(1 + frames + 1, objects.size());
+        const json in_info = json::parse(run_tool({"info", "--json", "-"}, {.piped = stream}).out)["frames"];
+        EXPECT_EQ(objects.back()["frames"], in_info["count"]);
+        EXPECT_EQ(objects.back()["key_frames"], in_info["key_frames"]);
+        EXPECT_EQ(frames, in_info["count"]);
+        EXPECT_EQ(frames, in_info["pictures"]);
+    }
 }
 
 TEST(Frames, WhatCannotBeReadEndsIt)

@@ -245,6 +245,23 @@ TEST(Info, AStreamThatChangesItsSpsIsShownSequenceBySequence)
     EXPECT_EQ((json{{"min", 2}, {"max", 2}, {"mean", 2.0}}), json_info(stream)["frames"]["key_frame_distance"]);
 }
 
+TEST(Info, SequencesBeyondTheBoundAreCounted)
+{
+    support::sps_description seq = coded_sps(false);
+    coded_stream stream;
+    for (seq.level_idc = 1; seq.level_idc <= 64; ++seq.level_idc)
+        stream.sets(seq).idr();
+    EXPECT_FALSE(has(info(stream), "Sequences "));
+    EXPECT_EQ(0, json_info(stream)["further_sequences"]);
+    stream.sets(seq).idr().sets(seq).idr();
+    ++seq.level_idc;
+    stream.sets(seq).idr();
+    EXPECT_TRUE(has(info(stream), "All sequences\nSequences             64 shown, 2 further ones not\n"));
+    const json object = json_info(stream);
+    EXPECT_EQ(2, object["further_sequences"]);
+    EXPECT_EQ(64U, object["sequences"].size());
+}
+
 TEST(Info, PicturesThatNothingSeparatesAreTold)
 {
     const coded_stream stream = coded_stream().sets(coded_sps(false)).idr().slice(1).slice(1).slice(2);
@@ -313,9 +330,11 @@ TEST(Info, OfNoUnitsItIsShort)
               "Framing               annexb\n"
               "Size                  0 bytes\n"
               "Frames                0, 0 of them key frames\n"
-              "\n     units       bytes  NAL unit type\n",
+              "\n     units       bytes  NAL unit type\n"
+              "\nProblems\n"
+              "offset 0: no NAL unit found: the input is empty\n",
               result.out);
-    EXPECT_EQ(0, result.status);
+    EXPECT_EQ(1, result.status);
     EXPECT_EQ(json::array(),
               json::parse(run_tool({"info", "--json", "--format", "annexb", "/dev/null"}).out)["sequences"]);
 }

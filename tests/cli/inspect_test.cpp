@@ -207,13 +207,15 @@ TEST(Inspect, FormatAnnexBSkipsTheRecognition)
 {
     const temporary_file file(stream_builder().junk(10));
     const tool_result result = run_tool({"inspect", "--nals", "--format", "annexb", file.path()});
-    EXPECT_EQ(result.err, "orv-h264: " + file.path() + ": offset 0: bytes before the first start code (10 bytes)\n");
+    EXPECT_EQ(result.err, "orv-h264: " + file.path() + ": offset 0: bytes before the first start code (10 bytes)\n" +
+                              "orv-h264: " + file.path() + ": offset 10: no NAL unit found\n");
     EXPECT_EQ(result.status, 1);
 }
 
 TEST(Inspect, WhatIsNotAnnexBNeedsAFormat)
 {
-    for (const bytes& stream : {bytes(stream_builder().prefixed_unit(4, sps, small)), bytes(), bytes(50, 0xEE)}) {
+    for (const bytes& stream :
+         {bytes(stream_builder().prefixed_unit(4, sps, small)), bytes(4, 0xEE), bytes(50, 0xEE)}) {
         const temporary_file file(stream);
         const tool_result result = run_tool({"inspect", "--nals", file.path()});
         EXPECT_EQ(result.out, "");
@@ -249,13 +251,23 @@ TEST(Inspect, AUnitBeyondTheEndIsShownAsFarAsItGoesAndReported)
     EXPECT_EQ(result.status, 1);
 }
 
+TEST(Inspect, AUnitThatDeclaresMoreThanMaxUnitIsReportedWithItsDeclaredLengthAndTheLimit)
+{
+    const bytes stream = stream_builder().prefix(4, 1869836800).unit(sps, small);
+    const tool_result result = run_tool({"inspect", "--format", "length4", "-"}, {.piped = stream});
+    EXPECT_EQ(result.err,
+              "orv-h264: standard input: offset 0: unit of type 7 whose declared length of 1869836800 bytes "
+              "is above the limit of 67108864 (8 bytes)\n");
+    EXPECT_EQ(result.status, 1);
+}
+
 TEST(Inspect, AUnitAboveMaxUnitIsReportedAndReadingGoesOn)
 {
     const temporary_file file(three_units);
     const tool_result result = run_tool({"inspect", "--nals", "--max-unit", "300", file.path()});
     EXPECT_EQ(result.out, aud_line + sps_line);
-    EXPECT_EQ(result.err,
-              "orv-h264: " + file.path() + ": offset 16: unit of type 12 larger than the limit (304 bytes)\n");
+    EXPECT_EQ(result.err, "orv-h264: " + file.path() +
+                              ": offset 16: unit of type 12 longer than the limit of 300 bytes (304 bytes)\n");
     EXPECT_EQ(result.status, 1);
     EXPECT_EQ(run_tool({"inspect", "--nals", "--max-unit", "1K", file.path()}).status, 0);
 }
@@ -307,7 +319,8 @@ TEST(Inspect, LongInputIsReadInBoundedMemory)
     const tool_result result =
         run_tool({"inspect", "--nals", "--format", "annexb", "--max-unit", "1M", "-"},
                  {.piped = bytes(block, 0x55), .repeat = 512, .max_memory = std::size_t{64} << 20});
-    EXPECT_EQ(result.err, "orv-h264: standard input: offset 0: bytes before the first start code (536870912 bytes)\n");
+    EXPECT_EQ(result.err, "orv-h264: standard input: offset 0: bytes before the first start code (536870912 bytes)\n"
+                          "orv-h264: standard input: offset 536870912: no NAL unit found\n");
     EXPECT_EQ(result.status, 1);
 }
 #endif

@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <utility>
+
 namespace {
 
 using support::run_tool;
@@ -24,14 +27,33 @@ const wrong_usage wrong_usages[] = {
     {{"info", "--frobnicate"}, "info has no option --frobnicate; see orv-h264 info --help"},
     {{"info", "--to", "annexb", "-"}, "info has no option --to; see orv-h264 info --help"},
     {{"info", "-", "more"}, "more is one argument too many; see orv-h264 info --help"},
-    {{"inspect", "--limit"}, "--limit: 1 required N missing; see orv-h264 inspect --help"},
+    {{"inspect", "--limit"}, "--limit needs a value; see orv-h264 inspect --help"},
+    {{"info", "--format"}, "--format needs a value; see orv-h264 info --help"},
+    {{"inspect", "--limit", "3", "--limit", "4", "-"}, "--limit is given more than once; see orv-h264 inspect --help"},
+    {{"inspect", "--only", "7", "--only=8", "-"}, "--only is given more than once; see orv-h264 inspect --help"},
+    {{"info", "--max-unit", "1K", "--max-unit", "1K", "-"},
+     "--max-unit is given more than once; see orv-h264 info --help"},
+    {{"info", "--format", "annexb", "-", "--format", "annexb"},
+     "--format is given more than once; see orv-h264 info --help"},
+    {{"convert", "a", "b", "--to", "annexb", "--to", "annexb"},
+     "--to is given more than once; see orv-h264 convert --help"},
+    {{"--json", "info", "-"}, "--json has to stand behind info; see orv-h264 info --help"},
+    {{"--limit=3", "frames", "-"}, "--limit has to stand behind frames; see orv-h264 frames --help"},
+    {{"--limit", "3", "frames", "-"}, "--limit has to stand behind frames; see orv-h264 frames --help"},
+    {{"--frobnicate", "info", "-"}, "info has no option --frobnicate; see orv-h264 info --help"},
+    {{"--", "info", "-"}, "-- has to stand behind info; see orv-h264 info --help"},
+    {{"convert", "--", "-a", "-b"}, "--to is required; see orv-h264 convert --help"},
+    {{"convert", "--", "-a", "-b", "--to", "annexb"}, "--to is one argument too many; see orv-h264 convert --help"},
     {{"inspect", "--limit", "-1", "-"}, "--limit: '-1' is no number; see orv-h264 inspect --help"},
+    {{"inspect", "--limit", "0x10", "-"}, "--limit: '0x10' is no number; see orv-h264 inspect --help"},
     {{"frames", "--limit", "many", "-"}, "--limit: 'many' is no number; see orv-h264 frames --help"},
     {{"inspect", "--only", "32", "-"}, "--only: '32' is no NAL unit type (0 to 31); see orv-h264 inspect --help"},
     {{"inspect", "--max-unit", "x", "-"},
      "--max-unit: 'x' is no size (for example 500000, 64M or 1G); see orv-h264 inspect --help"},
     {{"inspect", "--max-unit", "-5", "-"},
      "--max-unit: '-5' is no size (for example 500000, 64M or 1G); see orv-h264 inspect --help"},
+    {{"inspect", "--max-unit", "0x10", "-"},
+     "--max-unit: '0x10' is no size (for example 500000, 64M or 1G); see orv-h264 inspect --help"},
     {{"inspect", "--max-unit", "5X", "-"},
      "--max-unit: '5X' is no size (for example 500000, 64M or 1G); see orv-h264 inspect --help"},
     {{"inspect", "--max-unit", "99999999999G", "-"},
@@ -69,9 +91,29 @@ TEST(Usage, ASizeMayHaveASuffix)
 {
     for (const char* size : {"1000", "1K", "64M", "1G", "2kb", "3MiB"}) {
         const tool_result result = run_tool({"inspect", "--max-unit", size, "-"});
-        EXPECT_EQ(result.err, "orv-h264: standard input: not an Annex B stream; name the framing with --format\n")
-            << size;
+        EXPECT_EQ(result.err, "orv-h264: standard input: offset 0: no NAL unit found: the input is empty\n") << size;
     }
+}
+
+TEST(Usage, ANumberIsDecimalWithZerosBeforeItToo)
+{
+    support::stream_builder delimiters;
+    for (int i = 0; i < 20; ++i)
+        delimiters.annexb_unit(support::aud, {0x10});
+    const auto count_lines = [](const std::string& text) { return std::count(text.begin(), text.end(), '\n'); };
+    for (const auto& [limit, lines] : {std::pair{"010", 10}, {"08", 8}, {"0", 0}, {"00", 0}, {"0012", 12}, {"3", 3}})
+        EXPECT_EQ(lines, count_lines(run_tool({"inspect", "--nals", "--limit", limit, "-"}, {.piped = delimiters}).out))
+            << limit;
+    const support::bytes unit_of_ten = support::stream_builder().annexb_unit(support::sps, support::bytes(9, 0x55));
+    for (const auto& [most, status] : {std::pair{"010", 0}, {"09", 1}, {"000K", 1}, {"01K", 0}})
+        EXPECT_EQ(status, run_tool({"inspect", "--nals", "--max-unit", most, "-"}, {.piped = unit_of_ten}).status)
+            << most;
+}
+
+TEST(Usage, ArgumentsBehindTwoDashesAreNamesOfFiles)
+{
+    EXPECT_EQ("orv-h264: -a: No such file or directory\n",
+              run_tool({"convert", "--to", "annexb", "--", "-a", "-b"}).err);
 }
 
 } // namespace

@@ -1,9 +1,9 @@
 // The two generations of NAL framing, which share no code, against each other: over real streams the newer reader and
 // the legacy scanner find the same units, and both writers write the same bytes. Where they part is told, too.
+#include "support/guarded_writer.h"
 #include "support/legacy_nal_written.h"
 #include "support/legacy_units.h"
 #include "support/stream_files.h"
-#include "support/written.h"
 #include "support/zero_heavy.h"
 
 #include <orv-utils-v4/h264/nal_reader.h>
@@ -61,7 +61,7 @@ bytes prefixed(const guarded_buffer& stream, const std::vector<found_unit>& unit
 
 bytes newer_written(unsigned int k, unsigned char header, const bytes& payload)
 {
-    support::written w(framing(k), brenik::h264_nal_writer::recommended_output_size(payload.size()));
+    support::guarded_writer w(framing(k), brenik::h264_nal_writer::recommended_output_size(payload.size()));
     w.encode(header, payload);
     return w.output();
 }
@@ -142,7 +142,7 @@ TEST(GenerationsOfNalWriting, DifferInALengthThatItsPrefixDoesNotHold)
 TEST(GenerationsOfNalWriting, DifferInAnOutputThatIsTooSmall)
 {
     const bytes payload(40, 7);
-    support::written w(brenik::nalfmt_annexb, 20);
+    support::guarded_writer w(brenik::nalfmt_annexb, 20);
     EXPECT_EQ(0U, w.encode(support::sps, payload));
     EXPECT_EQ(17, legacy_nal_written(20, 0, support::sps, payload).result);
 }

@@ -1,7 +1,7 @@
 // What the writer writes, the reader reads: the same headers and the same payloads.
 #include "support/guarded_buffer.h"
+#include "support/guarded_writer.h"
 #include "support/literal_nal.h"
-#include "support/written.h"
 #include "support/zero_heavy.h"
 
 #include <orv-utils-v4/h264/nal_reader.h>
@@ -41,7 +41,7 @@ std::vector<unit> random_units(random_source& random, std::size_t largest_payloa
 }
 
 /// `units` in `nalfmt`, at the end of `w`'s buffer: the reader meets the unmapped page.
-support::written written_units(brenik::h2645_common_nalfmt nalfmt, const std::vector<unit>& units)
+support::guarded_writer written_units(brenik::h2645_common_nalfmt nalfmt, const std::vector<unit>& units)
 {
     literal::nal_writer measure{nalfmt, bytes(10000), 0};
     for (const unit& u : units)
@@ -49,7 +49,7 @@ support::written written_units(brenik::h2645_common_nalfmt nalfmt, const std::ve
     return {nalfmt, measure.write};
 }
 
-void write_units(support::written& w, const std::vector<unit>& units)
+void write_units(support::guarded_writer& w, const std::vector<unit>& units)
 {
     for (const unit& u : units)
         EXPECT_NE(0U, w.encode(u.header, u.payload, u.zero_bytes));
@@ -67,7 +67,7 @@ bytes decode_in_blocks(h264_nal_reader& reader, std::size_t size)
 }
 
 /// The same by the literal reader.
-bytes literal_blocks(const support::written& w, std::size_t start, std::size_t size)
+bytes literal_blocks(const support::guarded_writer& w, std::size_t start, std::size_t size)
 {
     literal::nal_reader model;
     model.stream = w.output();
@@ -80,7 +80,7 @@ bytes literal_blocks(const support::written& w, std::size_t start, std::size_t s
 }
 
 /// Reads back every unit, each in every block size.
-void expect_units(const support::written& w, const std::vector<unit>& units)
+void expect_units(const support::guarded_writer& w, const std::vector<unit>& units)
 {
     h264_nal_reader reader(w.writer.nalfmt);
     unsigned char* next = w.writer.buffer;
@@ -114,7 +114,7 @@ TEST(Framing, UnitsOfEveryFramingAreReadBack)
         for (int round = 0; round < 60 && !testing::Test::HasFatalFailure(); ++round) {
             SCOPED_TRACE(nalfmt);
             const std::vector<unit> units = random_units(random, 30);
-            support::written w = written_units(static_cast<brenik::h2645_common_nalfmt>(nalfmt), units);
+            support::guarded_writer w = written_units(static_cast<brenik::h2645_common_nalfmt>(nalfmt), units);
             write_units(w, units);
             expect_units(w, units);
         }
@@ -128,7 +128,7 @@ TEST(Framing, PrefixedPayloadsMayEndInZeros)
             const std::vector<unit> units = {{support::sps, support::stream_builder().raw({7}).zeros(zeros), 0},
                                              {support::pps, bytes(zeros, 0), 0},
                                              {support::aud, {}, 0}};
-            support::written w = written_units(static_cast<brenik::h2645_common_nalfmt>(nalfmt), units);
+            support::guarded_writer w = written_units(static_cast<brenik::h2645_common_nalfmt>(nalfmt), units);
             write_units(w, units);
             expect_units(w, units);
         }
@@ -140,7 +140,7 @@ TEST(Framing, AnnexBPayloadsMayEndInAnEvenNumberOfZeros)
         SCOPED_TRACE(zeros);
         const std::vector<unit> units = {{support::sps, support::stream_builder().raw({7}).zeros(zeros), 0},
                                          {support::pps, {1}, 2}};
-        support::written w = written_units(brenik::nalfmt_annexb, units);
+        support::guarded_writer w = written_units(brenik::nalfmt_annexb, units);
         write_units(w, units);
         expect_units(w, units);
     }
@@ -151,8 +151,8 @@ TEST(Framing, ALargeUnitOfRandomBytesIsReadBack)
     random_source random(10);
     for (unsigned int nalfmt = 3; nalfmt <= 5; ++nalfmt) {
         const bytes payload = support::stream_builder().raw(support::zero_heavy(random, 200000)).raw({0x80});
-        support::written w(static_cast<brenik::h2645_common_nalfmt>(nalfmt),
-                           brenik::h264_nal_writer::recommended_output_size(payload.size()));
+        support::guarded_writer w(static_cast<brenik::h2645_common_nalfmt>(nalfmt),
+                                  brenik::h264_nal_writer::recommended_output_size(payload.size()));
         ASSERT_NE(0U, w.encode(support::idr_slice, payload, 1));
         h264_nal_reader reader(w.writer.nalfmt);
         reader.scan(w.writer.buffer, w.writer.write);

@@ -53,13 +53,11 @@ struct feed_options {
     std::size_t step = 0; ///< when not 0, reads give 1, 1 + step, 1 + 2 * step ... bytes, modulo `piece`
 };
 
-/// Everything the feeder hands on for `stream`.
-inline std::vector<fed> feed(const bytes& stream, brenik::h2645_common_nalfmt nalfmt, feed_options options = {})
+/// An input that reads `stream`, which has to outlive it.
+inline orv_h264::input_window window_of(const bytes& stream, feed_options options = {})
 {
-    std::size_t at = 0;
-    std::size_t reads = 0;
-    orv_h264::input_window window(
-        [&](unsigned char* out, std::size_t size) {
+    return orv_h264::input_window(
+        [&stream, options, at = std::size_t{0}, reads = std::size_t{0}](unsigned char* out, std::size_t size) mutable {
             const std::size_t most = options.step == 0 ? size : 1 + reads++ * options.step % options.piece;
             const std::size_t count = std::min({size, most, stream.size() - at});
             std::copy_n(stream.data() + at, count, out);
@@ -67,7 +65,12 @@ inline std::vector<fed> feed(const bytes& stream, brenik::h2645_common_nalfmt na
             return count;
         },
         options.piece);
-    orv_h264::piece_feeder feeder(std::move(window), nalfmt, options.max_unit);
+}
+
+/// Everything the feeder hands on for `stream`.
+inline std::vector<fed> feed(const bytes& stream, brenik::h2645_common_nalfmt nalfmt, feed_options options = {})
+{
+    orv_h264::piece_feeder feeder(window_of(stream, options), nalfmt, options.max_unit);
     std::vector<fed> items;
     for (;;) {
         const orv_h264::fed_item item = feeder.next();
@@ -80,7 +83,8 @@ inline std::vector<fed> feed(const bytes& stream, brenik::h2645_common_nalfmt na
     }
 }
 
-/// Whether the items lie in order within `stream`, without overlap, and every byte beside them is zero.
+/// Whether the items lie in order within `stream`, without overlap, and every byte beside them is zero. That there is
+/// no unit is said at its end, by an item without bytes.
 inline bool tiles(const std::vector<fed>& items, const bytes& stream)
 {
     const auto all_zero = [&](std::uint64_t start, std::uint64_t fence) {
@@ -91,7 +95,9 @@ inline bool tiles(const std::vector<fed>& items, const bytes& stream)
     };
     std::uint64_t at = 0;
     for (const fed& item : items) {
-        if (!all_zero(at, item.offset) || item.size == 0)
+        const bool without_bytes = item.reason == orv_h264::gap_reason::no_unit;
+        if (!all_zero(at, item.offset) || (item.size == 0) != without_bytes ||
+            (without_bytes && item.offset != stream.size()))
             return false;
         at = item.offset + item.size;
     }

@@ -22,6 +22,8 @@ namespace {
     dup2(in, STDIN_FILENO);
     dup2(out, STDOUT_FILENO);
     dup2(err, STDERR_FILENO);
+    for (const int descriptor : input.closed)
+        close(descriptor);
     if (input.max_memory) {
         const rlimit limit = {*input.max_memory, *input.max_memory};
         setrlimit(RLIMIT_AS, &limit);
@@ -64,7 +66,7 @@ std::string text_of(const std::string& path)
 
 tool_result run_tool(const std::vector<std::string>& arguments, const tool_input& input)
 {
-    std::vector<std::string> words = {ORV_TEST_TOOL};
+    std::vector<std::string> words = {tested_program};
     words.insert(words.end(), arguments.begin(), arguments.end());
     std::vector<char*> argv(words.size() + 1, nullptr);
     std::transform(words.begin(), words.end(), argv.begin(), [](std::string& word) { return word.data(); });
@@ -72,15 +74,14 @@ tool_result run_tool(const std::vector<std::string>& arguments, const tool_input
     signal(SIGPIPE, SIG_IGN);
     const temporary_file out_file({});
     const temporary_file err_file({});
-    const std::string out_path = input.out_path.empty() ? out_file.path() : input.out_path;
     int ends[2] = {open_file("/dev/null", O_RDONLY), -1};
     if (input.piped) {
         close(ends[0]);
         if (pipe2(ends, O_CLOEXEC) != 0)
             throw std::runtime_error("no pipe");
     }
-    const int out = open_file(out_path, O_WRONLY);
-    const int err = open_file(err_file.path(), O_WRONLY);
+    const int out = open_file(input.out_path.empty() ? out_file.path() : input.out_path, O_WRONLY);
+    const int err = open_file(input.err_path.empty() ? err_file.path() : input.err_path, O_WRONLY);
 
     const pid_t child = fork();
     if (child == 0)

@@ -10,6 +10,9 @@
 
 namespace support {
 
+/// What run_tool() starts; each test program has its own.
+extern const char* const tested_program;
+
 struct tool_result {
     int status = -1; ///< the exit status; -1 when a signal ended the tool
     std::string out;
@@ -22,6 +25,8 @@ struct tool_input {
     std::optional<std::size_t> max_memory = std::nullopt; ///< bytes of address space
     std::optional<std::size_t> max_file = std::nullopt;   ///< bytes that a file may grow to
     std::string out_path = {};                            ///< where the standard output goes instead of `out`
+    std::string err_path = {};                            ///< where the standard error stream goes instead of `err`
+    std::vector<int> closed = {};                         ///< descriptors that the tool finds closed
 };
 
 /// Runs the program with `arguments` and waits for its end.

@@ -49,26 +49,36 @@ CLI::Option* add_framing(CLI::App& app, const char* name, const char* descriptio
         ->type_name("FRAMING");
 }
 
-bool is_number(const std::string& text)
+constexpr const char* digits = "0123456789";
+
+/// Digits without the zeros before them, with which the parser would take them for octal.
+std::string decimal(const std::string& number)
 {
-    return !text.empty() && std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
+    return number.substr(std::min(number.find_first_not_of('0'), number.size() - 1));
+}
+
+std::string limit_of(const std::string& text)
+{
+    if (text.empty() || text.find_first_not_of(digits) != std::string::npos)
+        throw CLI::ValidationError("'" + text + "' is no number");
+    return decimal(text);
 }
 
 void add_limit(CLI::App& app, std::uint64_t& limit, const char* description)
 {
-    app.add_option("--limit", limit, description)
-        ->check([](const std::string& text) { return is_number(text) ? "" : "'" + text + "' is no number"; })
-        ->type_name("N");
+    app.add_option("--limit", limit, description)->transform(limit_of)->type_name("N");
 }
 
 /// The number of bytes that a text such as 64M means.
 std::string size_in_bytes(const std::string& text)
 {
     const std::string wrong = "'" + text + "' is no size (for example 500000, 64M or 1G)";
-    if (!is_number(text.substr(0, 1)))
+    const std::size_t unit_at = std::min(text.find_first_not_of(digits), text.size());
+    const std::string unit = text.substr(unit_at);
+    if (unit_at == 0 || unit.find_first_of(digits) != std::string::npos)
         throw CLI::ValidationError(wrong);
     try {
-        std::string size = text;
+        std::string size = decimal(text.substr(0, unit_at)) + unit;
         CLI::AsSizeValue(false)(size);
         return size;
     } catch (const CLI::ValidationError&) {

@@ -1,5 +1,6 @@
 #include "convert.h"
 
+#include "framing.h"
 #include "messages.h"
 #include "output_file.h"
 #include "progress.h"
@@ -20,10 +21,10 @@ std::size_t zeros_at_end(rbsp_bytes rbsp)
     return static_cast<std::size_t>(last - rbsp.rbegin());
 }
 
-/// A gap that is a unit in truth, so that a copy without it would not be one.
-bool holds_a_unit(const gap& g)
+/// A copy without what is in the gap would be none, or there is nothing to copy.
+bool ends_conversion(const gap& g)
 {
-    return g.reason == gap_reason::forbidden_bit || g.reason == gap_reason::too_large;
+    return holds_a_unit(g) || g.reason == gap_reason::no_unit;
 }
 
 class conversion {
@@ -55,7 +56,7 @@ private:
         if (writer.block_encode(rbsp.data(), rbsp.size(), nal, zero_bytes(u)) == 0 || !end_unit(writer, rbsp))
             stop(exit_usage_or_io, u.offset,
                  fmt::format("unit of {} bytes does not fit behind a length of {} byte{}", u.length,
-                             static_cast<unsigned int>(framing), framing == brenik::nalfmt_length1 ? "" : "s"));
+                             prefix_size_of(framing), prefix_size_of(framing) == 1 ? "" : "s"));
         if (framing == brenik::nalfmt_annexb && zeros_at_end(rbsp) % 2 != 0)
             complain(u.offset, "unit ends in 00, which start codes cannot carry: left out");
         filled = writer.data_length();
@@ -80,7 +81,7 @@ private:
             return true;
         *writer.write++ = 3;
         unsigned char* const prefix = out.data() + filled;
-        for (std::size_t i = framing; i > 0; --i)
+        for (unsigned int i = prefix_size_of(framing); i > 0; --i)
             if (++prefix[i - 1] != 0)
                 return true;
         return false;
@@ -88,7 +89,7 @@ private:
 
     void take_gap(const gap& g)
     {
-        if (holds_a_unit(g))
+        if (ends_conversion(g))
             stop(exit_broken_stream, g.offset, describe_with_size(g));
         complain(g.offset, describe_with_size(g));
     }

@@ -15,7 +15,7 @@ struct convert_options {
 };
 
 /// Writes the units of the stream to `out`, which is there whole or not at all. Throws refusal for an input that is not
-/// read and for a unit that cannot be carried, and std::system_error when reading or writing fails.
+/// read, that has no unit, or a unit that cannot be carried, and std::system_error when reading or writing fails.
 exit_status convert(const convert_options& options);
 
 } // namespace orv_h264

@@ -44,8 +44,8 @@ bool is_primary_slice(brenik::h264_nal_unit_type type)
            type == brenik::h264_nal_unit_type_slice_data_partition_a;
 }
 
-// Not by the SPS of the scan: that keeps the rate of an SPS before it which told one, and is the next frame's already
-// when the scan had to look ahead.
+// The rate of the SPS that the frame's own slices name. The SPS that the scan keeps is another one at times: it has the
+// rate of an earlier SPS where the latest tells none, and is that of the next frame when the scan had to look ahead.
 std::optional<double> seconds_of(const frame& f)
 {
     for (const frame_unit& u : f.units)
@@ -85,13 +85,17 @@ std::uint64_t coded_pictures(const frame& f)
         std::count_if(f.units.begin(), f.units.end(), [](const frame_unit& u) { return u.begins_picture; }));
 }
 
+bool has_slice(const frame& f)
+{
+    return std::any_of(f.units.begin(), f.units.end(),
+                       [](const frame_unit& u) { return is_primary_slice(u.nal.nal_unit_type); });
+}
+
 std::uint64_t shown_pictures(const frame& f)
 {
-    const bool any_slice = std::any_of(f.units.begin(), f.units.end(),
-                                       [](const frame_unit& u) { return is_primary_slice(u.nal.nal_unit_type); });
     const auto fields = static_cast<std::uint64_t>(
         std::count_if(f.units.begin(), f.units.end(), [](const frame_unit& u) { return u.begins_picture && u.field; }));
-    return std::max<std::uint64_t>(coded_pictures(f) - fields + (fields + 1) / 2, any_slice ? 1 : 0);
+    return std::max<std::uint64_t>(coded_pictures(f) - fields + (fields + 1) / 2, has_slice(f) ? 1 : 0);
 }
 
 bool has_idr(const frame& f)

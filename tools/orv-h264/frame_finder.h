@@ -50,6 +50,9 @@ std::uint64_t coded_pictures(const frame& f);
 /// with slices; more than 1 where the scan did not tell them apart.
 std::uint64_t shown_pictures(const frame& f);
 
+/// Without a slice it is no frame, but what the scan left: parameter sets at the end, or the rest of a cut frame.
+bool has_slice(const frame& f);
+
 bool has_idr(const frame& f);
 
 /// The recovery_frame_cnt of its first recovery point SEI message.

@@ -165,7 +165,10 @@ public:
     {
         while (totals.frames() < options.limit && take(feeder.next()))
             show_found();
-        options.json ? print_json(totals_json(totals)) : print_totals(totals);
+        if (options.json)
+            print_json(totals_json(totals));
+        else
+            print_totals(totals);
         return problems.status();
     }
 
@@ -203,9 +206,18 @@ private:
         while (totals.frames() < options.limit && finder.next(f)) {
             if (f.cut)
                 problems.add(f.offset, describe_cut(f));
-            options.json ? print_json(frame_json(totals.frames(), f)) : print_frame(totals.frames(), f);
-            totals.add(f);
+            if (has_slice(f))
+                show(f);
         }
+    }
+
+    void show(const frame& f)
+    {
+        if (options.json)
+            print_json(frame_json(totals.frames(), f));
+        else
+            print_frame(totals.frames(), f);
+        totals.add(f);
     }
 
     const frames_options& options;

@@ -8,7 +8,7 @@ constexpr const char* exit_statuses =
     R"(
 
 Exit status: 0 nothing is wrong, 1 the stream is broken somewhere, 2 usage or input and output, 3 the input is
-recognised but not supported.)";
+recognised but not supported. A stream without any NAL unit, as an empty input, is broken.)";
 
 constexpr const char* main =
     R"(Each subcommand has its own --help, with examples.
@@ -37,10 +37,10 @@ constexpr const char* frames =
 begin there (IDR, or a recovery point SEI message), the types of its slices, how many fields long it is shown,
 the same in seconds where the parameter sets tell the field rate, and the units that it holds. The closing line
 adds up. Frames end where an SEI, SPS, PPS, AUD, end of sequence or end of stream unit follows a slice, or
-frame_num changes; pictures that nothing of that kind separates stay together, and a line below the table says
-so: the time of a row is that of one picture, the closing line counts all of them. The two fields of a frame
-stay together unless --split-fields is given. The last frame ends with the input. The peak bit rate is that of
-the fullest second, counted from the start.
+frame_num changes; what holds no slice is no frame. Pictures that nothing of that kind separates stay together,
+and a line below the table says so: the time of a row is that of one picture, the closing line counts all of
+them. The two fields of a frame stay together unless --split-fields is given. The last frame ends with the
+input. The peak bit rate is that of the fullest second, counted from the start.
 
 Examples:
   orv-h264 frames movie.264
@@ -50,7 +50,8 @@ Examples:
 constexpr const char* info =
     R"(What a stream is at a glance: profile and level, picture size and shape, scan type as its slices show it, rates,
 colour, HRD, frames, NAL units by type, the encoder, and what is wrong with it, a line for each kind of problem.
-A stream that changes its sequence parameter set is shown sequence by sequence.
+A stream that changes its sequence parameter set is shown sequence by sequence, up to 64 of them; further ones
+are counted.
 
 Examples:
   orv-h264 info movie.264
@@ -62,7 +63,8 @@ constexpr const char* convert =
 bytes, as MP4 and Matroska have them. Payloads stay what they are; emulation-prevention bytes are written anew.
 OUT appears when it is complete, and replaces what was there; - is the standard output. A unit that cannot be
 carried (longer than its prefix can tell, larger than --max-unit, its forbidden bit set) stops the conversion,
-and OUT is left as it was. Bytes that belong to no unit are reported and left out.
+and OUT is left as it was; so does an input without any unit. Bytes that belong to no unit are reported and
+left out.
 
 Examples:
   orv-h264 convert movie.264 movie.avc --to length4

@@ -44,7 +44,8 @@ private:
         for (frame f; finder.next(f);) {
             if (f.cut)
                 summary.problems.add(f.offset, describe_cut(f));
-            summary.add(f);
+            if (has_slice(f))
+                summary.add(f);
         }
     }
 
@@ -60,7 +61,10 @@ exit_status info(const info_options& options)
 {
     stream_input input(options.stream);
     const stream_summary summary = survey(input).run();
-    options.json ? print_json_info(input, summary) : print_info(input, summary);
+    if (options.json)
+        print_json_info(input, summary);
+    else
+        print_info(input, summary);
     return summary.problems.kinds().empty() ? exit_clean : exit_broken_stream;
 }
 

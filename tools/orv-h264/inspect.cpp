@@ -53,7 +53,10 @@ private:
             return;
         ++lines;
         const shown_unit shown = {u, nal, decoder.whole(reader).size(), options.nals ? nullptr : &walked};
-        options.json ? print_json_unit(shown) : printer.print(shown);
+        if (options.json)
+            print_json_unit(shown);
+        else
+            printer.print(shown);
     }
 
     void print_json_unit(const shown_unit& shown)

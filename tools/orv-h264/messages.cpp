@@ -1,17 +1,27 @@
 #include "messages.h"
 
 #include "json_output.h"
+#include "printable.h"
 #include "terminal.h"
 
 #include <cstdio>
+#include <iterator>
 
 #include <fmt/format.h>
 
 namespace orv_h264 {
 
+void write_message(std::string_view text)
+{
+    static_cast<void>(std::fwrite(text.data(), 1, text.size(), stderr));
+}
+
 void print_error(std::string_view reason)
 {
-    fmt::print(stderr, "{} {}\n", emphasised(stderr, emphasis::error, "orv-h264:"), reason);
+    const emphasis_marks marks = marks_of(stderr, emphasis::error);
+    fmt::memory_buffer line; // one that holds a short reason without an allocation, for when there is no memory left
+    fmt::format_to(std::back_inserter(line), "{}orv-h264:{} {}\n", marks.begin, marks.end, printable(reason));
+    write_message({line.data(), line.size()});
 }
 
 void complaints::add(std::uint64_t offset, std::string_view what)

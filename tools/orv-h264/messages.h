@@ -10,7 +10,10 @@
 
 namespace orv_h264 {
 
-/// Prints "orv-h264: " and the reason.
+/// Writes to the standard error stream, as it is. What that does not take is lost: a run does what it does without.
+void write_message(std::string_view text);
+
+/// Tells "orv-h264: " and the reason, its control characters escaped.
 void print_error(std::string_view reason);
 
 /// What is wrong with one input.

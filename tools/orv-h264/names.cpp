@@ -1,5 +1,7 @@
 #include "names.h"
 
+#include "framing.h"
+
 #include <iterator>
 
 #include <fmt/format.h>
@@ -45,7 +47,7 @@ constexpr numbered_name profiles[] = {
 
 std::string framing_name(brenik::h2645_common_nalfmt framing)
 {
-    return framing == brenik::nalfmt_annexb ? "annexb" : fmt::format("length{}", static_cast<unsigned int>(framing));
+    return framing == brenik::nalfmt_annexb ? "annexb" : fmt::format("length{}", prefix_size_of(framing));
 }
 
 std::string short_unit_name(brenik::h264_nal_unit_type type)

@@ -2,13 +2,15 @@
 
 #include <array>
 #include <cerrno>
+#include <climits>
 #include <csignal>
 #include <cstdio>
-#include <cstring>
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 #include <fcntl.h>
+#include <fmt/format.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -16,10 +18,10 @@ namespace orv_h264 {
 
 namespace {
 
-constexpr std::array<int, 4> ending_signals = {SIGHUP, SIGINT, SIGPIPE, SIGTERM};
+constexpr std::array<int, 7> ending_signals = {SIGHUP, SIGINT, SIGPIPE, SIGQUIT, SIGTERM, SIGXCPU, SIGXFSZ};
 
 // What a signal handler removes: it can read no std::string. The tool writes one file a run.
-std::array<char, 4096> unfinished;
+std::array<char, PATH_MAX> unfinished;
 
 void remove_unfinished(int signal_number)
 {
@@ -28,7 +30,7 @@ void remove_unfinished(int signal_number)
     static_cast<void>(::raise(signal_number));
 }
 
-// A signal that is ignored stays so: nohup has it thus.
+// A signal that is ignored stays ignored: nohup ignores SIGHUP for the tool that it starts.
 void handle_signals(void (*handler)(int))
 {
     for (const int number : ending_signals) {
@@ -38,55 +40,89 @@ void handle_signals(void (*handler)(int))
     }
 }
 
-bool is_written_as_it_comes(const std::string& path)
+mode_t permissions_of_a_new_file()
 {
-    struct stat status = {};
-    return path == "-" || (::stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode));
-}
-
-/// The permissions of the file that is replaced, or those of a new one.
-mode_t permissions(const std::string& path)
-{
-    struct stat status = {};
-    if (::stat(path.c_str(), &status) == 0)
-        return status.st_mode & 07777U;
     const mode_t mask = ::umask(0);
     ::umask(mask);
     return 0666U & ~mask;
 }
 
-} // namespace
-
-output_file::output_file(const std::string& path) : shown_name(path == "-" ? "standard output" : path)
+/// Of a link the file that it names, which need not be there.
+std::filesystem::path end_of_links(std::filesystem::path path)
 {
-    if (is_written_as_it_comes(path)) {
-        descriptor = path == "-" ? STDOUT_FILENO : ::open(path.c_str(), O_WRONLY | O_CLOEXEC);
-        if (descriptor < 0)
-            fail();
-        return;
+    constexpr int most_links = 40; // as many as Linux follows
+    std::error_code no_link;
+    for (int links = 0; links < most_links; ++links) {
+        const std::filesystem::path next = std::filesystem::read_symlink(path, no_link);
+        if (no_link)
+            break;
+        path = path.parent_path() / next;
     }
-    std::error_code not_there;
-    place = std::filesystem::weakly_canonical(path, not_there).string(); // of a link, the file that it names
-    if (not_there)
-        place = path;
-    open_beside();
+    return path;
 }
 
-void output_file::open_beside()
+/// False of an open file that was removed, for one.
+bool is_at(const std::string& path, const struct stat& file)
 {
-    beside = place + ".XXXXXX";
-    if (beside.size() >= unfinished.size()) {
-        errno = ENAMETOOLONG;
+    struct stat there = {};
+    return ::stat(path.c_str(), &there) == 0 && there.st_dev == file.st_dev && there.st_ino == file.st_ino;
+}
+
+} // namespace
+
+output_file::output_file(const std::string& path) : output_file()
+{
+    if (path == "-") {
+        shown_name = "standard output";
+        descriptor = STDOUT_FILENO;
+        return;
+    }
+    shown_name = path;
+    place = end_of_links(path).string();
+    descriptor = ::open(path.c_str(), O_WRONLY | O_CLOEXEC); // what is there stays as it is
+    if (descriptor >= 0)
+        open_instead();
+    else if (errno == ENOENT)
+        open_beside(permissions_of_a_new_file());
+    else
+        fail();
+}
+
+/// Goes on with the file that is open, or with one that is to replace it.
+void output_file::open_instead()
+{
+    constexpr mode_t anybody_writes = S_IWUSR | S_IWGRP | S_IWOTH;
+    struct stat there = {};
+    if (::fstat(descriptor, &there) != 0)
+        fail();
+    if (!S_ISREG(there.st_mode))
+        return;
+    if ((there.st_mode & anybody_writes) == 0) { // the superuser could open it, but a mark of this kind is meant
+        errno = EACCES;
         fail();
     }
+    if (is_at(place, there)) {
+        ::close(std::exchange(descriptor, -1));
+        open_beside(there.st_mode & 07777U);
+    } else if (::ftruncate(descriptor, 0) != 0)
+        fail();
+}
+
+void output_file::open_beside(mode_t permissions)
+{
+    std::string folder = std::filesystem::path(place).parent_path().string();
+    if (folder.empty())
+        folder = ".";
+    beside = folder + "/.orv-h264-XXXXXX"; // made of no name, which may be as long as any
     descriptor = ::mkstemp(beside.data());
     if (descriptor < 0) {
+        const std::error_code reason(errno, std::generic_category());
         beside.clear();
-        fail();
+        throw std::system_error(reason, fmt::format("{}: cannot make a file in the folder {}", shown_name, folder));
     }
-    std::memcpy(unfinished.data(), beside.c_str(), beside.size() + 1);
+    beside.copy(unfinished.data(), unfinished.size() - 1);
     handle_signals(remove_unfinished);
-    if (::fchmod(descriptor, permissions(place)) != 0)
+    if (::fchmod(descriptor, permissions) != 0)
         fail();
 }
 

@@ -1,10 +1,13 @@
 // A file that is there whole or not at all: written beside its place under a name of its own, and moved there when it
-// is complete. What is no regular file (a pipe, a device, the standard output) is written as it comes.
+// is complete. What is no regular file (a pipe, a device, the standard output), or has lost its name, is written as it
+// comes. Links stay, and what may not be written is not replaced.
 #pragma once
 
 #include <cstdint>
 #include <span>
 #include <string>
+
+#include <sys/types.h>
 
 namespace orv_h264 {
 
@@ -24,11 +27,13 @@ public:
     void commit();
 
 private:
-    void open_beside();
+    output_file() = default; // where the other begins, so that the destructor runs whatever fails then
+    void open_instead();
+    void open_beside(mode_t permissions);
     [[noreturn]] void fail() const;
 
     std::string shown_name; // for messages
-    std::string place;      // where the file belongs; "" when it is written as it comes
+    std::string place;      // where the file belongs
     std::string beside;     // where it is written to; "" when there is nothing to remove
     int descriptor = -1;
 };

@@ -1,5 +1,7 @@
 #include "piece_feeder.h"
 
+#include "framing.h"
+
 #include <algorithm>
 #include <iterator>
 #include <utility>
@@ -18,11 +20,25 @@ bool is_zero(unsigned char byte)
     return byte == 0;
 }
 
+std::string describe_too_large(const gap& g)
+{
+    const auto type = static_cast<unsigned int>(g.nal.nal_unit_type);
+    if (g.stated_length == 0)
+        return fmt::format("unit of type {} longer than the limit of {} bytes", type, g.limit);
+    return fmt::format("unit of type {} whose declared length of {} bytes is above the limit of {}", type,
+                       g.stated_length, g.limit);
+}
+
 } // namespace
+
+bool holds_a_unit(const gap& g)
+{
+    return g.reason == gap_reason::forbidden_bit || g.reason == gap_reason::too_large;
+}
 
 std::string describe_with_size(const gap& g)
 {
-    return fmt::format("{} ({} bytes)", describe(g), g.size);
+    return g.size == 0 ? describe(g) : fmt::format("{} ({} bytes)", describe(g), g.size);
 }
 
 std::string describe_cut(const unit& u)
@@ -42,11 +58,13 @@ std::string describe(const gap& g)
     case gap_reason::early_stop:
         return "bytes behind a place where the unit's decoding stops";
     case gap_reason::too_large:
-        return fmt::format("unit of type {} larger than the limit", static_cast<unsigned int>(g.nal.nal_unit_type));
+        return describe_too_large(g);
     case gap_reason::zero_length:
         return "length prefix of 0";
     case gap_reason::cut_prefix:
         return "input ends inside a length prefix or right behind it";
+    case gap_reason::no_unit:
+        return g.offset == 0 ? "no NAL unit found: the input is empty" : "no NAL unit found";
     }
     return "";
 }
@@ -57,6 +75,16 @@ piece_feeder::piece_feeder(input_window input, brenik::h2645_common_nalfmt nalfm
 }
 
 fed_item piece_feeder::next()
+{
+    const fed_item item = next_found();
+    const auto* const g = std::get_if<gap>(&item);
+    unit_seen = unit_seen || std::holds_alternative<unit>(item) || (g != nullptr && holds_a_unit(*g));
+    if (std::holds_alternative<end_of_input>(item) && !std::exchange(unit_seen, true))
+        return gap{gap_reason::no_unit, window.offset()};
+    return item;
+}
+
+fed_item piece_feeder::next_found()
 {
     window.drop(std::exchange(handed_on, 0));
     return nal_reader.nalfmt == brenik::nalfmt_annexb ? next_annexb() : next_length_prefixed();
@@ -120,7 +148,7 @@ unsigned char* piece_feeder::find_annexb_unit_end()
 
 fed_item piece_feeder::next_length_prefixed()
 {
-    const unsigned int prefix_size = nal_reader.nalfmt;
+    const unsigned int prefix_size = prefix_size_of(nal_reader.nalfmt);
     take_between(window.start() + std::exchange(behind_unit, 0));
     if (open)
         return close_gap(window.offset());
@@ -169,7 +197,7 @@ fed_item piece_feeder::hand_on(unsigned int framing_size, const unsigned char* u
 // A gap of `size` bytes, or of as many as there are, read past without being kept.
 fed_item piece_feeder::skip(gap_reason reason, std::uint64_t size)
 {
-    gap skipped{reason, window.offset(), 0, nal_reader.nal};
+    gap skipped{reason, window.offset(), 0, nal_reader.nal, nal_reader.nal_length, max_unit};
     while (skipped.size < size) {
         window.fill(1);
         if (window.size() == 0)
@@ -183,7 +211,7 @@ fed_item piece_feeder::skip(gap_reason reason, std::uint64_t size)
 
 void piece_feeder::open_gap(gap_reason reason, std::uint64_t offset)
 {
-    open = gap{reason, offset, 0, nal_reader.nal};
+    open = gap{reason, offset, 0, nal_reader.nal, 0, max_unit};
 }
 
 fed_item piece_feeder::close_gap(std::uint64_t end_offset)

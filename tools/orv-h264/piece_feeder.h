@@ -23,6 +23,7 @@ enum class gap_reason {
     too_large,         ///< a unit larger than the feeder may keep
     zero_length,       ///< length prefixes of 0
     cut_prefix,        ///< too few bytes for a length prefix and a header at the end of the input
+    no_unit,           ///< the input has ended without a unit: no bytes, at its end
 };
 
 /// Bytes that belong to no unit.
@@ -30,13 +31,18 @@ struct gap {
     gap_reason reason = gap_reason::before_first_unit;
     std::uint64_t offset = 0;
     std::uint64_t size = 0;
-    brenik::h264_nal nal = {}; ///< too_large: the header of the unit
+    brenik::h264_nal nal = {};       ///< too_large: the header of the unit
+    std::uint64_t stated_length = 0; ///< too_large: the length prefix; 0 in Annex B
+    std::uint64_t limit = 0;         ///< too_large: what the feeder keeps, bytes
 };
+
+/// A gap that is a unit in truth, which the feeder does not hand on.
+bool holds_a_unit(const gap& g);
 
 /// The reason as text for a person.
 std::string describe(const gap& g);
 
-/// Likewise, with the size.
+/// Likewise, with the size where there are bytes.
 std::string describe_with_size(const gap& g);
 
 /// A whole NAL unit, or the rest of the last one.
@@ -63,7 +69,7 @@ public:
     /// Feeds what `input` holds and reads on. A unit whose length is above `largest_unit` becomes a gap.
     piece_feeder(input_window input, brenik::h2645_common_nalfmt nalfmt, std::size_t largest_unit = usual_max_unit);
 
-    /// The next unit or gap.
+    /// The next unit or gap. An input without any unit ends with the gap no_unit.
     fed_item next();
 
     /// The reader on the unit that next() has just handed on, ready to decode: a block of `length` bytes is enough.
@@ -71,6 +77,7 @@ public:
     brenik::h264_nal_reader& reader() noexcept { return nal_reader; }
 
 private:
+    fed_item next_found();
     fed_item next_annexb();
     fed_item next_length_prefixed();
     fed_item hand_on(unsigned int framing_size, const unsigned char* unit_end);
@@ -87,8 +94,9 @@ private:
     std::size_t handed_on = 0;   // bytes at the window's start that belong to the unit handed on
     std::size_t behind_unit = 0; // and bytes of that unit behind where decoding stops, in length-prefixed framing
     std::uint64_t zero_run = 0;  // zero bytes directly before the window's start, since the last unit
-    bool any_unit = false;
-    std::optional<gap> open; // the gap that is growing
+    bool any_unit = false;       // handed on
+    bool unit_seen = false;      // handed on, or in a gap; or told that there is none
+    std::optional<gap> open;     // the gap that is growing
 };
 
 } // namespace orv_h264

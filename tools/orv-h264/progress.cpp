@@ -1,5 +1,6 @@
 #include "progress.h"
 
+#include "messages.h"
 #include "terminal.h"
 
 #include <cstdio>
@@ -24,16 +25,15 @@ void progress::tell(std::uint64_t done)
     next_step = done + step;
     shown = true;
     if (whole)
-        fmt::print(stderr, "\r{} of {} MiB", done / mebibyte, *whole / mebibyte);
+        write_message(fmt::format("\r{} of {} MiB", done / mebibyte, *whole / mebibyte));
     else
-        fmt::print(stderr, "\r{} MiB", done / mebibyte);
+        write_message(fmt::format("\r{} MiB", done / mebibyte));
 }
 
 void progress::clear()
 {
-    constexpr const char* to_the_end = "\x1B[K";
     if (shown)
-        fmt::print(stderr, "\r{}", to_the_end);
+        write_message("\r\x1B[K"); // to the end of the line
     shown = false;
 }
 

@@ -9,7 +9,8 @@
 
 namespace orv_h264 {
 
-/// Bytes of an RBSP, from behind the NAL unit header. Who gets them reads them only.
+/// Bytes of an RBSP, from behind the NAL unit header. They are to be read, not written; the type is not const because
+/// the library's SEI reader takes no pointers to const.
 using rbsp_bytes = std::span<unsigned char>;
 
 class rbsp_decoder {

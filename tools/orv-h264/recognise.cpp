@@ -46,6 +46,14 @@ bool is_annexb(input_window& window)
                         [&](brenik::h2645_common_nalfmt nalfmt) { return is_length_prefixed(nalfmt, window); });
 }
 
+bool holds_nothing(input_window& window)
+{
+    constexpr std::size_t smallest_stream = 4;
+    window.fill(recognise_size);
+    return window.size() < smallest_stream ||
+           std::all_of(window.start(), window.fence(), [](unsigned char byte) { return byte == 0; });
+}
+
 const char* container_name(input_window& window)
 {
     window.fill(recognise_size);

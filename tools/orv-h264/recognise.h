@@ -12,6 +12,9 @@ constexpr std::size_t recognise_size = std::size_t{64} * 1024;
 /// of 1 to 4 bytes leads from unit to unit through it.
 bool is_annexb(input_window& window);
 
+/// True when the window holds no unit whatever the framing: fewer bytes than a start code and a header, or zeros alone.
+bool holds_nothing(input_window& window);
+
 /// The name of the container format that the window begins, or a null pointer when it is none of the well-known ones.
 const char* container_name(input_window& window);
 

@@ -19,19 +19,32 @@ bool begins_picture(const brenik::h264_nal_slice_header& slice)
     return slice.first_mb_in_slice == 0 && slice.redundant_pic_cnt == 0 && slice.colour_plane_id == 0;
 }
 
+namespace {
+
+void count_picture(sequence_summary& sequence, const brenik::h264_nal_slice_header& slice)
+{
+    const bool mbaff = sequence.sps.mb_adaptive_frame_field_flag && !sequence.sps.frame_mbs_only_flag;
+    if (slice.field_pic_flag) {
+        ++sequence.field_pictures;
+        if (!sequence.top_field_first)
+            sequence.top_field_first = !slice.bottom_field_flag;
+    } else if (mbaff) {
+        ++sequence.mbaff_pictures;
+    } else {
+        ++sequence.frame_pictures;
+    }
+}
+
+} // namespace
+
 void add_slice(sequence_summary& sequence, const brenik::h264_nal_slice_header& slice, const brenik::h264_nal_pps& pps)
 {
-    (pps.entropy_coding_mode_flag ? sequence.cabac : sequence.cavlc) = true;
-    if (!begins_picture(slice))
-        return;
-    if (!slice.field_pic_flag) {
-        ++(sequence.sps.mb_adaptive_frame_field_flag && !sequence.sps.frame_mbs_only_flag ? sequence.mbaff_pictures
-                                                                                          : sequence.frame_pictures);
-        return;
-    }
-    ++sequence.field_pictures;
-    if (!sequence.top_field_first)
-        sequence.top_field_first = !slice.bottom_field_flag;
+    if (pps.entropy_coding_mode_flag)
+        sequence.cabac = true;
+    else
+        sequence.cavlc = true;
+    if (begins_picture(slice))
+        count_picture(sequence, slice);
 }
 
 // H.264 Table D-1

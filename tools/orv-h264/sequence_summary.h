@@ -50,7 +50,8 @@ struct fraction {
 
 fraction half(fraction whole);
 
-/// Fields a second, H.264 E.2.1, in lowest terms; frames come at half this rate.
+/// Fields a second, H.264 E.2.1, in lowest terms; frames come at half this rate. Nothing when it is not told, or told
+/// as 0 of a second or of a field.
 std::optional<fraction> field_rate(const brenik::h264_nal_sps& sps);
 
 /// The shape of a sample, width to height, in lowest terms; nothing when it is not told.

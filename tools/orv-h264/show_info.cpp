@@ -1,6 +1,7 @@
 #include "show_info.h"
 
 #include "names.h"
+#include "printable.h"
 #include "terminal.h"
 
 #include <cstdio>
@@ -141,7 +142,7 @@ void print_sequence(const sequence_summary& sequence)
     print_hrd("VCL HRD", sps.vui.vcl_hrd_parameters_present_flag, sps.vui.vcl_hrd);
 }
 
-void print_sequences(const std::vector<sequence_summary>& sequences)
+void print_sequences(const std::vector<sequence_summary>& sequences, std::uint64_t further)
 {
     if (sequences.size() == 1)
         print_sequence(sequences.front());
@@ -153,6 +154,8 @@ void print_sequences(const std::vector<sequence_summary>& sequences)
         }
     if (sequences.size() > 1)
         print_heading("All sequences");
+    if (further > 0)
+        print_row("Sequences", fmt::format("{} shown, {} further ones not", sequences.size(), further));
 }
 
 void print_frames(const frame_totals& frames)
@@ -194,10 +197,10 @@ void print_problems(const std::vector<problem_kind>& kinds)
 
 void print_info(const stream_input& input, const stream_summary& summary)
 {
-    print_row("File", input.name());
+    print_row("File", printable(input.name()));
     print_row("Framing", framing_name(input.framing()));
     print_row("Size", fmt::format("{} bytes", input.bytes_read()));
-    print_sequences(summary.sequences);
+    print_sequences(summary.sequences, summary.further_sequences);
     print_frames(summary.frames);
     print_row("Encoder", summary.encoder);
     print_types(summary);

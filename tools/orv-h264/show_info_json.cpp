@@ -150,6 +150,7 @@ void print_json_info(const stream_input& input, const stream_summary& summary)
     json& sequences = object["sequences"] = json::array();
     for (const sequence_summary& sequence : summary.sequences)
         sequences.push_back(sequence_json(sequence));
+    object["further_sequences"] = summary.further_sequences;
     object["frames"] = frames_json(summary.frames);
     object["nal_units"] = types_json(summary);
     object["encoder"] = or_null(summary.encoder);

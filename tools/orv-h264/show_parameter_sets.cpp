@@ -157,11 +157,8 @@ void show_derived(field_printer& p, const brenik::h264_nal_sps& sps)
                   ? fmt::format("coded size {}x{}, cropped to nothing", sps.getPicWidth(), sps.getPicHeight())
                   : fmt::format("cropped size {}x{}", size.width, size.height),
               {{"cropped_width", size.width}, {"cropped_height", size.height}});
-    const brenik::h264_vui_parameters& vui = sps.vui;
-    if (sps.vui_parameters_present_flag && vui.timing_info_present_flag && vui.num_units_in_tick != 0) {
-        const double rate = static_cast<double>(vui.time_scale) / vui.num_units_in_tick;
-        p.derived(fmt::format("field rate {:.7g} Hz", rate), {{"field_rate", rate}});
-    }
+    if (const auto rate = field_rate(sps))
+        p.derived(fmt::format("field rate {:.7g} Hz", rate->value()), {{"field_rate", rate->value()}});
 }
 
 } // namespace

@@ -1,4 +1,5 @@
-// The fields of each structure, in the order of its syntax; who shows a unit puts them together.
+// Behind show_syntax.h, for the files that implement it alone: a show() for each structure, which hands on the fields
+// of that structure in the order of its syntax table.
 #pragma once
 
 #include "field_printer.h"

@@ -1,4 +1,4 @@
-// The fields of parsed structures, in the order of their syntax.
+// The way in for who shows a unit: its fields, whatever structure it holds.
 #pragma once
 
 #include "field_sink.h"

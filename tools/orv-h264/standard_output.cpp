@@ -33,7 +33,7 @@ void write_output(std::string_view text)
 
 void flush_output()
 {
-    if (std::fflush(stdout) != 0)
+    if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) // std::cout flushes too, and tells nobody
         fail();
 }
 

@@ -22,7 +22,7 @@ input_window open_window(input_file& file, const stream_options& options)
     if (const char* container = container_name(window))
         throw refusal(exit_not_supported,
                       fmt::format("{}: this is {}; take the H.264 stream out of it first", file.name(), container));
-    if (!is_annexb(window))
+    if (!holds_nothing(window) && !is_annexb(window))
         throw refusal(exit_usage_or_io,
                       fmt::format("{}: not an Annex B stream; name the framing with --format", file.name()));
     return window;

@@ -29,7 +29,7 @@ public:
 class stream_input {
 public:
     /// Throws std::system_error when the file cannot be read, and refusal when it holds a container, or is not told and
-    /// not recognised.
+    /// not recognised. An input that holds nothing passes for Annex B: its feeder says that there is no unit.
     explicit stream_input(const stream_options& options);
 
     const std::string& name() const noexcept { return file.name(); }

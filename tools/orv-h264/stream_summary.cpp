@@ -1,7 +1,6 @@
 #include "stream_summary.h"
 
-#include "field_values.h"
-#include "show_syntax.h"
+#include "same_sequence.h"
 
 #include <algorithm>
 #include <utility>
@@ -9,18 +8,6 @@
 namespace orv_h264 {
 
 namespace {
-
-/// What tells a sequence from another: all fields but the id, which only tells where the set is kept.
-std::vector<std::uint64_t> fields_of(brenik::h264_nal_sps sps)
-{
-    sps.seq_parameter_set_id = 0;
-    walked_unit unit;
-    unit.syntax = std::move(sps);
-    unit.outcome.parsed = true;
-    field_values fields;
-    show_fields(fields, unit);
-    return fields.values;
-}
 
 /// The name and version at the start of what an encoder writes of itself: two parts of those between " - ".
 std::string encoder_name(const brenik::h264_nal_sei_user_data_unreg& user_data)
@@ -78,7 +65,8 @@ void stream_summary::add_slice(std::uint64_t offset, const walked_unit& walked)
         return;
     if (!any_picture) { // parameter sets that no picture used do not count
         sequences.clear();
-        fields_of_sequences.clear();
+        further_sequences = 0;
+        last_further.reset();
     }
     any_picture = true;
     if (sps_changed || sequences.empty() || walked.sps->seq_parameter_set_id != current_id)
@@ -108,16 +96,25 @@ void stream_summary::add_sei(const walked_sei& sei)
 /// Makes the sequence of `sps` the current one, a new one if need be; none when there are too many.
 void stream_summary::find_sequence(std::uint64_t offset, const brenik::h264_nal_sps& sps)
 {
-    const std::vector<std::uint64_t> fields = fields_of(sps);
+    const auto found = std::find_if(sequences.begin(), sequences.end(),
+                                    [&](const sequence_summary& sequence) { return same_sequence(sequence.sps, sps); });
     current_id = sps.seq_parameter_set_id;
-    current = static_cast<std::size_t>(std::find(fields_of_sequences.begin(), fields_of_sequences.end(), fields) -
-                                       fields_of_sequences.begin());
-    if (current < sequences.size() || sequences.size() == most_sequences)
+    current = static_cast<std::size_t>(found - sequences.begin());
+    if (found != sequences.end())
         return;
-    fields_of_sequences.push_back(fields);
+    if (sequences.size() == most_sequences)
+        return count_further(sps);
     sequence_summary& added = sequences.emplace_back();
     added.offset = offset;
     added.sps = sps;
+}
+
+void stream_summary::count_further(const brenik::h264_nal_sps& sps)
+{
+    if (last_further && same_sequence(*last_further, sps))
+        return;
+    last_further = sps;
+    ++further_sequences;
 }
 
 } // namespace orv_h264

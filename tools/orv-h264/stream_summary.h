@@ -14,7 +14,7 @@ namespace orv_h264 {
 
 class stream_summary {
 public:
-    /// The most sequences told apart: parameter sets that pictures use and that differ.
+    /// The most sequences told apart: parameter sets that pictures use and that differ. Further ones are counted.
     static constexpr std::size_t most_sequences = 64;
 
     struct type_count {
@@ -30,6 +30,7 @@ public:
 
     problem_list problems;
     std::vector<sequence_summary> sequences; ///< in the order of their first pictures
+    std::uint64_t further_sequences = 0;     ///< beyond most_sequences; one that comes back later counts again
     std::array<type_count, 32> types;        ///< by nal_unit_type
     frame_totals frames;
     std::string encoder; ///< as unregistered user data names it, or ""
@@ -39,12 +40,13 @@ private:
     void add_slice(std::uint64_t offset, const walked_unit& walked);
     void add_sei(const walked_sei& sei);
     void find_sequence(std::uint64_t offset, const brenik::h264_nal_sps& sps);
+    void count_further(const brenik::h264_nal_sps& sps);
 
-    std::vector<std::vector<std::uint64_t>> fields_of_sequences; // what tells them apart
-    std::size_t current = 0;                                     // of the sequences
-    std::uint32_t current_id = 0;                                // its seq_parameter_set_id
-    std::optional<brenik::h264_nal_sei_pic_timing> timing;       // of the picture that follows
-    bool sps_changed = true;                                     // an SPS has come since the current sequence was found
+    std::size_t current = 0;                               // of the sequences
+    std::uint32_t current_id = 0;                          // its seq_parameter_set_id
+    std::optional<brenik::h264_nal_sps> last_further;      // the SPS of the further sequence counted last
+    std::optional<brenik::h264_nal_sei_pic_timing> timing; // of the picture that follows
+    bool sps_changed = true;                               // an SPS has come since the current sequence was found
     bool any_picture = false;
 };
 

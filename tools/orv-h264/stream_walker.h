@@ -1,5 +1,6 @@
 // What the units of a stream mean, one after another: parses each by its type, keeps the parameter sets that later ones
-// refer to, and knows which SPS is current. All syntax is read by the library.
+// refer to, and knows which SPS is current. The library reads the syntax; where its picture timing departs from the
+// standard, pic_timing_lengths.h reads the delays once more.
 #pragma once
 
 #include "rbsp_decoder.h"

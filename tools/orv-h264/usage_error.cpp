@@ -23,17 +23,50 @@ std::string subcommand_of(const CLI::App& app)
     return chosen.empty() ? "" : chosen.front()->get_name();
 }
 
+bool stands_before_subcommand(const CLI::App& app, const std::string& word)
+{
+    const std::vector<std::string> before = app.remaining(false);
+    return std::find(before.begin(), before.end(), word) != before.end();
+}
+
+std::string unknown_option(const CLI::App& app, const std::string& subcommand, const std::string& word)
+{
+    if (subcommand.empty())
+        return fmt::format("there is no option {}", word);
+    const std::string name = word.substr(0, word.find('='));
+    const bool known = app.get_subcommand(subcommand)->get_option_no_throw(name) != nullptr;
+    if (known && stands_before_subcommand(app, word))
+        return fmt::format("{} has to stand behind {}", name, subcommand);
+    return fmt::format("{} has no option {}", subcommand, word);
+}
+
+/// An option of the subcommand that came more often than it may, or had no value behind it. The parser's text begins
+/// with the name of the option.
+std::string wrong_count(const CLI::App& subcommand, const CLI::ArgumentMismatch& error)
+{
+    const std::string text = error.what();
+    const std::string name = text.substr(0, text.find(':'));
+    const CLI::Option* const option = subcommand.get_option_no_throw(name);
+    return option != nullptr && option->count() > 1 ? fmt::format("{} is given more than once", name)
+                                                    : fmt::format("{} needs a value", name);
+}
+
 std::string reason(const CLI::App& app, const std::string& subcommand, const CLI::ParseError& error)
 {
     const std::vector<std::string> unknown = app.remaining(true);
-    const auto option = std::find_if(unknown.begin(), unknown.end(), is_option);
-    if (option != unknown.end())
-        return subcommand.empty() ? fmt::format("there is no option {}", *option)
-                                  : fmt::format("{} has no option {}", subcommand, *option);
+    const auto no_options_behind = std::find(unknown.begin(), unknown.end(), "--");
+    const auto option = std::find_if(unknown.begin(), no_options_behind, is_option);
+    if (option != no_options_behind)
+        return unknown_option(app, subcommand, *option);
+    const auto word = std::find_if(unknown.begin(), unknown.end(), [](const std::string& w) { return w != "--"; });
     if (subcommand.empty())
-        return unknown.empty() ? "a subcommand is required" : fmt::format("there is no subcommand {}", unknown.front());
-    if (!unknown.empty())
-        return fmt::format("{} is one argument too many", unknown.front());
+        return word == unknown.end() ? "a subcommand is required" : fmt::format("there is no subcommand {}", *word);
+    if (stands_before_subcommand(app, "--"))
+        return fmt::format("-- has to stand behind {}", subcommand);
+    if (word != unknown.end())
+        return fmt::format("{} is one argument too many", *word);
+    if (const auto* const mismatch = dynamic_cast<const CLI::ArgumentMismatch*>(&error))
+        return wrong_count(*app.get_subcommand(subcommand), *mismatch);
     return error.what();
 }
 

@@ -2,6 +2,8 @@
 
 #include "names.h"
 
+#include <algorithm>
+#include <initializer_list>
 #include <string_view>
 
 #include <fmt/format.h>
@@ -12,9 +14,30 @@ namespace {
 
 constexpr std::uint32_t most_entries = 128; // in every array whose size a unit tells
 
-std::string count_above_cap(std::string_view name, std::uint64_t count)
+/// Why the array that `name` counts the entries of was not read; "" when it has them all.
+std::string count_failure(std::string_view name, std::uint64_t count, std::size_t entries)
 {
-    return fmt::format("{} asks for {} entries, more than {}", name, count, most_entries);
+    if (count > most_entries)
+        return fmt::format("{} asks for {} entries, more than {}", name, count, most_entries);
+    return entries == count ? "" : fmt::format("memory ran out for the {} entries that {} asks for", count, name);
+}
+
+/// Likewise of lists, each of which has entries once it is read.
+template <typename Lists>
+std::string list_failure(const Lists& lists)
+{
+    const bool any_empty = std::any_of(lists.begin(), lists.end(), [](const brenik::h264_scaling_list& list) {
+        return list.present && list.values.empty();
+    });
+    return any_empty ? "memory ran out for a scaling list" : "";
+}
+
+/// The first that is not "".
+std::string first_of(std::initializer_list<std::string> problems)
+{
+    const auto* const first =
+        std::find_if(problems.begin(), problems.end(), [](const std::string& problem) { return !problem.empty(); });
+    return first == problems.end() ? "" : *first;
 }
 
 std::string missing_sps(std::string_view who, std::uint32_t sps_id)
@@ -26,7 +49,9 @@ std::string hrd_problem(const char* name, bool present, const brenik::h264_hrd_p
 {
     if (!present || hrd.valid)
         return "";
-    return count_above_cap(fmt::format("cpb_cnt_minus1 of the {}", name), std::uint64_t{hrd.cpb_cnt_minus1} + 1);
+    // The flags are the last of its arrays to get their room.
+    return count_failure(fmt::format("cpb_cnt_minus1 of the {}", name), std::uint64_t{hrd.cpb_cnt_minus1} + 1,
+                         hrd.cbr_flag.size());
 }
 
 // Why a parse failed whose bits were well-formed codes and enough of them; "" when the trailing bits are to blame.
@@ -39,28 +64,35 @@ std::string failure_of(const Syntax&, const walked_unit&)
 
 std::string failure_of(const brenik::h264_nal_sps& sps, const walked_unit&)
 {
-    if (sps.pic_order_cnt_type == 1 && sps.num_ref_frames_in_pic_order_cnt_cycle > most_entries)
-        return count_above_cap("num_ref_frames_in_pic_order_cnt_cycle", sps.num_ref_frames_in_pic_order_cnt_cycle);
     const brenik::h264_vui_parameters& vui = sps.vui;
-    const std::string nal_hrd = hrd_problem("NAL HRD", vui.nal_hrd_parameters_present_flag, vui.nal_hrd);
-    return nal_hrd.empty() ? hrd_problem("VCL HRD", vui.vcl_hrd_parameters_present_flag, vui.vcl_hrd) : nal_hrd;
+    return first_of({list_failure(sps.scaling_list_4x4), list_failure(sps.scaling_list_8x8),
+                     count_failure("num_ref_frames_in_pic_order_cnt_cycle", sps.num_ref_frames_in_pic_order_cnt_cycle,
+                                   sps.offset_for_ref_frame.size()),
+                     hrd_problem("NAL HRD", vui.nal_hrd_parameters_present_flag, vui.nal_hrd),
+                     hrd_problem("VCL HRD", vui.vcl_hrd_parameters_present_flag, vui.vcl_hrd)});
+}
+
+std::string slice_group_problem(const brenik::h264_nal_pps& pps)
+{
+    const std::uint64_t slice_groups = std::uint64_t{pps.num_slice_groups_minus1} + 1;
+    const std::uint64_t map_units = std::uint64_t{pps.pic_size_in_map_units_minus1} + 1;
+    if (pps.num_slice_groups_minus1 == 0)
+        return "";
+    if (pps.slice_group_map_type == 0)
+        return count_failure("num_slice_groups_minus1", slice_groups, pps.run_length_minus1.size());
+    if (pps.slice_group_map_type == 2)
+        return count_failure("num_slice_groups_minus1", slice_groups - 1, pps.bottom_right.size());
+    if (pps.slice_group_map_type == 6)
+        return count_failure("pic_size_in_map_units_minus1", map_units, pps.slice_group_id.size());
+    return "";
 }
 
 std::string failure_of(const brenik::h264_nal_pps& pps, const walked_unit& unit)
 {
-    const std::uint64_t slice_groups = std::uint64_t{pps.num_slice_groups_minus1} + 1;
-    const std::uint64_t map_units = std::uint64_t{pps.pic_size_in_map_units_minus1} + 1;
     if (unit.sps == nullptr)
         return missing_sps(fmt::format("picture parameter set {}", pps.pic_parameter_set_id), pps.seq_parameter_set_id);
-    if (pps.num_slice_groups_minus1 == 0)
-        return "";
-    if (pps.slice_group_map_type == 0 && slice_groups > most_entries)
-        return count_above_cap("num_slice_groups_minus1", slice_groups);
-    if (pps.slice_group_map_type == 2 && slice_groups - 1 > most_entries)
-        return count_above_cap("num_slice_groups_minus1", slice_groups - 1);
-    if (pps.slice_group_map_type == 6 && map_units > most_entries)
-        return count_above_cap("pic_size_in_map_units_minus1", map_units);
-    return "";
+    return first_of(
+        {slice_group_problem(pps), list_failure(pps.pic_scaling_list_4x4), list_failure(pps.pic_scaling_list_8x8)});
 }
 
 std::string failure_of(const brenik::h264_nal_slice_header& slice, const walked_unit& unit)
@@ -89,19 +121,21 @@ std::string failure_of(const Syntax&, const walked_message&)
     return "";
 }
 
-std::string failure_of(const brenik::h264_nal_sei_buffering_period& period, const walked_message&)
+// The arrays of a buffering period and of picture timing have few entries: only memory can be what they lack.
+
+std::string failure_of(const brenik::h264_nal_sei_buffering_period& period, const walked_message& message)
 {
-    return missing_sps("it", period.seq_parameter_set_id);
+    return message.sps == nullptr ? missing_sps("it", period.seq_parameter_set_id) : "memory ran out for its delays";
 }
 
-std::string failure_of(const walked_pic_timing&, const walked_message&)
+std::string failure_of(const walked_pic_timing&, const walked_message& message)
 {
-    return "no sequence parameter set is active";
+    return message.sps == nullptr ? "no sequence parameter set is active" : "memory ran out for its timestamps";
 }
 
 std::string failure_of(const brenik::h264_nal_sei_pan_scan_rect& pan_scan, const walked_message&)
 {
-    return count_above_cap("pan_scan_cnt_minus1", std::uint64_t{pan_scan.pan_scan_cnt_minus1} + 1);
+    return count_failure("pan_scan_cnt_minus1", std::uint64_t{pan_scan.pan_scan_cnt_minus1} + 1, pan_scan.rects.size());
 }
 
 std::string failure_of(const brenik::h264_nal_sei_user_data_unreg&, const walked_message& message)

@@ -1,6 +1,6 @@
 // The NAL writer against the literal one, in every room from none to more than enough.
+#include "support/guarded_writer.h"
 #include "support/literal_nal.h"
-#include "support/written.h"
 #include "support/zero_heavy.h"
 
 #include <gtest/gtest.h>
@@ -33,7 +33,7 @@ brenik::h264_nal real_header(const literal::header& nal)
 }
 
 /// Writes `u` with both writers and compares result, position and everything before it.
-void write_with_both(support::written& real, literal::nal_writer& model, const unit& u)
+void write_with_both(support::guarded_writer& real, literal::nal_writer& model, const unit& u)
 {
     const std::size_t before = model.write;
     const std::size_t expected = model.block_encode(u.payload, u.nal, u.zero_bytes);
@@ -53,7 +53,7 @@ literal::nal_writer literal_writer(unsigned int nalfmt, std::size_t size)
     return {nalfmt, bytes(size), 0};
 }
 
-support::written real_writer(unsigned int nalfmt, std::size_t size)
+support::guarded_writer real_writer(unsigned int nalfmt, std::size_t size)
 {
     return {static_cast<brenik::h2645_common_nalfmt>(nalfmt), size};
 }
@@ -78,7 +78,7 @@ TEST(LiteralNalWriter, RandomUnitsInEveryFramingAndEveryRoom)
             ASSERT_EQ(nalfmt == 0, need == 0);
             for (std::size_t room = 0; room <= need + 8; ++room) {
                 literal::nal_writer model = literal_writer(nalfmt, room);
-                support::written real = real_writer(nalfmt, room);
+                support::guarded_writer real = real_writer(nalfmt, room);
                 write_with_both(real, model, u);
                 ASSERT_EQ(room < need ? 0 : need, model.write) << room;
             }
@@ -88,7 +88,7 @@ TEST(LiteralNalWriter, RandomUnitsInEveryFramingAndEveryRoom)
 TEST(LiteralNalWriter, EveryStringOfSixSmallBytesInEveryRoom)
 {
     static constexpr unsigned char alphabet[] = {0, 1, 3, 4};
-    support::written real = real_writer(0, 40);
+    support::guarded_writer real = real_writer(0, 40);
     for (const unsigned int nalfmt : {2U, 5U, 6U})
         for (unsigned int number = 0; number < 4096; ++number) {
             bytes payload(6);
@@ -117,7 +117,7 @@ TEST(LiteralNalWriter, SeveralUnitsUntilTheBufferIsFull)
         SCOPED_TRACE(nalfmt);
         const std::size_t size = pick(random, 120);
         literal::nal_writer model = literal_writer(nalfmt, size);
-        support::written real = real_writer(nalfmt, size);
+        support::guarded_writer real = real_writer(nalfmt, size);
         for (int units = 0; units < 8; ++units)
             write_with_both(real, model, random_unit(random));
     }
@@ -129,7 +129,7 @@ TEST(LiteralNalWriter, UnitsAroundTheLimitOfAOneBytePrefix)
     for (std::size_t size = 160; size <= 260 && !testing::Test::HasFatalFailure(); ++size)
         for (int round = 0; round < 4; ++round) {
             literal::nal_writer model = literal_writer(1, 500);
-            support::written real = real_writer(1, 500);
+            support::guarded_writer real = real_writer(1, 500);
             write_with_both(real, model, {support::zero_heavy(random, size), {3, 7, true}, 0});
         }
 }

@@ -1,6 +1,6 @@
 // The NAL writer: its members, its framings, and each way to write nothing.
+#include "support/guarded_writer.h"
 #include "support/whole_message.h"
-#include "support/written.h"
 
 #include <orv-utils-v4/h264/nal_writer.h>
 
@@ -15,15 +15,15 @@ using brenik::h2645_common_nalfmt;
 using brenik::h264_nal_writer;
 using support::bytes;
 using support::guarded_buffer;
+using support::guarded_writer;
 using support::stream_builder;
-using support::written;
 
 constexpr h2645_common_nalfmt unknown_framing = static_cast<h2645_common_nalfmt>(6);
 
 /// The payload that `payload` becomes behind an SPS header in `nalfmt`.
 bytes escaped(h2645_common_nalfmt nalfmt, const bytes& payload)
 {
-    written w(nalfmt, h264_nal_writer::recommended_output_size(payload.size()));
+    guarded_writer w(nalfmt, h264_nal_writer::recommended_output_size(payload.size()));
     const std::size_t count = w.encode(support::sps, payload);
     const std::size_t framing = nalfmt == brenik::nalfmt_annexb ? 3 : std::size_t{nalfmt};
     EXPECT_LT(framing, count);
@@ -137,14 +137,14 @@ TEST(NalWriter, RecommendedOutputSizeHoldsThePayloadThatEscapesMost)
 {
     for (std::size_t size = 0; size <= 200; ++size)
         for (unsigned int nalfmt = 2; nalfmt <= 6; ++nalfmt) {
-            written w(static_cast<h2645_common_nalfmt>(nalfmt), h264_nal_writer::recommended_output_size(size));
+            guarded_writer w(static_cast<h2645_common_nalfmt>(nalfmt), h264_nal_writer::recommended_output_size(size));
             EXPECT_LT(size + size / 3, w.encode(support::sps, bytes(size, 0), 1)) << size << " in " << nalfmt;
         }
 }
 
 TEST(NalWriter, AnnexBUnitWithAFourByteStartCode)
 {
-    written w(brenik::nalfmt_annexb, 40);
+    guarded_writer w(brenik::nalfmt_annexb, 40);
     EXPECT_EQ(10U, w.encode(support::sps, {0x42, 0x00, 0x00, 0x01}, 1));
     EXPECT_EQ((bytes{0x00, 0x00, 0x00, 0x01, 0x67, 0x42, 0x00, 0x00, 0x03, 0x01}), w.output());
     EXPECT_EQ(10U, w.writer.data_length());
@@ -155,7 +155,7 @@ TEST(NalWriter, AnnexBUnitWithAFourByteStartCode)
 TEST(NalWriter, AnnexBStartCodesHaveAsManyZerosAsAsked)
 {
     for (unsigned int zero_bytes = 0; zero_bytes <= 10; ++zero_bytes) {
-        written w(brenik::nalfmt_annexb, 40);
+        guarded_writer w(brenik::nalfmt_annexb, 40);
         EXPECT_EQ(zero_bytes + 5, w.encode(support::aud, {0xF0}, zero_bytes));
         EXPECT_EQ(stream_builder().zeros(zero_bytes).annexb_unit(support::aud, {0xF0}).made(), w.output());
     }
@@ -164,7 +164,7 @@ TEST(NalWriter, AnnexBStartCodesHaveAsManyZerosAsAsked)
 TEST(NalWriter, PrefixedUnitsCarryTheLengthOfHeaderAndEscapedPayload)
 {
     for (unsigned int nalfmt = 1; nalfmt <= 4; ++nalfmt) {
-        written w(static_cast<h2645_common_nalfmt>(nalfmt), 40);
+        guarded_writer w(static_cast<h2645_common_nalfmt>(nalfmt), 40);
         EXPECT_EQ(nalfmt + 6, w.encode(support::sps, {0x42, 0x00, 0x00, 0x01}, 7)) << "zero_bytes are ignored";
         EXPECT_EQ(stream_builder().prefixed_unit(nalfmt, support::sps, {0x42, 0x00, 0x00, 0x03, 0x01}).made(),
                   w.output());
@@ -174,7 +174,7 @@ TEST(NalWriter, PrefixedUnitsCarryTheLengthOfHeaderAndEscapedPayload)
 TEST(NalWriter, AFramingAbove5WritesHeaderAndEscapedPayloadPlainly)
 {
     for (unsigned int nalfmt : {6U, 7U, 0xFFFFFFFFU}) {
-        written w(static_cast<h2645_common_nalfmt>(nalfmt), 40);
+        guarded_writer w(static_cast<h2645_common_nalfmt>(nalfmt), 40);
         EXPECT_EQ(7U, w.encode(support::sps, {0, 0, 1, 0, 0}, 3)) << nalfmt;
         EXPECT_EQ((bytes{support::sps, 0, 0, 3, 1, 0, 0}), w.output()) << nalfmt;
     }
@@ -182,7 +182,7 @@ TEST(NalWriter, AFramingAbove5WritesHeaderAndEscapedPayloadPlainly)
 
 TEST(NalWriter, WithoutFramingNothingIsWritten)
 {
-    written w(brenik::nalfmt_none, 40);
+    guarded_writer w(brenik::nalfmt_none, 40);
     EXPECT_EQ(0U, w.encode(support::sps, {1, 2, 3}, 1));
     EXPECT_EQ(0U, w.writer.data_length());
     EXPECT_TRUE(guarded_buffer::untouched(w.buffer.begin(), w.buffer.end()));
@@ -191,7 +191,7 @@ TEST(NalWriter, WithoutFramingNothingIsWritten)
 TEST(NalWriter, FourZerosInAnnexBAndBehindAPrefix)
 {
     EXPECT_EQ((bytes{0x00, 0x00, 0x03, 0x00, 0x00, 0x03}), escaped(brenik::nalfmt_annexb, bytes(4, 0)));
-    written w(brenik::nalfmt_length4, 40);
+    guarded_writer w(brenik::nalfmt_length4, 40);
     w.encode(support::sps, bytes(4, 0));
     EXPECT_EQ((bytes{0x00, 0x00, 0x00, 0x06, 0x67, 0x00, 0x00, 0x03, 0x00, 0x00}), w.output());
 }
@@ -202,7 +202,7 @@ TEST(NalWriter, EveryShapeOfEscape)
         EXPECT_EQ(e.annexb, escaped(brenik::nalfmt_annexb, e.payload)) << "Annex B, " << e.name;
         for (unsigned int nalfmt = 1; nalfmt <= 4; ++nalfmt)
             EXPECT_EQ(e.prefixed, escaped(static_cast<h2645_common_nalfmt>(nalfmt), e.payload)) << nalfmt << e.name;
-        written plain(unknown_framing, 40);
+        guarded_writer plain(unknown_framing, 40);
         plain.encode(support::sps, e.payload);
         EXPECT_EQ(e.prefixed, bytes(plain.writer.buffer + 1, plain.writer.write)) << "no framing, " << e.name;
     }
@@ -210,28 +210,28 @@ TEST(NalWriter, EveryShapeOfEscape)
 
 TEST(NalWriter, AZeroHeaderIsNoPartOfAnEscape)
 {
-    written w(brenik::nalfmt_annexb, 40);
+    guarded_writer w(brenik::nalfmt_annexb, 40);
     w.encode(0x00, {0, 1});
     EXPECT_EQ((bytes{0, 0, 1, 0, 0, 1}), w.output());
 }
 
 TEST(NalWriter, AnInvalidHeaderGoesOutAsFF)
 {
-    written w(brenik::nalfmt_length1, 40);
+    guarded_writer w(brenik::nalfmt_length1, 40);
     EXPECT_EQ(3U, w.encode(brenik::h264_nal{}, {5}));
     EXPECT_EQ((bytes{2, 0xFF, 5}), w.output());
 }
 
 TEST(NalWriter, HeaderMembersOutOfRangeAreMasked)
 {
-    written w(brenik::nalfmt_length1, 40);
+    guarded_writer w(brenik::nalfmt_length1, 40);
     EXPECT_EQ(2U, w.encode(brenik::h264_nal{6, static_cast<brenik::h264_nal_unit_type>(37), true}, {}));
     EXPECT_EQ((bytes{1, 0x45}), w.output());
 }
 
 TEST(NalWriter, UnitsAreAppended)
 {
-    written w(brenik::nalfmt_annexb, 40);
+    guarded_writer w(brenik::nalfmt_annexb, 40);
     EXPECT_EQ(6U, w.encode(support::sps, {1}, 1));
     EXPECT_EQ(5U, w.encode(support::pps, {2}, 0));
     EXPECT_EQ(stream_builder().zeros(1).annexb_unit(support::sps, {1}).annexb_unit(support::pps, {2}).made(),
@@ -241,7 +241,7 @@ TEST(NalWriter, UnitsAreAppended)
 
 TEST(NalWriter, AnEmptyPayloadMayBeANullPointer)
 {
-    written w(brenik::nalfmt_annexb, 4);
+    guarded_writer w(brenik::nalfmt_annexb, 4);
     EXPECT_EQ(4U, w.writer.block_encode(nullptr, 0, support::header(support::aud), 0));
     EXPECT_EQ((bytes{0, 0, 1, support::aud}), w.output());
     EXPECT_TRUE(w.writer.full());
@@ -268,7 +268,7 @@ TEST(NalWriter, AUnitLongerThanItsPrefixCanTellIsNotWritten)
     for (const limit& l : {limit{brenik::nalfmt_length1, 255}, limit{brenik::nalfmt_length2, 65535},
                            limit{brenik::nalfmt_length3, 16777215}}) {
         SCOPED_TRACE(l.nalfmt);
-        written w(l.nalfmt, l.largest_body + 40);
+        guarded_writer w(l.nalfmt, l.largest_body + 40);
         w.encode(support::aud, {});
         const std::size_t before = w.writer.data_length();
         EXPECT_EQ(0U, w.encode(support::sps, bytes(l.largest_body, 9)));
@@ -280,7 +280,7 @@ TEST(NalWriter, AUnitLongerThanItsPrefixCanTellIsNotWritten)
 
 TEST(NalWriter, ThreeHundredBytesDoNotFitAOneBytePrefix)
 {
-    written w(brenik::nalfmt_length1, 400);
+    guarded_writer w(brenik::nalfmt_length1, 400);
     EXPECT_EQ(0U, w.encode(support::sps, bytes(300, 9)));
     EXPECT_EQ(w.writer.buffer, w.writer.write);
     EXPECT_FALSE(w.writer.full());
@@ -288,7 +288,7 @@ TEST(NalWriter, ThreeHundredBytesDoNotFitAOneBytePrefix)
 
 TEST(NalWriter, ThePrefixLimitCountsTheEscapes)
 {
-    written w(brenik::nalfmt_length1, 400);
+    guarded_writer w(brenik::nalfmt_length1, 400);
     EXPECT_EQ(0U, w.encode(support::sps, stream_builder().fill(251, 9).raw({0, 0, 1})));
     EXPECT_EQ(256U, w.encode(support::sps, stream_builder().fill(250, 9).raw({0, 0, 1})));
     EXPECT_EQ(255, w.writer.buffer[0]);
@@ -298,10 +298,10 @@ TEST(NalWriter, ABufferOneByteTooSmallKeepsWriteAndTakesASmallerUnit)
 {
     for (unsigned int nalfmt = 1; nalfmt <= 6; ++nalfmt) {
         SCOPED_TRACE(nalfmt);
-        written measure(static_cast<h2645_common_nalfmt>(nalfmt), 100);
+        guarded_writer measure(static_cast<h2645_common_nalfmt>(nalfmt), 100);
         const std::size_t first = measure.encode(support::aud, {0x10});
         const std::size_t need = measure.encode(support::sps, {1, 0, 0, 2, 5});
-        written w(static_cast<h2645_common_nalfmt>(nalfmt), first + need - 1);
+        guarded_writer w(static_cast<h2645_common_nalfmt>(nalfmt), first + need - 1);
         EXPECT_EQ(first, w.encode(support::aud, {0x10}));
         const bytes before = w.output();
         EXPECT_EQ(0U, w.encode(support::sps, {1, 0, 0, 2, 5}));
@@ -315,11 +315,11 @@ TEST(NalWriter, ABufferOneByteTooSmallKeepsWriteAndTakesASmallerUnit)
 TEST(NalWriter, MoreZerosThanThereIsRoomForAreNotWritten)
 {
     for (const unsigned int zero_bytes : {37U, 41U, 0x7FFFFFFFU, 0xFFFFFFFFU}) {
-        written w(brenik::nalfmt_annexb, 40);
+        guarded_writer w(brenik::nalfmt_annexb, 40);
         EXPECT_EQ(0U, w.encode(support::sps, {1}, zero_bytes));
         EXPECT_EQ(0U, w.writer.data_length());
     }
-    written w(brenik::nalfmt_annexb, 40);
+    guarded_writer w(brenik::nalfmt_annexb, 40);
     EXPECT_EQ(40U, w.encode(support::sps, {}, 36));
 }
 

@@ -1,11 +1,11 @@
 // Fields and durations: which of two fields make a frame, and how long it is shown.
-#include "support/frame_bench.h"
+#include "support/frame_notation.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-using namespace support::bench;
+using namespace support::frame_notation;
 using lines = std::vector<std::string>;
 
 } // namespace

@@ -1,5 +1,5 @@
 // What the frame scan does where the input or the scratch buffer ends.
-#include "support/frame_bench.h"
+#include "support/frame_notation.h"
 
 #include <gtest/gtest.h>
 
@@ -8,7 +8,7 @@
 
 namespace {
 
-using namespace support::bench;
+using namespace support::frame_notation;
 using lines = std::vector<std::string>;
 using support::bytes;
 using support::guarded_buffer;

@@ -1,5 +1,5 @@
 // The frame scan against the literal one, over random rows of units and over inputs that end anywhere.
-#include "support/frame_bench.h"
+#include "support/frame_notation.h"
 #include "support/scanned_units.h"
 #include "support/zero_heavy.h"
 
@@ -7,7 +7,7 @@
 
 namespace {
 
-using namespace support::bench;
+using namespace support::frame_notation;
 using support::bytes;
 using support::guarded_buffer;
 using support::pick;

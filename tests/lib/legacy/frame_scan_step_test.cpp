@@ -1,5 +1,5 @@
 // The step that the frame scan does for each unit, by itself.
-#include "support/frame_bench.h"
+#include "support/frame_notation.h"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +9,7 @@
 
 namespace {
 
-using namespace support::bench;
+using namespace support::frame_notation;
 using support::bytes;
 using support::guarded_buffer;
 

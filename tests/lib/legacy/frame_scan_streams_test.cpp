@@ -1,6 +1,6 @@
 // The frames of every real stream: they follow on each other, and they are the same in every framing, in pieces of
 // whole units, and by the literal scan.
-#include "support/frame_bench.h"
+#include "support/frame_notation.h"
 #include "support/scanned_units.h"
 #include "support/stream_files.h"
 
@@ -12,7 +12,7 @@
 
 namespace {
 
-using namespace support::bench;
+using namespace support::frame_notation;
 using support::bytes;
 using support::frame_outcome;
 using support::guarded_buffer;

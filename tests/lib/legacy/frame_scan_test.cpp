@@ -1,12 +1,12 @@
 // Where a frame begins and ends in a stream of frames, each rule in every framing. Fields and what the input does are
 // in files of their own.
-#include "support/frame_bench.h"
+#include "support/frame_notation.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-using namespace support::bench;
+using namespace support::frame_notation;
 using lines = std::vector<std::string>;
 using support::bytes;
 

@@ -5,8 +5,8 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
 #include <string>
+#include <utility>
 
 namespace {
 
@@ -90,17 +90,30 @@ TEST(PieceFeederAnnexB, AUnitMayBeItsHeaderAlone)
 
 TEST(PieceFeederAnnexB, InputWithoutAStartCodeIsOneGap)
 {
-    expect_annexb(stream_builder().junk(50), {gap_at(0, 50, gap_reason::before_first_unit)});
+    expect_annexb(stream_builder().junk(50),
+                  {gap_at(0, 50, gap_reason::before_first_unit), gap_at(50, 0, gap_reason::no_unit)});
 }
 
-TEST(PieceFeederAnnexB, EmptyInputHoldsNothing)
+TEST(PieceFeederAnnexB, EmptyInputHasNoUnit)
 {
-    expect_annexb({}, {});
+    expect_annexb({}, {gap_at(0, 0, gap_reason::no_unit)});
 }
 
-TEST(PieceFeederAnnexB, ZerosAloneArePadding)
+TEST(PieceFeederAnnexB, ZerosAloneArePaddingWithoutAUnit)
 {
-    expect_annexb(stream_builder().zeros(300), {});
+    for (const std::size_t count : {1U, 2U, 3U, 4U, 300U})
+        expect_annexb(stream_builder().zeros(count), {gap_at(count, 0, gap_reason::no_unit)});
+}
+
+TEST(PieceFeederAnnexB, AStartCodeAloneHasNoUnit)
+{
+    expect_annexb(stream_builder().start_code(),
+                  {gap_at(0, 3, gap_reason::no_header), gap_at(3, 0, gap_reason::no_unit)});
+}
+
+TEST(PieceFeederAnnexB, AForbiddenUnitAloneIsAUnitAllTheSame)
+{
+    expect_annexb(stream_builder().annexb_unit(forbidden, small), {gap_at(0, 7, gap_reason::forbidden_bit)});
 }
 
 TEST(PieceFeederAnnexB, BytesBeforeTheFirstStartCodeAreAGap)
@@ -179,6 +192,24 @@ TEST_P(PieceFeederLengthPrefixed, PrefixesOfZeroAreOneGapAndReadingGoesOn)
                  nalfmt, {unit_at(0, k, 4), gap_at(k + 4, k + k, gap_reason::zero_length), unit_at(3 * k + 4, k, 4)});
 }
 
+TEST_P(PieceFeederLengthPrefixed, EmptyInputHasNoUnit)
+{
+    expect_items({}, nalfmt, {gap_at(0, 0, gap_reason::no_unit)});
+}
+
+TEST_P(PieceFeederLengthPrefixed, PrefixesOfZeroAloneHaveNoUnit)
+{
+    expect_items(stream_builder().prefix(k, 0).prefix(k, 0), nalfmt,
+                 {gap_at(0, k, gap_reason::zero_length), gap_at(k, k, gap_reason::cut_prefix),
+                  gap_at(2 * k, 0, gap_reason::no_unit)});
+}
+
+TEST_P(PieceFeederLengthPrefixed, APrefixAloneHasNoUnit)
+{
+    expect_items(stream_builder().prefix(k, 1), nalfmt,
+                 {gap_at(0, k, gap_reason::cut_prefix), gap_at(k, 0, gap_reason::no_unit)});
+}
+
 TEST_P(PieceFeederLengthPrefixed, AForbiddenHeaderIsAGapOverTheWholeUnit)
 {
     expect_items(stream_builder().prefixed_unit(k, forbidden, small).prefixed_unit(k, pps, small), nalfmt,
@@ -238,21 +269,42 @@ TEST(PieceFeeder, ALengthBeyondEverythingIsAGapToTheEnd)
 
 TEST(PieceFeeder, EveryReasonHasItsText)
 {
-    const std::array reasons = {gap_reason::before_first_unit, gap_reason::forbidden_bit, gap_reason::no_header,
-                                gap_reason::early_stop,        gap_reason::too_large,     gap_reason::zero_length,
-                                gap_reason::cut_prefix};
-    const std::array<std::string, 7> texts = {"bytes before the first start code",
-                                              "unit whose header has the forbidden bit set",
-                                              "start code with nothing behind it",
-                                              "bytes behind a place where the unit's decoding stops",
-                                              "unit of type 7 larger than the limit",
-                                              "length prefix of 0",
-                                              "input ends inside a length prefix or right behind it"};
-    for (std::size_t i = 0; i < reasons.size(); ++i) {
-        orv_h264::gap g{reasons[i]};
-        g.nal.decode_header(sps);
-        EXPECT_EQ(describe(g), texts[i]);
+    const std::pair<gap_reason, std::string> texts[] = {
+        {gap_reason::before_first_unit, "bytes before the first start code"},
+        {gap_reason::forbidden_bit, "unit whose header has the forbidden bit set"},
+        {gap_reason::no_header, "start code with nothing behind it"},
+        {gap_reason::early_stop, "bytes behind a place where the unit's decoding stops"},
+        {gap_reason::zero_length, "length prefix of 0"},
+        {gap_reason::cut_prefix, "input ends inside a length prefix or right behind it"},
+    };
+    for (const auto& [reason, text] : texts) {
+        const orv_h264::gap g{reason, 10, 5};
+        EXPECT_EQ(text, describe(g));
+        EXPECT_EQ(text + " (5 bytes)", describe_with_size(g));
     }
+}
+
+TEST(PieceFeeder, AnInputWithoutAUnitIsToldByItselfAndSaysWhetherItIsEmpty)
+{
+    for (const auto& describe_it : {orv_h264::describe, orv_h264::describe_with_size}) {
+        EXPECT_EQ("no NAL unit found: the input is empty", describe_it({gap_reason::no_unit, 0, 0}));
+        EXPECT_EQ("no NAL unit found", describe_it({gap_reason::no_unit, 3, 0}));
+    }
+}
+
+/// What is told of the first item, which is a gap.
+std::string first_gap(const bytes& stream, h2645_common_nalfmt nalfmt, std::size_t max_unit)
+{
+    orv_h264::piece_feeder feeder(support::window_of(stream), nalfmt, max_unit);
+    return describe_with_size(std::get<orv_h264::gap>(feeder.next()));
+}
+
+TEST(PieceFeeder, ATooLargeUnitIsToldWithItsDeclaredLengthAndTheLimit)
+{
+    EXPECT_EQ("unit of type 7 whose declared length of 50 bytes is above the limit of 20 (10 bytes)",
+              first_gap(stream_builder().prefix(4, 50).unit(sps, bytes(5, 0x55)), brenik::nalfmt_length4, 20));
+    EXPECT_EQ("unit of type 7 longer than the limit of 20 bytes (29 bytes)",
+              first_gap(stream_builder().annexb_unit(sps, bytes(25, 0x55)), brenik::nalfmt_annexb, 20));
 }
 
 TEST(PieceFeeder, AnySplitOfAnyBytesGivesTheSameItemsAndTheyTileTheInput)

@@ -102,6 +102,21 @@ TEST(Recognise, EmptyInputAndNoiseAreNotAnnexB)
     EXPECT_FALSE(annexb(stream_builder().junk(100)));
 }
 
+TEST(Recognise, FewerBytesThanAnyAnnexBUnitAndZerosAloneHoldNothing)
+{
+    const auto nothing = [](const bytes& stream) {
+        orv_h264::input_window window = window_of(stream);
+        return orv_h264::holds_nothing(window);
+    };
+    EXPECT_TRUE(nothing({}));
+    EXPECT_TRUE(nothing(stream_builder().junk(3)));
+    EXPECT_TRUE(nothing(stream_builder().zeros(100)));
+    EXPECT_TRUE(nothing(stream_builder().zeros(2 * orv_h264::recognise_size)));
+    EXPECT_FALSE(nothing(stream_builder().junk(4)));
+    EXPECT_FALSE(nothing(stream_builder().zeros(100).junk(1)));
+    EXPECT_FALSE(nothing(stream_builder().annexb_unit(aud, {})));
+}
+
 TEST(Recognise, ContainersAreKnownByTheirFirstBytes)
 {
     EXPECT_EQ(container(stream_builder().prefix(4, 24).raw({'f', 't', 'y', 'p', 'i', 's', 'o', 'm'})), "MP4");

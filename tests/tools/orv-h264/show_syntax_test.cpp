@@ -1,6 +1,7 @@
 #include "show_syntax.h"
 
 #include "support/bit_writer.h"
+#include "support/coded_stream.h"
 #include "support/stream_builder.h"
 #include "support/walked.h"
 
@@ -8,6 +9,7 @@
 
 #include <algorithm>
 #include <sstream>
+#include <utility>
 
 namespace {
 
@@ -93,6 +95,18 @@ const std::string main_sps_lines = R"(    profile_idc 77 (Main)
 TEST(ShowSyntax, AnSpsShowsItsFieldsInTheOrderOfTheSyntaxAndWhatFollowsFromThem)
 {
     EXPECT_EQ(fields_of(support::sps, main_sps().trailing_bits().bytes()), main_sps_lines);
+}
+
+TEST(ShowSyntax, AnSpsWhoseTimingSaysNothingShowsNoFieldRate)
+{
+    for (const auto& [num_units_in_tick, time_scale] : {std::pair{1U, 0U}, {0U, 50U}, {0U, 0U}}) {
+        support::sps_description seq = support::coded_sps(false);
+        seq.vui->num_units_in_tick = num_units_in_tick;
+        seq.vui->time_scale = time_scale;
+        const std::string shown = fields_of(support::sps, support::written_rbsp(seq).made());
+        EXPECT_NE(shown.find("time_scale " + std::to_string(time_scale) + "\n"), std::string::npos) << shown;
+        EXPECT_EQ(shown.find("field rate"), std::string::npos) << shown;
+    }
 }
 
 TEST(ShowSyntax, WithoutTrailingBitsAllFieldsAreShown)

@@ -175,6 +175,32 @@ TEST(StreamSummary, ASetThatDoesNotParseIsNoSequence)
     EXPECT_EQ(0U, summary.problems.kinds()[0].first_offset);
 }
 
+TEST(StreamSummary, SequencesBeyondTheBoundAreCountedEachTimeTheyChange)
+{
+    coded_stream stream;
+    for (unsigned int i = 0; i < stream_summary::most_sequences; ++i)
+        stream.sets(with_level(i + 1)).idr();
+    EXPECT_EQ(0U, summary_of(stream).further_sequences);
+    stream.sets(with_level(200)).idr().sets(with_level(200, 0)).idr();
+    EXPECT_EQ(1U, summary_of(stream).further_sequences) << "a repeated set is the same sequence";
+    stream.sets(with_level(1)).idr().sets(with_level(200)).idr();
+    EXPECT_EQ(1U, summary_of(stream).further_sequences) << "so it is behind one that is kept";
+    stream.sets(with_level(201)).idr();
+    EXPECT_EQ(2U, summary_of(stream).further_sequences);
+    stream.sets(with_level(200)).idr();
+    EXPECT_EQ(3U, summary_of(stream).further_sequences) << "what comes back behind another counts again";
+    EXPECT_EQ(stream_summary::most_sequences, summary_of(stream).sequences.size());
+}
+
+TEST(StreamSummary, OfSetsBeforeTheFirstPictureNoneCountsAsFurther)
+{
+    coded_stream stream;
+    for (unsigned int i = 0; i < stream_summary::most_sequences + 5; ++i)
+        stream.set(with_level(i + 1));
+    EXPECT_EQ(5U, summary_of(stream).further_sequences);
+    EXPECT_EQ(0U, summary_of(stream.set(pps_of(0, 0)).idr()).further_sequences);
+}
+
 TEST(StreamSummary, SequencesBeyondTheBoundAreNotKept)
 {
     coded_stream stream;
@@ -185,6 +211,7 @@ TEST(StreamSummary, SequencesBeyondTheBoundAreNotKept)
     EXPECT_EQ(stream_summary::most_sequences, summary.sequences.size());
     for (std::size_t i = 0; i < summary.sequences.size(); ++i)
         EXPECT_EQ(i == 2 ? 2U : 1U, summary.sequences[i].pictures()) << i;
+    EXPECT_EQ(5U, summary.further_sequences);
     EXPECT_EQ(stream_summary::most_sequences + 6, summary.types[5].units);
 }
 

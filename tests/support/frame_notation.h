@@ -20,7 +20,7 @@
 #include <string>
 #include <vector>
 
-namespace support::bench {
+namespace support::frame_notation {
 
 /// A unit, not yet framed.
 struct unit {
@@ -244,4 +244,4 @@ inline std::string first_frame(const units& row, const options& with = {})
 
 constexpr unsigned int split_fields = h264_common_frame_scan_split_fields;
 
-} // namespace support::bench
+} // namespace support::frame_notation

@@ -19,11 +19,11 @@ inline brenik::h264_nal header(unsigned char byte)
 }
 
 /// The buffer and the writer.
-struct written {
+struct guarded_writer {
     guarded_buffer buffer;
     brenik::h264_nal_writer writer;
 
-    written(brenik::h2645_common_nalfmt nalfmt, std::size_t size)
+    guarded_writer(brenik::h2645_common_nalfmt nalfmt, std::size_t size)
         : buffer(size), writer(buffer.begin(), buffer.begin(), buffer.end(), nalfmt)
     {
     }

@@ -1,12 +1,12 @@
-// The bench of the frame scan: streams that are what their notation says, and lines that leave nothing out.
-#include "support/frame_bench.h"
+// The notation of the frame scan: streams that are what their notation says, and lines that leave nothing out.
+#include "support/frame_notation.h"
 #include "support/scanned_units.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-using namespace support::bench;
+using namespace support::frame_notation;
 using support::bytes;
 using support::frame_outcome;
 using support::guarded_buffer;
@@ -17,7 +17,7 @@ const units every_unit = {
 
 } // namespace
 
-TEST(FrameBench, EveryFramingHoldsTheSameUnitsWhereTheStreamSays)
+TEST(FrameNotation, EveryFramingHoldsTheSameUnitsWhereTheStreamSays)
 {
     for (const framing& how : every_framing) {
         const stream s = framed(every_unit, how);
@@ -32,26 +32,26 @@ TEST(FrameBench, EveryFramingHoldsTheSameUnitsWhereTheStreamSays)
     }
 }
 
-TEST(FrameBench, AStartCodeOfFourBytesBeginsBeforeTheUnit)
+TEST(FrameNotation, AStartCodeOfFourBytesBeginsBeforeTheUnit)
 {
     const stream s = framed({aud, pps}, {0, 4});
     EXPECT_EQ((bytes{0, 0, 0, 1, 0x29, 0xF0, 0, 0, 0, 1, 0x28, 0xCE, 0x38, 0x80}), s.data);
     EXPECT_EQ((std::vector<std::size_t>{1, 7}), s.starts);
 }
 
-TEST(FrameBench, APrefixIsBigEndian)
+TEST(FrameNotation, APrefixIsBigEndian)
 {
     const stream s = framed({pps, end_of_stream}, {2});
     EXPECT_EQ((bytes{0, 4, 0x28, 0xCE, 0x38, 0x80, 0, 1, 0x2B}), s.data);
     EXPECT_EQ((std::vector<std::size_t>{0, 6}), s.starts);
 }
 
-TEST(FrameBench, PayloadsAreEscaped)
+TEST(FrameNotation, PayloadsAreEscaped)
 {
     EXPECT_EQ((bytes{0, 0, 3, 0, 0, 3, 3, 0, 0, 4}), escaped({0, 0, 0, 0, 3, 0, 0, 4}));
 }
 
-TEST(FrameBench, ASliceHasTheFieldsOfItsNotation)
+TEST(FrameNotation, ASliceHasTheFieldsOfItsNotation)
 {
     const literal::frame_sps fields = support::frame_sps_of(known_sps());
     for (const std::uint32_t frame_num : {0U, 3U, 15U}) {
@@ -64,7 +64,7 @@ TEST(FrameBench, ASliceHasTheFieldsOfItsNotation)
         << "ue(0) ue(5) ue(0) u(4) u(1) u(1)";
 }
 
-TEST(FrameBench, TheSpsIsTheKnownOne)
+TEST(FrameNotation, TheSpsIsTheKnownOne)
 {
     literal::frame_sps read;
     read.read(sps().rbsp);
@@ -74,7 +74,7 @@ TEST(FrameBench, TheSpsIsTheKnownOne)
     EXPECT_EQ(known.pic_struct_present_flag, read.pic_struct_present_flag);
 }
 
-TEST(FrameBench, PictureTimingLastsAsTheStandardsTableSays)
+TEST(FrameNotation, PictureTimingLastsAsTheStandardsTableSays)
 {
     const literal::frame_sps fields = support::frame_sps_of(known_sps());
     const std::uint32_t expected[] = {2, 1, 1, 2, 2, 3, 3, 4, 6, 0};
@@ -83,7 +83,7 @@ TEST(FrameBench, PictureTimingLastsAsTheStandardsTableSays)
     EXPECT_EQ(std::nullopt, literal::read_sei(other_sei().rbsp, fields));
 }
 
-TEST(FrameBench, ALineNamesUnitsByTheirIndex)
+TEST(FrameNotation, ALineNamesUnitsByTheirIndex)
 {
     const stream s = framed({aud, pps, idr(0)}, annexb);
     frame_outcome f = {s.starts[1], s.starts[0], s.starts[1], true};
@@ -99,7 +99,7 @@ TEST(FrameBench, ALineNamesUnitsByTheirIndex)
     EXPECT_EQ("1, no room: 2 fields", describe({s.starts[1], s.starts[1]}, s));
 }
 
-TEST(FrameBench, EveryFieldOfAnOutcomeShowsInItsLine)
+TEST(FrameNotation, EveryFieldOfAnOutcomeShowsInItsLine)
 {
     const stream s = framed({aud, pps}, annexb);
     const frame_outcome usual = {s.starts[1], s.starts[0], s.starts[1], true};
@@ -120,7 +120,7 @@ TEST(FrameBench, EveryFieldOfAnOutcomeShowsInItsLine)
         EXPECT_NE(describe(usual, s), describe(other, s)) << other;
 }
 
-TEST(FrameBench, FramingsThatDifferAreNamed)
+TEST(FrameNotation, FramingsThatDifferAreNamed)
 {
     const units too_long_for_a_byte = {aud, of_type(1, bytes(300, 0x88)), aud};
     EXPECT_TRUE(frames(too_long_for_a_byte, {0, known_sps(), 400}).back().starts_with("with prefixes of 1"));

@@ -1,0 +1,44 @@
+# How test programs are built and run.
+
+# Tests are many and short-lived: they are built quickly rather than made fast, and their lines are all that a debugger
+# or a sanitizer is told of them. What nearly all of them read is compiled once.
+add_library(orv_test_support STATIC ${PROJECT_SOURCE_DIR}/tests/support/run_tool.cpp)
+target_precompile_headers(orv_test_support PRIVATE
+    <gtest/gtest.h> <algorithm> <array> <cstdint> <cstdio> <filesystem> <fstream> <functional> <map> <memory> <optional>
+    <random> <set> <sstream> <string> <string_view> <utility> <variant> <vector>)
+target_link_libraries(orv_test_support PUBLIC GTest::gtest_main)
+set(ORV_TEST_OPTIONS -O1 -g1)
+target_compile_options(orv_test_support PRIVATE ${ORV_TEST_OPTIONS})
+target_include_directories(orv_test_support PUBLIC ${PROJECT_SOURCE_DIR}/tests ${PROJECT_SOURCE_DIR}/lib)
+
+# orv_add_tests(NAME): the tests of a program, a suite at a time; or all in one run, where a run starts an emulator.
+function(orv_add_tests name)
+    if(CMAKE_CROSSCOMPILING)
+        add_test(NAME ${name} COMMAND ${name} --gtest_brief=1)
+        return()
+    endif()
+    set(list ${CMAKE_CURRENT_BINARY_DIR}/${name}.suites.cmake)
+    if(NOT EXISTS ${list})
+        file(WRITE ${list} "add_test(${name}.is_not_built false)\n")
+    endif()
+    add_custom_command(TARGET ${name} POST_BUILD
+        COMMAND ${CMAKE_COMMAND} -D PROGRAM=$<TARGET_FILE:${name}> -D LIST=${list}
+            -P ${PROJECT_SOURCE_DIR}/cmake/list_suites.cmake VERBATIM)
+    set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES ${list})
+endfunction()
+
+# orv_test(NAME SOURCES...): one test program; its sources see the internal headers of lib/ and the test support.
+function(orv_test name)
+    add_executable(${name} ${ARGN})
+    target_compile_options(${name} PRIVATE ${ORV_TEST_OPTIONS})
+    target_precompile_headers(${name} REUSE_FROM orv_test_support)
+    target_link_libraries(${name} PRIVATE orv_test_support orv_utils_v4::h264)
+    orv_add_tests(${name})
+endfunction()
+
+# orv_test_of(PROGRAM NAME SOURCES...): one whose run_tool() starts PROGRAM.
+function(orv_test_of program name)
+    orv_test(${name} ${ARGN} ${PROJECT_SOURCE_DIR}/tests/support/tested_program.cpp)
+    target_compile_definitions(${name} PRIVATE ORV_TEST_TOOL="$<TARGET_FILE:${program}>")
+    add_dependencies(${name} ${program})
+endfunction()

@@ -1,0 +1,3 @@
+#include "support/run_tool.h"
+
+const char* const support::tested_program = ORV_TEST_TOOL;
