@@ -116,17 +116,6 @@ TEST(SliceHeaderSets, ThoseThatAreNotValidAreUsed)
         }
 }
 
-TEST(SliceHeaderSets, ALaterSliceMakesTheObjectValidAgain)
-{
-    slice_context absent;
-    absent.pps_id = 1;
-    const parsed_slice failed(written(slice_of_type(2)), absent, with_valid<h264_nal_slice_header>(true));
-    EXPECT_FALSE(failed->valid);
-    const parsed_slice again(slice_of_type(2), failed.object);
-    EXPECT_TRUE(again.result);
-    EXPECT_TRUE(again->valid);
-}
-
 TEST(SliceType, IsTheRemainderByFive)
 {
     h264_nal_slice_header slice;
