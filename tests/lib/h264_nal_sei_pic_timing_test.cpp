@@ -5,8 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <string>
-#include <vector>
 
 namespace {
 
@@ -19,7 +17,6 @@ using support::parsed_timing;
 using support::pic_timing_description;
 using support::timing_sps;
 using support::written;
-using timestamp_t = h264_nal_sei_pic_timing::timestamp_t;
 
 /// A parse with the current SPS of `store`.
 support::parsed<h264_nal_sei_pic_timing> parsed_with(const support::sei_sps_store& store, bool valid = false)
@@ -131,24 +128,6 @@ TEST(PicTiming, TheNumberOfTimestampsFollowsPicStruct)
     for (unsigned int pic_struct = 16; pic_struct <= 255; ++pic_struct) {
         object.pic_struct = static_cast<std::uint8_t>(pic_struct);
         EXPECT_EQ(1U, object.NumClockTS()) << pic_struct;
-    }
-}
-
-TEST(PicTiming, EveryPicStructHasItsText)
-{
-    static const std::vector<std::string> texts = {"Progressive frame",
-                                                   "Top field",
-                                                   "Bottom field",
-                                                   "Top field, bottom field, in that order",
-                                                   "Bottom field, top field, in that order",
-                                                   "Top field, bottom field, top field repeated, in that order",
-                                                   "Bottom field, top field, bottom field repeated, in that order",
-                                                   "Frame doubling",
-                                                   "Frame tripling"};
-    h264_nal_sei_pic_timing object;
-    for (unsigned int pic_struct = 0; pic_struct <= 255; ++pic_struct) {
-        object.pic_struct = static_cast<std::uint8_t>(pic_struct);
-        EXPECT_EQ(pic_struct < texts.size() ? texts[pic_struct] : "?", object.pic_struct_to_str()) << pic_struct;
     }
 }
 

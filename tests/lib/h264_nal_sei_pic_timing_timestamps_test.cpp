@@ -8,7 +8,6 @@
 #include <cstdint>
 #include <limits>
 #include <optional>
-#include <string>
 
 namespace {
 
@@ -182,14 +181,4 @@ TEST(ClockTimestamp, TheLongerTimeOffsetCountsWhicheverHrdIsPresent)
             EXPECT_EQ(-1000, p->timestamps.at(0).time_offset) << present;
             EXPECT_EQ(writer.size_in_bits(), p.consumed());
         }
-}
-
-TEST(ClockTimestamp, EveryCtTypeHasItsText)
-{
-    timestamp_t t;
-    for (unsigned int ct_type = 0; ct_type <= 255; ++ct_type) {
-        t.ct_type = static_cast<std::uint8_t>(ct_type);
-        const std::string text = ct_type == 0 ? "progressive" : ct_type == 1 ? "interlaced" : "?";
-        EXPECT_EQ(text, t.ct_type_to_str()) << ct_type;
-    }
 }
