@@ -75,6 +75,16 @@ TEST(SeiReader, ASizeBeyondTheEndTruncatesThePayload)
     EXPECT_FALSE(reader.truncated) << "every next_message() clears it";
 }
 
+TEST(SeiReader, APayloadThatEndsWithTheDataIsNotTruncated)
+{
+    const support::guarded_buffer data(bytes{0x05, 2, 1, 2});
+    h264_nal_sei_reader reader(data.begin(), data.end());
+    ASSERT_TRUE(reader.next_message());
+    EXPECT_FALSE(reader.truncated);
+    EXPECT_EQ(payload_of(reader), (bytes{1, 2}));
+    EXPECT_EQ(reader.ptr, reader.fence);
+}
+
 TEST(SeiReader, MessagesFollowEachOther)
 {
     const support::guarded_buffer data(bytes{0x01, 0x01, 0xAA, 0x06, 0x00, 0x00, 0x02, 0xBB, 0xCC, 0x80});

@@ -152,14 +152,16 @@ TEST(NalReader, AnnexBScanThatFindsNothingClearsWhatTheLastScanFound)
     expect_not_found(s, s.size() - 4);
 }
 
-TEST(NalReader, ScanAnnexBByItselfContinuesTheZeroCount)
+TEST(NalReader, ScanAnnexBByItselfContinuesTheZeroCountAndKnowsNoLength)
 {
     const support::guarded_buffer buffer(stream_builder().zeros(2).annexb_unit(support::sps, {}));
     h264_nal_reader reader;
     reader.zero_count = 40;
+    reader.length_known = true;
     reader.scan_annex_b(buffer.begin(), buffer.end());
     EXPECT_TRUE(reader.found);
     EXPECT_EQ(42U, reader.zero_count);
+    EXPECT_FALSE(reader.length_known);
     EXPECT_EQ(buffer.end(), reader.next);
     EXPECT_EQ(nullptr, reader.data) << "the range is stored by scan()";
     EXPECT_EQ(nullptr, reader.decode_ptr) << "rewinding is scan()'s";
