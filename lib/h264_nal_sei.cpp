@@ -4,11 +4,94 @@
 #include <orv-utils-v4/h2645_common/advance_past.h>
 #include <orv-utils-v4/h2645_common/sei_vlu32.h>
 
+#include <algorithm>
+#include <iterator>
+
 namespace brenik {
 
 namespace {
 
 constexpr std::uint32_t vlu32_failed = 0xFFFFFFFF;
+
+struct payload_name {
+    h264_nal_sei_payload_type type;
+    const char* name;
+};
+
+// H.264 D.1.1
+constexpr payload_name payload_names[] = {
+    {h264_nal_sei_payload_type_buffering_period, "buffering_period"},
+    {h264_nal_sei_payload_type_pic_timing, "pic_timing"},
+    {h264_nal_sei_payload_type_pan_scan_rect, "pan_scan_rect"},
+    {h264_nal_sei_payload_type_filler_payload, "filler_payload"},
+    {h264_nal_sei_payload_type_user_data_registered_itu_t_t35, "user_data_registered_itu_t_t35"},
+    {h264_nal_sei_payload_type_user_data_unregistered, "user_data_unregistered"},
+    {h264_nal_sei_payload_type_recovery_point, "recovery_point"},
+    {h264_nal_sei_payload_type_dec_ref_pic_marking_repetition, "dec_ref_pic_marking_repetition"},
+    {h264_nal_sei_payload_type_spare_pic, "spare_pic"},
+    {h264_nal_sei_payload_type_scene_info, "scene_info"},
+    {h264_nal_sei_payload_type_sub_seq_info, "sub_seq_info"},
+    {h264_nal_sei_payload_type_sub_seq_layer_characteristics, "sub_seq_layer_characteristics"},
+    {h264_nal_sei_payload_type_sub_seq_characteristics, "sub_seq_characteristics"},
+    {h264_nal_sei_payload_type_full_frame_freeze, "full_frame_freeze"},
+    {h264_nal_sei_payload_type_full_frame_freeze_release, "full_frame_freeze_release"},
+    {h264_nal_sei_payload_type_full_frame_snapshot, "full_frame_snapshot"},
+    {h264_nal_sei_payload_type_progressive_refinement_segment_start, "progressive_refinement_segment_start"},
+    {h264_nal_sei_payload_type_progressive_refinement_segment_end, "progressive_refinement_segment_end"},
+    {h264_nal_sei_payload_type_motion_constrained_slice_group_set, "motion_constrained_slice_group_set"},
+    {h264_nal_sei_payload_type_film_grain_characteristics, "film_grain_characteristics"},
+    {h264_nal_sei_payload_type_deblocking_filter_display_preference, "deblocking_filter_display_preference"},
+    {h264_nal_sei_payload_type_stereo_video_info, "stereo_video_info"},
+    {h264_nal_sei_payload_type_post_filter_hint, "post_filter_hint"},
+    {h264_nal_sei_payload_type_tone_mapping_info, "tone_mapping_info"},
+    {h264_nal_sei_payload_type_scalability_info, "scalability_info"},
+    {h264_nal_sei_payload_type_sub_pic_scalable_layer, "sub_pic_scalable_layer"},
+    {h264_nal_sei_payload_type_non_required_layer_rep, "non_required_layer_rep"},
+    {h264_nal_sei_payload_type_priority_layer_info, "priority_layer_info"},
+    {h264_nal_sei_payload_type_layers_not_present, "layers_not_present"},
+    {h264_nal_sei_payload_type_layer_dependency_change, "layer_dependency_change"},
+    {h264_nal_sei_payload_type_scalable_nesting, "scalable_nesting"},
+    {h264_nal_sei_payload_type_base_layer_temporal_hrd, "base_layer_temporal_hrd"},
+    {h264_nal_sei_payload_type_quality_layer_integrity_check, "quality_layer_integrity_check"},
+    {h264_nal_sei_payload_type_redundant_pic_property, "redundant_pic_property"},
+    {h264_nal_sei_payload_type_tl0_dep_rep_index, "tl0_dep_rep_index"},
+    {h264_nal_sei_payload_type_tl_switching_point, "tl_switching_point"},
+    {h264_nal_sei_payload_type_parallel_decoding_info, "parallel_decoding_info"},
+    {h264_nal_sei_payload_type_mvc_scalable_nesting, "mvc_scalable_nesting"},
+    {h264_nal_sei_payload_type_view_scalability_info, "view_scalability_info"},
+    {h264_nal_sei_payload_type_multiview_scene_info, "multiview_scene_info"},
+    {h264_nal_sei_payload_type_multiview_acquisition_info, "multiview_acquisition_info"},
+    {h264_nal_sei_payload_type_non_required_view_component, "non_required_view_component"},
+    {h264_nal_sei_payload_type_view_dependency_change, "view_dependency_change"},
+    {h264_nal_sei_payload_type_operation_points_not_present, "operation_points_not_present"},
+    {h264_nal_sei_payload_type_base_view_temporal_hrd, "base_view_temporal_hrd"},
+    {h264_nal_sei_payload_type_frame_packing_arrangement, "frame_packing_arrangement"},
+    {h264_nal_sei_payload_type_multiview_view_position, "multiview_view_position"},
+    {h264_nal_sei_payload_type_display_orientation, "display_orientation"},
+    {h264_nal_sei_payload_type_mvcd_scalable_nesting, "mvcd_scalable_nesting"},
+    {h264_nal_sei_payload_type_mvcd_view_scalability_info, "mvcd_view_scalability_info"},
+    {h264_nal_sei_payload_type_depth_representation_info, "depth_representation_info"},
+    {h264_nal_sei_payload_type_three_dimensional_reference_displays_info, "three_dimensional_reference_displays_info"},
+    {h264_nal_sei_payload_type_depth_timing, "depth_timing"},
+    {h264_nal_sei_payload_type_depth_sampling_info, "depth_sampling_info"},
+    {h264_nal_sei_payload_type_constrained_depth_parameter_set_identifier,
+     "constrained_depth_parameter_set_identifier"},
+    {h264_nal_sei_payload_type_green_metadata, "green_metadata"},
+    {h264_nal_sei_payload_type_mastering_display_colour_volume, "mastering_display_colour_volume"},
+    {h264_nal_sei_payload_type_colour_remapping_info, "colour_remapping_info"},
+    {h264_nal_sei_payload_type_content_light_level_info, "content_light_level_info"},
+    {h264_nal_sei_payload_type_alternative_transfer_characteristics, "alternative_transfer_characteristics"},
+    {h264_nal_sei_payload_type_ambient_viewing_environment, "ambient_viewing_environment"},
+    {h264_nal_sei_payload_type_content_colour_volume, "content_colour_volume"},
+    {h264_nal_sei_payload_type_equirectangular_projection, "equirectangular_projection"},
+    {h264_nal_sei_payload_type_cubemap_projection, "cubemap_projection"},
+    {h264_nal_sei_payload_type_sphere_rotation, "sphere_rotation"},
+    {h264_nal_sei_payload_type_regionwise_packing, "regionwise_packing"},
+    {h264_nal_sei_payload_type_omni_viewport, "omni_viewport"},
+    {h264_nal_sei_payload_type_alternative_depth_info, "alternative_depth_info"},
+    {h264_nal_sei_payload_type_sei_manifest, "sei_manifest"},
+    {h264_nal_sei_payload_type_sei_prefix_indication, "sei_prefix_indication"},
+};
 
 } // namespace
 
@@ -57,151 +140,9 @@ bool h264_nal_sei_reader::next_message()
 
 const char* h264_nal_sei_payload_type_to_str(h264_nal_sei_payload_type t)
 {
-    switch (t) {
-    case h264_nal_sei_payload_type_buffering_period:
-        return "buffering_period";
-    case h264_nal_sei_payload_type_pic_timing:
-        return "pic_timing";
-    case h264_nal_sei_payload_type_pan_scan_rect:
-        return "pan_scan_rect";
-    case h264_nal_sei_payload_type_filler_payload:
-        return "filler_payload";
-    case h264_nal_sei_payload_type_user_data_registered_itu_t_t35:
-        return "user_data_registered_itu_t_t35";
-    case h264_nal_sei_payload_type_user_data_unregistered:
-        return "user_data_unregistered";
-    case h264_nal_sei_payload_type_recovery_point:
-        return "recovery_point";
-    case h264_nal_sei_payload_type_dec_ref_pic_marking_repetition:
-        return "dec_ref_pic_marking_repetition";
-    case h264_nal_sei_payload_type_spare_pic:
-        return "spare_pic";
-    case h264_nal_sei_payload_type_scene_info:
-        return "scene_info";
-    case h264_nal_sei_payload_type_sub_seq_info:
-        return "sub_seq_info";
-    case h264_nal_sei_payload_type_sub_seq_layer_characteristics:
-        return "sub_seq_layer_characteristics";
-    case h264_nal_sei_payload_type_sub_seq_characteristics:
-        return "sub_seq_characteristics";
-    case h264_nal_sei_payload_type_full_frame_freeze:
-        return "full_frame_freeze";
-    case h264_nal_sei_payload_type_full_frame_freeze_release:
-        return "full_frame_freeze_release";
-    case h264_nal_sei_payload_type_full_frame_snapshot:
-        return "full_frame_snapshot";
-    case h264_nal_sei_payload_type_progressive_refinement_segment_start:
-        return "progressive_refinement_segment_start";
-    case h264_nal_sei_payload_type_progressive_refinement_segment_end:
-        return "progressive_refinement_segment_end";
-    case h264_nal_sei_payload_type_motion_constrained_slice_group_set:
-        return "motion_constrained_slice_group_set";
-    case h264_nal_sei_payload_type_film_grain_characteristics:
-        return "film_grain_characteristics";
-    case h264_nal_sei_payload_type_deblocking_filter_display_preference:
-        return "deblocking_filter_display_preference";
-    case h264_nal_sei_payload_type_stereo_video_info:
-        return "stereo_video_info";
-    case h264_nal_sei_payload_type_post_filter_hint:
-        return "post_filter_hint";
-    case h264_nal_sei_payload_type_tone_mapping_info:
-        return "tone_mapping_info";
-    case h264_nal_sei_payload_type_scalability_info:
-        return "scalability_info";
-    case h264_nal_sei_payload_type_sub_pic_scalable_layer:
-        return "sub_pic_scalable_layer";
-    case h264_nal_sei_payload_type_non_required_layer_rep:
-        return "non_required_layer_rep";
-    case h264_nal_sei_payload_type_priority_layer_info:
-        return "priority_layer_info";
-    case h264_nal_sei_payload_type_layers_not_present:
-        return "layers_not_present";
-    case h264_nal_sei_payload_type_layer_dependency_change:
-        return "layer_dependency_change";
-    case h264_nal_sei_payload_type_scalable_nesting:
-        return "scalable_nesting";
-    case h264_nal_sei_payload_type_base_layer_temporal_hrd:
-        return "base_layer_temporal_hrd";
-    case h264_nal_sei_payload_type_quality_layer_integrity_check:
-        return "quality_layer_integrity_check";
-    case h264_nal_sei_payload_type_redundant_pic_property:
-        return "redundant_pic_property";
-    case h264_nal_sei_payload_type_tl0_dep_rep_index:
-        return "tl0_dep_rep_index";
-    case h264_nal_sei_payload_type_tl_switching_point:
-        return "tl_switching_point";
-    case h264_nal_sei_payload_type_parallel_decoding_info:
-        return "parallel_decoding_info";
-    case h264_nal_sei_payload_type_mvc_scalable_nesting:
-        return "mvc_scalable_nesting";
-    case h264_nal_sei_payload_type_view_scalability_info:
-        return "view_scalability_info";
-    case h264_nal_sei_payload_type_multiview_scene_info:
-        return "multiview_scene_info";
-    case h264_nal_sei_payload_type_multiview_acquisition_info:
-        return "multiview_acquisition_info";
-    case h264_nal_sei_payload_type_non_required_view_component:
-        return "non_required_view_component";
-    case h264_nal_sei_payload_type_view_dependency_change:
-        return "view_dependency_change";
-    case h264_nal_sei_payload_type_operation_points_not_present:
-        return "operation_points_not_present";
-    case h264_nal_sei_payload_type_base_view_temporal_hrd:
-        return "base_view_temporal_hrd";
-    case h264_nal_sei_payload_type_frame_packing_arrangement:
-        return "frame_packing_arrangement";
-    case h264_nal_sei_payload_type_multiview_view_position:
-        return "multiview_view_position";
-    case h264_nal_sei_payload_type_display_orientation:
-        return "display_orientation";
-    case h264_nal_sei_payload_type_mvcd_scalable_nesting:
-        return "mvcd_scalable_nesting";
-    case h264_nal_sei_payload_type_mvcd_view_scalability_info:
-        return "mvcd_view_scalability_info";
-    case h264_nal_sei_payload_type_depth_representation_info:
-        return "depth_representation_info";
-    case h264_nal_sei_payload_type_three_dimensional_reference_displays_info:
-        return "three_dimensional_reference_displays_info";
-    case h264_nal_sei_payload_type_depth_timing:
-        return "depth_timing";
-    case h264_nal_sei_payload_type_depth_sampling_info:
-        return "depth_sampling_info";
-    case h264_nal_sei_payload_type_constrained_depth_parameter_set_identifier:
-        return "constrained_depth_parameter_set_identifier";
-    case h264_nal_sei_payload_type_green_metadata:
-        return "green_metadata";
-    case h264_nal_sei_payload_type_mastering_display_colour_volume:
-        return "mastering_display_colour_volume";
-    case h264_nal_sei_payload_type_colour_remapping_info:
-        return "colour_remapping_info";
-    case h264_nal_sei_payload_type_content_light_level_info:
-        return "content_light_level_info";
-    case h264_nal_sei_payload_type_alternative_transfer_characteristics:
-        return "alternative_transfer_characteristics";
-    case h264_nal_sei_payload_type_ambient_viewing_environment:
-        return "ambient_viewing_environment";
-    case h264_nal_sei_payload_type_content_colour_volume:
-        return "content_colour_volume";
-    case h264_nal_sei_payload_type_equirectangular_projection:
-        return "equirectangular_projection";
-    case h264_nal_sei_payload_type_cubemap_projection:
-        return "cubemap_projection";
-    case h264_nal_sei_payload_type_sphere_rotation:
-        return "sphere_rotation";
-    case h264_nal_sei_payload_type_regionwise_packing:
-        return "regionwise_packing";
-    case h264_nal_sei_payload_type_omni_viewport:
-        return "omni_viewport";
-    case h264_nal_sei_payload_type_alternative_depth_info:
-        return "alternative_depth_info";
-    case h264_nal_sei_payload_type_sei_manifest:
-        return "sei_manifest";
-    case h264_nal_sei_payload_type_sei_prefix_indication:
-        return "sei_prefix_indication";
-    case h264_nal_sei_payload_type_none:
-        break;
-    }
-    return "";
+    const auto* const row = std::find_if(std::begin(payload_names), std::end(payload_names),
+                                         [t](const payload_name& candidate) { return candidate.type == t; });
+    return row == std::end(payload_names) ? "" : row->name;
 }
 
 } // namespace brenik

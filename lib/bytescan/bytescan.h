@@ -96,10 +96,16 @@ using zero_pairs = zero_pairs_of<native_block>;
 
 /// The first place p in [`start`, `fence`) where p[0] = p[1] = 0 and p[2] <= `largest_third` (at most 3), all three
 /// bytes before `fence`; `fence` when there is none.
-template <typename Byte>
-Byte* find_zero_pair(Byte* start, Byte* fence, unsigned char largest_third) noexcept
+inline const unsigned char* find_zero_pair(const unsigned char* start, const unsigned char* fence,
+                                           unsigned char largest_third) noexcept
 {
-    return start + (zero_pairs(start, fence, {0, largest_third}).next() - start);
+    return zero_pairs(start, fence, {0, largest_third}).next();
+}
+
+/// A place in a range of bytes that may be written: the searches and copies above exist once, for const bytes.
+inline unsigned char* as_writable(const unsigned char* place) noexcept
+{
+    return const_cast<unsigned char*>(place);
 }
 
 } // namespace brenik::bytescan

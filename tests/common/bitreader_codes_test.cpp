@@ -90,13 +90,6 @@ TEST(ExpGolomb, SignedCodesReachBothEnds)
     }
 }
 
-TEST(ExpGolomb, ThirtyOneZerosAreTheLongestPrefix)
-{
-    opened o(bit_writer().u(31, 0).flag(true).u(31, 0x7FFFFFFF));
-    EXPECT_EQ(4294967294U, o.br.ue());
-    EXPECT_EQ(63U, o.br.bits_consumed());
-}
-
 TEST(ExpGolomb, ThirtyTwoZerosThrowAlthoughAOneBitFollows)
 {
     opened o(bit_writer().u(5, 0x1F).u(32, 0).flag(true).u(32, 0));

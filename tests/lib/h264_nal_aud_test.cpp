@@ -29,13 +29,6 @@ struct parsed {
 
 } // namespace
 
-TEST(Aud, ANewDelimiterIsZeroAndInvalid)
-{
-    const h264_nal_aud aud{};
-    EXPECT_EQ(0, aud.primary_pic_type);
-    EXPECT_FALSE(aud.valid);
-}
-
 TEST(Aud, TheOneByteDelimiterParses)
 {
     const parsed p({0x50});

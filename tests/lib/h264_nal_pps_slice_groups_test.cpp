@@ -78,20 +78,6 @@ void expect_refused(const pps_description& pps, const char* first_unread, h264_n
 
 } // namespace
 
-TEST(PpsSliceGroups, OneGroupReadsNoMapTypeAndKeepsTheArrays)
-{
-    const auto writer = written_rbsp(pps_description());
-    const parsed_pps p(writer, earlier());
-    EXPECT_TRUE(p.result);
-    EXPECT_EQ(0U, p->num_slice_groups_minus1);
-    EXPECT_EQ(9U, p->slice_group_map_type);
-    EXPECT_EQ(earlier().run_length_minus1, p->run_length_minus1);
-    EXPECT_EQ(earlier().top_left, p->top_left);
-    EXPECT_EQ(earlier().bottom_right, p->bottom_right);
-    EXPECT_EQ(earlier().slice_group_id, p->slice_group_id);
-    EXPECT_EQ(writer.size_in_bits(), p.consumed());
-}
-
 TEST(PpsSliceGroups, EachMapTypeWritesItsOwnFieldsAndKeepsTheOthers)
 {
     for (std::uint32_t map_type = 0; map_type <= 8; ++map_type) {
@@ -124,14 +110,6 @@ TEST(PpsSliceGroups, MapTypesAboveSixReadNothingMore)
         EXPECT_EQ(map_type, p->slice_group_map_type);
         EXPECT_EQ(writer.size_in_bits(), p.consumed()) << map_type;
     }
-}
-
-TEST(PpsSliceGroups, MapTypeTwoReadsAPairForEveryGroupButTheLast)
-{
-    const parsed_pps p(written_rbsp(pps_of_map_type(2, 3)));
-    EXPECT_TRUE(p.result);
-    EXPECT_EQ((numbers{0, 3, 6}), p->top_left);
-    EXPECT_EQ((numbers{100, 103, 106}), p->bottom_right);
 }
 
 TEST(PpsSliceGroups, MapTypeZeroTakes128GroupsAndRefuses129)
@@ -210,15 +188,4 @@ TEST(PpsSliceGroups, ASliceGroupIdHasTheBitsThatHoldTheNumberOfGroups)
         EXPECT_EQ(pps.slice_group_id, p->slice_group_id) << c.groups;
         EXPECT_EQ(writer.size_in_bits(), p.consumed()) << c.groups;
     }
-}
-
-TEST(PpsSliceGroups, ASmallerCountShrinksTheArrays)
-{
-    const parsed_pps p(written_rbsp(pps_of_map_type(0, 1)), earlier());
-    EXPECT_EQ((numbers{20, 21}), p->run_length_minus1);
-    const parsed_pps units(written_rbsp(with_map_units(1, 1, 2)), earlier());
-    EXPECT_EQ(1U, units->slice_group_id.size());
-    const parsed_pps pairs(written_rbsp(pps_of_map_type(2, 1)), earlier());
-    EXPECT_EQ(numbers{0}, pairs->top_left);
-    EXPECT_EQ(numbers{100}, pairs->bottom_right);
 }

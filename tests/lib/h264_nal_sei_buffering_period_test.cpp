@@ -59,26 +59,6 @@ h264_nal_sei_buffering_period full(bool valid = true)
 
 } // namespace
 
-TEST(BufferingPeriod, ANewOneIsZeroEmptyAndInvalid)
-{
-    for (const support::value& field : fields_of(h264_nal_sei_buffering_period{}).values)
-        EXPECT_EQ(support::value{}, field);
-}
-
-TEST(BufferingPeriod, TheNalPairsComeBeforeTheVclPairs)
-{
-    const auto writer = written(full_period());
-    const parsed_period p(writer, full_store());
-    EXPECT_TRUE(p.result);
-    EXPECT_TRUE(p->valid);
-    EXPECT_EQ(0U, p->seq_parameter_set_id);
-    EXPECT_EQ((numbers{1000000, 1000002, 1000004}), p->nal_initial_cpb_removal_delay);
-    EXPECT_EQ((numbers{1000001, 1000003, 1000005}), p->nal_initial_cpb_removal_delay_offset);
-    EXPECT_EQ((numbers{300, 302}), p->vcl_initial_cpb_removal_delay);
-    EXPECT_EQ((numbers{301, 303}), p->vcl_initial_cpb_removal_delay_offset);
-    EXPECT_EQ(1U + 6 * 24 + 4 * 10, p.consumed());
-}
-
 TEST(BufferingPeriod, AnAbsentHrdReadsNothingAndKeepsItsArrays)
 {
     for (const bool nal : {false, true})
@@ -104,18 +84,6 @@ TEST(BufferingPeriod, AnAbsentHrdReadsNothingAndKeepsItsArrays)
         }
 }
 
-TEST(BufferingPeriod, WithoutHrdOnlyTheIdIsRead)
-{
-    buffering_period_description period;
-    period.seq_parameter_set_id = 12;
-    const parsed_period p(written(period), store_of({}, {}, 12));
-    EXPECT_TRUE(p.result);
-    EXPECT_TRUE(p->valid);
-    EXPECT_EQ(12U, p->seq_parameter_set_id);
-    EXPECT_TRUE(p->nal_initial_cpb_removal_delay.empty() && p->vcl_initial_cpb_removal_delay_offset.empty());
-    EXPECT_EQ(7U, p.consumed());
-}
-
 TEST(BufferingPeriod, TheSpsIsFoundUnderAnyIdWhicheverIsCurrent)
 {
     for (const std::uint32_t id : {0U, 1U, 31U, 32U, 0xFFFFFFFEU})
@@ -131,24 +99,6 @@ TEST(BufferingPeriod, TheSpsIsFoundUnderAnyIdWhicheverIsCurrent)
             h264_nal_sei_buffering_period expected = full();
             expected.seq_parameter_set_id = id;
             EXPECT_EQ("", difference(fields_of(expected), fields_of(p.object)));
-        }
-}
-
-TEST(BufferingPeriod, AnAbsentSpsFailsBehindTheId)
-{
-    for (const std::uint32_t id : {1U, 32U, 0xFFFFFFFEU})
-        for (const bool valid : {false, true}) {
-            buffering_period_description period = full_period();
-            period.seq_parameter_set_id = id;
-            const auto writer = written(period);
-            sei_sps_store store = full_store();
-            store.set_current_id(0);
-            const parsed_period p(writer, store, full(valid));
-            EXPECT_FALSE(p.result);
-            h264_nal_sei_buffering_period expected = full(false);
-            expected.seq_parameter_set_id = id;
-            EXPECT_EQ("", difference(fields_of(expected), fields_of(p.object)));
-            EXPECT_EQ(writer.elements()[1].position, p.consumed());
         }
 }
 
@@ -253,64 +203,4 @@ TEST(BufferingPeriod, MoreThan128VclCpbsAreRefusedBehindTheNalPairs)
 TEST(BufferingPeriod, TheCountOfAnAbsentHrdDoesNotMatter)
 {
     EXPECT_TRUE(parsed_period(written(buffering_period_description()), store_of({false, 128}, {false, 128})).result);
-}
-
-TEST(BufferingPeriod, ArraysGrowAndShrinkWithTheCount)
-{
-    const auto refilled = [](std::uint32_t count, const h264_nal_sei_buffering_period& before) {
-        buffering_period_description period;
-        period.nal = pairs_from(70, count);
-        return parsed_period(written(period), store_of({true, count - 1}, {}), before).object;
-    };
-    EXPECT_EQ((numbers{70, 72}), refilled(2, full()).nal_initial_cpb_removal_delay);
-    EXPECT_EQ((numbers{71, 73}), refilled(2, full()).nal_initial_cpb_removal_delay_offset);
-    EXPECT_EQ((numbers{70, 72, 74, 76}), refilled(4, full()).nal_initial_cpb_removal_delay);
-    EXPECT_EQ((numbers{71, 73, 75, 77}), refilled(4, full()).nal_initial_cpb_removal_delay_offset);
-}
-
-TEST(BufferingPeriod, ArraysOfDifferentSizesAreMadeEqual)
-{
-    h264_nal_sei_buffering_period before;
-    before.nal_initial_cpb_removal_delay = {9, 9, 9, 9, 9};
-    const parsed_period p(written(full_period()), full_store(), before);
-    EXPECT_EQ("", difference(fields_of(full()), fields_of(p.object)));
-}
-
-TEST(BufferingPeriod, BitsPastTheEndAreZeros)
-{
-    buffering_period_description period = full_period();
-    period.seq_parameter_set_id = 6;
-    const auto writer = written(period);
-    // Shorter, and the id names another SPS.
-    sei_sps_store store = full_store(6);
-    for (std::uint32_t id = 3; id < 6; ++id)
-        store.insert_or_assign(id, store.at(6));
-    for (std::size_t length = 3; length <= writer.size_in_bits(); ++length) {
-        const support::bytes cut = support::first_bits(writer.made(), length);
-        support::bytes padded = cut;
-        padded.resize(cut.size() + 80);
-        const parsed_period p(cut, store);
-        const parsed_period q(padded, store);
-        EXPECT_TRUE(p.result);
-        EXPECT_EQ("", difference(fields_of(q.object), fields_of(p.object))) << length;
-        EXPECT_EQ(q.consumed(), p.consumed()) << length;
-    }
-}
-
-TEST(BufferingPeriod, AMalformedIdThrowsAndNothingChanges)
-{
-    for (const bool valid : {false, true})
-        for (const support::bytes& data : {support::bytes{}, support::bytes{0, 0}, support::bytes{0, 0, 0, 0, 255}}) {
-            const support::guarded_buffer buffer(data);
-            brenik::h2645_common_bitreader br(buffer.begin(), buffer.end());
-            h264_nal_sei_buffering_period object = full(valid);
-            try {
-                object.parse(br, full_store());
-                ADD_FAILURE() << "no exception";
-            } catch (const brenik::h2645_common_malformed_code& malformed) {
-                EXPECT_EQ(0U, malformed.bit_position());
-            }
-            EXPECT_EQ("", difference(fields_of(full(valid)), fields_of(object)));
-            EXPECT_EQ(32U, br.bits_consumed());
-        }
 }

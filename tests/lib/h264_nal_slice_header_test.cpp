@@ -30,46 +30,6 @@ h264_nal_slice_header filled()
 
 } // namespace
 
-TEST(SliceHeader, ANewHeaderIsZeroEmptyAndInvalid)
-{
-    const h264_nal_slice_header slice{};
-    for (const support::value& field : fields_of(slice).values)
-        for (const std::int64_t entry : field.entries.empty() ? std::vector{field.number} : field.entries)
-            EXPECT_EQ(0, entry);
-    EXPECT_TRUE(slice.ref_pic_list_modification_l0.entries.empty());
-    EXPECT_TRUE(slice.ref_pic_list_modification_l1.entries.empty());
-}
-
-TEST(SliceHeader, EveryElementIsReadIntoItsField)
-{
-    const auto writer = written(full_slice(0));
-    const parsed_slice p(full_slice(0));
-    EXPECT_TRUE(p.result);
-    EXPECT_TRUE(p->valid);
-    EXPECT_EQ(writer.size_in_bits(), p.consumed());
-    EXPECT_TRUE(p->IdrPicFlag);
-    EXPECT_EQ(300U, p->first_mb_in_slice);
-    EXPECT_EQ(6U, p->slice_type);
-    EXPECT_EQ(7U, p->pic_parameter_set_id);
-    EXPECT_EQ(2, p->colour_plane_id);
-    EXPECT_EQ(0x1A5U, p->frame_num);
-    EXPECT_FALSE(p->field_pic_flag || p->bottom_field_flag);
-    EXPECT_EQ(5U, p->idr_pic_id);
-    EXPECT_EQ(45U, p->pic_order_cnt_lsb);
-    EXPECT_EQ(-3, p->delta_pic_order_cnt_bottom);
-    EXPECT_EQ(0, p->delta_pic_order_cnt[0]);
-    EXPECT_EQ(0, p->delta_pic_order_cnt[1]);
-    EXPECT_EQ(4U, p->redundant_pic_cnt);
-    EXPECT_TRUE(p->direct_spatial_mv_pred_flag);
-    EXPECT_TRUE(p->num_ref_idx_active_override_flag);
-    EXPECT_EQ(3U, p->num_ref_idx_l0_active_minus1);
-    EXPECT_EQ(1U, p->num_ref_idx_l1_active_minus1);
-    EXPECT_TRUE(p->ref_pic_list_modification_l0.ref_pic_list_modification_flag);
-    EXPECT_EQ(2U, p->ref_pic_list_modification_l0.entries.size());
-    EXPECT_TRUE(p->ref_pic_list_modification_l1.ref_pic_list_modification_flag);
-    EXPECT_EQ(4U, p->ref_pic_list_modification_l1.entries.size());
-}
-
 TEST(SliceHeader, NothingBehindTheListsIsRead)
 {
     for (const std::uint32_t type : {0U, 1U, 2U, 3U, 4U}) {
@@ -79,22 +39,6 @@ TEST(SliceHeader, NothingBehindTheListsIsRead)
         const parsed_slice p(writer, context_of(slice_of_type(type)));
         EXPECT_TRUE(p.result);
         EXPECT_EQ(end, p.consumed()) << type;
-    }
-}
-
-TEST(SliceHeader, EachColourPlaneIsReadWithSeparatePlanesAlone)
-{
-    for (unsigned int plane = 0; plane < 4; ++plane) {
-        slice_header_description slice;
-        slice.colour_plane_id = plane;
-        slice.frame_num = 6;
-        const parsed_slice p(slice);
-        EXPECT_EQ(plane, p->colour_plane_id);
-        EXPECT_EQ(6U, p->frame_num);
-        slice.colour_plane_id.reset();
-        const parsed_slice without(slice, p.object);
-        EXPECT_EQ(plane, without->colour_plane_id);
-        EXPECT_EQ(6U, without->frame_num);
     }
 }
 
@@ -113,21 +57,6 @@ TEST(SliceHeader, IdrPicIdIsReadInUnitsOfTypeFiveAlone)
         EXPECT_EQ(type == 5 ? 77U : 0U, p->idr_pic_id) << type;
         EXPECT_EQ(3U, p->redundant_pic_cnt) << type;
     }
-}
-
-TEST(SliceHeader, TheSameBitsReadOtherwiseInAnIdrPicture)
-{
-    slice_header_description slice;
-    slice.idr_pic_id = 2;
-    slice.redundant_pic_cnt = 6;
-    slice_context context = context_of(slice);
-    context.nal.nal_unit_type = brenik::h264_nal_unit_type_slice_non_idr;
-    const parsed_slice p(written(slice), context, parsed_slice(slice).object);
-    EXPECT_TRUE(p.result);
-    EXPECT_FALSE(p->IdrPicFlag);
-    EXPECT_EQ(2U, p->idr_pic_id);
-    EXPECT_EQ(2U, p->redundant_pic_cnt);
-    EXPECT_EQ(written(slice).elements().back().position, p.consumed());
 }
 
 TEST(SliceHeader, NothingElseOfTheUnitHeaderCounts)
@@ -173,20 +102,6 @@ TEST(SliceHeader, TheTypeSaysWhatOfTheReferencesIsRead)
     }
 }
 
-TEST(SliceHeader, IAndSiSlicesTouchNothingOfTheReferences)
-{
-    for (const std::uint32_t type : {2U, 4U, 7U, 9U}) {
-        slice_header_description slice = full_slice(1);
-        slice.slice_type = type;
-        const h264_nal_slice_header before = filled();
-        const parsed_slice p(slice, before);
-        EXPECT_TRUE(p.result);
-        support::named_values expected = fields_of(before);
-        expected.at("slice_type").number = type;
-        EXPECT_EQ("", difference(expected, fields_of(p.object)));
-    }
-}
-
 TEST(SliceHeader, CountsThatAreNotSentAreNotInferred)
 {
     for (const std::uint32_t type : {0U, 1U, 3U}) {
@@ -203,31 +118,6 @@ TEST(SliceHeader, CountsThatAreNotSentAreNotInferred)
         const parsed_slice in_new(written(slice), context);
         EXPECT_EQ(0U, in_new->num_ref_idx_l0_active_minus1 + in_new->num_ref_idx_l1_active_minus1);
     }
-}
-
-TEST(SliceHeader, ASecondCountKeepsItsValueInPAndSpSlices)
-{
-    for (const std::uint32_t type : {0U, 3U}) {
-        h264_nal_slice_header before;
-        before.num_ref_idx_l1_active_minus1 = 20;
-        before.direct_spatial_mv_pred_flag = true;
-        const parsed_slice p(slice_of_type(type), before);
-        EXPECT_EQ(3U, p->num_ref_idx_l0_active_minus1);
-        EXPECT_EQ(20U, p->num_ref_idx_l1_active_minus1);
-        EXPECT_TRUE(p->direct_spatial_mv_pred_flag);
-    }
-}
-
-TEST(SliceHeader, TheRedundantCountIsReadWhenThePpsSaysSo)
-{
-    slice_header_description slice;
-    slice.redundant_pic_cnt = 127;
-    const parsed_slice p(slice);
-    EXPECT_EQ(127U, p->redundant_pic_cnt);
-    slice.redundant_pic_cnt.reset();
-    const parsed_slice without(slice, p.object);
-    EXPECT_EQ(127U, without->redundant_pic_cnt);
-    EXPECT_EQ(written(slice).size_in_bits(), without.consumed());
 }
 
 TEST(SliceHeader, ValuesAreStoredAsRead)
@@ -265,16 +155,4 @@ TEST(SliceHeader, ASliceThatSendsLessKeepsTheOtherFields)
     expected.at("frame_num").number = 15;
     expected.at("IdrPicFlag").number = 0;
     EXPECT_EQ("", difference(expected, fields_of(p.object)));
-}
-
-TEST(SliceHeader, ACopyIsDeep)
-{
-    const h264_nal_slice_header original = filled();
-    const support::named_values before = fields_of(original);
-    h264_nal_slice_header copy = original;
-    EXPECT_EQ("", difference(before, fields_of(copy)));
-    copy.delta_pic_order_cnt[1] = 99;
-    copy.ref_pic_list_modification_l0.entries.front().pic_num_value = 99;
-    copy.ref_pic_list_modification_l1.entries.clear();
-    EXPECT_EQ("", difference(before, fields_of(original)));
 }

@@ -54,37 +54,6 @@ TEST(SpsScalingLists, FormatThreeHasTwelveAndTheOthersEight)
     }
 }
 
-TEST(SpsScalingLists, NoListSentTakesAFlagEach)
-{
-    for (const std::uint32_t chroma_format_idc : {1U, 3U}) {
-        sps_description without = high_sps(chroma_format_idc);
-        sps_description with = without;
-        with.scaling_lists.emplace();
-        const std::size_t flags = support::written(with).size_in_bits() - support::written(without).size_in_bits();
-        EXPECT_EQ(chroma_format_idc == 3 ? 12U : 8U, flags);
-        const parsed_sps p(written_rbsp(with));
-        EXPECT_TRUE(p.result);
-        EXPECT_TRUE(p->seq_scaling_matrix_present_flag);
-        for (std::size_t i = 0; i < 12; ++i)
-            EXPECT_EQ(fields_of(h264_scaling_list{}), fields_of(list_of(p.object, i))) << i;
-    }
-}
-
-TEST(SpsScalingLists, EachListIsReadBehindItsOwnFlag)
-{
-    for (std::size_t sent = 0; sent < 12; ++sent) {
-        sps_description sps = high_sps(3);
-        sps.scaling_lists.emplace();
-        (*sps.scaling_lists)[sent] = support::full_scaling_matrix()[sent];
-        const parsed_sps p(written_rbsp(sps));
-        EXPECT_TRUE(p.result) << sent;
-        for (std::size_t i = 0; i < 12; ++i) {
-            EXPECT_EQ(i == sent, list_of(p.object, i).present) << sent;
-            EXPECT_EQ(i == sent, !list_of(p.object, i).values.empty()) << sent;
-        }
-    }
-}
-
 TEST(SpsScalingLists, AListThatIsNotSentKeepsItsEntriesAndLosesItsPresence)
 {
     sps_description sps = high_sps(1);
@@ -107,15 +76,4 @@ TEST(SpsScalingLists, WithoutTheMatrixNoListChanges)
     const h264_nal_sps before = with_every_list();
     for (std::size_t i = 0; i < 12; ++i)
         EXPECT_EQ(fields_of(list_of(before, i)), fields_of(list_of(p.object, i))) << i;
-}
-
-TEST(SpsScalingLists, ADefaultListTakesOneDelta)
-{
-    sps_description sps = high_sps(1);
-    sps.scaling_lists.emplace();
-    (*sps.scaling_lists)[7] = support::scaling_list_description{{-8}};
-    const parsed_sps p(written_rbsp(sps));
-    EXPECT_TRUE(p.result);
-    EXPECT_TRUE(p->scaling_list_8x8[1].useDefaultScalingMatrixFlag);
-    EXPECT_EQ(std::vector<std::uint8_t>(64, 8), p->scaling_list_8x8[1].values);
 }

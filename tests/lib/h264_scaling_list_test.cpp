@@ -13,7 +13,6 @@ namespace {
 
 using brenik::h264_scaling_list;
 using support::scaling_list_description;
-using support::with_valid;
 using values = std::vector<std::uint8_t>;
 
 struct parsed_list : support::parsed<h264_scaling_list> {
@@ -31,59 +30,41 @@ h264_scaling_list list_before(bool flag)
     return list;
 }
 
+struct example {
+    unsigned int size;
+    scaling_list_description sent;
+    values entries;
+    bool is_default;
+};
+
+const values any_16 = {6, 13, 13, 20, 20, 20, 28, 28, 255, 1, 32, 32, 37, 37, 42, 128};
+
+const example examples[] = {
+    {16, {std::vector<std::int32_t>(16, 0)}, values(16, 8), false},
+    {16, support::list_of(any_16), any_16, false},
+    {64, {std::vector<std::int32_t>(64, 0)}, values(64, 8), false},
+    {64, {{-8}}, values(64, 8), true},
+    {16, {{248}}, values(16, 8), true}, // every first delta that wraps to 0
+    {16, {{-264}}, values(16, 8), true},
+    {16, {{2147483640}}, values(16, 8), true},
+    {16, {{1, 1, 1, 1, 1, -13}}, {9, 10, 11, 12, 13, 13, 13, 13, 13, 13, 13, 13, 13, 13, 13, 13}, false},
+    {2, {{2, -10}}, {10, 10}, false}, // a zero at the last entry
+    {3, {{242, 10, -5}}, {250, 4, 255}, false},
+};
+
 } // namespace
 
-TEST(ScalingList, ANewListIsEmptyAndFalse)
+TEST(ScalingList, AnEntryIsTheOneBeforePlusItsDeltaAndAZeroRepeatsTheLast)
 {
-    const h264_scaling_list list{};
-    EXPECT_TRUE(list.values.empty());
-    EXPECT_FALSE(list.useDefaultScalingMatrixFlag);
-    EXPECT_FALSE(list.present);
-    EXPECT_FALSE(list.valid);
-}
-
-TEST(ScalingList, SixteenDeltasOfZeroMakeSixteenEights)
-{
-    const parsed_list p(16, {std::vector<std::int32_t>(16, 0)}, list_before(true));
-    EXPECT_TRUE(p.result);
-    EXPECT_TRUE(p->valid);
-    EXPECT_EQ(values(16, 8), p->values);
-    EXPECT_FALSE(p->useDefaultScalingMatrixFlag);
-    EXPECT_EQ(16U, p.consumed());
-}
-
-TEST(ScalingList, AFirstDeltaOfMinusEightMeansTheDefaultList)
-{
-    const parsed_list p(64, {{-8}});
-    EXPECT_TRUE(p.result);
-    EXPECT_TRUE(p->valid);
-    EXPECT_EQ(values(64, 8), p->values);
-    EXPECT_TRUE(p->useDefaultScalingMatrixFlag);
-    EXPECT_EQ(9U, p.consumed());
-}
-
-TEST(ScalingList, EveryEntryIsTheLastOnePlusItsDelta)
-{
-    const values expected = {6, 13, 13, 20, 20, 20, 28, 28, 255, 1, 32, 32, 37, 37, 42, 128};
-    const parsed_list p(16, support::list_of(expected));
-    EXPECT_TRUE(p.result);
-    EXPECT_EQ(expected, p->values);
-}
-
-TEST(ScalingList, AFullListOfSixtyFourEntriesParses)
-{
-    values expected;
-    for (unsigned int i = 1; i <= 64; ++i)
-        expected.push_back(static_cast<std::uint8_t>(3 * i));
-    const parsed_list p(64, support::list_of(expected));
-    EXPECT_TRUE(p.result);
-    EXPECT_EQ(expected, p->values);
-}
-
-TEST(ScalingList, SumsAboveEightBitsWrap)
-{
-    const parsed_list p(3, {{242, 10, -5}});
-    EXPECT_EQ((values{250, 4, 255}), p->values);
+    for (const example& e : examples)
+        for (const bool flag : {false, true}) {
+            const parsed_list p(e.size, e.sent, list_before(flag));
+            EXPECT_TRUE(p.result && p->valid);
+            EXPECT_EQ(e.entries, p->values);
+            EXPECT_EQ(e.is_default, p->useDefaultScalingMatrixFlag);
+            EXPECT_EQ(flag, p->present) << "the owner writes it";
+            EXPECT_EQ(support::written(e.sent).size_in_bits(), p.consumed());
+        }
 }
 
 TEST(ScalingList, DeltasOfAnySizeWrap)
@@ -100,32 +81,6 @@ TEST(ScalingList, DeltasOfAnySizeWrap)
         EXPECT_EQ((values{c.entry, c.entry}), p->values) << c.delta;
         EXPECT_FALSE(p->useDefaultScalingMatrixFlag) << c.delta;
     }
-}
-
-TEST(ScalingList, EveryFirstDeltaThatWrapsToZeroMeansTheDefaultList)
-{
-    for (const std::int32_t delta : {-8, 248, -264, 504, 2147483640, -2147483400}) {
-        const parsed_list p(16, {{delta}});
-        EXPECT_TRUE(p->useDefaultScalingMatrixFlag) << delta;
-        EXPECT_EQ(values(16, 8), p->values) << delta;
-        EXPECT_EQ(support::written(scaling_list_description{{delta}}).size_in_bits(), p.consumed()) << delta;
-    }
-}
-
-TEST(ScalingList, ALaterZeroRepeatsTheLastEntryAndReadsNothingMore)
-{
-    const parsed_list p(16, {{1, 1, 1, 1, 1, -13}}, list_before(true));
-    EXPECT_TRUE(p.result);
-    EXPECT_EQ((values{9, 10, 11, 12, 13, 13, 13, 13, 13, 13, 13, 13, 13, 13, 13, 13}), p->values);
-    EXPECT_FALSE(p->useDefaultScalingMatrixFlag);
-    EXPECT_EQ(5 * 3U + 9, p.consumed());
-}
-
-TEST(ScalingList, AZeroAtTheLastEntryRepeatsToo)
-{
-    const parsed_list p(2, {{2, -10}});
-    EXPECT_EQ((values{10, 10}), p->values);
-    EXPECT_FALSE(p->useDefaultScalingMatrixFlag);
 }
 
 TEST(ScalingList, Size128IsAcceptedAnd129ChangesNothing)
@@ -156,43 +111,4 @@ TEST(ScalingList, Size0EmptiesTheListAndReadsNothing)
         EXPECT_EQ(flag, p->present);
         EXPECT_EQ(0U, p.consumed());
     }
-}
-
-TEST(ScalingList, PresentIsTheOwnersToWrite)
-{
-    for (const bool flag : {false, true})
-        EXPECT_EQ(flag, parsed_list(4, {{1, 1, 1, 1}}, list_before(flag))->present);
-}
-
-TEST(ScalingList, ASecondParseShortensTheListAndClearsTheDefault)
-{
-    const parsed_list first(64, {{-8}});
-    const parsed_list second(16, {std::vector<std::int32_t>(16, 2)}, first.object);
-    EXPECT_EQ(16U, second->values.size());
-    EXPECT_EQ(40, second->values.back());
-    EXPECT_FALSE(second->useDefaultScalingMatrixFlag);
-}
-
-TEST(ScalingList, AMalformedDeltaThrowsAndKeepsWhatWasStored)
-{
-    const auto list = support::written(support::list_of({20, 30, 40, 50}));
-    for (const support::element& delta : list.elements())
-        for (const bool valid : {false, true}) {
-            const support::guarded_buffer buffer(support::with_malformed_code(list, delta));
-            brenik::h2645_common_bitreader br(buffer.begin(), buffer.end());
-            h264_scaling_list object = with_valid<h264_scaling_list>(valid);
-            EXPECT_THROW(object.parse(br, 4), brenik::h2645_common_malformed_code);
-            EXPECT_EQ(valid, object.valid);
-            values expected = {20, 30, 40, 50};
-            std::fill(expected.begin() + static_cast<std::ptrdiff_t>(delta.entry), expected.end(), std::uint8_t{0});
-            EXPECT_EQ(expected, object.values);
-        }
-}
-
-TEST(ScalingList, AnEmptyRangeThrows)
-{
-    brenik::h2645_common_bitreader br(nullptr, nullptr);
-    h264_scaling_list list;
-    EXPECT_THROW(list.parse(br, 16), brenik::h2645_common_malformed_code);
-    EXPECT_FALSE(list.valid);
 }

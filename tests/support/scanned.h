@@ -6,6 +6,8 @@
 
 #include <orv-utils-v4/h264/nal_reader.h>
 
+#include <gtest/gtest.h>
+
 #include <cstddef>
 #include <cstdint>
 
@@ -45,5 +47,17 @@ struct scanned {
     /// block_decode into a block that holds any unit of the buffer.
     bytes decode_all() { return decode(buffer.size() + 3); }
 };
+
+/// Before a rewind and after it.
+inline void expect_nothing_to_decode(scanned& s)
+{
+    EXPECT_EQ(nullptr, s.reader.decode_ptr);
+    EXPECT_EQ(nullptr, s.reader.decode_fence);
+    s.reader.rewind();
+    EXPECT_EQ(nullptr, s.reader.decode_ptr);
+    EXPECT_EQ(nullptr, s.reader.decode_fence);
+    EXPECT_EQ(nullptr, s.reader.find_unit_end());
+    EXPECT_EQ(bytes{}, s.decode_all());
+}
 
 } // namespace support

@@ -8,7 +8,6 @@
 
 namespace {
 
-using brenik::h264_nal_reader;
 using support::bytes;
 using support::guarded_buffer;
 using support::scanned;
@@ -127,40 +126,6 @@ TEST(NalReader, BlockDecodeOfNoRoomWritesAndMovesNothing)
     EXPECT_EQ((bytes{1, 2, 3}), s.decode_all());
 }
 
-TEST(NalReader, BlockDecodeOfBlocksThatFillUpGoesOnWhereItStopped)
-{
-    const bytes payload = {1, 2, 3, 4, 5, 6, 7, 8, 9, 10};
-    for (std::size_t block = 1; block <= 12; ++block) {
-        annexb_unit s(payload);
-        bytes rbsp;
-        for (bytes part = s.decode(block); !part.empty(); part = s.decode(block)) {
-            EXPECT_EQ(std::min(block, payload.size() - rbsp.size()), part.size());
-            rbsp.insert(rbsp.end(), part.begin(), part.end());
-        }
-        EXPECT_EQ(payload, rbsp) << "blocks of " << block;
-    }
-}
-
-TEST(NalReader, BlockDecodeExaminesAnEscapeWhenThreeBytesOfRoomAreLeft)
-{
-    annexb_unit three({9, 0, 0, 3, 8});
-    EXPECT_EQ((bytes{9, 0, 0, 8}), three.decode(4));
-    annexb_unit exact({0, 0, 3, 8});
-    EXPECT_EQ((bytes{0, 0, 8}), exact.decode(3));
-    annexb_unit two({9, 0, 0, 3, 8});
-    EXPECT_EQ((bytes{9, 0, 0}), two.decode(3));
-    EXPECT_EQ((bytes{3, 8}), two.decode_all());
-}
-
-TEST(NalReader, BlockDecodeStopsAtAStartCodeOnlyWithThreeBytesOfRoomLeft)
-{
-    const bytes unit_and_start_code = {7, 8, 9, 0, 0, 1, 0x68};
-    EXPECT_EQ((bytes{7, 8, 9}), annexb_unit(unit_and_start_code).decode(3));
-    EXPECT_EQ((bytes{7, 8, 9, 0}), annexb_unit(unit_and_start_code).decode(4));
-    EXPECT_EQ((bytes{7, 8, 9, 0, 0}), annexb_unit(unit_and_start_code).decode(5));
-    EXPECT_EQ((bytes{7, 8, 9}), annexb_unit(unit_and_start_code).decode(6));
-}
-
 TEST(NalReader, ABlockOfThreeBytesMoreThanThePayloadOrAsLargeAsTheBufferHoldsAUnit)
 {
     support::random_source random(2);
@@ -189,68 +154,12 @@ TEST(NalReader, BlockDecodeLeavesRoomBehindTheUnitUntouched)
     EXPECT_TRUE(out.surroundings_untouched());
 }
 
-TEST(NalReader, BlockDecodeIsRepeatedAfterRewind)
-{
-    annexb_unit s(escape_then_start_code);
-    s.decode(2);
-    s.reader.rewind();
-    EXPECT_EQ((bytes{0x41, 0x00, 0x00, 0x01}), s.decode_all());
-    s.reader.rewind();
-    EXPECT_EQ((bytes{0x41, 0x00, 0x00, 0x01}), s.decode_all());
-}
-
-TEST(NalReader, BlockDecodeChangesNoMemberButDecodePtr)
-{
-    annexb_unit s(escape_then_start_code);
-    const h264_nal_reader before = s.reader;
-    s.decode(2);
-    EXPECT_EQ(before.next, s.reader.next);
-    EXPECT_EQ(before.payload, s.reader.payload);
-    EXPECT_EQ(before.decode_fence, s.reader.decode_fence);
-    EXPECT_EQ(before.nal_start, s.reader.nal_start);
-    EXPECT_EQ(before.zero_count, s.reader.zero_count);
-    EXPECT_TRUE(s.reader.found);
-    EXPECT_FALSE(s.reader.incomplete);
-}
-
 TEST(NalReader, BlockDecodeWorksInPlace)
 {
     for (const example& e : decodings) {
         annexb_unit s(e.payload);
         const std::size_t count = s.reader.block_decode(s.reader.payload, s.size() - 4);
         EXPECT_EQ(e.rbsp, bytes(s.reader.payload, s.reader.payload + count)) << e.name;
-    }
-}
-
-TEST(NalReader, BlockDecodeInPlaceInSmallBlocks)
-{
-    annexb_unit s({1, 2, 3, 0, 0, 3, 1, 5, 6, 0, 0, 3, 0});
-    unsigned char* out = s.reader.payload;
-    while (const std::size_t count = s.reader.block_decode(out, 6))
-        out += count;
-    EXPECT_EQ((bytes{1, 2, 3, 0, 0, 1, 5, 6, 0, 0, 0}), bytes(s.reader.payload, out));
-}
-
-TEST(NalReader, BlockDecodeNeverWritesToTheInput)
-{
-    const bytes payload = {1, 0, 0, 3, 1, 0, 0, 3, 0, 0, 0, 1, 0x67};
-    annexb_unit s(payload);
-    s.decode(4);
-    s.decode_all();
-    EXPECT_EQ(payload, bytes(s.reader.payload, s.buffer.end()));
-}
-
-TEST(NalReader, FindUnitEndIsWhereBlockDecodeStops)
-{
-    for (const example& e : unit_ends) {
-        annexb_unit s(e.payload);
-        const std::size_t end = s.payload_offset(s.reader.find_unit_end());
-        ASSERT_LT(end, e.payload.size()) << e.name;
-        EXPECT_EQ(0, e.payload[end]) << e.name;
-        EXPECT_EQ(0, e.payload[end + 1]) << e.name;
-        EXPECT_GT(3, e.payload[end + 2]) << e.name;
-        EXPECT_EQ(e.rbsp, annexb_unit(bytes(e.payload.data(), e.payload.data() + end)).decode_all()) << e.name;
-        EXPECT_EQ(0U, s.payload_offset(s.reader.decode_ptr)) << "it moves nothing";
     }
 }
 
@@ -262,15 +171,4 @@ TEST(NalReader, FindUnitEndWithoutAnEndIsTheFence)
         prefixed_unit prefixed(e.payload);
         EXPECT_EQ(prefixed.reader.next, prefixed.reader.find_unit_end()) << e.name;
     }
-}
-
-TEST(NalReader, FindUnitEndGoesOnFromDecodePtr)
-{
-    annexb_unit s({1, 0, 0, 1, 2, 0, 0, 1, 3});
-    EXPECT_EQ(1U, s.payload_offset(s.reader.find_unit_end()));
-    s.decode(2); // the second byte is the first zero of the start code, taken unexamined
-    EXPECT_EQ(5U, s.payload_offset(s.reader.find_unit_end()));
-    s.reader.rewind();
-    s.decode_all();
-    EXPECT_EQ(s.buffer.end(), s.reader.find_unit_end());
 }

@@ -30,17 +30,6 @@ void for_each_length_framing(Claim claim)
     }
 }
 
-void expect_nothing_to_decode(scanned& s)
-{
-    EXPECT_EQ(nullptr, s.reader.decode_ptr);
-    EXPECT_EQ(nullptr, s.reader.decode_fence);
-    s.reader.rewind();
-    EXPECT_EQ(nullptr, s.reader.decode_ptr);
-    EXPECT_EQ(nullptr, s.reader.decode_fence);
-    EXPECT_EQ(nullptr, s.reader.find_unit_end());
-    EXPECT_EQ(bytes{}, s.decode_all());
-}
-
 } // namespace
 
 TEST(NalReader, PrefixedUnitsAreFoundOneAfterAnother)
@@ -80,16 +69,6 @@ TEST(NalReader, PrefixedUnitsAreFoundOneAfterAnother)
     });
 }
 
-TEST(NalReader, ThePrefixIsBigEndian)
-{
-    for_each_length_framing([](h2645_common_nalfmt nalfmt, std::size_t k) {
-        const auto length = static_cast<std::uint32_t>(0x04030201U >> 8 * (4 - k));
-        const scanned s(nalfmt, stream_builder().prefix(k, length).unit(support::sps, {1}));
-        EXPECT_EQ(length, s.reader.nal_length);
-        EXPECT_EQ(length - 1, s.reader.payload_length);
-    });
-}
-
 TEST(NalReader, APrefixAndAHeaderByteAreTheLeastThatIsLookedAt)
 {
     for_each_length_framing([](h2645_common_nalfmt nalfmt, std::size_t k) {
@@ -101,7 +80,7 @@ TEST(NalReader, APrefixAndAHeaderByteAreTheLeastThatIsLookedAt)
             EXPECT_FALSE(s.reader.gave_up) << size;
             EXPECT_EQ(0U, s.next()) << size;
             EXPECT_EQ(nullptr, s.reader.nal_start) << size;
-            expect_nothing_to_decode(s);
+            support::expect_nothing_to_decode(s);
         }
         EXPECT_TRUE(scanned(nalfmt, whole).reader.found);
         EXPECT_FALSE(scanned(nalfmt, whole).reader.incomplete);
@@ -119,18 +98,6 @@ TEST(NalReader, AUnitCutShortIsFoundAndIncompleteWithNextAtItsPrefix)
     EXPECT_EQ(5U, s.reader.nal_length);
     EXPECT_EQ(s.size(), s.offset(s.reader.decode_fence));
     EXPECT_EQ((bytes{0x01, 0x02}), s.decode_all());
-}
-
-TEST(NalReader, AUnitThatEndsWithTheDataIsComplete)
-{
-    for_each_length_framing([](h2645_common_nalfmt nalfmt, std::size_t k) {
-        for (std::uint32_t length = 1; length <= 8; ++length) {
-            const scanned s(nalfmt, stream_builder().prefix(k, length).fill(4, 0x41));
-            EXPECT_TRUE(s.reader.found) << length;
-            EXPECT_EQ(length > 4, s.reader.incomplete) << length;
-            EXPECT_EQ(length > 4 ? 0 : k + length, s.next()) << length;
-        }
-    });
 }
 
 TEST(NalReader, TheLargestPrefixIsJustAnIncompleteUnit)
@@ -158,17 +125,8 @@ TEST(NalReader, APrefixOfZeroIsGivenUpOnWithTheRestOfTheData)
         EXPECT_EQ(0U, s.reader.nal_length);
         EXPECT_EQ(0U, s.offset(s.reader.nal_start));
         EXPECT_EQ(nullptr, s.reader.payload);
-        expect_nothing_to_decode(s);
+        support::expect_nothing_to_decode(s);
     });
-}
-
-TEST(NalReader, APrefixOfZeroAloneIsIncomplete)
-{
-    const scanned s(brenik::nalfmt_length2, {0x00, 0x00});
-    EXPECT_TRUE(s.reader.incomplete);
-    EXPECT_FALSE(s.reader.gave_up);
-    EXPECT_EQ(0U, s.next());
-    EXPECT_TRUE(scanned(brenik::nalfmt_length2, {0x00, 0x00, 0x67}).reader.gave_up);
 }
 
 TEST(NalReader, APrefixedUnitWithAForbiddenHeaderIsSkipped)
@@ -187,7 +145,7 @@ TEST(NalReader, APrefixedUnitWithAForbiddenHeaderIsSkipped)
         EXPECT_TRUE(s.reader.length_known);
         EXPECT_EQ(2 * k + 3, s.offset(s.reader.payload));
         EXPECT_EQ(2 * k + 5, s.next());
-        expect_nothing_to_decode(s);
+        support::expect_nothing_to_decode(s);
 
         s.scan_from(s.next());
         EXPECT_TRUE(s.reader.found);
@@ -204,7 +162,7 @@ TEST(NalReader, AForbiddenUnitCutShortLeavesNextBehindTheUnit)
     EXPECT_TRUE(s.reader.gave_up);
     EXPECT_FALSE(s.reader.incomplete);
     EXPECT_EQ(4 + std::size_t{0xFFFFFFFF}, s.next());
-    expect_nothing_to_decode(s);
+    support::expect_nothing_to_decode(s);
 }
 
 TEST(NalReader, PrefixedScansOfTooLittleDataKeepTheLengthsOfTheLastUnit)
@@ -216,7 +174,7 @@ TEST(NalReader, PrefixedScansOfTooLittleDataKeepTheLengthsOfTheLastUnit)
     EXPECT_EQ(2U, s.reader.payload_length);
     EXPECT_EQ(2U, s.offset(s.reader.nal_header));
     EXPECT_EQ(null_offset, s.offset(s.reader.payload));
-    expect_nothing_to_decode(s);
+    support::expect_nothing_to_decode(s);
 }
 
 TEST(NalReader, PrefixedScansLeaveTheZeroCountAtZero)

@@ -13,20 +13,8 @@ namespace {
 
 using brenik::h2645_common_nalfmt;
 using brenik::h264_nal_reader;
-using support::bytes;
 using support::scanned;
 using support::stream_builder;
-
-void expect_nothing_to_decode(scanned& s)
-{
-    EXPECT_EQ(nullptr, s.reader.decode_ptr);
-    EXPECT_EQ(nullptr, s.reader.decode_fence);
-    s.reader.rewind();
-    EXPECT_EQ(nullptr, s.reader.decode_ptr);
-    EXPECT_EQ(nullptr, s.reader.decode_fence);
-    EXPECT_EQ(nullptr, s.reader.find_unit_end());
-    EXPECT_EQ(bytes{}, s.decode_all());
-}
 
 } // namespace
 
@@ -76,7 +64,7 @@ TEST(NalReader, WithoutFramingNothingIsFoundAndTheDataIsPassedOver)
     EXPECT_EQ(nullptr, s.reader.nal_start);
     EXPECT_EQ(s.buffer.begin(), s.reader.data);
     EXPECT_EQ(s.buffer.end(), s.reader.data_fence);
-    expect_nothing_to_decode(s);
+    support::expect_nothing_to_decode(s);
 }
 
 TEST(NalReader, WithoutFramingBothLengthsOfTheLastUnitAreForgotten)
@@ -96,7 +84,7 @@ TEST(NalReader, WithoutFramingBothLengthsOfTheLastUnitAreForgotten)
     EXPECT_FALSE(s.reader.length_known);
     EXPECT_EQ(nullptr, s.reader.payload);
     EXPECT_EQ(nullptr, s.reader.nal_start);
-    expect_nothing_to_decode(s);
+    support::expect_nothing_to_decode(s);
 }
 
 TEST(NalReader, AnEmptyRangeMayBeTwoNullPointers)

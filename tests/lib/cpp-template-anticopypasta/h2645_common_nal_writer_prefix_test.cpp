@@ -49,9 +49,11 @@ TEST(NalWriterPrefix, AFramingWithoutAPrefixTakesAnyLength)
 
 TEST(NalWriterPrefix, OnlyTheFirstFourFramingsHaveOne)
 {
-    EXPECT_EQ(0U, brenik::prefix_size(brenik::nalfmt_none));
-    EXPECT_EQ(1U, brenik::prefix_size(brenik::nalfmt_length1));
-    EXPECT_EQ(4U, brenik::prefix_size(brenik::nalfmt_length4));
-    EXPECT_EQ(0U, brenik::prefix_size(brenik::nalfmt_annexb));
-    EXPECT_EQ(0U, brenik::prefix_size(static_cast<brenik::h2645_common_nalfmt>(6)));
+    EXPECT_EQ(0U, brenik::length_prefix_size(brenik::nalfmt_none));
+    EXPECT_EQ(1U, brenik::length_prefix_size(brenik::nalfmt_length1));
+    EXPECT_EQ(2U, brenik::length_prefix_size(brenik::nalfmt_length2));
+    EXPECT_EQ(3U, brenik::length_prefix_size(brenik::nalfmt_length3));
+    EXPECT_EQ(4U, brenik::length_prefix_size(brenik::nalfmt_length4));
+    EXPECT_EQ(0U, brenik::length_prefix_size(brenik::nalfmt_annexb));
+    EXPECT_EQ(0U, brenik::length_prefix_size(static_cast<brenik::h2645_common_nalfmt>(6)));
 }

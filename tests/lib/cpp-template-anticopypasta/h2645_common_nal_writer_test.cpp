@@ -208,35 +208,11 @@ TEST(NalWriter, EveryShapeOfEscape)
     }
 }
 
-TEST(NalWriter, AZeroHeaderIsNoPartOfAnEscape)
-{
-    guarded_writer w(brenik::nalfmt_annexb, 40);
-    w.encode(0x00, {0, 1});
-    EXPECT_EQ((bytes{0, 0, 1, 0, 0, 1}), w.output());
-}
-
 TEST(NalWriter, AnInvalidHeaderGoesOutAsFF)
 {
     guarded_writer w(brenik::nalfmt_length1, 40);
     EXPECT_EQ(3U, w.encode(brenik::h264_nal{}, {5}));
     EXPECT_EQ((bytes{2, 0xFF, 5}), w.output());
-}
-
-TEST(NalWriter, HeaderMembersOutOfRangeAreMasked)
-{
-    guarded_writer w(brenik::nalfmt_length1, 40);
-    EXPECT_EQ(2U, w.encode(brenik::h264_nal{6, static_cast<brenik::h264_nal_unit_type>(37), true}, {}));
-    EXPECT_EQ((bytes{1, 0x45}), w.output());
-}
-
-TEST(NalWriter, UnitsAreAppended)
-{
-    guarded_writer w(brenik::nalfmt_annexb, 40);
-    EXPECT_EQ(6U, w.encode(support::sps, {1}, 1));
-    EXPECT_EQ(5U, w.encode(support::pps, {2}, 0));
-    EXPECT_EQ(stream_builder().zeros(1).annexb_unit(support::sps, {1}).annexb_unit(support::pps, {2}).made(),
-              w.output());
-    EXPECT_EQ(11U, w.writer.data_length());
 }
 
 TEST(NalWriter, AnEmptyPayloadMayBeANullPointer)
@@ -275,40 +251,6 @@ TEST(NalWriter, AUnitLongerThanItsPrefixCanTellIsNotWritten)
         EXPECT_EQ(before, w.writer.data_length());
         EXPECT_EQ(l.nalfmt + l.largest_body, w.encode(support::sps, bytes(l.largest_body - 1, 9)));
         EXPECT_EQ(bytes(l.nalfmt, 0xFF), bytes(w.writer.buffer + before, w.writer.buffer + before + l.nalfmt));
-    }
-}
-
-TEST(NalWriter, ThreeHundredBytesDoNotFitAOneBytePrefix)
-{
-    guarded_writer w(brenik::nalfmt_length1, 400);
-    EXPECT_EQ(0U, w.encode(support::sps, bytes(300, 9)));
-    EXPECT_EQ(w.writer.buffer, w.writer.write);
-    EXPECT_FALSE(w.writer.full());
-}
-
-TEST(NalWriter, ThePrefixLimitCountsTheEscapes)
-{
-    guarded_writer w(brenik::nalfmt_length1, 400);
-    EXPECT_EQ(0U, w.encode(support::sps, stream_builder().fill(251, 9).raw({0, 0, 1})));
-    EXPECT_EQ(256U, w.encode(support::sps, stream_builder().fill(250, 9).raw({0, 0, 1})));
-    EXPECT_EQ(255, w.writer.buffer[0]);
-}
-
-TEST(NalWriter, ABufferOneByteTooSmallKeepsWriteAndTakesASmallerUnit)
-{
-    for (unsigned int nalfmt = 1; nalfmt <= 6; ++nalfmt) {
-        SCOPED_TRACE(nalfmt);
-        guarded_writer measure(static_cast<h2645_common_nalfmt>(nalfmt), 100);
-        const std::size_t first = measure.encode(support::aud, {0x10});
-        const std::size_t need = measure.encode(support::sps, {1, 0, 0, 2, 5});
-        guarded_writer w(static_cast<h2645_common_nalfmt>(nalfmt), first + need - 1);
-        EXPECT_EQ(first, w.encode(support::aud, {0x10}));
-        const bytes before = w.output();
-        EXPECT_EQ(0U, w.encode(support::sps, {1, 0, 0, 2, 5}));
-        EXPECT_EQ(before, w.output());
-        EXPECT_FALSE(w.writer.full());
-        EXPECT_EQ(need - 1, w.encode(support::sps, {1, 0, 0, 2}));
-        EXPECT_TRUE(w.writer.full());
     }
 }
 
