@@ -4,11 +4,12 @@
 // their inputs.
 #include "structure_samples.h"
 
+#include "support/damage.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <random>
 #include <vector>
 
 extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, std::size_t max_size);
@@ -19,29 +20,8 @@ using fuzz::sample;
 using support::bytes;
 using support::element;
 using support::element_writer;
-using random_source = std::minstd_rand;
-
-std::size_t pick(random_source& random, std::size_t fence)
-{
-    return std::uniform_int_distribution<std::size_t>(0, fence - 1)(random);
-}
-
-/// A value at a limit that the element can be set to.
-std::int64_t limit_of(const element& e, random_source& random)
-{
-    static const std::vector<std::int64_t> limits = {
-        0,        1,        2,        3,        4,        5,          6,          7,          8,         9,
-        15,       16,       31,       32,       33,       63,         64,         65,         127,       128,
-        129,      255,      256,      257,      16383,    65535,      65536,      8388606,    8388607,   8388608,
-        16777214, 16777215, 16777216, 33554430, 33554431, 2147483646, 2147483647, 2147483648, 4294967294};
-    const std::int64_t value = limits[pick(random, limits.size())];
-    if (e.how == support::descriptor::ue)
-        return value;
-    if (e.how == support::descriptor::se)
-        return std::min<std::int64_t>(value, 2147483647) * (pick(random, 2) == 0 ? 1 : -1);
-    const std::int64_t fence = e.width < 33 ? std::int64_t{1} << e.width : std::int64_t{1} << 33;
-    return pick(random, 2) == 0 ? fence - 1 - value % fence : value % fence;
-}
+using support::pick;
+using support::random_source;
 
 /// The sample, with one element of one of its structures set to another value.
 bytes with_one_changed(const sample& from, random_source& random)
@@ -53,7 +33,8 @@ bytes with_one_changed(const sample& from, random_source& random)
         bytes data = structure.made();
         if (i == changed) {
             const element& e = structure.elements()[pick(random, structure.elements().size())];
-            data = support::with_element(structure, e, limit_of(e, random));
+            const std::vector<std::int64_t> limits = support::limits_of(e);
+            data = support::with_element(structure, e, limits[pick(random, limits.size())]);
         }
         if (from[i].length_size == 1 && data.size() > 255)
             data.resize(255);

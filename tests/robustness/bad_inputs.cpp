@@ -23,9 +23,6 @@ struct named_class {
 
 constexpr named_class classes[] = {
     {"bodies", robustness::run_bodies, 197},
-    {"truncations", robustness::run_truncations, 17},
-    {"flips", robustness::run_flips, 17},
-    {"elements", robustness::run_elements, 37},
     {"windows", robustness::run_windows, 3001},
     {"allocations", robustness::run_allocations, 157},
     {"stream_bodies", robustness::run_stream_bodies, 211},

@@ -59,9 +59,6 @@ void name_input_on_signals();
 
 /// The classes.
 void run_bodies(input_class& inputs);
-void run_truncations(input_class& inputs);
-void run_flips(input_class& inputs);
-void run_elements(input_class& inputs);
 void run_windows(input_class& inputs);
 void run_allocations(input_class& inputs);
 void run_stream_bodies(input_class& inputs);

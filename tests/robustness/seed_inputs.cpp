@@ -2,7 +2,7 @@
 // of two bytes behind what they need before them.
 #include "input_class.h"
 
-#include "support/stream_builder.h"
+#include "support/damage.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -87,14 +87,6 @@ void run(input_class& inputs, const entry_point& entry, Make make)
         inputs.fail("the input was changed");
 }
 
-bytes cut(const bytes& data, std::size_t bits)
-{
-    bytes made(data.begin(), data.begin() + static_cast<std::ptrdiff_t>((bits + 7) / 8));
-    if (bits % 8 != 0)
-        made.back() = static_cast<unsigned char>(made.back() & 0xFF00U >> bits % 8);
-    return made;
-}
-
 /// What an entry point needs before two bytes of stream, and what follows them.
 struct surroundings {
     const char* entry;
@@ -158,18 +150,14 @@ void run_seed_truncations(input_class& inputs)
 {
     for (const seed& s : all_seeds(inputs))
         for (std::size_t bits = 0; bits <= 8 * s.content.size(); ++bits)
-            run(inputs, *s.entry, [&] { return cut(s.content, bits); });
+            run(inputs, *s.entry, [&] { return support::first_bits(s.content, bits); });
 }
 
 void run_seed_flips(input_class& inputs)
 {
     for (const seed& s : all_seeds(inputs))
         for (std::size_t i = 0; i < 8 * s.content.size(); ++i)
-            run(inputs, *s.entry, [&] {
-                bytes flipped = s.content;
-                flipped[i / 8] = static_cast<unsigned char>(flipped[i / 8] ^ 0x80U >> i % 8);
-                return flipped;
-            });
+            run(inputs, *s.entry, [&] { return support::with_flipped_bit(s.content, i); });
 }
 
 } // namespace robustness

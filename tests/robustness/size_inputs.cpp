@@ -2,12 +2,12 @@
 // the output lies an unmapped page, before it bytes that must stay; the inputs can only be read. The payloads are all
 // strings of a few bytes that matter.
 #include "input_class.h"
-#include "read_only_input.h"
 
 #include "support/failing_new.h"
 #include "support/guarded_buffer.h"
 #include "support/legacy_nal_walk.h"
 #include "support/literal_walk.h"
+#include "support/read_only_input.h"
 #include "support/stream_builder.h"
 
 #include <orv-utils-v4/h264/nal_writer.h>
@@ -49,7 +49,7 @@ private:
 };
 
 output out;
-read_only_input in;
+support::read_only_input in;
 
 /// Calls `use` with every payload, the shorter ones first.
 template <typename Use>

@@ -126,7 +126,10 @@ struct legacy_sps_parses {
         literal::bit_reader reader{{bits.start, bits.fence}};
         const bool whole = literal::legacy::sps({expected, reader});
         h264_sps open = object;
-        parse_fenced(object, const_cast<unsigned char*>(bits.start), const_cast<unsigned char*>(bits.fence));
+        {
+            const real_parse_scope scope;
+            parse_fenced(object, const_cast<unsigned char*>(bits.start), const_cast<unsigned char*>(bits.fence));
+        }
         named_values after = fields_of(object);
         std::string text = difference(expected, after);
         if (whole) {
@@ -160,7 +163,10 @@ compared compare_legacy_reads(Record& object, const bit_range& bits, Real real, 
     named_values expected = before;
     literal::bit_reader reader{{bits.start, bits.fence}};
     const bool expected_result = model(literal::legacy::record{expected, reader});
-    const bool result = real(object, bits) == 1;
+    const bool result = [&] {
+        const real_parse_scope scope;
+        return real(object, bits) == 1;
+    }();
     named_values after = fields_of(object);
     std::string text = result == expected_result ? "" : "the result is " + std::to_string(result) + "; ";
     text += difference(expected, after);

@@ -1,5 +1,5 @@
 // The parameter sets once more, as tables of rows over a reader of single bits and values by name. It shares no code
-// with the libraries; the tests and the fuzz entry points hold the real parses against it. Allocations never fail here.
+// with the libraries; the tests and the fuzz entry points hold the real parses against it.
 #pragma once
 
 #include "support/literal_bits.h"
@@ -70,13 +70,38 @@ inline void read(const structure& s, const std::vector<row>& table)
 
 constexpr std::int64_t most_entries = 128;
 
-/// Gives the arrays `count` entries; false when that is too many.
+/// How many allocations succeed, of those that arrays ask for. A test whose allocations fail sets it.
+inline std::size_t allocations_left = SIZE_MAX;
+
+/// What gets out where one does not.
+struct out_of_memory {};
+
+/// The entries that an array of so many has room for, when it began with them: flags come in words.
+inline std::size_t room(const std::string& name, std::size_t size)
+{
+    return name == "cbr_flag" ? (size + 63) / 64 * 64 : size;
+}
+
+/// Gives the arrays `count` entries; false when that is too many, or there is no memory for one.
 inline bool size_arrays(const structure& s, std::int64_t count, const std::vector<std::string>& names)
 {
     if (count > most_entries)
         return false;
-    for (const std::string& name : names)
+    for (const std::string& name : names) {
+        if (room(name, s.array(name).size()) < static_cast<std::size_t>(count) && allocations_left-- == 0)
+            return false;
         s.array(name).resize(static_cast<std::size_t>(count));
+    }
+    return true;
+}
+
+/// The same for an array of records, each member of which is an array here.
+inline bool size_records(const structure& s, std::int64_t count, const std::vector<std::string>& members)
+{
+    if (!size_arrays(s, count, {members.front()}))
+        return false;
+    for (const std::string& member : members)
+        s.array(member).resize(static_cast<std::size_t>(count));
     return true;
 }
 

@@ -6,6 +6,7 @@
 #include "support/parameter_set_fields.h"
 
 #include <cstddef>
+#include <new>
 #include <string>
 
 namespace support {
@@ -16,15 +17,17 @@ struct parse_end {
     std::size_t code_start = 0; ///< where the malformed code begins
     bool result = false;
     std::size_t position = 0; ///< bits consumed
+    bool out_of_memory = false;
 
     bool operator==(const parse_end&) const = default;
 };
 
 inline std::string to_text(const parse_end& end)
 {
-    const std::string how = end.threw    ? "throws for bit " + std::to_string(end.code_start)
-                            : end.result ? "gives true"
-                                         : "gives false";
+    const std::string how = end.out_of_memory ? "runs out of memory"
+                            : end.threw       ? "throws for bit " + std::to_string(end.code_start)
+                            : end.result      ? "gives true"
+                                              : "gives false";
     return how + " at bit " + std::to_string(end.position);
 }
 
@@ -35,6 +38,24 @@ struct bit_range {
     unsigned char first_bit = 0;
 };
 
+/// When set, told that a real parse begins, and that it ended: only between the two may allocations fail.
+inline void (*on_real_parse)(bool begins) = nullptr;
+
+class real_parse_scope {
+public:
+    real_parse_scope() { tell(true); }
+    real_parse_scope(const real_parse_scope&) = delete;
+    real_parse_scope& operator=(const real_parse_scope&) = delete;
+    ~real_parse_scope() { tell(false); }
+
+private:
+    static void tell(bool begins)
+    {
+        if (on_real_parse != nullptr)
+            on_real_parse(begins);
+    }
+};
+
 template <typename Structure, typename Parse>
 parse_end real_parse(Structure& object, const bit_range& bits, Parse parse)
 {
@@ -42,10 +63,13 @@ parse_end real_parse(Structure& object, const bit_range& bits, Parse parse)
     br.get_wide(bits.first_bit);
     parse_end end;
     try {
+        const real_parse_scope scope;
         end.result = parse(object, br);
     } catch (const brenik::h2645_common_malformed_code& malformed) {
         end.threw = true;
         end.code_start = malformed.bit_position();
+    } catch (const std::bad_alloc&) {
+        end.out_of_memory = true;
     }
     end.position = br.bits_consumed();
     return end;
@@ -62,6 +86,8 @@ parse_end literal_parse(named_values& fields, const bit_range& bits, Parse parse
     } catch (const literal::malformed_code& malformed) {
         end.threw = true;
         end.code_start = malformed.bit_position;
+    } catch (const literal::out_of_memory&) {
+        end.out_of_memory = true;
     }
     end.position = reader.position;
     return end;
@@ -83,8 +109,10 @@ compared compare_parses(Structure& object, const bit_range& bits, Real real, Mod
     named_values expected = before;
     const parse_end expected_end = literal_parse(expected, bits, model);
     const parse_end end = real_parse(object, bits, real);
+    // The exception of a malformed code needs memory too.
+    const bool same_end = end == expected_end || (end.out_of_memory && expected_end.threw);
     named_values after = fields_of(object);
-    std::string text = end == expected_end ? "" : to_text(end) + ", where " + to_text(expected_end) + " is right; ";
+    std::string text = same_end ? "" : to_text(end) + ", where " + to_text(expected_end) + " is right; ";
     text += difference(expected, after);
     return {end, before, std::move(after), std::move(text)};
 }
@@ -174,7 +202,7 @@ inline std::string fault_of(const compared& c, std::size_t most_entries)
         return "";
     const bool was_valid = c.before.at("valid").number == 1;
     const bool is_valid = c.after.at("valid").number == 1;
-    if (c.end.threw ? is_valid != was_valid : c.end.result != is_valid && is_valid != was_valid)
+    if (c.end.threw || c.end.out_of_memory ? is_valid != was_valid : c.end.result ? !is_valid : is_valid && !was_valid)
         return "`valid` is " + std::to_string(is_valid) + ", the result " + std::to_string(c.end.result);
     return "";
 }

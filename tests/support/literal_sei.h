@@ -1,5 +1,5 @@
 // The SEI payloads once more, over a reader of single bits and values by name. It shares no code with the libraries;
-// the tests and the fuzz entry points hold the real parses against it. Allocations never fail here.
+// the tests and the fuzz entry points hold the real parses against it.
 #pragma once
 
 #include "support/literal_parameter_sets.h"
@@ -104,7 +104,8 @@ inline bool pic_timing(const structure& s, const stored_vui& vui)
         const auto entry = table_d_1.find(s.number("pic_struct"));
         const std::int64_t count = entry == table_d_1.end() ? 1 : entry->second;
         const structure timestamps = s.nested("timestamps");
-        size_arrays(timestamps, count, members);
+        if (!size_records(timestamps, count, members))
+            return false;
         for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i)
             clock_timestamp(timestamps, i, std::max(vui.nal.time_offset_length, vui.vcl.time_offset_length));
     }
@@ -158,7 +159,7 @@ inline bool pan_scan_rect(const structure& s)
     if (s.number("pan_scan_rect_cancel_flag") == 0) {
         read(s, count);
         const structure rects = s.nested("rects");
-        if (!size_arrays(rects, s.number("pan_scan_cnt_minus1") + 1, offsets))
+        if (!size_records(rects, s.number("pan_scan_cnt_minus1") + 1, offsets))
             return false;
         for (std::size_t i = 0; i < rects.array(offsets[0]).size(); ++i)
             for (const std::string& offset : offsets)

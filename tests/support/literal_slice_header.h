@@ -1,9 +1,11 @@
 // The slice header once more, as tables of rows over values by name. It shares no code with the libraries; the tests
-// and the fuzz entry point hold the real parse against it. Allocations never fail here.
+// and the fuzz entry point hold the real parse against it.
 #pragma once
 
 #include "support/literal_parameter_sets.h"
 
+#include <bit>
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <set>
@@ -35,6 +37,13 @@ struct slice_surroundings {
     std::int64_t nal_unit_type;
 };
 
+/// Asks for memory where a list that began empty has no room for another entry.
+inline void make_room(std::size_t size)
+{
+    if ((size == 0 || std::has_single_bit(size)) && allocations_left-- == 0)
+        throw out_of_memory();
+}
+
 // H.264 7.3.3.1
 inline bool ref_pic_list_modification(const structure& s)
 {
@@ -47,6 +56,7 @@ inline bool ref_pic_list_modification(const structure& s)
         if (idc == 3)
             return true;
         const std::int64_t value = idc == 0 || idc == 1 || idc == 2 ? s.ue() : 0;
+        make_room(s.array("modification_of_pic_nums_idc").size());
         s.array("modification_of_pic_nums_idc").push_back(idc);
         s.array("pic_num_value").push_back(value);
     }

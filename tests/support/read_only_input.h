@@ -10,7 +10,7 @@
 #include <new>
 #include <vector>
 
-namespace robustness {
+namespace support {
 
 /// Room for one input, the next one in the place of the one before.
 class read_only_input {
@@ -65,4 +65,4 @@ private:
     unsigned char* write_view = nullptr;
 };
 
-} // namespace robustness
+} // namespace support
