@@ -59,13 +59,19 @@ inline std::vector<sample> sps_samples()
             {one_of_a_row(written_rbsp(field_order)), one_of_a_row(written_rbsp(timed))}};
 }
 
-/// One SPS is stored, valid, with chroma format 1.
+/// One SPS is stored, valid, with chroma format 1 or 3.
 inline std::vector<sample> pps_samples()
 {
+    support::pps_description default_lists = support::full_pps(3);
+    default_lists.scaling_lists->fill(support::scaling_list_description{{-8}});
     const bytes head = {1, 0, 129};
-    std::vector<sample> samples = {{one_of_a_row(written_rbsp(support::full_pps(1)), head)}};
+    std::vector<sample> samples;
     for (std::uint32_t map_type = 0; map_type <= 6; ++map_type)
         samples.push_back({one_of_a_row(written_rbsp(support::pps_of_map_type(map_type)), head)});
+    samples.push_back({one_of_a_row(written_rbsp(support::pps_of_map_type(0, 128)), head)});
+    samples.push_back({one_of_a_row(written_rbsp(support::pps_of_map_type(2, 129)), head)});
+    samples.push_back({one_of_a_row(written_rbsp(support::full_pps(1)), head)});
+    samples.push_back({one_of_a_row(written_rbsp(default_lists), {1, 0, 131})});
     return samples;
 }
 
@@ -89,7 +95,11 @@ inline std::vector<sample> slice_samples()
 
 inline std::vector<sample> hrd_samples()
 {
-    return {{one_of_a_row(written(support::hrd_of(1)))}, {one_of_a_row(written(support::hrd_of(32)))}};
+    support::hrd_description largest;
+    largest.cpbs.resize(128);
+    return {{one_of_a_row(written(support::hrd_of(1)))},
+            {one_of_a_row(written(support::hrd_of(32)))},
+            {one_of_a_row(written(largest))}};
 }
 
 inline std::vector<sample> vui_samples()
@@ -100,7 +110,8 @@ inline std::vector<sample> vui_samples()
 inline std::vector<sample> scaling_list_samples()
 {
     return {{{{16, 0}, 0, written(support::rising_list(16, 10))}},
-            {{{64, 0}, 0, written(support::rising_list(64, 9))}}};
+            {{{64, 0}, 0, written(support::rising_list(64, 9))}},
+            {{{16, 0}, 0, written(support::list_of({9, 10, 0}))}}};
 }
 
 /// Three CPBs in both HRDs; 24 bits a delay.
@@ -132,7 +143,7 @@ inline std::vector<sample> legacy_sps_samples()
     support::sps_description timed;
     timed.vui = support::full_vui();
     const element_writer full = written_rbsp(support::full_legacy_sps());
-    return {{{{0}, 2, full}}, {{{0}, 2, written_rbsp(timed)}}, {{{0}, 2, full}, {{0}, 2, written_rbsp(timed)}}};
+    return {{{{0}, 2, written_rbsp(timed)}}, {{{0}, 2, full}}, {{{0}, 2, full}, {{0}, 2, written_rbsp(timed)}}};
 }
 
 /// A frame_num of 9 bits; a colour plane, and fields.
@@ -147,7 +158,7 @@ inline std::vector<sample> legacy_sei_samples()
     return {{{{5, 24, 24, 1, 30}, 0, written(support::full_pic_timing()), {0x80}}}};
 }
 
-/// An SPS, a slice and a picture timing that go together.
+/// An SPS, a slice, and SEI messages of which the last is a picture timing, that go together.
 inline std::vector<sample> generations_samples()
 {
     support::sps_description seq;
@@ -161,9 +172,13 @@ inline std::vector<sample> generations_samples()
     slice.colour_plane_id.reset();
     slice.redundant_pic_cnt.reset();
     const part picture = {{}, 1, written_rbsp(slice)};
-    const part timing = {{33, 1, 30}, 0, written(support::full_pic_timing()), {0x80}};
+    const part timing = {{38, 5, 1, 0, 1, 0, 1, 30}, 0, written(support::full_pic_timing()), {0x80}};
+    support::sps_description other_widths = seq;
+    other_widths.vui->nal_hrd->cpb_removal_delay_length_minus1 = 9;
     return {{{{3}, 1, written_rbsp(seq)}, picture, timing},
-            {{{3}, 1, written_rbsp(of_few_lists(support::full_legacy_sps()))}, picture, timing}};
+            {{{3}, 1, written_rbsp(of_few_lists(support::full_legacy_sps()))}, picture, timing},
+            {{{3}, 1, written_rbsp(support::high_sps())}, picture, timing},
+            {{{3}, 1, written_rbsp(other_widths)}, picture, timing}};
 }
 
 inline part unit(unsigned char header, const element_writer& rbsp)
@@ -181,13 +196,23 @@ inline std::vector<sample> walker_samples()
     slice.frame_num_width = 9;
     slice.pic_order_cnt_lsb = 45;
     slice.pic_order_cnt_lsb_width = 6;
-    const part sets = unit(support::sps, written_rbsp(seq));
-    return {{sets, unit(support::pps, written_rbsp(support::pps_description())), unit(0x41, written_rbsp(slice))},
+    support::slice_header_description long_slice = slice;
+    long_slice.ref_pic_list_modification_l0.steps->resize(80, {0, 65535});
+    support::slice_header_description idr = slice;
+    idr.slice_type = 7;
+    idr.idr_pic_id = 1;
+    const part sps = unit(support::sps, written_rbsp(seq));
+    const part pps = unit(support::pps, written_rbsp(support::pps_description()));
+    return {{sps, pps, {{0x41, 1, 44}, 0, written_rbsp(slice), bytes(300, 0x55)}},
+            {sps, pps, unit(0x41, written_rbsp(long_slice))},
+            {sps, pps, unit(0x65, written_rbsp(idr))},
+            {sps, {{6, 0, 33, 1, 30}, 0, written(support::full_pic_timing()), {0x80}}},
             {unit(support::sps, written_rbsp(support::full_sps())),
              unit(support::pps, written_rbsp(support::full_pps(3)))}};
 }
 
-inline std::vector<sample> samples_of(const std::string& target)
+/// By their targets.
+inline const std::map<std::string, std::vector<sample> (*)()>& sample_makers()
 {
     static const std::map<std::string, std::vector<sample> (*)()> makers = {
         {"generations_syntax", generations_samples},
@@ -206,7 +231,12 @@ inline std::vector<sample> samples_of(const std::string& target)
         {"stream_walker", walker_samples},
         {"vui_parameters", vui_samples},
     };
-    return makers.at(target)();
+    return makers;
+}
+
+inline std::vector<sample> samples_of(const std::string& target)
+{
+    return sample_makers().at(target)();
 }
 
 } // namespace fuzz

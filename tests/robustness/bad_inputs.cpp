@@ -2,6 +2,8 @@
 // the same in the same order, and prints how many of each class it ran. --full runs all of them; --sample (default)
 // every n-th; --list none, and prints how many there are. --class runs one class, --input one input of it. The exit
 // status is 0 when everything held behind every input; else the input's class and number are printed.
+// bad_inputs --replay NAME FILE-OR-FOLDER...   runs a fuzz entry point over inputs
+#include "entry_point.h"
 #include "input_class.h"
 
 #include <cstdio>
@@ -82,10 +84,14 @@ std::uint64_t run(const options& o)
 
 int main(int argc, char** argv)
 {
+    if (argc > 1 && std::string_view(argv[1]) == "--replay")
+        return robustness::replay({argv + 2, argv + argc});
     const auto o = options_of({argv + 1, argv + argc});
     if (!o) {
-        static_cast<void>(
-            std::fprintf(stderr, "usage: %s [--full | --sample | --list] [--class NAME] [--input N]\n", argv[0]));
+        static_cast<void>(std::fprintf(stderr,
+                                       "usage: %s [--full | --sample | --list] [--class NAME] [--input N]\n"
+                                       "       %s --replay NAME FILE-OR-FOLDER...\n",
+                                       argv[0], argv[0]));
         return 2;
     }
     robustness::name_input_on_signals();

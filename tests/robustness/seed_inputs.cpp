@@ -1,37 +1,15 @@
 // Bad inputs for the fuzz entry points, which check what they do themselves: their seeds cut and flipped, and streams
 // of two bytes behind what they need before them.
+#include "entry_point.h"
 #include "input_class.h"
 
 #include "support/damage.h"
-
-#include <algorithm>
-#include <cstdint>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <memory>
-
-#define ENTRY_POINT(name) extern "C" int fuzz_##name(const std::uint8_t* data, std::size_t size);
-#include "entry_points.inc"
-#undef ENTRY_POINT
 
 namespace robustness {
 
 namespace {
 
-namespace fs = std::filesystem;
 using support::bytes;
-
-struct entry_point {
-    const char* name;
-    int (*run)(const std::uint8_t* data, std::size_t size);
-};
-
-constexpr entry_point entry_points[] = {
-#define ENTRY_POINT(name) {#name, fuzz_##name},
-#include "entry_points.inc"
-#undef ENTRY_POINT
-};
 
 /// A file of fuzz/seeds and the entry point that it is for.
 struct seed {
@@ -39,51 +17,27 @@ struct seed {
     bytes content;
 };
 
-const entry_point* entry_named(const std::string& name)
-{
-    const auto* const found = std::find_if(std::begin(entry_points), std::end(entry_points),
-                                           [&](const entry_point& entry) { return name == entry.name; });
-    return found == std::end(entry_points) ? nullptr : found;
-}
-
-bytes content_of(const fs::path& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
-
 /// Sorted by their paths, so that inputs have the same numbers everywhere.
 std::vector<seed> all_seeds(const input_class& inputs)
 {
-    std::vector<fs::path> paths;
-    for (const auto& file : fs::recursive_directory_iterator(ORV_TEST_SEEDS))
-        if (file.is_regular_file())
-            paths.push_back(file.path());
-    std::sort(paths.begin(), paths.end());
     std::vector<seed> seeds;
-    for (const fs::path& path : paths) {
+    for (const std::filesystem::path& path : files_of(ORV_TEST_SEEDS)) {
         const entry_point* const entry = entry_named(path.parent_path().filename().string());
         if (entry != nullptr)
             seeds.push_back({entry, content_of(path)});
         else if (inputs.whole())
             inputs.fail("the entry point of this seed is not built in: " + path.string());
     }
-    if (seeds.empty())
-        inputs.fail("there are no seeds");
     return seeds;
 }
 
-/// Runs the entry point over a block as long as the data that `make` returns.
+/// Runs the entry point over the data that `make` returns.
 template <typename Make>
 void run(input_class& inputs, const entry_point& entry, Make make)
 {
     if (!inputs.next(entry.name))
         return;
-    const bytes data = make();
-    const std::unique_ptr<std::uint8_t[]> block(new std::uint8_t[data.size()]);
-    std::copy(data.begin(), data.end(), block.get());
-    entry.run(block.get(), data.size());
-    if (!std::equal(data.begin(), data.end(), block.get()))
+    if (!run_over(entry, make()))
         inputs.fail("the input was changed");
 }
 
