@@ -7,9 +7,14 @@ target_precompile_headers(orv_test_support PRIVATE
     <gtest/gtest.h> <algorithm> <array> <cstdint> <cstdio> <filesystem> <fstream> <functional> <map> <memory> <optional>
     <random> <set> <sstream> <string> <string_view> <utility> <variant> <vector>)
 target_link_libraries(orv_test_support PUBLIC GTest::gtest_main)
-set(ORV_TEST_OPTIONS -O1 -g1)
-target_compile_options(orv_test_support PRIVATE ${ORV_TEST_OPTIONS})
+target_compile_options(orv_test_support PRIVATE -O1 -g1)
 target_include_directories(orv_test_support PUBLIC ${PROJECT_SOURCE_DIR}/tests ${PROJECT_SOURCE_DIR}/lib)
+
+# orv_built_quickly(TARGET): as the sources of tests are.
+function(orv_built_quickly target)
+    target_compile_options(${target} PRIVATE -O1 -g1)
+    target_precompile_headers(${target} REUSE_FROM orv_test_support)
+endfunction()
 
 # orv_add_tests(NAME): the tests of a program, a suite at a time; or all in one run, where a run starts an emulator.
 function(orv_add_tests name)
@@ -30,8 +35,7 @@ endfunction()
 # orv_test(NAME SOURCES...): one test program; its sources see the internal headers of lib/ and the test support.
 function(orv_test name)
     add_executable(${name} ${ARGN})
-    target_compile_options(${name} PRIVATE ${ORV_TEST_OPTIONS})
-    target_precompile_headers(${name} REUSE_FROM orv_test_support)
+    orv_built_quickly(${name})
     target_link_libraries(${name} PRIVATE orv_test_support orv_utils_v4::h264)
     orv_add_tests(${name})
 endfunction()

@@ -77,55 +77,16 @@ void read_slices(const read_sps& read, unsigned int flags, const fuzz::exact_blo
     h264_nal_slice_info info;
     h264_sps seq = read.legacy;
     fuzz::expect(support::parse_slice(info, {rbsp.begin(), rbsp.end()}, seq) == 1, "the legacy slice is read, too");
-    fuzz::expect(info.first_mb_in_slice == slice.first_mb_in_slice, "first_mb_in_slice");
-    fuzz::expect(info.slice_type == slice.slice_type, "slice_type");
-    fuzz::expect(info.pic_parameter_set_id == slice.pic_parameter_set_id, "pic_parameter_set_id");
-    fuzz::expect(info.colour_plane_id == slice.colour_plane_id, "colour_plane_id");
-    fuzz::expect(info.frame_num == slice.frame_num, "frame_num");
-    fuzz::expect((info.field_pic_flag == 1) == slice.field_pic_flag, "field_pic_flag");
-    fuzz::expect((info.bottom_field_flag == 1) == slice.bottom_field_flag, "bottom_field_flag");
-}
-
-/// The newer parse takes the length of the initial delay for both delays.
-bool same_widths(const read_sps& read)
-{
-    const brenik::h264_vui_parameters& vui = read.newer.vui;
-    if (!vui.nal_hrd_parameters_present_flag && !vui.vcl_hrd_parameters_present_flag)
-        return true;
-    const unsigned int width = 1U + std::max(vui.nal_hrd.initial_cpb_removal_delay_length_minus1,
-                                             vui.vcl_hrd.initial_cpb_removal_delay_length_minus1);
-    return width <= 24 && width == read.legacy.cpb_removal_delay_length && width == read.legacy.dpb_output_delay_length;
-}
-
-void read_timing(const read_sps& read, const h264_sei_pair& pair)
-{
-    brenik::h264_nal_sei_pic_timing newer;
-    brenik::h2645_common_bitreader br(pair.data, pair.fence);
-    h264_sei_picture_timing_info legacy;
-    h264_sps seq = read.legacy;
-    const bool legacy_read = h264_sei_picture_timing_info_parse(&legacy, pair.data, pair.fence, seq) == 1;
-    fuzz::expect(newer.parse(br, read.newer) && legacy_read, "a picture timing is read by both");
-    fuzz::expect(newer.cpb_removal_delay == legacy.cpb_removal_delay, "cpb_removal_delay");
-    fuzz::expect(newer.dpb_output_delay == legacy.dpb_output_delay, "dpb_output_delay");
-    fuzz::expect(newer.pic_struct == legacy.pic_struct, "pic_struct");
+    fuzz::expect_none(support::difference(slice, info));
 }
 
 void read_messages(const read_sps& read, const fuzz::exact_block& rbsp)
 {
-    brenik::h264_nal_sei_reader newer(rbsp.begin(), rbsp.end());
-    const unsigned char* p = rbsp.begin();
-    while (newer.next_message() && !newer.truncated) {
-        h264_sei_pair pair;
-        p = h264_sei_read_pair(&pair, p, rbsp.end());
-        fuzz::expect(pair.valid == 1 && pair.start == newer.message, "both find the message");
-        fuzz::expect(pair.payload_type == static_cast<std::uint32_t>(newer.payloadType), "its type");
-        fuzz::expect(pair.data == newer.payload && pair.fence == newer.payload_fence, "its payload");
-        if (pair.payload_type == 1 && pair.payload_size != 0 && same_widths(read))
-            read_timing(read, pair);
-    }
-    h264_sei_pair rest;
-    h264_sei_read_pair(&rest, p, rbsp.end());
-    fuzz::expect(rest.valid == 0, "the legacy interface finds no further message");
+    fuzz::expect_none(support::messages_difference(rbsp.begin(), rbsp.end(), [&](const h264_sei_pair& pair) {
+        const bool same =
+            pair.payload_type == 1 && pair.payload_size != 0 && support::same_widths(read.newer, read.legacy);
+        return same ? support::timing_difference(read.newer, read.legacy, pair) : std::string();
+    }));
 }
 
 fuzz::exact_block take_block(fuzz::input& from)

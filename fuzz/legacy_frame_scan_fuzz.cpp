@@ -37,7 +37,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::size_t scratch_size = room == 255 ? stream.size() : room;
 
     const auto units = support::scanned_units(fuzz::exact_block(stream), nal_length_size, scratch_size);
-    const auto expected = literal::scan_frames(units, flags % 2 == 1, {});
+    const auto expected = literal::scan_frames(units, flags % 2 == 1);
     support::frame_scanner<fuzz::exact_block> scanner(stream, nal_length_size, scratch_size, flags);
     const auto frames = support::scan_frames(scanner);
     for (std::size_t i = 0; i < frames.size(); ++i)

@@ -19,7 +19,7 @@ void expect_same_timing(const legacy_timing_parses& parses, const fuzz::bytes& p
 /// Of the first picture timing message that is whole, and that no message which is not comes before.
 int literal_duration(const legacy_timing_parses& parses, const fuzz::bytes& rbsp)
 {
-    const literal::legacy::stored_sps seq = support::stored(parses.sps);
+    const literal::legacy::stored_sps seq(support::fields_of(parses.sps));
     for (std::size_t at = 0;;) {
         const literal::legacy::message m = literal::legacy::sei_message(rbsp, at);
         if (!m.valid)
@@ -29,7 +29,7 @@ int literal_duration(const legacy_timing_parses& parses, const fuzz::bytes& rbsp
             continue;
         const h264_sei_picture_timing_info zeros;
         support::named_values fields = support::fields_of(zeros);
-        literal::bit_reader reader{{rbsp.begin() + m.data, rbsp.begin() + m.fence}};
+        literal::legacy_bit_reader reader({rbsp.begin() + m.data, rbsp.begin() + m.fence});
         const bool read = literal::legacy::pic_timing({fields, reader}, seq);
         return read ? static_cast<int>(fields.at("field_duration").number) : 2;
     }

@@ -123,10 +123,10 @@ TEST(BeBitfield, EveryStateAndEveryWidth)
     const guarded_buffer data(content);
     for (unsigned int bits = 0; bits < 256; ++bits)
         for (unsigned int n = 0; n < 256; ++n) {
-            literal::legacy_bit_reader model{content, bits};
+            literal::legacy_bit_reader model(content, bits);
             be_bitfield b = opened(data.begin());
             b.bits = static_cast<std::uint8_t>(bits);
-            ASSERT_EQ(model.read(n), be_bitfield_read(&b, static_cast<unsigned char>(n))) << bits << ", " << n;
+            ASSERT_EQ(model.u(n), be_bitfield_read(&b, static_cast<unsigned char>(n))) << bits << ", " << n;
             ASSERT_EQ(std::tuple(data.begin() + model.loaded, model.word(), model.bits(), 1), members(b));
         }
 }

@@ -1,9 +1,10 @@
-// One SPS through the parses of both interfaces, and what the legacy record holds of it by the newer one's account.
+// The parses of both interfaces over the same bits: an SPS with what the legacy record holds of it by the newer one's
+// account, and slices and SEI messages that are read with it.
 #pragma once
 
 #include "support/legacy_parse.h"
 
-#include <orv-utils-v4/h264/nal_sps.h>
+#include <orv-utils-v4/h264.h>
 
 #include <cstdint>
 
@@ -151,6 +152,60 @@ inline h264_sps legacy_of(const brenik::h264_nal_sps& seq)
 inline std::string difference(const both_spss& both)
 {
     return difference(fields_of(legacy_of(both.newer)), fields_of(both.legacy));
+}
+
+/// What the two say otherwise of one slice.
+inline std::string difference(const brenik::h264_nal_slice_header& newer, const h264_nal_slice_info& legacy)
+{
+    h264_nal_slice_info expected{newer.first_mb_in_slice, newer.slice_type, newer.pic_parameter_set_id};
+    expected.colour_plane_id = newer.colour_plane_id;
+    expected.frame_num = newer.frame_num;
+    expected.field_pic_flag = newer.field_pic_flag ? 1 : 0;
+    expected.bottom_field_flag = newer.bottom_field_flag ? 1 : 0;
+    return difference(fields_of(expected), fields_of(legacy));
+}
+
+/// Departure: the newer parse takes the length of the initial delay for both delays.
+inline bool same_widths(const brenik::h264_nal_sps& seq, const h264_sps& legacy)
+{
+    const brenik::h264_vui_parameters& vui = seq.vui;
+    if (!vui.nal_hrd_parameters_present_flag && !vui.vcl_hrd_parameters_present_flag)
+        return true;
+    const unsigned int width = 1U + std::max(vui.nal_hrd.initial_cpb_removal_delay_length_minus1,
+                                             vui.vcl_hrd.initial_cpb_removal_delay_length_minus1);
+    return width <= 24 && width == legacy.cpb_removal_delay_length && width == legacy.dpb_output_delay_length;
+}
+
+/// What the two say otherwise of a picture timing that is not empty.
+inline std::string timing_difference(const brenik::h264_nal_sps& seq, h264_sps legacy_seq, const h264_sei_pair& pair)
+{
+    brenik::h264_nal_sei_pic_timing newer;
+    brenik::h2645_common_bitreader br(pair.data, pair.fence);
+    h264_sei_picture_timing_info legacy;
+    if (!newer.parse(br, seq) || h264_sei_picture_timing_info_parse(&legacy, pair.data, pair.fence, legacy_seq) != 1)
+        return "a picture timing is not read by both";
+    const h264_sei_picture_timing_info expected{newer.cpb_removal_delay, newer.dpb_output_delay, newer.pic_struct,
+                                                legacy.field_duration};
+    return difference(fields_of(expected), fields_of(legacy));
+}
+
+/// What the two say otherwise of the messages of an RBSP. `payload(pair)` tells more of each.
+template <typename Payload>
+std::string messages_difference(unsigned char* start, unsigned char* fence, Payload payload)
+{
+    brenik::h264_nal_sei_reader newer(start, fence);
+    const unsigned char* p = start;
+    h264_sei_pair pair;
+    while (newer.next_message() && !newer.truncated) {
+        p = h264_sei_read_pair(&pair, p, fence);
+        if (pair.valid != 1 || pair.payload_type != static_cast<std::uint32_t>(newer.payloadType) ||
+            pair.payload_size != newer.payloadSize || pair.start != newer.message || pair.data != newer.payload ||
+            pair.fence != newer.payload_fence)
+            return "a message is another in the legacy interface";
+        if (const std::string text = payload(pair); !text.empty())
+            return text;
+    }
+    return h264_sei_read_pair(&pair, p, fence) == fence && pair.valid == 0 ? "" : "the legacy interface goes on";
 }
 
 } // namespace support

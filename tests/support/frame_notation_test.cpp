@@ -53,34 +53,28 @@ TEST(FrameNotation, PayloadsAreEscaped)
 
 TEST(FrameNotation, ASliceHasTheFieldsOfItsNotation)
 {
-    const literal::frame_sps fields = support::frame_sps_of(known_sps());
-    for (const std::uint32_t frame_num : {0U, 3U, 15U}) {
-        EXPECT_EQ(frame_num, literal::read_slice(slice(frame_num).rbsp, fields).frame_num);
-        EXPECT_FALSE(literal::read_slice(slice(frame_num).rbsp, fields).field_pic_flag);
-        EXPECT_TRUE(literal::read_slice(idr(frame_num, top).rbsp, fields).field_pic_flag);
-        EXPECT_TRUE(literal::read_slice(slice(frame_num, bottom).rbsp, fields).field_pic_flag);
-    }
-    EXPECT_EQ(0b1'00110'1'0011'10U, literal::frame_bits{slice(3, top).rbsp}.u(13))
+    const literal::legacy::stored_sps seq(support::fields_of(known_sps()));
+    for (const std::uint32_t frame_num : {0U, 3U, 15U})
+        for (const picture kind : {frame, top, bottom}) {
+            support::named_values read = support::fields_of(h264_nal_slice_info());
+            literal::legacy_bit_reader bits(slice(frame_num, kind).rbsp);
+            EXPECT_TRUE(literal::legacy::slice({read, bits}, seq));
+            EXPECT_EQ(frame_num, read.at("frame_num").number);
+            EXPECT_EQ(kind != frame, read.at("field_pic_flag").number == 1);
+            EXPECT_EQ(kind == bottom, read.at("bottom_field_flag").number == 1);
+        }
+    EXPECT_EQ(0b1'00110'1'0011'10U, literal::bit_reader{slice(3, top).rbsp}.get(13))
         << "ue(0) ue(5) ue(0) u(4) u(1) u(1)";
 }
 
 TEST(FrameNotation, TheSpsIsTheKnownOne)
 {
-    literal::frame_sps read;
-    read.read(sps().rbsp);
-    const literal::frame_sps known = support::frame_sps_of(known_sps());
-    EXPECT_EQ(known.log2_max_frame_num, read.log2_max_frame_num);
-    EXPECT_EQ(known.frame_mbs_only_flag, read.frame_mbs_only_flag);
-    EXPECT_EQ(known.pic_struct_present_flag, read.pic_struct_present_flag);
-}
-
-TEST(FrameNotation, PictureTimingLastsAsTheStandardsTableSays)
-{
-    const literal::frame_sps fields = support::frame_sps_of(known_sps());
-    const std::uint32_t expected[] = {2, 1, 1, 2, 2, 3, 3, 4, 6, 0};
-    for (unsigned int pic_struct = 0; pic_struct < 10; ++pic_struct)
-        EXPECT_EQ(expected[pic_struct], literal::read_sei(sei(pic_struct).rbsp, fields)) << pic_struct;
-    EXPECT_EQ(std::nullopt, literal::read_sei(other_sei().rbsp, fields));
+    support::named_values read = support::fields_of(h264_sps());
+    literal::legacy_bit_reader bits(sps().rbsp);
+    EXPECT_TRUE(literal::legacy::sps({read, bits}));
+    const support::named_values known = support::fields_of(known_sps());
+    for (const char* const name : {"log2_max_frame_num", "frame_mbs_only_flag", "pic_struct_present_flag"})
+        EXPECT_EQ(known.at(name), read.at(name)) << name;
 }
 
 TEST(FrameNotation, ALineNamesUnitsByTheirIndex)

@@ -2,7 +2,7 @@
 // after it.
 #pragma once
 
-#include "support/literal_legacy_bits.h"
+#include "support/literal_bits.h"
 
 #include <orv-utils-v4/h264_legacy/golomb.h>
 
@@ -35,7 +35,7 @@ public:
 
     std::string read(unsigned char n)
     {
-        const std::uint32_t expected = model.read(n);
+        const std::uint32_t expected = model.u(n);
         return compared("read", expected, be_bitfield_read_until(&real, n, fence));
     }
 
@@ -49,8 +49,8 @@ public:
 
     std::string u32()
     {
-        const std::uint32_t high = model.read(16);
-        const std::uint32_t expected = high * 65536 + model.read(16);
+        const std::uint32_t high = model.u(16);
+        const std::uint32_t expected = high * 65536 + model.u(16);
         return compared("u32", expected, bits().u32());
     }
 

@@ -97,19 +97,6 @@ inline int parse_slice(h264_nal_slice_info& info, const bit_range& bits, h264_sp
     return h264_slice_parse(info, st, seq);
 }
 
-/// What the real reads are given, for the literal ones.
-inline literal::legacy::stored_sps stored(const h264_sps& seq)
-{
-    return {seq.separate_colour_plane_flag == 1,
-            seq.log2_max_frame_num,
-            seq.frame_mbs_only_flag == 1,
-            seq.nal_hrd_parameters_present_flag == 1,
-            seq.vcl_hrd_parameters_present_flag == 1,
-            seq.cpb_removal_delay_length,
-            seq.dpb_output_delay_length,
-            seq.pic_struct_present_flag == 1};
-}
-
 /// Both parses of an SPS: up to the end of the bits and, where no count runs out of data, open-ended over zeros, where
 /// the position is compared too.
 struct legacy_sps_parses {
@@ -123,7 +110,7 @@ struct legacy_sps_parses {
     {
         const named_values before = fields_of(object);
         named_values expected = before;
-        literal::bit_reader reader{{bits.start, bits.fence}};
+        literal::legacy_bit_reader reader({bits.start, bits.fence});
         const bool whole = literal::legacy::sps({expected, reader});
         h264_sps open = object;
         {
@@ -161,7 +148,7 @@ compared compare_legacy_reads(Record& object, const bit_range& bits, Real real, 
 {
     const named_values before = fields_of(object);
     named_values expected = before;
-    literal::bit_reader reader{{bits.start, bits.fence}};
+    literal::legacy_bit_reader reader({bits.start, bits.fence});
     const bool expected_result = model(literal::legacy::record{expected, reader});
     const bool result = [&] {
         const real_parse_scope scope;
@@ -187,7 +174,9 @@ struct legacy_slice_parses {
                 h264_sps seq = sps;
                 return parse_slice(info, range, seq);
             },
-            [this](const literal::legacy::record& r) { return literal::legacy::slice(r, stored(sps)); });
+            [this](const literal::legacy::record& r) {
+                return literal::legacy::slice(r, literal::legacy::stored_sps(fields_of(sps)));
+            });
     }
 
     static std::optional<std::int64_t> kept_value(const compared& c, const element& e)
@@ -210,7 +199,9 @@ struct legacy_timing_parses {
                 h264_sps seq = sps;
                 return h264_sei_picture_timing_info_parse(&timing, range.start, range.fence, seq);
             },
-            [this](const literal::legacy::record& r) { return literal::legacy::pic_timing(r, stored(sps)); });
+            [this](const literal::legacy::record& r) {
+                return literal::legacy::pic_timing(r, literal::legacy::stored_sps(fields_of(sps)));
+            });
     }
 };
 

@@ -2,7 +2,8 @@
 // libraries; the tests and the fuzz entry point hold the real one against it.
 #pragma once
 
-#include "support/literal_frame_reads.h"
+#include "support/legacy_fields.h"
+#include "support/literal_legacy_sps.h"
 #include "support/scanned_frame.h"
 
 #include <cstddef>
@@ -11,6 +12,8 @@
 #include <vector>
 
 namespace literal {
+
+using bytes = std::vector<unsigned char>;
 
 /// A unit where it stands in the input.
 struct placed_unit {
@@ -30,8 +33,8 @@ struct placed_units {
 /// The calls of the frame scan for one stream.
 class frame_scan {
 public:
-    frame_scan(const placed_units& all_units, bool split, const frame_sps& first_sps)
-        : input(all_units), split_fields(split), sps(first_sps)
+    frame_scan(const placed_units& all_units, bool split, const h264_sps& first_sps)
+        : input(all_units), split_fields(split), sps(support::fields_of(first_sps))
     {
     }
 
@@ -99,12 +102,12 @@ private:
             break;
         case 6:
             out.has_sei = true;
-            out.field_duration = read_sei(unit.rbsp, sps).value_or(out.field_duration);
+            read_sei(unit.rbsp);
             break;
         case 7:
             out.has_sps = true;
             out.sps_updated = true;
-            sps.read(unit.rbsp);
+            read_sps(unit.rbsp);
             break;
         case 8:
             out.has_pps = true;
@@ -118,22 +121,45 @@ private:
         ++index;
     }
 
+    void read_sps(const bytes& rbsp)
+    {
+        legacy_bit_reader bits(rbsp);
+        legacy::sps({sps, bits});
+        stored = legacy::stored_sps(sps);
+    }
+
+    /// The last picture timing that can be read says how many fields long the frame is.
+    void read_sei(const bytes& rbsp)
+    {
+        for (legacy::message m = legacy::sei_message(rbsp, 0); m.valid;
+             m = legacy::sei_message(rbsp, static_cast<std::size_t>(m.fence))) {
+            legacy_bit_reader bits({rbsp.begin() + m.data, rbsp.begin() + m.fence});
+            support::named_values timing = support::fields_of(h264_sei_picture_timing_info());
+            if (m.type == 1 && legacy::pic_timing({timing, bits}, stored))
+                out.field_duration = static_cast<std::uint32_t>(timing.at("field_duration").number);
+        }
+    }
+
     bool slice_ends_frame()
     {
-        call.slice = read_slice(here().rbsp, sps);
+        legacy_bit_reader bits(here().rbsp);
+        support::named_values slice = support::fields_of(h264_nal_slice_info());
+        legacy::slice({slice, bits}, stored);
+        call.field_pic_flag = slice.at("field_pic_flag").number == 1;
+        const std::int64_t frame_num = slice.at("frame_num").number;
         if (call.picture_kind == 1 && !call.pair_marked) {
-            if (call.slice.field_pic_flag)
+            if (call.field_pic_flag)
                 call.picture_kind = 2;
         } else if (call.picture_kind == 2 && call.pair_marked) {
-            if (!call.slice.field_pic_flag)
+            if (!call.field_pic_flag)
                 out.end = call.end_field;
         }
         if (!call.first_frame_num) {
-            if (call.slice.frame_num != 0xFFFFFFFF)
-                call.first_frame_num = call.slice.frame_num;
+            if (frame_num != 0xFFFFFFFF)
+                call.first_frame_num = frame_num;
             return false;
         }
-        return call.slice.frame_num != *call.first_frame_num;
+        return frame_num != *call.first_frame_num;
     }
 
     void end_before_unit()
@@ -142,7 +168,7 @@ private:
         out.end = out.result = here().start;
         if (call.saved_duration == 1U && out.field_duration == 1)
             out.field_duration = 2;
-        else if (out.field_duration == 2 && !call.pair_marked && call.slice.field_pic_flag && split_fields)
+        else if (out.field_duration == 2 && !call.pair_marked && call.field_pic_flag && split_fields)
             out.field_duration = 1;
     }
 
@@ -153,17 +179,18 @@ private:
     }
 
     struct call_state {
-        std::optional<std::uint32_t> first_frame_num = {};
+        std::optional<std::int64_t> first_frame_num = {};
         int picture_kind = 1;
         bool pair_marked = false;
         std::size_t end_field = support::nowhere;
         std::optional<std::uint32_t> saved_duration = {};
-        frame_slice slice = {};
+        bool field_pic_flag = false; ///< of the last slice
     };
 
     const placed_units& input;
     bool split_fields;
-    frame_sps sps;
+    support::named_values sps;
+    legacy::stored_sps stored{sps};
     std::size_t index = 0;
     call_state call;
     support::frame_outcome out;
@@ -179,7 +206,8 @@ inline std::size_t index_of(const placed_units& all, std::size_t start)
 }
 
 /// All calls from the start of the input up to the first that finds no whole frame.
-inline std::vector<support::frame_outcome> scan_frames(const placed_units& all, bool split_fields, const frame_sps& sps)
+inline std::vector<support::frame_outcome> scan_frames(const placed_units& all, bool split_fields,
+                                                       const h264_sps& sps = {})
 {
     frame_scan scan(all, split_fields, sps);
     std::vector<support::frame_outcome> frames = {scan.scan(0)};

@@ -20,43 +20,9 @@ namespace literal::legacy {
 /// A record that is being read: its values and the bits.
 struct record {
     support::named_values& all;
-    bit_reader& bits;
+    legacy_bit_reader& bits;
 
     std::int64_t& number(const std::string& name) const { return all.at(name).number; }
-
-    /// Nothing for a width of 0, all ones and nothing consumed for one above 24.
-    std::int64_t u(unsigned int n) const
-    {
-        if (n > 24)
-            return 0xFFFFFFFF;
-        return bits.get(n);
-    }
-
-    /// A prefix ends at its first one bit, or as its 24th zero is read.
-    std::int64_t ue() const
-    {
-        std::int64_t power = 1;
-        unsigned int zeros = 0;
-        while (zeros != 24 && bits.get(1) != 1) {
-            ++zeros;
-            power *= 2;
-        }
-        return power - 1 + bits.get(zeros);
-    }
-
-    std::int64_t se() const
-    {
-        const std::int64_t k = ue();
-        return k % 2 == 1 ? k / 2 + 1 : -(k / 2);
-    }
-
-    bool only_zeros_remain() const
-    {
-        for (std::size_t i = bits.position; i < 8 * bits.bytes.size(); ++i)
-            if (bits.bit_at(i) == 1)
-                return false;
-        return true;
-    }
 };
 
 /// The descriptors of H.264 7.2: ue(v), a pair of u(16), and any other number for u(n).
@@ -75,11 +41,11 @@ struct row {
 inline std::int64_t read(const record& r, unsigned int descriptor)
 {
     if (descriptor == ue)
-        return r.ue();
+        return r.bits.ue();
     if (descriptor != two_halves)
-        return r.u(descriptor);
-    const std::int64_t high = r.u(16);
-    return high * 65536 + r.u(16);
+        return r.bits.u(descriptor);
+    const std::int64_t high = r.bits.u(16);
+    return high * 65536 + r.bits.u(16);
 }
 
 inline void read(const record& r, const std::vector<row>& table)
@@ -105,9 +71,9 @@ inline bool read_behind(const char* flag, const record& r, const std::vector<row
 inline void scaling_list(const record& r, std::int64_t size)
 {
     std::int64_t last = 8;
-    std::int64_t next = r.u(1) == 1 ? 8 : 0;
+    std::int64_t next = r.bits.u(1) == 1 ? 8 : 0;
     for (std::int64_t j = 0; j < size && next != 0; ++j) {
-        next = ((last + r.se()) % 256 + 256) % 256;
+        next = ((last + r.bits.se()) % 256 + 256) % 256;
         last = next;
     }
 }
@@ -136,10 +102,10 @@ inline bool pic_order_cnt(const record& r)
     if (r.number("pic_order_cnt_type") != 1)
         return true;
     read(r, {{"delta_pic_order_always_zero_flag", 1}, {nullptr, ue}, {nullptr, ue}});
-    for (std::int64_t cycle = r.ue(); cycle > 0; --cycle) {
-        if (r.only_zeros_remain())
+    for (std::int64_t cycle = r.bits.ue(); cycle > 0; --cycle) {
+        if (r.bits.at_end())
             return false;
-        r.ue();
+        r.bits.ue();
     }
     return true;
 }
@@ -165,7 +131,7 @@ inline void sample_aspect_ratio(const record& r)
 inline void hrd_parameters(const record& r)
 {
     static const std::vector<row> cpb = {{nullptr, ue}, {nullptr, ue}, {nullptr, 1}};
-    const std::int64_t cpb_cnt_minus1 = r.ue();
+    const std::int64_t cpb_cnt_minus1 = r.bits.ue();
     if (cpb_cnt_minus1 >= 32)
         return;
     read(r, {{nullptr, 4}, {nullptr, 4}});
@@ -240,14 +206,25 @@ inline bool sps(const record& r)
 
 /// What a slice or a picture timing message sees of an SPS.
 struct stored_sps {
-    bool separate_colour_plane_flag = false;
-    unsigned int log2_max_frame_num = 4;
-    bool frame_mbs_only_flag = true;
-    bool nal_hrd = false;
-    bool vcl_hrd = false;
-    unsigned int cpb_removal_delay_length = 24;
-    unsigned int dpb_output_delay_length = 24;
-    bool pic_struct_present_flag = false;
+    bool separate_colour_plane_flag;
+    unsigned int log2_max_frame_num;
+    bool frame_mbs_only_flag;
+    bool hrd;
+    unsigned int cpb_removal_delay_length;
+    unsigned int dpb_output_delay_length;
+    bool pic_struct_present_flag;
+
+    explicit stored_sps(const support::named_values& seq)
+    {
+        const auto number = [&](const char* name) { return static_cast<unsigned int>(seq.at(name).number); };
+        separate_colour_plane_flag = number("separate_colour_plane_flag") != 0;
+        log2_max_frame_num = number("log2_max_frame_num");
+        frame_mbs_only_flag = number("frame_mbs_only_flag") == 1;
+        hrd = number("nal_hrd_parameters_present_flag") != 0 || number("vcl_hrd_parameters_present_flag") != 0;
+        cpb_removal_delay_length = number("cpb_removal_delay_length");
+        dpb_output_delay_length = number("dpb_output_delay_length");
+        pic_struct_present_flag = number("pic_struct_present_flag") != 0;
+    }
 };
 
 // H.264 7.3.3, the first fields; false when there is no payload
@@ -258,7 +235,7 @@ inline bool slice(const record& r, const stored_sps& seq)
     read(r, {{"first_mb_in_slice", ue}, {"slice_type", ue}, {"pic_parameter_set_id", ue}});
     if (seq.separate_colour_plane_flag)
         read(r, {{"colour_plane_id", 2}});
-    r.number("frame_num") = r.u(seq.log2_max_frame_num);
+    r.number("frame_num") = r.bits.u(seq.log2_max_frame_num);
     r.number("field_pic_flag") = r.number("bottom_field_flag") = 0;
     if (!seq.frame_mbs_only_flag)
         read_behind("field_pic_flag", r, {{"bottom_field_flag", 1}});
@@ -274,9 +251,9 @@ inline bool pic_timing(const record& r, const stored_sps& seq)
     r.number("field_duration") = 2;
     if (r.bits.bytes.empty())
         return false;
-    if (seq.nal_hrd || seq.vcl_hrd) {
-        r.number("cpb_removal_delay") = r.u(seq.cpb_removal_delay_length);
-        r.number("dpb_output_delay") = r.u(seq.dpb_output_delay_length);
+    if (seq.hrd) {
+        r.number("cpb_removal_delay") = r.bits.u(seq.cpb_removal_delay_length);
+        r.number("dpb_output_delay") = r.bits.u(seq.dpb_output_delay_length);
     }
     if (!seq.pic_struct_present_flag)
         return true;

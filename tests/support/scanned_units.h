@@ -1,10 +1,9 @@
-// The units of an input as the legacy scanner finds them, and the fields of an SPS, for the literal frame scan.
+// The units of an input as the legacy scanner finds them, for the literal frame scan.
 #pragma once
 
 #include "support/literal_frame_scan.h"
 
 #include <orv-utils-v4/h264_legacy/nal_parser.h>
-#include <orv-utils-v4/h264_legacy/sps.h>
 
 #include <cstddef>
 
@@ -29,19 +28,6 @@ literal::placed_units scanned_units(const Memory& input, int nal_length_size, st
         all.units.push_back({static_cast<std::size_t>(st.raw_nal - input.begin()), next, st.nal_unit_type,
                              literal::bytes(st.nal, st.nal_fence), st.overflow != 0});
     }
-}
-
-/// What the literal frame scan keeps of `seq`.
-inline literal::frame_sps frame_sps_of(const h264_sps& seq)
-{
-    return {seq.separate_colour_plane_flag,
-            seq.log2_max_frame_num,
-            seq.frame_mbs_only_flag,
-            seq.nal_hrd_parameters_present_flag,
-            seq.vcl_hrd_parameters_present_flag,
-            seq.cpb_removal_delay_length,
-            seq.dpb_output_delay_length,
-            seq.pic_struct_present_flag};
 }
 
 } // namespace support

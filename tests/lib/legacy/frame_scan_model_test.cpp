@@ -68,8 +68,7 @@ literal::placed_units placed(const units& row, const stream& s, std::size_t room
 void expect_same(const literal::placed_units& all, const stream& s, unsigned int flags, std::size_t room)
 {
     support::frame_scanner<guarded_buffer> scanner(s.data, s.nal_length_size, room, flags, known_sps());
-    ASSERT_EQ(literal::scan_frames(all, (flags & split_fields) != 0, support::frame_sps_of(known_sps())),
-              support::scan_frames(scanner));
+    ASSERT_EQ(literal::scan_frames(all, (flags & split_fields) != 0, known_sps()), support::scan_frames(scanner));
 }
 
 /// Every length of the stream, with the units that the scanner finds in it.

@@ -124,7 +124,7 @@ TEST_P(FrameScanStream, FramesFollowOnEachOtherUpToTheEnd)
 TEST_P(FrameScanStream, TheLiteralScanGivesTheSameFrames)
 {
     for (const unsigned int flags : both_flags)
-        EXPECT_EQ(literal::scan_frames(all, flags == split_fields, {}), scan_all(data, 0, flags));
+        EXPECT_EQ(literal::scan_frames(all, flags == split_fields), scan_all(data, 0, flags));
 }
 
 TEST_P(FrameScanStream, LengthPrefixesGiveTheSameFrames)
@@ -158,7 +158,7 @@ TEST_P(FrameScanStream, TheFirstBytesCutAnywhereGiveTheFramesOfTheirUnits)
     const std::size_t most = std::min<std::size_t>(data.size(), 1500);
     for (std::size_t size = 0; size <= most; ++size) {
         const bytes cut(data.begin(), data.begin() + static_cast<std::ptrdiff_t>(size));
-        ASSERT_EQ(literal::scan_frames(split(cut), false, {}), scan_all(cut, 0, 0)) << size;
+        ASSERT_EQ(literal::scan_frames(split(cut), false), scan_all(cut, 0, 0)) << size;
     }
 }
 
@@ -168,8 +168,8 @@ TEST(FrameScanCutStream, CutAtAnyByteGivesTheFramesOfTheUnits)
     const bytes prefixed = rewritten(split(data), data, brenik::nalfmt_length4);
     for (std::size_t size = 0; size <= data.size(); size += size % 64 == 0 ? 17 : 1) {
         const bytes cut(data.begin(), data.begin() + static_cast<std::ptrdiff_t>(size));
-        ASSERT_EQ(literal::scan_frames(split(cut), false, {}), scan_all(cut, 0, 0)) << size;
+        ASSERT_EQ(literal::scan_frames(split(cut), false), scan_all(cut, 0, 0)) << size;
         const bytes cut_prefixed(prefixed.begin(), prefixed.begin() + static_cast<std::ptrdiff_t>(size));
-        ASSERT_EQ(literal::scan_frames(split(cut_prefixed, 4), false, {}), scan_all(cut_prefixed, 4, 0)) << size;
+        ASSERT_EQ(literal::scan_frames(split(cut_prefixed, 4), false), scan_all(cut_prefixed, 4, 0)) << size;
     }
 }

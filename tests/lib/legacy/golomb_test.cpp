@@ -52,52 +52,24 @@ decoded decode(const bit_writer& written)
 
 } // namespace
 
-TEST(LegacyGolomb, AOneBitIsZero)
-{
-    const decoded code = decode(bit_writer().u(8, 0x80));
-    EXPECT_EQ(0U, code.ue);
-    EXPECT_EQ(0, code.se);
-    EXPECT_EQ(1U, code.consumed);
-}
-
-TEST(LegacyGolomb, SixIsMinusThree)
-{
-    const decoded code = decode(bit_writer().u(5, 0b00111));
-    EXPECT_EQ(6U, code.ue);
-    EXPECT_EQ(-3, code.se);
-    EXPECT_EQ(5U, code.consumed);
-}
-
-TEST(LegacyGolomb, SevenIsFour)
-{
-    const decoded code = decode(bit_writer().u(7, 0b0001000));
-    EXPECT_EQ(7U, code.ue);
-    EXPECT_EQ(4, code.se);
-    EXPECT_EQ(7U, code.consumed);
-}
-
 TEST(LegacyGolomb, EightZeroBytesAreACodeOf48Bits)
 {
-    const decoded code = decode(bit_writer().u(64, 0));
-    EXPECT_EQ(smallest_of_24_zeros, code.ue);
-    EXPECT_EQ(8388608, code.se);
-    EXPECT_EQ(48U, code.consumed);
-}
-
-TEST(LegacyGolomb, TwentyFourZerosAndOnesAreTheLargestValue)
-{
-    const decoded code = decode(bit_writer().u(24, 0).u(24, 0xFFFFFF));
-    EXPECT_EQ(largest, code.ue);
-    EXPECT_EQ(-16777215, code.se);
-    EXPECT_EQ(48U, code.consumed);
-}
-
-TEST(LegacyGolomb, TwentyThreeZerosAreReadAsTheStandardSays)
-{
-    for (const std::uint32_t value : {8388607U, 8388608U, 12345678U, smallest_of_24_zeros - 1}) {
-        const decoded code = decode(bit_writer().ue(value));
-        EXPECT_EQ(value, code.ue);
-        EXPECT_EQ(47U, code.consumed);
+    const struct {
+        bit_writer bits;
+        unsigned int ue;
+        int se;
+        std::size_t consumed;
+    } cases[] = {{bit_writer().u(8, 0x80), 0, 0, 1},
+                 {bit_writer().u(5, 0b00111), 6, -3, 5},
+                 {bit_writer().u(7, 0b0001000), 7, 4, 7},
+                 {bit_writer().ue(smallest_of_24_zeros - 1), smallest_of_24_zeros - 1, -8388607, 47},
+                 {bit_writer().u(64, 0), smallest_of_24_zeros, 8388608, 48},
+                 {bit_writer().u(24, 0).u(24, 0xFFFFFF), largest, -16777215, 48}};
+    for (const auto& c : cases) {
+        const decoded code = decode(c.bits);
+        EXPECT_EQ(c.ue, code.ue);
+        EXPECT_EQ(c.se, code.se);
+        EXPECT_EQ(c.consumed, code.consumed);
     }
 }
 

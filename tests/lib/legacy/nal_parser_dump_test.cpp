@@ -50,86 +50,60 @@ const std::string sixteen = "  10 11 12 13 14 15 16 17 18 19 1a 1b 1c 1d 1e 1f \
 
 } // namespace
 
-TEST(LegacyNalDump, ALineForEveryUnit)
+TEST(LegacyNalDump, ALineForEveryUnitUpToTheFirstScanThatFindsNothing)
 {
-    EXPECT_EQ("NAL: ref_ide=3 unit_type=5(Coded slice of an IDR picture) len=4 of=0\n"
-              "NAL: ref_ide=2 unit_type=1(Coded slice of a non-IDR picture) len=0 of=0\n",
-              dumped({0, 0, 1, 0x65, 0xAA, 0, 0, 3, 1, 0, 0, 1, 0x41}));
+    const struct {
+        bytes stream;
+        std::string text;
+        unsigned int nal_length_size = 0;
+    } cases[] = {
+        {{0, 0, 1, 0x65, 0xAA, 0, 0, 3, 1, 0, 0, 1, 0x41},
+         "NAL: ref_ide=3 unit_type=5(Coded slice of an IDR picture) len=4 of=0\n"
+         "NAL: ref_ide=2 unit_type=1(Coded slice of a non-IDR picture) len=0 of=0\n"},
+        {{0, 0, 1, 0x2D, 9}, "NAL: ref_ide=1 unit_type=13((null)) len=1 of=0\n"},
+        {{0, 0, 1, 0}, "NAL: ref_ide=0 unit_type=0((null)) len=0 of=0\n"},
+        {{0, 0, 1, 0x7F}, "NAL: ref_ide=3 unit_type=31((null)) len=0 of=0\n"},
+        {counted_unit(1).start_code(), summary_of_counted(1)},
+        {{1, support::pps, 1, support::forbidden, 1, support::sps},
+         "NAL: ref_ide=3 unit_type=8(Picture parameter set) len=0 of=0\n",
+         1},
+        {{}, ""},
+        {{0, 0}, ""},
+        {bytes(40, 0xEE), ""},
+        {{0, 0, 1}, ""},
+        {{0, 0, 1, support::forbidden, 1}, ""},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(c.text, dumped(c.stream, 0, c.nal_length_size));
 }
 
-TEST(LegacyNalDump, AUnitWithoutANameIsCalledNull)
+TEST(LegacyNalDump, LinesOf16BytesUpToTheCountOrTheEndOfThePayload)
 {
-    EXPECT_EQ("NAL: ref_ide=1 unit_type=13((null)) len=1 of=0\n", dumped({0, 0, 1, 0x2D, 9}));
-    EXPECT_EQ("NAL: ref_ide=0 unit_type=0((null)) len=0 of=0\n", dumped({0, 0, 1, 0}));
-    EXPECT_EQ("NAL: ref_ide=3 unit_type=31((null)) len=0 of=0\n", dumped({0, 0, 1, 0x7F}));
-}
-
-TEST(LegacyNalDump, EveryNameStandsInItsLine)
-{
-    for (unsigned char type = 1; type <= 12; ++type)
-        EXPECT_EQ("NAL: ref_ide=0 unit_type=" + std::to_string(type) + "(" + h264_nal_parser_unit_type_to_str(type) +
-                      ") len=0 of=0\n",
-                  dumped({0, 0, 1, type}));
-}
-
-TEST(LegacyNalDump, TwentyBytesAreALineOf16AndOneOf4)
-{
-    EXPECT_EQ(summary_of_counted(40) + sixteen + "  20 21 22 23 \n", dumped(counted_unit(40), 20));
-}
-
-TEST(LegacyNalDump, NoMoreThanThePayloadIsDumped)
-{
-    EXPECT_EQ(summary_of_counted(3) + "  10 11 12 \n", dumped(counted_unit(3), 4));
-    EXPECT_EQ(summary_of_counted(3) + "  10 11 12 \n", dumped(counted_unit(3), 3));
-    EXPECT_EQ(summary_of_counted(3) + "  10 11 \n", dumped(counted_unit(3), 2));
-    EXPECT_EQ(summary_of_counted(3) + "  10 \n", dumped(counted_unit(3), 1));
-    EXPECT_EQ(summary_of_counted(3) + "  10 11 12 \n", dumped(counted_unit(3), INT_MAX));
-}
-
-TEST(LegacyNalDump, AFullLineIsNotFollowedByAnEmptyOne)
-{
-    EXPECT_EQ(summary_of_counted(40) + sixteen, dumped(counted_unit(40), 16));
-    EXPECT_EQ(summary_of_counted(16) + sixteen, dumped(counted_unit(16), 99));
-    EXPECT_EQ(summary_of_counted(40) + sixteen + "  20 \n", dumped(counted_unit(40), 17));
-    EXPECT_EQ(summary_of_counted(17) + sixteen + "  20 \n", dumped(counted_unit(17), 99));
-    EXPECT_EQ(summary_of_counted(16) + "  10 11 12 13 14 15 16 17 18 19 1a 1b 1c 1d 1e \n",
-              dumped(counted_unit(16), 15));
-}
-
-TEST(LegacyNalDump, NothingIsDumpedForLessThanOneByte)
-{
-    for (const int dump_bytes : {0, -1, INT_MIN})
-        EXPECT_EQ(summary_of_counted(5), dumped(counted_unit(5), dump_bytes));
-    EXPECT_EQ(summary_of_counted(0), dumped(counted_unit(0), 5));
-}
-
-TEST(LegacyNalDump, BytesAreTwoLowerCaseDigits)
-{
+    const struct {
+        std::size_t size;
+        int dump_bytes;
+        std::string lines;
+    } cases[] = {
+        {40, 20, sixteen + "  20 21 22 23 \n"},
+        {40, 16, sixteen},
+        {40, 17, sixteen + "  20 \n"},
+        {17, 99, sixteen + "  20 \n"},
+        {16, 99, sixteen},
+        {16, 15, "  10 11 12 13 14 15 16 17 18 19 1a 1b 1c 1d 1e \n"},
+        {3, INT_MAX, "  10 11 12 \n"},
+        {3, 4, "  10 11 12 \n"},
+        {3, 3, "  10 11 12 \n"},
+        {3, 2, "  10 11 \n"},
+        {3, 1, "  10 \n"},
+        {5, 0, ""},
+        {5, -1, ""},
+        {5, INT_MIN, ""},
+        {0, 5, ""},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(summary_of_counted(c.size) + c.lines, dumped(counted_unit(c.size), c.dump_bytes));
     EXPECT_EQ("NAL: ref_ide=3 unit_type=7(Sequence parameter set) len=3 of=0\n  00 0a ff \n",
               dumped(stream_builder().annexb_unit(support::sps, {0x00, 0x0A, 0xFF}), 9));
-}
-
-TEST(LegacyNalDump, PrefixedUnits)
-{
-    const std::string lines = "NAL: ref_ide=3 unit_type=7(Sequence parameter set) len=4 of=0\n  07 00 00 01 \n"
-                              "NAL: ref_ide=0 unit_type=9(Access unit delimiter) len=0 of=0\n";
-    for (unsigned int k = 1; k <= 4; ++k)
-        EXPECT_EQ(
-            lines,
-            dumped(stream_builder().prefixed_unit(k, support::sps, {7, 0, 0, 3, 1}).prefixed_unit(k, support::aud, {}),
-                   16, k));
-}
-
-TEST(LegacyNalDump, ItEndsWithTheFirstScanThatFindsNothing)
-{
-    EXPECT_EQ("", dumped({}));
-    EXPECT_EQ("", dumped({0, 0}));
-    EXPECT_EQ("", dumped(bytes(40, 0xEE)));
-    EXPECT_EQ("", dumped({0, 0, 1}));
-    EXPECT_EQ("", dumped({0, 0, 1, support::forbidden, 1}));
-    EXPECT_EQ(summary_of_counted(1), dumped(counted_unit(1).start_code()));
-    EXPECT_EQ("NAL: ref_ide=3 unit_type=8(Picture parameter set) len=0 of=0\n",
-              dumped({1, support::pps, 1, support::forbidden, 1, support::sps}, 0, 1));
 }
 
 TEST(LegacyNalDump, ARangeThatEndsBeforeItStartsPrintsNothing)
@@ -176,4 +150,23 @@ TEST(LegacyNalDumpDeathTest, WithoutAFileItGoesToTheStandardErrorStream)
             std::exit(0);
         },
         testing::ExitedWithCode(0), "^NAL: ref_ide=3 unit_type=7\\(Sequence parameter set\\) len=2 of=0\n  10 11 \n$");
+}
+
+TEST(LegacyNalDump, EveryNameStandsInItsLine)
+{
+    for (unsigned char type = 1; type <= 12; ++type)
+        EXPECT_EQ("NAL: ref_ide=0 unit_type=" + std::to_string(type) + "(" + h264_nal_parser_unit_type_to_str(type) +
+                      ") len=0 of=0\n",
+                  dumped({0, 0, 1, type}));
+}
+
+TEST(LegacyNalDump, PrefixedUnits)
+{
+    const std::string lines = "NAL: ref_ide=3 unit_type=7(Sequence parameter set) len=4 of=0\n  07 00 00 01 \n"
+                              "NAL: ref_ide=0 unit_type=9(Access unit delimiter) len=0 of=0\n";
+    for (unsigned int k = 1; k <= 4; ++k)
+        EXPECT_EQ(
+            lines,
+            dumped(stream_builder().prefixed_unit(k, support::sps, {7, 0, 0, 3, 1}).prefixed_unit(k, support::aud, {}),
+                   16, k));
 }

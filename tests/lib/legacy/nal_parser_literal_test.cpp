@@ -92,25 +92,6 @@ TEST_F(LegacyNalLiteral, RandomBytesBehindAnUnmappedPage)
         }
 }
 
-TEST_F(LegacyNalLiteral, RandomBytesInBlocksOfExactlyTheirSize)
-{
-    for (unsigned int k = 0; k <= 4; ++k)
-        for (int round = 0; round < 500 && !HasFatalFailure(); ++round) {
-            SCOPED_TRACE(k);
-            const bytes content = support::zero_heavy_up_to(random, largest_stream);
-            const auto block = std::make_unique<unsigned char[]>(content.size());
-            std::copy(content.begin(), content.end(), block.get());
-            legacy_nal_walk walk(block.get(), content.size());
-            const std::size_t room = pick(random, 40);
-            const auto out = std::make_unique<unsigned char[]>(room);
-            for (std::size_t start = 0;; start = walk.next) {
-                ASSERT_EQ("", walk.scan(start, content.size(), k, out.get(), room));
-                if (walk.model.found == 0)
-                    break;
-            }
-        }
-}
-
 TEST_F(LegacyNalLiteral, RandomUnitsWithSmallPrefixes)
 {
     for (unsigned int k = 1; k <= 4; ++k)

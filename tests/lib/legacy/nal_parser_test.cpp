@@ -1,3 +1,4 @@
+// The legacy NAL scanner; that it does as the literal one is in nal_parser_literal_test.cpp.
 #include <orv-utils-v4/h264_legacy/nal_parser.h>
 
 #include "support/legacy_scanned.h"
@@ -12,6 +13,8 @@ namespace {
 using support::bytes;
 using support::legacy_scanned;
 using support::stream_builder;
+
+constexpr std::size_t longest_unit = 16777214;
 
 /// The payload that a unit with `payload` behind its header comes out as.
 bytes scanned_payload(const bytes& payload)
@@ -45,17 +48,6 @@ TEST(LegacyNalScan, UnitsComeOneAfterAnother)
     EXPECT_EQ(s.input.end(), s.next);
 }
 
-TEST(LegacyNalScan, WithoutAStartCodeTheLastTwoBytesStay)
-{
-    for (std::size_t size = 0; size <= 9; ++size)
-        for (const unsigned char filler : bytes{0, 1, 2, 0xEE}) {
-            const legacy_scanned s(bytes(size, filler));
-            EXPECT_EQ(size < 3 ? 0 : size - 2, s.next_offset());
-            EXPECT_TRUE(s.took_nothing());
-            EXPECT_EQ(nullptr, s.state.raw_nal);
-        }
-}
-
 TEST(LegacyNalScan, ARangeOfNothingIsReturnedAsItIs)
 {
     const bytes stream = {0, 0, 1, support::sps};
@@ -69,39 +61,6 @@ TEST(LegacyNalScan, ARangeOfNothingIsReturnedAsItIs)
     }
 }
 
-TEST(LegacyNalScan, AStartCodeAtTheEndIsConsumed)
-{
-    const legacy_scanned s(bytes{0xEE, 0, 0, 1});
-    EXPECT_EQ(s.input.end(), s.next);
-    EXPECT_TRUE(s.took_nothing());
-    EXPECT_EQ(1U, s.raw_offset());
-    EXPECT_EQ(nullptr, s.state.raw_nal_fence);
-}
-
-TEST(LegacyNalScan, FoundAndOverflowAreClearedByEveryScan)
-{
-    legacy_scanned s(stream_builder().annexb_unit(support::sps, {1, 2, 3}), 0, 1);
-    EXPECT_EQ(1, s.state.found);
-    EXPECT_EQ(1, s.state.overflow);
-    const h264_nal_parser_state before = s.state;
-    s.scan();
-    EXPECT_EQ(0, s.state.found);
-    EXPECT_EQ(0, s.state.overflow);
-    EXPECT_EQ(before.nal_ref_idc, s.state.nal_ref_idc);
-    EXPECT_EQ(before.nal_unit_type, s.state.nal_unit_type);
-    EXPECT_EQ(before.nal, s.state.nal);
-    EXPECT_EQ(before.nal_fence, s.state.nal_fence);
-    EXPECT_EQ(before.raw_nal, s.state.raw_nal);
-    EXPECT_EQ(before.raw_nal_fence, s.state.raw_nal_fence);
-}
-
-TEST(LegacyNalScan, ZerosBeforeAStartCodeAreNoPartOfTheUnit)
-{
-    const legacy_scanned s(stream_builder().zeros(5).annexb_unit(support::sps, {9}));
-    EXPECT_EQ(1, s.state.found);
-    EXPECT_EQ(5U, s.raw_offset());
-}
-
 TEST(LegacyNalScan, AStartCodeBeforeAForbiddenHeaderIsPassedOver)
 {
     const legacy_scanned s(
@@ -110,17 +69,6 @@ TEST(LegacyNalScan, AStartCodeBeforeAForbiddenHeaderIsPassedOver)
     EXPECT_EQ(8, s.state.nal_unit_type);
     EXPECT_EQ(6U, s.raw_offset());
     EXPECT_EQ(bytes{3}, s.payload());
-}
-
-TEST(LegacyNalScan, TheSearchGoesOnAtTheByteBehindTheStartCodesFirst)
-{
-    for (const unsigned char header : bytes{0x80, 0xFF}) {
-        const legacy_scanned s(bytes{0, 0, 1, header});
-        EXPECT_EQ(2U, s.next_offset());
-        EXPECT_TRUE(s.took_nothing());
-        EXPECT_EQ(0U, s.raw_offset());
-        EXPECT_EQ(nullptr, s.state.raw_nal_fence);
-    }
 }
 
 TEST(LegacyNalScan, EveryHeaderByteIsTakenApart)
@@ -160,23 +108,6 @@ TEST(LegacyNalScan, ZeroZeroAndLessThanThreeEndsAUnit)
         }
 }
 
-TEST(LegacyNalScan, TheLastTwoBytesOfAUnitAreCopiedUnexamined)
-{
-    EXPECT_EQ((bytes{0}), scanned_payload({0}));
-    EXPECT_EQ((bytes{0, 0}), scanned_payload({0, 0}));
-    EXPECT_EQ((bytes{9, 0, 0}), scanned_payload({9, 0, 0}));
-    EXPECT_EQ((bytes{0, 0, 0, 0}), scanned_payload({0, 0, 3, 0, 0}));
-}
-
-TEST(LegacyNalScan, TwoBytesIntoOneOverflow)
-{
-    const legacy_scanned s(stream_builder().annexb_unit(support::sps, {8, 9}), 0, 1);
-    EXPECT_EQ(1, s.state.found);
-    EXPECT_EQ(1, s.state.overflow);
-    EXPECT_EQ(bytes{8}, s.payload());
-    EXPECT_EQ(s.input.end(), s.next);
-}
-
 /// Two bytes that do not both fit are dropped, and the byte behind them still fits.
 TEST(LegacyNalScan, APairIsDroppedWholeAndTheByteBehindItMayFit)
 {
@@ -191,17 +122,6 @@ TEST(LegacyNalScan, APairIsDroppedWholeAndTheByteBehindItMayFit)
     }
 }
 
-TEST(LegacyNalScan, TwoZerosBeforeAnEmulationPreventionByteAreAPairToo)
-{
-    const bytes stream = stream_builder().annexb_unit(support::sps, {0, 0, 3, 1, 2, 3});
-    const bytes expected[] = {{}, {1}, {0, 0}, {0, 0, 1}, {0, 0, 1, 2}, {0, 0, 1, 2, 3}};
-    for (std::size_t room = 0; room < std::size(expected); ++room) {
-        const legacy_scanned s(stream, 0, room);
-        EXPECT_EQ(expected[room], s.payload()) << room;
-        EXPECT_EQ(room < 5 ? 1 : 0, s.state.overflow);
-    }
-}
-
 TEST(LegacyNalScan, AnOutputOfNothingMayBeNull)
 {
     const bytes stream = stream_builder().annexb_unit(support::sps, {1, 2, 9, 0, 0, 3});
@@ -213,7 +133,7 @@ TEST(LegacyNalScan, AnOutputOfNothingMayBeNull)
     EXPECT_EQ(nullptr, state.nal_fence);
 }
 
-TEST(LegacyNalScan, TypesOneToTwelveHaveNames)
+TEST(LegacyNalScan, TypesOneToTwelveAloneHaveNames)
 {
     const std::string expected[] = {
         "Coded slice of a non-IDR picture",
@@ -231,11 +151,79 @@ TEST(LegacyNalScan, TypesOneToTwelveHaveNames)
     };
     for (unsigned char type = 1; type <= 12; ++type)
         EXPECT_EQ(expected[type - 1], h264_nal_parser_unit_type_to_str(type));
-}
-
-TEST(LegacyNalScan, OtherTypesHaveNone)
-{
     EXPECT_EQ(nullptr, h264_nal_parser_unit_type_to_str(0));
     for (unsigned int type = 13; type < 256; ++type)
         EXPECT_EQ(nullptr, h264_nal_parser_unit_type_to_str(static_cast<unsigned char>(type)));
+}
+
+TEST(LegacyNalScan, ALengthOfZeroGivesUpTheRange)
+{
+    for (unsigned int k = 1; k <= 4; ++k) {
+        const legacy_scanned s(stream_builder().prefix(k, 0).prefixed_unit(k, support::sps, {1}), k);
+        EXPECT_EQ(s.input.end(), s.next);
+        EXPECT_TRUE(s.took_nothing());
+        EXPECT_EQ(0U, s.raw_offset());
+        EXPECT_EQ(nullptr, s.state.raw_nal_fence);
+    }
+}
+
+TEST(LegacyNalScan, ACutUnitGivesUpTheRange)
+{
+    for (unsigned int k = 1; k <= 4; ++k)
+        for (std::size_t there = 0; there <= 3; ++there) {
+            const legacy_scanned s(stream_builder().prefix(k, 3).raw(bytes(there, 7)), k);
+            EXPECT_EQ(s.input.end(), s.next);
+            EXPECT_EQ(there == 3, !s.took_nothing());
+            EXPECT_EQ(there == 3 ? s.input.end() : nullptr, s.state.raw_nal_fence);
+        }
+}
+
+TEST(LegacyNalScan, APrefixedUnitWithAForbiddenHeaderIsSkipped)
+{
+    for (unsigned int k = 1; k <= 4; ++k) {
+        legacy_scanned s(
+            stream_builder().prefixed_unit(k, support::forbidden, {0, 0, 1}).prefixed_unit(k, support::pps, {9}), k);
+        EXPECT_EQ(k + 4, s.next_offset());
+        EXPECT_TRUE(s.took_nothing());
+        EXPECT_EQ(0U, s.raw_offset());
+        EXPECT_EQ(nullptr, s.state.raw_nal_fence);
+        s.scan();
+        EXPECT_EQ(1, s.state.found);
+        EXPECT_EQ(8, s.state.nal_unit_type);
+    }
+}
+
+/// The bytes behind the place are then taken for a length prefix.
+TEST(LegacyNalScan, APrefixedUnitEndsAtAStartCodeInsideIt)
+{
+    for (unsigned int k = 1; k <= 4; ++k)
+        for (const unsigned char third : bytes{0, 1, 2}) {
+            legacy_scanned s(stream_builder().prefixed_unit(k, support::sps, {9, 0, 0, third, 1, 8, 7}), k);
+            EXPECT_EQ(1, s.state.found);
+            EXPECT_EQ(bytes{9}, s.payload());
+            EXPECT_EQ(k + 2, s.next_offset());
+            EXPECT_EQ(s.next, s.state.raw_nal_fence);
+            s.scan();
+            EXPECT_EQ(k + 2, s.raw_offset());
+        }
+}
+
+TEST(LegacyNalScan, AUnitOf16777215BytesGivesUpTheRange)
+{
+    for (const unsigned int k : {3U, 4U})
+        for (const std::size_t length : {longest_unit, longest_unit + 1}) {
+            const legacy_scanned s(stream_builder()
+                                       .prefix(k, static_cast<std::uint32_t>(length))
+                                       .fill(1, support::sps)
+                                       .fill(length - 1, 0x55)
+                                       .raw({7, 7}),
+                                   k, longest_unit);
+            if (length == longest_unit) {
+                EXPECT_EQ(longest_unit - 1, s.payload().size());
+                EXPECT_EQ(k + longest_unit, s.next_offset());
+            } else {
+                EXPECT_TRUE(s.took_nothing());
+                EXPECT_EQ(s.input.end(), s.next);
+            }
+        }
 }

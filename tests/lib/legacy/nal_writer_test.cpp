@@ -60,17 +60,6 @@ TEST(LegacyNalWrite, AStartCodeTheHeaderAndTheEscapedPayload)
     EXPECT_TRUE(w.untouched_from(10));
 }
 
-TEST(LegacyNalWrite, APrefixTheHeaderAndTheEscapedPayload)
-{
-    const bytes prefixes[] = {{7}, {0, 7}, {0, 0, 7}, {0, 0, 0, 7}};
-    for (unsigned int k = 1; k <= 4; ++k) {
-        const legacy_nal_written w(large, k, 0x67, {0x42, 0, 0, 1, 5});
-        EXPECT_EQ(static_cast<int>(k + 7), w.result);
-        EXPECT_EQ(stream_builder().raw(prefixes[k - 1]).raw({0x67, 0x42, 0, 0, 3, 1, 5}).made(), w.output());
-        EXPECT_TRUE(w.untouched_from(k + 7));
-    }
-}
-
 TEST(LegacyNalWrite, TwoZerosAtTheEndAreNotEscaped)
 {
     const legacy_nal_written w(large, 2, 0x06, {0, 0});
@@ -81,22 +70,6 @@ TEST(LegacyNalWrite, TwoZerosAtTheEndAreNotEscaped)
     EXPECT_EQ((bytes{9, 0, 0}), escaped({9, 0, 0}));
 }
 
-TEST(LegacyNalWrite, ZerosBeforeAByteOfThreeOrLessAreEscaped)
-{
-    for (unsigned char third = 0; third < 6; ++third)
-        EXPECT_EQ(third <= 3 ? (bytes{0, 0, 3, third}) : (bytes{0, 0, third}), escaped({0, 0, third}));
-    EXPECT_EQ((bytes{0, 0, 0xFF}), escaped({0, 0, 0xFF}));
-    EXPECT_EQ((bytes{0, 1, 0, 3, 1, 0, 2}), escaped({0, 1, 0, 3, 1, 0, 2}));
-}
-
-TEST(LegacyNalWrite, TheThirdByteBeginsTheNextTest)
-{
-    EXPECT_EQ((bytes{0, 0, 3, 0, 0, 3, 1}), escaped({0, 0, 0, 0, 1}));
-    EXPECT_EQ((bytes{0, 0, 3, 0, 0}), escaped({0, 0, 0, 0}));
-    EXPECT_EQ((bytes{0, 0, 3, 0, 0, 3, 0}), escaped({0, 0, 0, 0, 0}));
-    EXPECT_EQ((bytes{0, 0, 3, 0, 0, 9}), escaped({0, 0, 0, 0, 9}));
-}
-
 TEST(LegacyNalWrite, AnEmptyPayloadIsAUnitOfItsHeader)
 {
     const legacy_nal_written w(16, 0, 0x09, {});
@@ -104,12 +77,6 @@ TEST(LegacyNalWrite, AnEmptyPayloadIsAUnitOfItsHeader)
     unsigned char out[16];
     EXPECT_EQ(5, h264_nal_write(out, sizeof(out), nullptr, 0, 4, 9));
     EXPECT_EQ((bytes{0, 0, 0, 1, 9}), bytes(out, out + 5));
-}
-
-TEST(LegacyNalWrite, EveryHeaderWithoutTheForbiddenBitGoesOut)
-{
-    for (unsigned char header = 0; header < 128; ++header)
-        EXPECT_EQ((bytes{0, 0, 1, header, 7}), legacy_nal_written(16, 0, header, {7}).output());
 }
 
 TEST(LegacyNalWrite, AForbiddenHeaderFailsBehindTheStartCode)
@@ -160,29 +127,12 @@ TEST(LegacyNalWrite, ALengthAboveItsPrefixLosesItsHighBits)
     EXPECT_EQ((bytes{0, 65}), longer.first(2));
 }
 
-TEST(LegacyNalWrite, LargestLengthsOfAPrefix)
-{
-    EXPECT_EQ((bytes{0xFF}), legacy_nal_written(large, 1, 0x67, plain(254)).first(1));
-    EXPECT_EQ((bytes{0x00}), legacy_nal_written(large, 1, 0x67, plain(255)).first(1));
-    EXPECT_EQ((bytes{0xFF, 0xFF}), legacy_nal_written(70000, 2, 0x67, plain(65534)).first(2));
-    EXPECT_EQ((bytes{0x01, 0x00, 0x00}), legacy_nal_written(70000, 3, 0x67, plain(65535)).first(3));
-    EXPECT_EQ((bytes{0, 1, 0, 0}), legacy_nal_written(70000, 4, 0x67, plain(65535)).first(4));
-}
-
 TEST(LegacyNalWrite, A20ByteOutputKeepsThreeBytesOfRoom)
 {
     const legacy_nal_written w(20, 0, 0x67, plain(100));
     EXPECT_EQ(17, w.result);
     EXPECT_EQ(stream_builder().annexb_unit(0x67, plain(13)).made(), w.output());
     EXPECT_TRUE(w.untouched_from(17));
-}
-
-TEST(LegacyNalWrite, AnEscapeMayLeaveOneByteOfRoom)
-{
-    const legacy_nal_written w(16, 0, 0x67, stream_builder().raw(plain(8)).zeros(3));
-    EXPECT_EQ(15, w.result);
-    EXPECT_EQ(stream_builder().annexb_unit(0x67, plain(8)).raw({0, 0, 3}).made(), w.output());
-    EXPECT_TRUE(w.untouched_from(15));
 }
 
 TEST(LegacyNalWrite, RoomStepByStepAgainstTheLiteralWriter)
@@ -205,18 +155,6 @@ TEST(LegacyNalWrite, RandomPayloadsInEveryRoomAgainstTheLiteralWriter)
         const auto k = static_cast<unsigned int>(pick(random, 5));
         for (std::size_t out_size = 14; out_size <= stated_room(payload.size()); ++out_size)
             expect_as_literal(out_size, k, header, payload);
-    }
-}
-
-TEST(LegacyNalWrite, FourSpareBytesAreEnough)
-{
-    support::random_source random(65);
-    for (int round = 0; round < 2000; ++round) {
-        const bytes payload = support::zero_heavy(random, 12 + pick(random, 40));
-        for (unsigned int k = 0; k <= 4; ++k) {
-            const bytes whole = legacy_nal_written(large, k, 0x67, payload).output();
-            ASSERT_EQ(whole, legacy_nal_written(whole.size() + 4, k, 0x67, payload).output());
-        }
     }
 }
 

@@ -74,25 +74,6 @@ TEST(LegacySei, AMessageIsTypeSizeAndPayload)
     EXPECT_EQ(p.buffer.begin() + 4, p.next);
 }
 
-TEST(LegacySei, SumsGoOnBehindEveryFF)
-{
-    bytes data = {0x05, 0xFF, 0x01};
-    data.resize(3 + 256, 0x11);
-    const read_pair p(data);
-    EXPECT_EQ(1, p->valid);
-    EXPECT_EQ(5U, p->payload_type);
-    EXPECT_EQ(256U, p->payload_size);
-    EXPECT_EQ(p->start + 3, p->data);
-    EXPECT_EQ(p.buffer.end(), p.next);
-
-    data = {0xFF, 0xFF, 0x07, 0xFF, 0x00};
-    data.resize(5 + 255, 0x11);
-    const read_pair q(data);
-    EXPECT_EQ(1, q->valid);
-    EXPECT_EQ(517U, q->payload_type);
-    EXPECT_EQ(255U, q->payload_size);
-}
-
 TEST(LegacySei, AnEmptyRangeHasNoMessage)
 {
     unsigned char byte = 5;
@@ -109,29 +90,6 @@ TEST(LegacySei, AnEmptyRangeHasNoMessage)
     }
 }
 
-TEST(LegacySei, ATypeWithoutAnEndLeavesItsPartialSum)
-{
-    const read_pair p({0xFF, 0xFF});
-    EXPECT_EQ(p.buffer.end(), p.next);
-    EXPECT_EQ(0, p->valid);
-    EXPECT_EQ(510U, p->payload_type);
-    EXPECT_EQ(0U, p->payload_size);
-    EXPECT_EQ(p.buffer.begin(), p->start);
-    EXPECT_EQ(nullptr, p->data);
-    EXPECT_EQ(nullptr, p->fence);
-}
-
-TEST(LegacySei, ASizeWithoutAnEndLeavesItsPartialSum)
-{
-    const read_pair p({0xFF, 0x01, 0xFF, 0xFF, 0xFF});
-    EXPECT_EQ(p.buffer.end(), p.next);
-    EXPECT_EQ(0, p->valid);
-    EXPECT_EQ(256U, p->payload_type);
-    EXPECT_EQ(765U, p->payload_size);
-    EXPECT_EQ(nullptr, p->data);
-    EXPECT_EQ(nullptr, p->fence);
-}
-
 TEST(LegacySei, TheTrailingBitsAreATypeWithoutASize)
 {
     const read_pair p({0x80});
@@ -140,30 +98,6 @@ TEST(LegacySei, TheTrailingBitsAreATypeWithoutASize)
     EXPECT_EQ(128U, p->payload_type);
     EXPECT_EQ(0U, p->payload_size);
     EXPECT_EQ(nullptr, p->data);
-}
-
-TEST(LegacySei, APayloadPastTheEndIsNotValidAndItsFenceIsKept)
-{
-    for (const unsigned int size : {3U, 4U, 100U, 254U}) {
-        const read_pair p({0x05, static_cast<unsigned char>(size), 0xAA, 0xBB});
-        EXPECT_EQ(p.buffer.end(), p.next);
-        EXPECT_EQ(0, p->valid);
-        EXPECT_EQ(size, p->payload_size);
-        EXPECT_EQ(p.buffer.begin() + 2, p->data);
-        EXPECT_EQ(reinterpret_cast<std::uintptr_t>(p->data) + size, reinterpret_cast<std::uintptr_t>(p->fence));
-    }
-}
-
-TEST(LegacySei, APayloadUpToTheEndAndAnEmptyOneAreValid)
-{
-    const read_pair p({0x05, 0x02, 0xAA, 0xBB});
-    EXPECT_EQ(1, p->valid);
-    EXPECT_EQ(p.buffer.end(), p.next);
-    const read_pair empty({0x05, 0x00});
-    EXPECT_EQ(1, empty->valid);
-    EXPECT_EQ(empty.buffer.end(), empty->data);
-    EXPECT_EQ(empty.buffer.end(), empty->fence);
-    EXPECT_EQ(empty.buffer.end(), empty.next);
 }
 
 TEST(LegacySei, EveryTruncationIsReadAsTheLiteralOneReadsIt)
@@ -220,45 +154,6 @@ TEST(LegacyPicTiming, AnEmptyPayloadIsRefusedWithADurationOfTwo)
     }
 }
 
-TEST(LegacyPicTiming, WithoutPicStructTheDurationIsTwo)
-{
-    h264_sps sps = timing_sps(true, 8, 8);
-    sps.pic_struct_present_flag = 0;
-    const parsed_timing_info p({0x12, 0x34, 0x70}, sps);
-    EXPECT_EQ(1, p.result);
-    EXPECT_EQ(0x12U, p->cpb_removal_delay);
-    EXPECT_EQ(0x34U, p->dpb_output_delay);
-    EXPECT_EQ(0U, p->pic_struct);
-    EXPECT_EQ(2U, p->field_duration);
-}
-
-TEST(LegacyPicTiming, EitherHrdBringsTheDelays)
-{
-    for (unsigned int which = 0; which < 4; ++which) {
-        h264_sps sps = timing_sps(false, 8, 8);
-        sps.nal_hrd_parameters_present_flag = which & 1;
-        sps.vcl_hrd_parameters_present_flag = static_cast<std::uint8_t>(which >> 1);
-        const parsed_timing_info p({0x12, 0x34, 0x50}, sps);
-        EXPECT_EQ(which != 0 ? 0x12U : 0U, p->cpb_removal_delay);
-        EXPECT_EQ(which != 0 ? 0x34U : 0U, p->dpb_output_delay);
-        EXPECT_EQ(which != 0 ? 5U : 1U, p->pic_struct);
-    }
-}
-
-TEST(LegacyPicTiming, EachDelayHasItsOwnWidth)
-{
-    for (unsigned int cpb = 0; cpb <= 24; ++cpb)
-        for (const unsigned int dpb : {0U, 1U, 7U, 24U - cpb, 24U}) {
-            const std::uint32_t first = 0xABCDEFU & ((1U << cpb) - 1);
-            const std::uint32_t second = 0x9A5A5BU & ((1U << dpb) - 1);
-            const parsed_timing_info p(bit_writer().u(cpb, first).u(dpb, second).u(4, 7).bytes(),
-                                       timing_sps(true, cpb, dpb));
-            EXPECT_EQ(first, p->cpb_removal_delay);
-            EXPECT_EQ(second, p->dpb_output_delay);
-            EXPECT_EQ(4U, p->field_duration);
-        }
-}
-
 TEST(LegacyPicTiming, ADelayAbove24BitsIsAllOnesAndConsumesNothing)
 {
     for (unsigned int wide = 25; wide < 256; ++wide) {
@@ -286,13 +181,6 @@ TEST(LegacyPicTiming, CutAnywhereReadsZerosBehindTheEnd)
         EXPECT_EQ(padded->pic_struct, alone->pic_struct);
         EXPECT_EQ(padded->field_duration, alone->field_duration);
     }
-}
-
-TEST(LegacyFieldDuration, IsThatOfThePictureTiming)
-{
-    for (unsigned int pic_struct = 0; pic_struct < 16; ++pic_struct)
-        EXPECT_EQ(durations[pic_struct],
-                  static_cast<std::uint32_t>(duration_of({1, 1, static_cast<unsigned char>(pic_struct * 16), 0x80})));
 }
 
 TEST(LegacyFieldDuration, OtherMessagesArePassedOver)

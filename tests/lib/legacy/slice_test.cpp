@@ -86,44 +86,6 @@ TEST(LegacySlice, TypesAreNotReduced)
         EXPECT_EQ(type, parsed_slice_info(bit_writer().ue(0).ue(type).ue(0).u(4, 0).bytes(), slice_sps())->slice_type);
 }
 
-TEST(LegacySlice, LargeValuesAreStoredAsRead)
-{
-    const bit_writer writer = bit_writer().ue(16777214).ue(16777213).ue(16777212).u(24, 0xFEDCBA);
-    const parsed_slice_info p(writer.bytes(), slice_sps(1, 24));
-    EXPECT_EQ(16777214U, p->first_mb_in_slice);
-    EXPECT_EQ(16777213U, p->slice_type);
-    EXPECT_EQ(16777212U, p->pic_parameter_set_id);
-    EXPECT_EQ(0xFEDCBAU, p->frame_num);
-}
-
-TEST(LegacySlice, TheColourPlaneIsReadWithItsFlagAlone)
-{
-    for (unsigned int plane = 0; plane < 4; ++plane) {
-        h264_sps sps = slice_sps();
-        const bytes data = bit_writer().ue(0).ue(0).ue(0).u(2, plane).u(4, 9).u(2, 3).bytes();
-        sps.separate_colour_plane_flag = 1;
-        const parsed_slice_info with(data, sps);
-        EXPECT_EQ(plane, with->colour_plane_id);
-        EXPECT_EQ(9U, with->frame_num);
-        sps.separate_colour_plane_flag = 0;
-        const parsed_slice_info without(data, sps);
-        EXPECT_EQ(earlier().colour_plane_id, without->colour_plane_id);
-        EXPECT_EQ(plane * 4 + 2, without->frame_num);
-    }
-}
-
-TEST(LegacySlice, FrameNumHasTheWidthOfTheSps)
-{
-    for (unsigned int width = 1; width <= 24; ++width) {
-        const std::uint32_t number = 0xA5A5A5U & ((1U << width) - 1);
-        const bytes data = bit_writer().ue(0).ue(0).ue(0).u(width, number).u(2, 0b11).bytes();
-        const parsed_slice_info p(data, slice_sps(0, static_cast<std::uint8_t>(width)));
-        EXPECT_EQ(number, p->frame_num) << width;
-        EXPECT_EQ(1, p->field_pic_flag) << width;
-        EXPECT_EQ(1, p->bottom_field_flag) << width;
-    }
-}
-
 TEST(LegacySlice, AWidthOfZeroIsZeroAndAbove24AllOnesAndNeitherConsumes)
 {
     for (unsigned int width = 0; width < 256; width = width == 0 ? 25 : width + 1) {
@@ -134,25 +96,6 @@ TEST(LegacySlice, AWidthOfZeroIsZeroAndAbove24AllOnesAndNeitherConsumes)
         EXPECT_EQ(1, p->field_pic_flag) << width;
         EXPECT_EQ(0, p->bottom_field_flag) << width;
     }
-}
-
-TEST(LegacySlice, FourBitsOfFrameNumAndThenTheFieldFlag)
-{
-    const parsed_slice_info p(bit_writer().ue(0).ue(0).ue(0).u(4, 0b1001).u(2, 0b10).bytes(), slice_sps(0));
-    EXPECT_EQ(9U, p->frame_num);
-    EXPECT_EQ(1, p->field_pic_flag);
-    EXPECT_EQ(0, p->bottom_field_flag);
-}
-
-TEST(LegacySlice, FramesHaveNoFieldFlagsAndClearThem)
-{
-    const bytes data = bit_writer().ue(0).ue(0).ue(0).u(4, 9).u(2, 0b11).bytes();
-    const parsed_slice_info frames_only(data, slice_sps());
-    EXPECT_EQ(0, frames_only->field_pic_flag);
-    EXPECT_EQ(0, frames_only->bottom_field_flag);
-    const parsed_slice_info frame(bit_writer().ue(0).ue(0).ue(0).u(4, 9).u(2, 0b01).bytes(), slice_sps(0));
-    EXPECT_EQ(0, frame->field_pic_flag);
-    EXPECT_EQ(0, frame->bottom_field_flag);
 }
 
 TEST(LegacySlice, OnlyAFlagOfOneMeansFramesAlone)
@@ -175,15 +118,5 @@ TEST(LegacySlice, CutAnywhereReadsZerosBehindTheEnd)
         const parsed_slice_info padded(support::followed_by_zeros(cut, 32), sps);
         EXPECT_EQ(1, alone.result);
         EXPECT_EQ("", difference(padded.info, alone.info)) << size;
-    }
-}
-
-TEST(LegacySlice, EveryByteAloneIsReadAsWithZerosBehind)
-{
-    for (unsigned int byte = 0; byte < 256; ++byte) {
-        const bytes one = {static_cast<unsigned char>(byte)};
-        const parsed_slice_info alone(one, slice_sps(0, 7));
-        const parsed_slice_info padded(support::followed_by_zeros(one, 32), slice_sps(0, 7));
-        EXPECT_EQ("", difference(padded.info, alone.info)) << byte;
     }
 }

@@ -48,16 +48,6 @@ TEST(LegacySpsSize, MainProfileIsCroppedInWholeSamples)
     EXPECT_EQ(1084, sps.get_final_frame_height());
 }
 
-TEST(LegacySpsSize, HighProfileIsCroppedInChromaSamples)
-{
-    sps_description seq = full_hd();
-    seq.profile_idc = 100;
-    seq.high_profile_syntax = true;
-    h264_sps sps = parsed_legacy_sps(written(seq)).object;
-    EXPECT_EQ(1920, sps.get_final_frame_width());
-    EXPECT_EQ(1080, sps.get_final_frame_height());
-}
-
 TEST(LegacySpsSize, AKeptChromaFormatCounts)
 {
     sps_description seq = full_hd();
@@ -84,21 +74,6 @@ TEST(LegacySpsSize, TheCropUnitsFollowTheChromaFormatAndTheFields)
                 EXPECT_EQ(320 - unit.width_unit * 5, sps.get_final_frame_width()) << unit.format;
                 EXPECT_EQ((480 - unit.height_unit * 25) * fields, sps.get_final_frame_height()) << unit.format;
             }
-}
-
-TEST(LegacySpsSize, WithoutTheCroppingFlagOffsetsDoNotCount)
-{
-    h264_sps sps = cropped_sps(1, 0);
-    sps.frame_cropping_flag = 0;
-    EXPECT_EQ(320, sps.get_final_frame_width());
-    EXPECT_EQ(960, sps.get_final_frame_height());
-}
-
-TEST(LegacySpsSize, ANewSpsHasNone)
-{
-    h264_sps sps;
-    EXPECT_EQ(0, sps.get_final_frame_width());
-    EXPECT_EQ(0, sps.get_final_frame_height());
 }
 
 TEST(LegacySpsSize, CropsLargerThanThePictureGiveZero)

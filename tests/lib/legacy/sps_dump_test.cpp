@@ -108,19 +108,6 @@ TEST(LegacySpsDump, EveryFieldHasItsLine)
     EXPECT_EQ(61, std::count(text.begin(), text.end(), '\n'));
 }
 
-TEST(LegacySpsDump, ANewSpsIsZeros)
-{
-    const std::string text = dumped({});
-    EXPECT_EQ(61, std::count(text.begin(), text.end(), '\n'));
-    EXPECT_EQ(0U, text.find("profile_idc: 0x00\n"));
-    EXPECT_EQ("aspect_ratio: 0 / 0", line(text, "aspect_ratio"));
-    std::istringstream lines(text);
-    for (std::string one; std::getline(lines, one);) {
-        const std::string value = one.substr(one.find(": ") + 2);
-        EXPECT_TRUE(value == "0" || value == "0x00" || value == "0 / 0") << one;
-    }
-}
-
 TEST(LegacySpsDump, TheLargestValuesAreUnsigned)
 {
     h264_sps sps;
@@ -135,26 +122,6 @@ TEST(LegacySpsDump, TheLargestValuesAreUnsigned)
     EXPECT_EQ("num_units_in_ticks: 4294967295", line(text, "num_units_in_ticks"));
     EXPECT_EQ("time_scale: 4294967295", line(text, "time_scale"));
     EXPECT_EQ("aspect_ratio: 4294967295 / 4294967295", line(text, "aspect_ratio"));
-}
-
-TEST(LegacySpsDump, AParsedSpsShowsWhatItStores)
-{
-    sps_description seq = support::high_sps();
-    seq.seq_parameter_set_id = 31;
-    seq.log2_max_pic_order_cnt_lsb_minus4 = 6;
-    support::vui_description& vui = seq.vui.emplace();
-    vui.aspect_ratio_info_present_flag = true;
-    vui.aspect_ratio_idc = 255;
-    vui.sar_width = 4;
-    vui.sar_height = 3;
-    const std::string text = dumped(parsed_legacy_sps(written(seq)).object);
-    EXPECT_EQ("profile_idc: 0x64", line(text, "profile_idc"));
-    EXPECT_EQ("level_idc: 0x1e", line(text, "level_idc"));
-    EXPECT_EQ("seq_parameter_set_id: 0x1f", line(text, "seq_parameter_set_id"));
-    EXPECT_EQ("chroma_format_idc: 0x01", line(text, "chroma_format_idc"));
-    EXPECT_EQ("max_pic_order_cnt_lsb: 10", line(text, "max_pic_order_cnt_lsb"));
-    EXPECT_EQ("aspect_ratio_idc: 0xff", line(text, "aspect_ratio_idc"));
-    EXPECT_EQ("aspect_ratio: 4 / 3", line(text, "aspect_ratio"));
 }
 
 TEST(LegacySpsDump, AStreamThatCannotBeWrittenIsNoMatter)

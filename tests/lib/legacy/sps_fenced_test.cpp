@@ -115,7 +115,7 @@ TEST(LegacyFencedSps, CutAnywhereItIsFollowedByZeros)
             const bytes cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size));
             fenced_bits f = fenced(cut);
             support::named_values expected = support::fields_of(f.object);
-            literal::bit_reader reader{cut};
+            literal::legacy_bit_reader reader(cut);
             const bool counts_are_followed = literal::legacy::sps({expected, reader});
             read_seq_parameter_set_data(f.object, f.bits());
             ASSERT_EQ("", support::difference(expected, support::fields_of(f.object))) << size;

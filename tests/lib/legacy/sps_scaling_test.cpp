@@ -67,24 +67,10 @@ TEST(LegacyScalingLists, FormatThreeHasTwelveAndTheOthersEight)
     }
 }
 
-TEST(LegacyScalingLists, WithoutTheFlagNothingIsSkipped)
-{
-    sps_description seq = high_sps();
-    const element_writer writer = written(seq);
-    const parsed_legacy_sps p(writer);
-    EXPECT_EQ(0, p->seq_scaling_matrix_present_flag);
-    EXPECT_EQ(writer.size_in_bits(), p.consumed());
-}
-
 TEST(LegacyScalingLists, AListThatIsNotSentIsOneBit)
 {
     for (const unsigned int size : {0U, 1U, 16U, 64U, 0xFFFFFFFFU})
         EXPECT_EQ(1U, skip_list(bit_writer().flag(false).u(40, 0xFFFFFFFFFF), size));
-}
-
-TEST(LegacyScalingLists, AListOfNoEntriesIsOneBit)
-{
-    EXPECT_EQ(1U, skip_list(bit_writer().flag(true).u(40, 0xFFFFFFFFFF), 0));
 }
 
 TEST(LegacyScalingLists, AListHasADeltaForEveryEntry)

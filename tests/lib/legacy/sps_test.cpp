@@ -16,6 +16,17 @@ using support::parsed_legacy_sps;
 using support::sps_description;
 using support::written;
 
+/// The fields that are not 0.
+std::string set_fields(const h264_sps& seq)
+{
+    const support::named_values fields = support::fields_of(seq);
+    std::string text;
+    for (const std::string& name : fields.names->in_order)
+        if (fields.at(name).number != 0)
+            text += name + ' ' + std::to_string(fields.at(name).number) + ", ";
+    return text;
+}
+
 /// What differs between two SPSs.
 std::string difference(const h264_sps& expected, const h264_sps& actual)
 {
@@ -43,58 +54,26 @@ TEST(LegacySps, EveryElementIsReadIntoItsField)
 {
     const element_writer writer = written(full_legacy_sps());
     const parsed_legacy_sps p(writer);
-    EXPECT_EQ(244, p->profile_idc);
-    EXPECT_EQ(1, p->constraint_set0_flag);
-    EXPECT_EQ(0, p->constraint_set1_flag);
-    EXPECT_EQ(1, p->constraint_set2_flag);
-    EXPECT_EQ(1, p->constraint_set3_flag);
-    EXPECT_EQ(0, p->constraint_set4_flag);
-    EXPECT_EQ(0, p->constraint_set5_flag);
-    EXPECT_EQ(2, p->reserved_zero_2bits);
-    EXPECT_EQ(41, p->level_idc);
-    EXPECT_EQ(7U, p->seq_parameter_set_id);
-    EXPECT_EQ(3U, p->chroma_format_idc);
-    EXPECT_EQ(1, p->separate_colour_plane_flag);
-    EXPECT_EQ(10U, p->bit_depth_luma);
-    EXPECT_EQ(12U, p->bit_depth_chroma);
-    EXPECT_EQ(1, p->qprime_y_zero_transform_bypass_flag);
-    EXPECT_EQ(1, p->seq_scaling_matrix_present_flag);
-    EXPECT_EQ(13, p->log2_max_frame_num);
-    EXPECT_EQ(8192U, p->max_frame_num);
-    EXPECT_EQ(1, p->pic_order_cnt_type);
-    EXPECT_EQ(0, p->max_pic_order_cnt_lsb);
-    EXPECT_EQ(1, p->delta_pic_order_always_zero_flag);
-    EXPECT_EQ(6, p->max_num_ref_frames);
-    EXPECT_EQ(1, p->gaps_in_frame_num_value_allowed_flag);
-    EXPECT_EQ(120U, p->pic_width_in_mbps);
-    EXPECT_EQ(34U, p->pic_height_in_map_units);
-    EXPECT_EQ(0, p->frame_mbs_only_flag);
-    EXPECT_EQ(1, p->mb_adaptive_frame_field_flag);
-    EXPECT_EQ(1, p->direct_8x8_inference_flag);
-    EXPECT_EQ(1, p->frame_cropping_flag);
-    EXPECT_EQ(11U, p->frame_crop_left_offset);
-    EXPECT_EQ(12U, p->frame_crop_right_offset);
-    EXPECT_EQ(13U, p->frame_crop_top_offset);
-    EXPECT_EQ(14U, p->frame_crop_bottom_offset);
-    EXPECT_EQ(1, p->vui_parameters_present_flag);
-    EXPECT_EQ(1, p->pic_struct_present_flag);
+    EXPECT_EQ("gaps_in_frame_num_value_allowed_flag 1, qprime_y_zero_transform_bypass_flag 1, "
+              "delta_pic_order_always_zero_flag 1, seq_scaling_matrix_present_flag 1, separate_colour_plane_flag 1, "
+              "pic_height_in_map_units 34, constraint_set0_flag 1, constraint_set2_flag 1, constraint_set3_flag 1, "
+              "reserved_zero_2bits 2, seq_parameter_set_id 7, max_num_ref_frames 6, pic_order_cnt_type 1, "
+              "chroma_format_idc 3, pic_width_in_mbps 120, bit_depth_chroma 12, bit_depth_luma 10, "
+              "log2_max_frame_num 13, max_frame_num 8192, profile_idc 244, level_idc 41, "
+              "mb_adaptive_frame_field_flag 1, direct_8x8_inference_flag 1, frame_cropping_flag 1, "
+              "frame_crop_left_offset 11, frame_crop_right_offset 12, frame_crop_top_offset 13, "
+              "frame_crop_bottom_offset 14, vui_parameters_present_flag 1, aspect_ratio_info_present_flag 1, "
+              "aspect_ratio_idc 255, sar_width 40000, sar_height 33, overscan_info_present_flag 1, "
+              "overscan_info_appropriate_flag 1, video_signal_type_present_flag 1, video_format 2, "
+              "video_full_range_flag 1, colour_description_present_flag 1, colour_primaries 9, "
+              "transfer_characteristics 16, matrix_coefficients 200, chroma_location_info_present_flag 1, "
+              "chroma_sample_location_type_top_field 3, chroma_sample_location_type_bottom_field 4, "
+              "timing_info_present_flag 1, num_units_in_ticks 2147483649, time_scale 4294967295, "
+              "fixed_frame_rate_flag 1, nal_hrd_parameters_present_flag 1, vcl_hrd_parameters_present_flag 1, "
+              "low_delay_hrd_flag 1, pic_struct_present_flag 1, initial_cpb_removal_delay_length 2, "
+              "cpb_removal_delay_length 3, dpb_output_delay_length 5, time_offset_length 31, ",
+              set_fields(p.object));
     EXPECT_EQ(end_of(writer, "vui.pic_struct_present_flag"), p.consumed());
-}
-
-TEST(LegacySps, EachFlagOfTheHeadIsItsOwnBit)
-{
-    for (unsigned int bit = 0; bit < 6; ++bit) {
-        sps_description seq;
-        seq.constraint_set_flags = 1U << bit;
-        const parsed_legacy_sps p(written(seq));
-        EXPECT_EQ(bit == 5, p->constraint_set0_flag);
-        EXPECT_EQ(bit == 4, p->constraint_set1_flag);
-        EXPECT_EQ(bit == 3, p->constraint_set2_flag);
-        EXPECT_EQ(bit == 2, p->constraint_set3_flag);
-        EXPECT_EQ(bit == 1, p->constraint_set4_flag);
-        EXPECT_EQ(bit == 0, p->constraint_set5_flag);
-        EXPECT_EQ(0, p->reserved_zero_2bits);
-    }
 }
 
 TEST(LegacySps, ExactlyNineProfilesTellTheChromaFormat)
@@ -117,19 +96,6 @@ TEST(LegacySps, ExactlyNineProfilesTellTheChromaFormat)
     }
 }
 
-TEST(LegacySps, OnlyChromaFormatThreeHasTheColourPlaneFlag)
-{
-    for (const std::uint32_t format : {0U, 1U, 2U, 3U, 4U, 259U}) {
-        sps_description seq = high_sps(format);
-        seq.separate_colour_plane_flag = true;
-        const element_writer writer = written(seq);
-        const parsed_legacy_sps p(writer);
-        EXPECT_EQ(format, p->chroma_format_idc);
-        EXPECT_EQ(format == 3, p->separate_colour_plane_flag);
-        EXPECT_EQ(writer.size_in_bits(), p.consumed());
-    }
-}
-
 TEST(LegacySps, TheNumberOfFramesIsAShiftByFiveBits)
 {
     struct {
@@ -145,18 +111,6 @@ TEST(LegacySps, TheNumberOfFramesIsAShiftByFiveBits)
         const parsed_legacy_sps p(written(seq));
         EXPECT_EQ(c.log2, p->log2_max_frame_num) << c.minus4;
         EXPECT_EQ(c.number, p->max_frame_num) << c.minus4;
-    }
-}
-
-TEST(LegacySps, TypeZeroHasTheLogarithmOfTheLsbs)
-{
-    for (const std::uint32_t minus4 : {0U, 12U, 251U, 252U, 256U}) {
-        sps_description seq;
-        seq.log2_max_pic_order_cnt_lsb_minus4 = minus4;
-        const element_writer writer = written(seq);
-        const parsed_legacy_sps p(writer);
-        EXPECT_EQ((minus4 + 4) % 256, p->max_pic_order_cnt_lsb);
-        EXPECT_EQ(writer.size_in_bits(), p.consumed());
     }
 }
 
@@ -239,32 +193,13 @@ TEST(LegacySps, LargeValuesAreStoredAsRead)
     seq.frame_crop_top_offset = 16777206;
     seq.frame_crop_bottom_offset = 16777205;
     const parsed_legacy_sps p(written(seq));
-    EXPECT_EQ(16777214U, p->chroma_format_idc);
-    EXPECT_EQ(16777213U, p->seq_parameter_set_id);
-    EXPECT_EQ(16777220U, p->bit_depth_luma);
-    EXPECT_EQ(16777219U, p->bit_depth_chroma);
-    EXPECT_EQ(16777211U, p->pic_width_in_mbps);
-    EXPECT_EQ(16777210U, p->pic_height_in_map_units);
-    EXPECT_EQ(16777208U, p->frame_crop_left_offset);
-    EXPECT_EQ(16777207U, p->frame_crop_right_offset);
-    EXPECT_EQ(16777206U, p->frame_crop_top_offset);
-    EXPECT_EQ(16777205U, p->frame_crop_bottom_offset);
-}
-
-TEST(LegacySps, OnlyFieldStreamsHaveTheAdaptiveFlag)
-{
-    for (const bool frames : {false, true}) {
-        sps_description seq;
-        seq.frame_mbs_only_flag = frames;
-        seq.mb_adaptive_frame_field_flag = true;
-        seq.direct_8x8_inference_flag = false;
-        const element_writer writer = written(seq);
-        const parsed_legacy_sps p(writer);
-        EXPECT_EQ(frames, p->frame_mbs_only_flag);
-        EXPECT_EQ(!frames, p->mb_adaptive_frame_field_flag);
-        EXPECT_EQ(0, p->direct_8x8_inference_flag);
-        EXPECT_EQ(writer.size_in_bits(), p.consumed());
-    }
+    EXPECT_EQ("pic_height_in_map_units is 16777210, not 9; seq_parameter_set_id is 16777213, not 0; "
+              "chroma_format_idc is 16777214, not 1; pic_width_in_mbps is 16777211, not 11; "
+              "bit_depth_chroma is 16777219, not 8; bit_depth_luma is 16777220, not 8; "
+              "frame_cropping_flag is 1, not 0; frame_crop_left_offset is 16777208, not 0; "
+              "frame_crop_right_offset is 16777207, not 0; frame_crop_top_offset is 16777206, not 0; "
+              "frame_crop_bottom_offset is 16777205, not 0; ",
+              difference(parsed_legacy_sps(written(high_sps())).object, p.object));
 }
 
 TEST(LegacySps, FieldsThatAreNotSentKeepTheirValues)
@@ -292,21 +227,6 @@ TEST(LegacySps, FieldsThatAreNotSentKeepTheirValues)
     expected.frame_cropping_flag = 0;
     expected.vui_parameters_present_flag = 0;
     EXPECT_EQ("", difference(expected, p.object));
-}
-
-TEST(LegacySps, AnotherPictureOrderCountTypeKeepsTheFieldsOfTheFirst)
-{
-    sps_description seq;
-    seq.log2_max_pic_order_cnt_lsb_minus4 = 7;
-    h264_sps sps = parsed_legacy_sps(written(seq)).object;
-    seq.pic_order_cnt_type = 1;
-    seq.delta_pic_order_always_zero_flag = true;
-    sps = parsed_legacy_sps(written(seq), sps).object;
-    EXPECT_EQ(11, sps.max_pic_order_cnt_lsb);
-    seq.pic_order_cnt_type = 2;
-    sps = parsed_legacy_sps(written(seq), sps).object;
-    EXPECT_EQ(11, sps.max_pic_order_cnt_lsb);
-    EXPECT_EQ(1, sps.delta_pic_order_always_zero_flag);
 }
 
 TEST(LegacySps, ALongerPrefixIsReadAs24Zeros)

@@ -1,9 +1,9 @@
 #include "frame_finder.h"
 
+#include "support/both_framings.h"
 #include "support/coded_stream.h"
 #include "support/found_frames.h"
 #include "support/guarded_buffer.h"
-#include "support/legacy_units.h"
 
 #include <gtest/gtest.h>
 
