@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstdio>
 #include <sstream>
 #include <string>
 #include <utility>
@@ -67,7 +66,7 @@ placed placed_by_example(const bytes& stream)
     for (std::string line; std::getline(lines, line);) {
         std::ptrdiff_t offset = 0;
         std::ptrdiff_t size = 0;
-        if (std::sscanf(line.c_str(), "%td %td bytes", &offset, &size) == 2)
+        if (std::istringstream(line) >> offset >> size) // not so in a line like "176 x 144"
             frames.emplace_back(offset, size);
     }
     return frames;
