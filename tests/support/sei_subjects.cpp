@@ -49,7 +49,6 @@ std::vector<subject> pic_timing_subjects()
         all.back().typical = typical;
         if (!read_whole)
             all.back().end.reset();
-        all.back().first_bytes = {0x38, 0x48, 0x58, 0x68, 0x78, 0x88, 0x98};
     };
     const auto add_both = [&](const std::string& name, const pic_timing_description& timing, bool typical = false) {
         add(name, pic_timing_parses{vui_for(timing)}, timing, true, typical);
@@ -76,6 +75,7 @@ std::vector<subject> pic_timing_subjects()
                 pic_timing_parses{{{false, 0, delay_length_minus1, 0}, {true, 0, 0, time_offset_length}, true}},
                 full_pic_timing(), false, false);
     add("pic_struct alone", pic_timing_parses{{{}, {}, true}}, full_pic_timing(), false, false);
+    all.back().first_bytes = {0x38, 0x48, 0x58, 0x68, 0x78, 0x88, 0x98};
     add("nothing", pic_timing_parses(), full_pic_timing(), false, false);
     for (const std::optional<std::uint32_t> current : {std::optional<std::uint32_t>(5), {}})
         add("no SPS", current_pic_timing_parses{{{4, {{true}, {}, true}}}, current}, full_pic_timing(), false, false);

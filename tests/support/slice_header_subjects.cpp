@@ -103,6 +103,14 @@ std::vector<subject> slice_header_subjects()
     extension.nal.nal_unit_type = static_cast<brenik::h264_nal_unit_type>(20);
     all.push_back(slice_subject("unit of type 20", slice_of_type(7), extension));
     all.push_back(slice_with_kept_flag());
+    for (const std::uint32_t log2_minus4 : {60U, 252U, 300U}) { // fields of 64, 0 and 48 bits
+        slice_context wide = context_of(full_slice(0));
+        wide.sps.log2_max_frame_num_minus4 = log2_minus4;
+        wide.sps.log2_max_pic_order_cnt_lsb_minus4 = 360 - log2_minus4;
+        all.push_back(slice_subject("log2 of " + std::to_string(log2_minus4 + 4), full_slice(0), wide));
+        all.back().end.reset();
+        all.back().typical = false;
+    }
     return all;
 }
 
