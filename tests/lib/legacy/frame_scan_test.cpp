@@ -40,14 +40,6 @@ TEST(FrameScan, UnitsOfOtherTypesBehindASliceAreWithinTheFrame)
     }
 }
 
-TEST(FrameScan, TheUnitThatEndsAFrameIsNotTaken)
-{
-    EXPECT_EQ("0 to 1: slice, 2 fields", first_frame({slice(1), sei(1)}));
-    EXPECT_EQ("0 to 1: slice, 2 fields", first_frame({slice(1), sps(support::high_sps())}));
-    EXPECT_EQ("0 to 1: slice, 2 fields", first_frame({slice(1), aud}));
-    EXPECT_EQ("0 to 1: slice, 2 fields", first_frame({slice(1), pps}));
-}
-
 TEST(FrameScan, AnotherFrameNumEndsTheFrameAtTheSlice)
 {
     EXPECT_EQ((lines{"0 to 1: slice, 2 fields", "1 to 3: slice, 2 fields", "3 on: slice, 2 fields"}),
@@ -206,10 +198,4 @@ TEST(FrameScan, OtherFlagsAreIgnored)
         EXPECT_EQ(whole, frames(row, {1U << bit}));
         EXPECT_EQ(split, frames(row, {1U << bit | split_fields}));
     }
-}
-
-TEST(FrameScan, AnSpsBehindFillerIsNotPartOfTheFrame)
-{
-    EXPECT_EQ((lines{"0 to 2: pps, 2 fields", "2 to 4: sps slice, 2 fields", "4 on: aud, 2 fields"}),
-              frames({pps, filler, sps(), idr(0), aud}));
 }
