@@ -1,7 +1,8 @@
 // The two generations of NAL framing, which share no code, against each other: over real streams the newer reader and
 // the legacy scanner find the same units, and both writers write the same bytes. Where they part is told, too.
 #include "support/both_framings.h"
-#include "support/legacy_nal_written.h"
+#include "support/guarded_buffer.h"
+#include "support/stream_builder.h"
 #include "support/stream_files.h"
 #include "support/zero_heavy.h"
 
@@ -101,14 +102,6 @@ TEST(GenerationsOfNalWriting, DifferInALengthThatItsPrefixDoesNotHold)
     const guarded_buffer payload(bytes(255, 7));
     EXPECT_EQ(bytes{}, newer_written(1, support::sps, payload));
     EXPECT_EQ(257U, legacy_written(1, support::sps, payload).size());
-}
-
-TEST(GenerationsOfNalWriting, DifferInAnOutputThatIsTooSmall)
-{
-    const bytes payload(40, 7);
-    support::guarded_writer w(brenik::nalfmt_annexb, 20);
-    EXPECT_EQ(0U, w.encode(support::sps, payload));
-    EXPECT_EQ(17, support::legacy_nal_written(20, 0, support::sps, payload).result);
 }
 
 TEST(GenerationsOfNalReading, DifferInUnitsAbove16777214Bytes)

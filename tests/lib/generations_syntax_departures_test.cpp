@@ -1,6 +1,5 @@
 // Where the two interfaces read the same bits otherwise, on purpose.
 #include "support/both_generations.h"
-#include "support/slice_context.h"
 
 #include <orv-utils-v4/h264.h>
 
@@ -31,32 +30,6 @@ sps_description sps_with_aspect_ratio(unsigned int idc)
     seq.vui->aspect_ratio_idc = idc;
     return seq;
 }
-
-/// Both reads of an I slice in a stream whose frame_num has so many bits.
-struct both_slices {
-    brenik::h264_nal_slice_header newer;
-    h264_nal_slice_info legacy;
-
-    explicit both_slices(unsigned int frame_num_width, bool frames_only = true) : width(frame_num_width)
-    {
-        context.sps.log2_max_frame_num_minus4 = width - 4;
-        context.sps.frame_mbs_only_flag = frames_only;
-        sps.log2_max_frame_num = static_cast<std::uint8_t>(width);
-        sps.frame_mbs_only_flag = frames_only ? 1 : 0;
-    }
-
-    void read(const bytes& data)
-    {
-        const support::guarded_buffer buffer(data);
-        brenik::h2645_common_bitreader br(buffer.begin(), buffer.end());
-        EXPECT_TRUE(newer.parse(br, context.sps_store(), context.pps_store(), context.nal));
-        EXPECT_EQ(1, support::parse_slice(legacy, {buffer.begin(), buffer.end()}, sps));
-    }
-
-    unsigned int width;
-    support::slice_context context;
-    h264_sps sps;
-};
 
 } // namespace
 
@@ -158,19 +131,6 @@ TEST(GenerationsDepart, TheUnspecifiedAspectRatioIsZeroToZeroAndZeroToOne)
     EXPECT_EQ(1U, both.legacy.sar_height);
 }
 
-TEST(GenerationsDepart, AReservedAspectRatioClearsTheNewerRatioAndKeepsTheLegacyOne)
-{
-    both_spss both(sps_with_aspect_ratio(13));
-    const support::guarded_buffer buffer(written_rbsp(sps_with_aspect_ratio(17)).made());
-    brenik::h2645_common_bitreader br(buffer.begin(), buffer.end());
-    EXPECT_TRUE(both.newer.parse(br));
-    support::parse_fenced(both.legacy, buffer.begin(), buffer.end());
-    EXPECT_EQ(0, both.newer.vui.sar_width);
-    EXPECT_EQ(0, both.newer.vui.sar_height);
-    EXPECT_EQ(160U, both.legacy.sar_width);
-    EXPECT_EQ(99U, both.legacy.sar_height);
-}
-
 TEST(GenerationsDepart, TheDelaysOfAPictureTimingHaveOtherLengths)
 {
     sps_description seq;
@@ -192,42 +152,4 @@ TEST(GenerationsDepart, TheDelaysOfAPictureTimingHaveOtherLengths)
     EXPECT_EQ(0x12U, legacy.cpb_removal_delay);
     EXPECT_EQ(0U, legacy.dpb_output_delay);
     EXPECT_EQ(3U, legacy.pic_struct);
-}
-
-TEST(GenerationsDepart, AFrameNumAbove24BitsIsReadByTheNewerAlone)
-{
-    both_slices same(24);
-    same.read(bit_writer().ue(0).ue(7).ue(0).u(24, 0xFEDCBA).u(8, 0).bytes());
-    EXPECT_EQ(0xFEDCBAU, same.newer.frame_num);
-    EXPECT_EQ(0xFEDCBAU, same.legacy.frame_num);
-    both_slices both(25);
-    both.read(bit_writer().ue(0).ue(7).ue(0).u(25, 0x1FEDCBA).u(8, 0).bytes());
-    EXPECT_EQ(0x1FEDCBAU, both.newer.frame_num);
-    EXPECT_EQ(0xFFFFFFFFU, both.legacy.frame_num);
-}
-
-TEST(GenerationsDepart, FieldFlagsThatAreNotSentAreKeptByTheNewerAndClearedByTheLegacy)
-{
-    both_slices both(4, false);
-    both.read(bit_writer().ue(0).ue(7).ue(0).u(4, 9).u(2, 0b11).u(8, 0).bytes());
-    EXPECT_TRUE(both.newer.bottom_field_flag);
-    EXPECT_EQ(1, both.legacy.bottom_field_flag);
-    both.context.sps.frame_mbs_only_flag = true;
-    both.sps.frame_mbs_only_flag = 1;
-    both.read(bit_writer().ue(0).ue(7).ue(0).u(4, 9).u(8, 0).bytes());
-    EXPECT_TRUE(both.newer.field_pic_flag);
-    EXPECT_TRUE(both.newer.bottom_field_flag);
-    EXPECT_EQ(0, both.legacy.field_pic_flag);
-    EXPECT_EQ(0, both.legacy.bottom_field_flag);
-}
-
-TEST(GenerationsDepart, AMessageThatIsCutShortIsGivenByTheNewerAlone)
-{
-    const support::guarded_buffer buffer(bytes{5, 9, 1, 2});
-    brenik::h264_nal_sei_reader newer(buffer.begin(), buffer.end());
-    EXPECT_TRUE(newer.next_message());
-    EXPECT_TRUE(newer.truncated);
-    h264_sei_pair pair;
-    EXPECT_EQ(buffer.end(), h264_sei_read_pair(&pair, buffer.begin(), buffer.end()));
-    EXPECT_EQ(0, pair.valid);
 }

@@ -50,39 +50,6 @@ TEST(BeBitfield, OpeningLoadsFourBytes)
     EXPECT_EQ(std::tuple(data.end(), 0x12345678U, 0, 1), members(b));
 }
 
-TEST(BeBitfield, FourBytesComeInOrder)
-{
-    const guarded_buffer data(bytes{0x12, 0x34, 0x56, 0x78, 0, 0, 0});
-    be_bitfield b = opened(data.begin());
-    for (const unsigned int expected : {0x12U, 0x34U, 0x56U, 0x78U})
-        EXPECT_EQ(expected, be_bitfield_read(&b, 8));
-    EXPECT_EQ(data.end(), b.ptr);
-    EXPECT_EQ(0x78000000U, b.word);
-    EXPECT_EQ(8, b.bits);
-}
-
-TEST(BeBitfield, ARefillComesBeforeTheReadThatNeedsIt)
-{
-    const guarded_buffer data(bytes{0x80, 0xFF, 1, 2, 3});
-    be_bitfield b = opened(data.begin());
-    EXPECT_EQ(0x80U, be_bitfield_read(&b, 8));
-    EXPECT_EQ(std::tuple(data.begin() + 4, 0x80FF0102U, 8, 1), members(b));
-    EXPECT_EQ(1U, be_bitfield_read(&b, 1));
-    EXPECT_EQ(std::tuple(data.end(), 0xFF010203U, 1, 1), members(b));
-}
-
-TEST(BeBitfield, EveryWidthTakesTheBitsBehindThoseBefore)
-{
-    const guarded_buffer data(bytes{0xA5, 0xC3, 0x96, 0x0F, 0xF0});
-    for (unsigned char first = 1; first <= 8; ++first)
-        for (unsigned char n = 1; n <= 24; ++n) {
-            be_bitfield b = opened(data.begin());
-            be_bitfield_read(&b, first);
-            const std::uint64_t all = 0xA5C3960FF0U;
-            EXPECT_EQ(all >> (40 - first - n) & ((1U << n) - 1), be_bitfield_read(&b, n)) << first << ", " << n;
-        }
-}
-
 TEST(BeBitfield, AWidthOfZeroGivesZeroAndLeavesTheReaderAlone)
 {
     const guarded_buffer data(bytes{0xFF, 0xFE, 0xFD, 0xFC});
@@ -104,16 +71,6 @@ TEST(BeBitfield, WidthsAbove24GiveAllOnesAndLeaveTheReaderAlone)
             ASSERT_EQ(all_ones, be_bitfield_read(&b, static_cast<unsigned char>(n)));
             ASSERT_EQ(members(before), members(b)) << n << ", " << bits;
         }
-}
-
-TEST(BeBitfield, ANextReadGoesOnBehindWidthsThatMoveNothing)
-{
-    const guarded_buffer data(bytes{0x12, 0x34, 0x56, 0x78, 0x9A});
-    be_bitfield b = opened(data.begin());
-    EXPECT_EQ(0x12U, be_bitfield_read(&b, 8));
-    EXPECT_EQ(0U, be_bitfield_read(&b, 0));
-    EXPECT_EQ(all_ones, be_bitfield_read(&b, 25));
-    EXPECT_EQ(0x34U, be_bitfield_read(&b, 8));
 }
 
 /// The assertion cannot be reached: whatever `bits` holds, a refill leaves at most 7 and a read adds at most 24.

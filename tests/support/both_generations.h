@@ -162,7 +162,7 @@ inline std::string difference(const brenik::h264_nal_slice_header& newer, const 
     expected.frame_num = newer.frame_num;
     expected.field_pic_flag = newer.field_pic_flag ? 1 : 0;
     expected.bottom_field_flag = newer.bottom_field_flag ? 1 : 0;
-    return difference(fields_of(expected), fields_of(legacy));
+    return difference_of(expected, legacy);
 }
 
 /// Departure: the newer parse takes the length of the initial delay for both delays.
@@ -186,7 +186,7 @@ inline std::string timing_difference(const brenik::h264_nal_sps& seq, h264_sps l
         return "a picture timing is not read by both";
     const h264_sei_picture_timing_info expected{newer.cpb_removal_delay, newer.dpb_output_delay, newer.pic_struct,
                                                 legacy.field_duration};
-    return difference(fields_of(expected), fields_of(legacy));
+    return difference_of(expected, legacy);
 }
 
 /// What the two say otherwise of the messages of an RBSP. `payload(pair)` tells more of each.

@@ -8,6 +8,7 @@
 #include <orv-utils-v4/h264_legacy/sps.h>
 
 #include <cstdint>
+#include <string>
 #include <type_traits>
 
 namespace support {
@@ -115,6 +116,13 @@ void each_field(Visitor& visit, const h264_sei_picture_timing_info& timing)
     visit("dpb_output_delay", timing.dpb_output_delay);
     visit("pic_struct", timing.pic_struct);
     visit("field_duration", timing.field_duration);
+}
+
+/// What differs between two records.
+template <typename Record>
+std::string difference_of(const Record& expected, const Record& actual)
+{
+    return difference(fields_of(expected), fields_of(actual));
 }
 
 /// Gives every member the number behind that of the one before.

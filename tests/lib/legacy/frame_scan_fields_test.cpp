@@ -28,13 +28,6 @@ TEST(FrameScanFields, SplitEachFieldIsAFrame)
         << "without picture timing";
 }
 
-TEST(FrameScanFields, EitherFieldMayComeFirst)
-{
-    EXPECT_EQ("0 to 3: aud slice, 2 fields", first_frame({slice(3, bottom), aud, slice(3, top), aud}));
-    EXPECT_EQ("0 to 3: aud slice, 2 fields", first_frame({slice(3, top), aud, slice(3, top), aud}))
-        << "which of them is not looked at";
-}
-
 TEST(FrameScanFields, EveryUnitOfTypeSixToElevenBehindTheSecondFieldEndsTheFrame)
 {
     for (const unit& boundary : {other_sei(), sps(), pps, aud, end_of_sequence, end_of_stream}) {
@@ -78,18 +71,6 @@ TEST(FrameScanFields, ALoneFieldKeepsWhatTheUnitsBehindItSet)
         << "no adjustment at a slice";
 }
 
-TEST(FrameScanFields, ThirdFieldsOfTheSameFrameNumBeginAFrame)
-{
-    EXPECT_EQ((lines{"0 to 3: aud slice, 2 fields", "3 on: aud slice, 2 fields"}),
-              frames({slice(3, top), aud, slice(3, bottom), aud, slice(3, top)}));
-}
-
-TEST(FrameScanFields, ASecondFieldOfTwoSlicesEndsAtAnotherFrameNumBeforeTheSecondField)
-{
-    EXPECT_EQ("0 to 1: aud slice, 2 fields",
-              first_frame({slice(3, top), aud, slice(3, bottom), slice(3, bottom), slice(4, top)}));
-}
-
 TEST(FrameScanFields, AFramePictureBehindALoneFieldEndsItProvisionally)
 {
     EXPECT_EQ("0 on, 1 so far: aud slice, 2 fields", first_frame({slice(3, top), aud, slice(3)}));
@@ -114,32 +95,11 @@ TEST(FrameScanFields, AFrameThatBeginsWithAFramePictureHasNoPair)
     EXPECT_EQ("0 to 1: slice, 2 fields", first_frame({slice(3), aud, slice(3, bottom), aud}));
 }
 
-TEST(FrameScanFields, AFieldSliceBehindAFrameSliceMakesAPairToo)
-{
-    EXPECT_EQ("0 to 4: aud slice, 2 fields", first_frame({slice(3), slice(3, top), aud, slice(3, bottom), aud}));
-}
-
-TEST(FrameScanFields, AFrameSliceBehindAFieldSliceLeavesThePair)
-{
-    EXPECT_EQ("0 to 4: aud slice, 2 fields", first_frame({slice(3, top), slice(3), aud, slice(3, bottom), aud}));
-}
-
-TEST(FrameScanFields, IdrFieldsPairWithOthers)
-{
-    EXPECT_EQ("0 to 3: pps slice, 2 fields", first_frame({idr(0, top), pps, slice(0, bottom), pps}));
-}
-
 TEST(FrameScanFields, PartitionsAndFillerDoNotCloseTheFirstField)
 {
     EXPECT_EQ("0 to 3: slice, 2 fields", first_frame({slice(3, top), filler, slice(3, bottom), end_of_stream}));
     EXPECT_EQ("0 to 5: aud slice, 2 fields",
               first_frame({slice(3, top), filler, aud, slice(3, bottom), partition_a, aud}));
-}
-
-TEST(FrameScanFields, FillerBehindTheUnitThatClosesAFieldEndsItsLeadingUnits)
-{
-    EXPECT_EQ((lines{"0 to 3: aud slice, 2 fields", "3 on: sei slice, 2 fields"}),
-              frames({slice(3, top), aud, filler, other_sei(), slice(3, bottom)}));
 }
 
 TEST(FrameScanFields, PictureTimingSaysHowLongAFrameIs)

@@ -103,21 +103,6 @@ TEST(FrameScanInput, AUnitOfTheFrameThatIsTooLargeEndsTheCall)
         << "the unit that would end it too";
 }
 
-TEST(FrameScanInput, EveryRoomGivesTheSameFrameOrSaysThatItIsTooSmall)
-{
-    const units row = {aud, sps(), pps, sei(1), idr(3, top), sei(2), slice(3, bottom), aud};
-    std::size_t largest = 0;
-    for (const unit& u : row)
-        largest = std::max(largest, u.rbsp.size());
-    for (std::size_t room = 0; room <= largest + 5; ++room) {
-        const std::string line = first_frame(row, {0, {}, room});
-        if (room >= largest)
-            EXPECT_EQ("0 to 7: aud sps pps sei slice, 2 fields", line) << room;
-        else
-            EXPECT_EQ(room == 0 ? "none, next 1: 2 fields" : "0, no room: aud, 2 fields", line) << room;
-    }
-}
-
 TEST(FrameScanInput, NothingIsWrittenOutsideOfTheRoom)
 {
     const stream s = framed({aud, sps(support::full_sps()), slice(1)}, annexb);

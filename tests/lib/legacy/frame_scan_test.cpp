@@ -18,12 +18,6 @@ TEST(FrameScan, AFrameOfEveryKindOfUnitEndsBeforeTheNextAud)
               first_frame({aud, sps(), pps, sei(0), idr(0), aud, slice(1)}, {0, {}}));
 }
 
-TEST(FrameScan, TheNextCallBeginsAtTheEnd)
-{
-    EXPECT_EQ((lines{"0 to 5: aud sps pps sei slice, 2 fields", "5 to 7: aud slice, 2 fields", "7 on: aud, 2 fields"}),
-              frames({aud, sps(), pps, sei(0), idr(0), aud, slice(1), aud}));
-}
-
 TEST(FrameScan, AnyUnitOfTypeSixToElevenBehindASliceEndsTheFrame)
 {
     for (const unit& boundary : {other_sei(), sps(), pps, aud, end_of_sequence, end_of_stream})
@@ -40,14 +34,6 @@ TEST(FrameScan, UnitsOfOtherTypesBehindASliceAreWithinTheFrame)
     }
 }
 
-TEST(FrameScan, TheUnitThatEndsAFrameIsNotTaken)
-{
-    EXPECT_EQ("0 to 1: slice, 2 fields", first_frame({slice(1), sei(1)}));
-    EXPECT_EQ("0 to 1: slice, 2 fields", first_frame({slice(1), sps(support::high_sps())}));
-    EXPECT_EQ("0 to 1: slice, 2 fields", first_frame({slice(1), aud}));
-    EXPECT_EQ("0 to 1: slice, 2 fields", first_frame({slice(1), pps}));
-}
-
 TEST(FrameScan, AnotherFrameNumEndsTheFrameAtTheSlice)
 {
     EXPECT_EQ((lines{"0 to 1: slice, 2 fields", "1 to 3: slice, 2 fields", "3 on: slice, 2 fields"}),
@@ -61,12 +47,6 @@ TEST(FrameScan, EqualFrameNumsWithNothingBetweenStayTogether)
     EXPECT_EQ((lines{"0 to 2: aud slice, 2 fields", "2 to 4: aud slice, 2 fields", "4 on: aud slice, 2 fields"}),
               frames({aud, slice(2), aud, slice(2), aud, slice(2)}))
         << "a unit between them parts them";
-}
-
-TEST(FrameScan, TheFrameNumIsThatOfTheFirstSlice)
-{
-    EXPECT_EQ("0 to 3: slice, 2 fields", first_frame({slice(4), filler, slice(4), slice(5), aud}));
-    EXPECT_EQ("0 to 1: slice, 2 fields", first_frame({slice(0), slice(7)})) << "0 is one as any other";
 }
 
 TEST(FrameScan, AnIdrSliceIsASliceAsAnyOther)
@@ -206,10 +186,4 @@ TEST(FrameScan, OtherFlagsAreIgnored)
         EXPECT_EQ(whole, frames(row, {1U << bit}));
         EXPECT_EQ(split, frames(row, {1U << bit | split_fields}));
     }
-}
-
-TEST(FrameScan, AnSpsBehindFillerIsNotPartOfTheFrame)
-{
-    EXPECT_EQ((lines{"0 to 2: pps, 2 fields", "2 to 4: sps slice, 2 fields", "4 on: aud, 2 fields"}),
-              frames({pps, filler, sps(), idr(0), aud}));
 }

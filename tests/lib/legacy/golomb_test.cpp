@@ -126,19 +126,3 @@ TEST(LegacyGolomb, ValuesWrittenAreRead)
         ASSERT_EQ(-number, decode(bit_writer().se(-number)).se);
     }
 }
-
-/// The suffix begins with a byte: that byte is loaded. A code without a suffix loads nothing.
-TEST(LegacyGolomb, AByteIsLoadedForASuffixAlone)
-{
-    const guarded_buffer data(bytes{0x01, 0x80, 0x00, 0x00, 0xFF, 0xFE});
-    be_bitfield b;
-    be_bitfield_open(&b, data.begin());
-    EXPECT_EQ(0U, be_bitfield_read(&b, 7));
-    EXPECT_EQ(0U, h264_ue_golomb_read(&b));
-    EXPECT_EQ(data.begin() + 4, b.ptr);
-    EXPECT_EQ(8, b.bits);
-    be_bitfield_open(&b, data.begin());
-    EXPECT_EQ(127U + 64, h264_ue_golomb_read(&b));
-    EXPECT_EQ(data.begin() + 5, b.ptr);
-    EXPECT_EQ(7, b.bits);
-}

@@ -89,15 +89,6 @@ TEST(LegacyNalWrite, AForbiddenHeaderFailsBehindTheStartCode)
     }
 }
 
-TEST(LegacyNalWrite, AForbiddenHeaderFailsBeforeAPrefixIsWritten)
-{
-    for (unsigned int k = 1; k <= 4; ++k) {
-        const legacy_nal_written w(large, k, 0x80, {7});
-        EXPECT_EQ(-1, w.result);
-        EXPECT_TRUE(w.untouched_from(0));
-    }
-}
-
 TEST(LegacyNalWrite, LessThan16BytesOfRoomFailBeforeAnythingElse)
 {
     for (std::size_t out_size = 0; out_size < 16; ++out_size)

@@ -10,6 +10,7 @@ namespace {
 
 using support::bit_writer;
 using support::bytes;
+using support::difference_of;
 using support::guarded_buffer;
 using support::slice_header_description;
 using support::written;
@@ -41,11 +42,6 @@ struct parsed_slice_info {
     const h264_nal_slice_info* operator->() const { return &info; }
 };
 
-std::string difference(const h264_nal_slice_info& expected, const h264_nal_slice_info& actual)
-{
-    return support::difference(support::fields_of(expected), support::fields_of(actual));
-}
-
 } // namespace
 
 TEST(LegacySlice, EveryElementIsReadIntoItsField)
@@ -76,7 +72,7 @@ TEST(LegacySlice, AnAbsentPayloadLeavesTheInfo)
         st.nal_fence = range[1];
         h264_nal_slice_info info = earlier();
         EXPECT_EQ(0, h264_slice_parse(info, st, sps));
-        EXPECT_EQ("", difference(earlier(), info));
+        EXPECT_EQ("", difference_of(earlier(), info));
     }
 }
 
@@ -117,6 +113,6 @@ TEST(LegacySlice, CutAnywhereReadsZerosBehindTheEnd)
         const parsed_slice_info alone(cut, sps);
         const parsed_slice_info padded(support::followed_by_zeros(cut, 32), sps);
         EXPECT_EQ(1, alone.result);
-        EXPECT_EQ("", difference(padded.info, alone.info)) << size;
+        EXPECT_EQ("", difference_of(padded.info, alone.info)) << size;
     }
 }

@@ -76,6 +76,14 @@ TEST(LegacySpsSize, TheCropUnitsFollowTheChromaFormatAndTheFields)
             }
 }
 
+TEST(LegacySpsSize, WithoutTheCroppingFlagOffsetsDoNotCount)
+{
+    h264_sps sps = cropped_sps(1, 0);
+    sps.frame_cropping_flag = 0;
+    EXPECT_EQ(320, sps.get_final_frame_width());
+    EXPECT_EQ(960, sps.get_final_frame_height());
+}
+
 TEST(LegacySpsSize, CropsLargerThanThePictureGiveZero)
 {
     for (const std::uint32_t right : {319U, 320U, 321U, 1000U, 16777214U, 33554430U}) {

@@ -9,6 +9,7 @@
 namespace {
 
 using support::bit_writer;
+using support::difference_of;
 using support::element_writer;
 using support::end_of;
 using support::hrd_description;
@@ -33,11 +34,6 @@ h264_sps parse(const vui_description& vui, const h264_sps& before = {})
     const parsed_legacy_sps p(writer, before);
     EXPECT_EQ(end_of(writer, "vui.pic_struct_present_flag"), p.consumed());
     return p.object;
-}
-
-std::string difference(const h264_sps& expected, const h264_sps& actual)
-{
-    return support::difference(support::fields_of(expected), support::fields_of(actual));
 }
 
 vui_description aspect_ratio(unsigned int idc, unsigned int width = 0, unsigned int height = 0)
@@ -101,7 +97,7 @@ TEST(LegacyVui, GroupsThatAreNotSentKeepTheirFields)
     expected.timing_info_present_flag = 0;
     expected.nal_hrd_parameters_present_flag = expected.vcl_hrd_parameters_present_flag = 0;
     expected.pic_struct_present_flag = 0;
-    EXPECT_EQ("", difference(expected, sps));
+    EXPECT_EQ("", difference_of(expected, sps));
 }
 
 TEST(LegacyVui, AnSpsWithoutVuiKeepsTheTimingOfTheOneBefore)
@@ -179,7 +175,7 @@ TEST(LegacyHrd, EveryCountTo32IsReadAndDropped)
         expected.cpb_removal_delay_length = 13;
         expected.dpb_output_delay_length = expected.time_offset_length = 14;
         sps.discard_h264_video_hrd_params_because_nobody_fucking_cares(open.bf);
-        EXPECT_EQ("", difference(expected, sps));
+        EXPECT_EQ("", difference_of(expected, sps));
         EXPECT_EQ(writer.size_in_bits(), open.consumed());
     }
 }
@@ -193,7 +189,7 @@ TEST(LegacyHrd, MoreThan32CpbsReadTheCountAlone)
         open_bits open(writer.u(60, 0x123456789ABCDEF));
         h264_sps sps = support::numbered_sps();
         sps.discard_h264_video_hrd_params_because_nobody_fucking_cares(open.bf);
-        EXPECT_EQ("", difference(support::numbered_sps(), sps));
+        EXPECT_EQ("", difference_of(support::numbered_sps(), sps));
         EXPECT_EQ(bits, open.consumed()) << minus1;
     }
 }
