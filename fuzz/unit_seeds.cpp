@@ -2,13 +2,13 @@
 // target takes first, which the head of its source tells.
 #include "seeds.h"
 
-#include "support/frame_bench.h"
+#include "support/frame_notation.h"
 
 namespace fuzz {
 
 namespace {
 
-namespace bench = support::bench;
+namespace frame_notation = support::frame_notation;
 
 /// Units with their header bytes, as they stand in a stream.
 const std::map<std::string, std::vector<bytes>> rows = {
@@ -102,9 +102,9 @@ void add_block_twins(seeds& to)
 }
 
 /// What makes frames of one and two fields, and what lies between them.
-std::map<std::string, bench::units> frames()
+std::map<std::string, frame_notation::units> frames()
 {
-    using namespace bench;
+    using namespace frame_notation;
     support::sps_description timed = field_stream();
     timed.vui->nal_hrd.emplace();
     support::sps_description wide = field_stream();
@@ -129,14 +129,14 @@ std::map<std::string, bench::units> frames()
 void add_frames(seed_table& to)
 {
     for (const auto& [name, units] : frames()) {
-        const bytes stream = bench::framed(units, bench::annexb).data;
+        const bytes stream = frame_notation::framed(units, frame_notation::annexb).data;
         to["legacy_frame_scan"][name] = behind({0, 0, 255}, stream);
         to["legacy_frame_scan"][name + "_cut"] = behind({0, 1, 255}, {stream.begin(), stream.end() - 3});
         to["legacy_frame_scan"][name + "_little_room"] = behind({0, 0, 6}, stream);
-        to["legacy_frame_scan"][name + "_prefixed"] = behind({2, 1, 255}, bench::framed(units, {2}).data);
+        to["legacy_frame_scan"][name + "_prefixed"] = behind({2, 1, 255}, frame_notation::framed(units, {2}).data);
         for (const bytes& how : {bytes{0, 0, 60}, bytes{0, 3, 0}, bytes{2, 1, 0}}) { // framing, flags, padding
             stream_builder seed = stream_builder().raw({how[0], how[1], 4});
-            for (const bench::unit& u : units)
+            for (const frame_notation::unit& u : units)
                 seed.raw({u.header, how[2], static_cast<unsigned char>(u.rbsp.size())}).raw(u.rbsp);
             to["frame_finder"][name + "_" + std::to_string(how[1])] = seed;
         }
