@@ -67,7 +67,7 @@ TEST(Messages, ControlCharactersOfANameAreEscaped)
     EXPECT_EQ("orv-h264: " + folder.path(shown) + ": offset 0: bytes before the first start code (5 bytes)\n",
               run_tool({"inspect", "--nals", "--format", "annexb", path}).err);
     EXPECT_EQ("orv-h264: " + folder.path(shown) + ": not an Annex B stream; name the framing with --format\n",
-              run_tool({"info", folder.write(hostile, {1, 2, 3})}).err);
+              run_tool({"info", folder.write(hostile, bytes(9, 1))}).err);
     EXPECT_EQ("orv-h264: " + shown + ": No such file or directory\n", run_tool({"info", hostile}).err);
 }
 
