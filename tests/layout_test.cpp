@@ -75,7 +75,8 @@ public:
     {
         const auto offset = reinterpret_cast<const char*>(&member) - start;
         text += text.empty() ? " " : ", ";
-        text += name + '@' + std::to_string(offset) + ':' + std::to_string(sizeof member) + ' ' + type_name<Member>();
+        // NOLINTNEXTLINE(bugprone-sizeof-expression): the size of a pointer itself is meant
+        text += name + '@' + std::to_string(offset) + ':' + std::to_string(sizeof(Member)) + ' ' + type_name<Member>();
     }
 
     template <typename Structure>

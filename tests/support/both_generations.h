@@ -202,7 +202,7 @@ std::string messages_difference(unsigned char* start, unsigned char* fence, Payl
             pair.payload_size != newer.payloadSize || pair.start != newer.message || pair.data != newer.payload ||
             pair.fence != newer.payload_fence)
             return "a message is another in the legacy interface";
-        if (const std::string text = payload(pair); !text.empty())
+        if (std::string text = payload(pair); !text.empty())
             return text;
     }
     return h264_sei_read_pair(&pair, p, fence) == fence && pair.valid == 0 ? "" : "the legacy interface goes on";
