@@ -2,17 +2,18 @@
 
 # Tests are many and short-lived: they are built quickly rather than made fast, and their lines are all that a debugger
 # or a sanitizer is told of them. What nearly all of them read is compiled once.
+set(ORV_UTILS_V4_TEST_OPTIONS -O1 -g1 CACHE STRING "How the sources of tests are compiled")
 add_library(orv_test_support STATIC ${PROJECT_SOURCE_DIR}/tests/support/run_tool.cpp)
 target_precompile_headers(orv_test_support PRIVATE
     <gtest/gtest.h> <algorithm> <array> <cstdint> <cstdio> <filesystem> <fstream> <functional> <map> <memory> <optional>
     <random> <set> <sstream> <string> <string_view> <utility> <variant> <vector>)
 target_link_libraries(orv_test_support PUBLIC GTest::gtest_main)
-target_compile_options(orv_test_support PRIVATE -O1 -g1)
+target_compile_options(orv_test_support PRIVATE ${ORV_UTILS_V4_TEST_OPTIONS})
 target_include_directories(orv_test_support PUBLIC ${PROJECT_SOURCE_DIR}/tests ${PROJECT_SOURCE_DIR}/lib)
 
 # orv_built_quickly(TARGET): as the sources of tests are.
 function(orv_built_quickly target)
-    target_compile_options(${target} PRIVATE -O1 -g1)
+    target_compile_options(${target} PRIVATE ${ORV_UTILS_V4_TEST_OPTIONS})
     target_precompile_headers(${target} REUSE_FROM orv_test_support)
 endfunction()
 

@@ -382,16 +382,6 @@ INSTANTIATE_TEST_SUITE_P(Streams, FramesStream, testing::ValuesIn(support::all_a
 
 } // namespace
 
-TEST_P(FramesStream, FileAndPipeShowTheSame)
-{
-    const tool_result from_file = run_tool({"frames", GetParam().string()});
-    const tool_result from_pipe = run_tool({"frames", "-"}, {.piped = support::read_file(GetParam())});
-    EXPECT_EQ(from_file.out, from_pipe.out);
-    EXPECT_EQ(from_file.status, from_pipe.status);
-    EXPECT_EQ(run_tool({"inspect", GetParam().string()}).status, from_file.status) << from_file.err;
-    EXPECT_TRUE(from_file.status == 1 || !support::is_broken(GetParam()));
-}
-
 TEST_P(FramesStream, TheClosingLineAddsTheFramesUp)
 {
     auto objects = lines_of(run_tool({"frames", "--json", GetParam().string()}).out);

@@ -396,13 +396,15 @@ INSTANTIATE_TEST_SUITE_P(Streams, InfoStream, testing::ValuesIn(support::all_ann
 
 TEST_P(InfoStream, FileAndPipeTellTheSame)
 {
-    const tool_result from_file = run_tool({"info", GetParam().string()});
-    const tool_result from_pipe = run_tool({"info", "-"}, {.piped = support::read_file(GetParam())});
-    const auto behind_name = [](const std::string& text) { return text.substr(text.find('\n')); };
-    EXPECT_EQ(behind_name(from_file.out), behind_name(from_pipe.out));
-    EXPECT_EQ(run_tool({"inspect", GetParam().string()}).status, from_file.status) << from_file.out;
-    EXPECT_TRUE(from_file.status == 1 || !support::is_broken(GetParam()));
-    EXPECT_EQ(from_file.status, from_pipe.status);
+    for (const std::string command : {"info", "frames"}) {
+        const tool_result from_file = run_tool({command, GetParam().string()});
+        const tool_result from_pipe = run_tool({command, "-"}, {.piped = support::read_file(GetParam())});
+        const auto behind_name = [](const std::string& text) { return text.substr(text.find('\n')); };
+        EXPECT_EQ(behind_name(from_file.out), behind_name(from_pipe.out));
+        EXPECT_EQ(run_tool({"inspect", GetParam().string()}).status, from_file.status) << from_file.err;
+        EXPECT_TRUE(from_file.status == 1 || !support::is_broken(GetParam()));
+        EXPECT_EQ(from_file.status, from_pipe.status);
+    }
 }
 
 TEST_P(InfoStream, FramesAreThoseThatFramesShows)

@@ -4,6 +4,7 @@
 #include <orv-utils-v4/h264/nal_sei_pic_timing.h>
 #include <orv-utils-v4/h264/nal_slice_header.h>
 #include <orv-utils-v4/h264/vui_parameters.h>
+#include <orv-utils-v4/h264_legacy/nal_parser.h>
 
 #include <gtest/gtest.h>
 
@@ -41,9 +42,17 @@ std::string ct_type_text(unsigned int number)
     return timestamp.ct_type_to_str();
 }
 
+/// "none" for the types whose name is a null pointer.
+std::string legacy_unit_text(unsigned int type)
+{
+    const char* const name = h264_nal_parser_unit_type_to_str(static_cast<unsigned char>(type));
+    return name == nullptr ? "none" : name;
+}
+
 std::string every_text()
 {
-    return rows("nal_unit_type", fence, "",
+    return rows("nal_unit_type of the legacy interface", 256, "none", legacy_unit_text) +
+           rows("nal_unit_type", fence, "",
                 [](unsigned int n) { return h264_nal_unit_type_to_str(static_cast<brenik::h264_nal_unit_type>(n)); }) +
            rows("slice_type", fence, "",
                 [](unsigned int n) { return h264_slice_type_t_to_string(static_cast<brenik::h264_slice_type_t>(n)); }) +

@@ -133,29 +133,6 @@ TEST(LegacyNalScan, AnOutputOfNothingMayBeNull)
     EXPECT_EQ(nullptr, state.nal_fence);
 }
 
-TEST(LegacyNalScan, TypesOneToTwelveAloneHaveNames)
-{
-    const std::string expected[] = {
-        "Coded slice of a non-IDR picture",
-        "Coded slice data partition A",
-        "Coded slice data partition B",
-        "Coded slice data partition C",
-        "Coded slice of an IDR picture",
-        "Supplemental enhancement information",
-        "Sequence parameter set",
-        "Picture parameter set",
-        "Access unit delimiter",
-        "End of sequence",
-        "End of stream",
-        "Filler data",
-    };
-    for (unsigned char type = 1; type <= 12; ++type)
-        EXPECT_EQ(expected[type - 1], h264_nal_parser_unit_type_to_str(type));
-    EXPECT_EQ(nullptr, h264_nal_parser_unit_type_to_str(0));
-    for (unsigned int type = 13; type < 256; ++type)
-        EXPECT_EQ(nullptr, h264_nal_parser_unit_type_to_str(static_cast<unsigned char>(type)));
-}
-
 TEST(LegacyNalScan, ALengthOfZeroGivesUpTheRange)
 {
     for (unsigned int k = 1; k <= 4; ++k) {
