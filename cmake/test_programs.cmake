@@ -7,6 +7,9 @@ add_library(orv_test_support STATIC ${PROJECT_SOURCE_DIR}/tests/support/run_tool
 target_precompile_headers(orv_test_support PRIVATE
     <gtest/gtest.h> <algorithm> <array> <cstdint> <cstdio> <filesystem> <fstream> <functional> <map> <memory> <optional>
     <random> <set> <sstream> <string> <string_view> <utility> <variant> <vector>)
+if(ORV_UTILS_V4_TOOLS)
+    target_precompile_headers(orv_test_support PRIVATE <nlohmann/json.hpp>)
+endif()
 target_link_libraries(orv_test_support PUBLIC GTest::gtest_main)
 target_compile_options(orv_test_support PRIVATE ${ORV_UTILS_V4_TEST_OPTIONS})
 target_include_directories(orv_test_support PUBLIC ${PROJECT_SOURCE_DIR}/tests ${PROJECT_SOURCE_DIR}/lib)
