@@ -1,0 +1,64 @@
+/// @file
+/// Up to N entries in place: for lists that the standard bounds and that most units leave nearly empty. Making one
+/// touches nothing but its size.
+#pragma once
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <type_traits>
+
+namespace orv_utils_v4::h264 {
+
+/// A list of at most N entries. Entries behind its size hold nothing.
+template <class T, std::size_t N>
+class bounded_list {
+    static_assert(std::is_trivially_copyable<T>::value);
+
+public:
+    bounded_list() noexcept {} // NOLINT(modernize-use-equals-default): `= default` would clear the entries of T{}
+    bounded_list(const bounded_list& from) noexcept : count(from.count) { std::copy(from.begin(), from.end(), begin()); }
+    bounded_list& operator=(const bounded_list& from) noexcept
+    {
+        count = from.count;
+        std::copy(from.begin(), from.end(), begin()); // onto itself changes nothing
+        return *this;
+    }
+
+    /// The most entries.
+    static constexpr std::size_t capacity() noexcept { return N; }
+    std::size_t size() const noexcept { return count; }
+    bool empty() const noexcept { return count == 0; }
+    /// Makes it `n` entries long, at most N of them; entries that come in are T{}.
+    void resize(std::size_t n) noexcept
+    {
+        n = std::min(n, N);
+        for (; count < n; ++count)
+            new (begin() + count) T();
+        count = static_cast<std::uint32_t>(n);
+    }
+    void clear() noexcept { count = 0; }
+    /// One more entry, T{}; nothing when it is full.
+    void grow() noexcept { resize(count + std::size_t{1}); }
+
+    T* begin() noexcept { return reinterpret_cast<T*>(room); }
+    T* end() noexcept { return begin() + count; }
+    const T* begin() const noexcept { return reinterpret_cast<const T*>(room); }
+    const T* end() const noexcept { return begin() + count; }
+    T& back() noexcept { return begin()[count - 1]; }
+    const T& back() const noexcept { return begin()[count - 1]; }
+    T& operator[](std::size_t i) noexcept { return begin()[i]; }
+    const T& operator[](std::size_t i) const noexcept { return begin()[i]; }
+
+    friend bool operator==(const bounded_list& a, const bounded_list& b) noexcept
+    {
+        return std::equal(a.begin(), a.end(), b.begin(), b.end());
+    }
+    friend bool operator!=(const bounded_list& a, const bounded_list& b) noexcept { return !(a == b); }
+
+private:
+    std::uint32_t count = 0;
+    alignas(T) unsigned char room[N * sizeof(T)];
+};
+
+} // namespace orv_utils_v4::h264

@@ -1,0 +1,73 @@
+// What the texts are written over. A coder goes through a structure element by element, in the order of the text, and
+// does one thing with them: `reader` reads them out of bits (and tells them, when it is made with a visitor), `writer`
+// writes them, `editor` sets those that a path names. All coders have the same members:
+//
+//   structure(name)                      opens a structure, until what it returns goes
+//   u(n, name, x[, low, high])           an element by its descriptor; low and high are the range that the standard
+//   u_v(n, …) i(n, …) i_v(n, …) ue(name, x, …) se(…) flag(name, x[, low, high]) b(name, x) st(name, x)   states. A value
+//                                        outside is a finding: it is stored
+//   ue_bound(name, x, low, high) u_bound(n, …)   the same, where more than `high` would run past an array: a failure
+//   u_bytes(name, x)                     u(8 * N) of N bytes kept in an array
+//   f(n, name, value)                    a fixed pattern
+//   infer(x, value)                      what an element that is not sent is inferred as; only where it is not sent
+//   count(name, v, n)                    gives a growing list its n entries
+//   entry(name, list, i), entries_end(name, list, n)   entries of a bounded list whose number shows on the way
+//   append(name, v)                      one more entry of a growing list, or null when there can be none
+//   as<T>(v)                             the alternative of a variant
+//   byte_aligned(), more_rbsp_data(x), going()
+//   fail(why, name, value, bound)        what only the text can know
+#pragma once
+
+#include <orv-utils-v4/h264_syntax/element.h>
+#include <orv-utils-v4/h264_syntax/outcome.h>
+
+#include <cstdint>
+#include <limits>
+#include <type_traits>
+
+namespace orv_utils_v4::h264 {
+
+/// The structure as a text takes it: a coder that does not change it gets it const.
+template <class Coder, class T>
+using in = std::conditional_t<Coder::changes, T, const T>;
+
+/// Ceil( Log2( x ) ), clause 5.7; 0 for x up to 1.
+constexpr unsigned Ceil_Log2(std::uint64_t x) noexcept
+{
+    unsigned bits = 0;
+    while (bits < 64 && (std::uint64_t{1} << bits) < x)
+        ++bits;
+    return bits;
+}
+
+constexpr std::int64_t highest_ue = 0xFFFFFFFE;
+constexpr std::int64_t highest_se = 0x7FFFFFFF;
+
+/// The greatest number of n bits, n from 1 to 32.
+constexpr std::int64_t highest_u(unsigned n) noexcept
+{
+    return (std::int64_t{1} << n) - 1;
+}
+
+/// Closes a structure when it goes.
+template <class Coder>
+class structure_scope {
+public:
+    explicit structure_scope(Coder& of) noexcept : coder(of) {}
+    structure_scope(const structure_scope&) = delete;
+    structure_scope& operator=(const structure_scope&) = delete;
+    ~structure_scope() { coder.close(); }
+
+private:
+    Coder& coder;
+};
+
+/// A value that an element can have and its member cannot hold.
+template <class X>
+constexpr bool holds(std::int64_t value) noexcept
+{
+    return value >= static_cast<std::int64_t>(std::numeric_limits<X>::min()) &&
+           value <= static_cast<std::int64_t>(std::numeric_limits<X>::max());
+}
+
+} // namespace orv_utils_v4::h264

@@ -1,0 +1,508 @@
+// The coder that reads: over the bits of one unit, header bytes first, emulation-prevention bytes removed. With `told`
+// it is the trace too. The first failure is kept; after it nothing is read, and elements keep what they hold. A failure
+// inside an SEI payload ends that payload alone.
+#pragma once
+
+#include "coders/coder.h"
+
+#include <orv-utils-v4/h264_syntax/bounded_list.h>
+#include <orv-utils-v4/h2645_common/bitreader.h>
+
+#include <array>
+#include <cstddef>
+#include <new>
+#include <stdexcept>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace orv_utils_v4::h264 {
+
+using brenik::h2645_common_bitreader;
+using brenik::range_size;
+
+/// Tells nobody.
+class untold {
+public:
+    static constexpr bool tells = false;
+    void open(const char*) {}
+    void close() {}
+    void element(const traced_element&) {}
+};
+
+/// Tells a visitor.
+class told {
+public:
+    static constexpr bool tells = true;
+    explicit told(visitor& to) : listener(&to) {}
+    void open(const char* name) { listener->open(name); }
+    void close() { listener->close(); }
+    void element(const traced_element& e) { listener->element(e); }
+
+private:
+    visitor* listener;
+};
+
+template <class Telling>
+class reader {
+public:
+    static constexpr bool changes = true;
+    static constexpr bool reads = true;
+
+    /// [data, fence) are the bytes of the unit; how it went is left in `to`. What reaches past them fails with
+    /// unit_ends.
+    reader(const unsigned char* data, const unsigned char* fence, outcome& to, Telling telling = {})
+        : br(data, fence), limit(fence), out(to), tell(telling)
+    {
+    }
+
+    auto structure(const char* name)
+    {
+        tell.open(name);
+        return structure_scope<reader>(*this);
+    }
+    void close() { tell.close(); }
+
+    bool going() const noexcept { return !stopped; }
+    std::size_t position() const noexcept { return br.bits_consumed(); }
+    bool byte_aligned() const noexcept { return stopped || br.bits_to_byte_boundary() == 0; }
+
+    template <class X>
+    void u(unsigned n, const label& name, X& x)
+    {
+        number(name, coding::u, x, n, 0, highest_u(n));
+    }
+    template <class X>
+    void u(unsigned n, const label& name, X& x, std::int64_t lowest, std::int64_t highest)
+    {
+        number(name, coding::u, x, n, lowest, highest);
+    }
+    template <class X>
+    void u_bound(unsigned n, const label& name, X& x, std::int64_t lowest, std::int64_t highest)
+    {
+        bounded(name, x, lowest, highest, [&](auto& to) { u(n, name, to, lowest, highest); });
+    }
+    template <class X>
+    void u_v(std::uint64_t n, const label& name, X& x)
+    {
+        u_v(n, name, x, 0, n == 0 || n > 32 ? 0 : highest_u(static_cast<unsigned>(n)));
+    }
+    template <class X>
+    void u_v(std::uint64_t n, const label& name, X& x, std::int64_t lowest, std::int64_t highest)
+    {
+        if (wide(n, name))
+            number(name, coding::u_v, x, static_cast<unsigned>(n), lowest, highest);
+    }
+    template <class X>
+    void i(unsigned n, const label& name, X& x)
+    {
+        const std::int64_t half = std::int64_t{1} << (n - 1);
+        signed_number(name, coding::i, x, n, -half, half - 1);
+    }
+    template <class X>
+    void i_v(std::uint64_t n, const label& name, X& x)
+    {
+        if (!wide(n, name))
+            return;
+        const std::int64_t half = std::int64_t{1} << (n - 1);
+        signed_number(name, coding::i_v, x, static_cast<unsigned>(n), -half, half - 1);
+    }
+    void flag(const label& name, bool& x) { number(name, coding::u, x, 1, 0, 1); }
+    void flag(const label& name, bool& x, std::int64_t lowest, std::int64_t highest)
+    {
+        number(name, coding::u, x, 1, lowest, highest);
+    }
+    void b(const label& name, std::uint8_t& x) { number(name, coding::b, x, 8, 0, 255); }
+    void f(unsigned n, const label& name, std::uint32_t pattern)
+    {
+        std::uint32_t x = 0;
+        number(name, coding::f, x, n, pattern, pattern);
+    }
+    template <class X>
+    [[gnu::always_inline]] void ue(const label& name, X& x, std::int64_t lowest = 0, std::int64_t highest = highest_ue)
+    {
+        element(name, coding::ue, x, lowest, highest, [this](std::int64_t& value) {
+            std::uint32_t code = 0;
+            const bool sound = take_code(code);
+            value = code;
+            return sound;
+        });
+    }
+    template <class X>
+    void ue_bound(const label& name, X& x, std::int64_t lowest, std::int64_t highest)
+    {
+        bounded(name, x, lowest, highest, [&](auto& to) { ue(name, to, lowest, highest); });
+    }
+    template <class X>
+    [[gnu::always_inline]] void se(const label& name, X& x, std::int64_t lowest = -highest_se,
+                                   std::int64_t highest = highest_se)
+    {
+        element(name, coding::se, x, lowest, highest, [this](std::int64_t& value) {
+            std::uint32_t code = 0;
+            const bool sound = take_code(code);
+            value = code % 2 == 0 ? -static_cast<std::int64_t>(code / 2) : static_cast<std::int64_t>(code / 2) + 1;
+            return sound;
+        });
+    }
+
+    template <std::size_t N>
+    void u_bytes(const label& name, std::array<std::uint8_t, N>& x)
+    {
+        if (stopped)
+            return;
+        const std::size_t begin = position();
+        std::array<std::uint8_t, N> read = {};
+        for (std::uint8_t& byte : read)
+            byte = static_cast<std::uint8_t>(br.get<unsigned int>(8));
+        if (past_end())
+            return ends_in(name, begin);
+        x = read;
+        if constexpr (Telling::tells) {
+            traced_element e = {name, coding::u, begin, 8 * N};
+            e.bytes = x.data();
+            e.size = N;
+            tell.element(e);
+        }
+    }
+
+    /// st(v): bytes up to a null byte, which is read too.
+    void st(const label& name, std::string& x)
+    {
+        if (stopped)
+            return;
+        const std::size_t begin = position();
+        for (;;) {
+            const auto byte = static_cast<char>(br.get<unsigned int>(8));
+            if (past_end())
+                return ends_in(name, begin);
+            if (byte == 0)
+                break;
+            if (!kept([&] { x.push_back(byte); }))
+                return fail_at(reason::no_memory, name, begin, 0, 0);
+        }
+        if constexpr (Telling::tells) {
+            traced_element e = {name, coding::st, begin, position() - begin};
+            e.bytes = reinterpret_cast<const unsigned char*>(x.data());
+            e.size = x.size();
+            tell.element(e);
+        }
+    }
+
+    template <class X, class V>
+    void infer(X& x, V value)
+    {
+        if (!stopped)
+            x = static_cast<X>(value);
+    }
+
+    template <class T>
+    void count(const label& name, std::vector<T>& v, std::uint64_t n)
+    {
+        if (stopped)
+            return;
+        // an entry takes a bit at least
+        if (n > bits_left())
+            return ends_in(name, position());
+        if (!kept([&] { v.resize(static_cast<std::size_t>(n)); }))
+            fail_at(reason::no_memory, name, position(), 0, 0);
+    }
+    template <class T, std::size_t N>
+    T& entry(const label& name, bounded_list<T, N>& list, std::size_t i)
+    {
+        if (i < N)
+            list.resize(i + 1);
+        else
+            fail(reason::too_large, name, static_cast<std::int64_t>(i) + 1, N);
+        return list.back();
+    }
+    template <class List>
+    void entries_end(const label&, List&, std::size_t)
+    {
+    }
+    template <class T>
+    T* append(const label& name, std::vector<T>& v)
+    {
+        if (!stopped && kept([&] { v.emplace_back(); }))
+            return &v.back();
+        fail(reason::no_memory, name);
+        return nullptr;
+    }
+    template <class T, class... Ts>
+    T& as(std::variant<Ts...>& v)
+    {
+        return v.template emplace<T>();
+    }
+
+    /// more_rbsp_data(), clause 7.2: there is more than the stop bit and what follows it.
+    void more_rbsp_data(bool& x)
+    {
+        x = !stopped && more_data();
+    }
+    /// The loops of `do … while (more_rbsp_data())`: whether there is an entry i. `size` is of the list as it stands.
+    bool more_rbsp_data(std::size_t, std::size_t) { return !stopped && more_data(); }
+
+    void stop_bit(const label& name)
+    {
+        if (stopped || position() == 8 * range_size(br.source.start, limit))
+            out.ending = ending::no_stop_bit;
+        else
+            out.ending = br.peek24() >> 23 == 1 ? ending::sound : ending::no_stop_bit;
+        f(1, name, 1);
+    }
+    /// Behind the trailing bits: nothing, cabac_zero_words, or other bytes.
+    void end_of_unit()
+    {
+        if (stopped || out.ending == ending::no_stop_bit)
+            return;
+        const std::size_t used = (position() + 7) / 8;
+        const std::size_t size = range_size(br.source.start, limit);
+        if (used >= size)
+            return;
+        out.ending = ending::cabac_zero_words;
+        for (const unsigned char* p = br.source.start + used; p != limit; ++p) {
+            if (*p != 0)
+                out.ending = ending::bytes_behind;
+        }
+    }
+
+    /// Whether the next byte of the unit (or payload) is `value`.
+    bool next_byte_is(unsigned value)
+    {
+        return !stopped && bits_left() >= 8 && br.peek24() >> 16 == value;
+    }
+    /// A run of bytes of one value: `x` counts them.
+    void run(const char* name, unsigned byte, std::uint64_t& x)
+    {
+        for (x = 0; next_byte_is(byte); ++x)
+            f(8, name, byte);
+    }
+    /// The bytes up to the end of the payload.
+    void bytes_left(const char* name, std::vector<std::uint8_t>& x)
+    {
+        count(name, x, stopped ? 0 : bits_left() / 8);
+        for (std::size_t i = 0; i < x.size() && going(); ++i)
+            b({name, static_cast<std::uint32_t>(i)}, x[i]);
+    }
+    /// Whether the payload has bytes left; the writer's answer is `size` of the list they go to against `i`.
+    bool more_payload(std::size_t, std::size_t) const noexcept { return !stopped && bits_left() >= 8; }
+    /// Bits of the payload that are left; ~0 in a coder that does not read.
+    std::uint64_t payload_bits_left() const noexcept { return bits_left(); }
+
+    /// payload_type or payload_size, clause 7.3.2.3.1: bytes FF and a last one.
+    void ff_coded(const char* last_name, std::uint32_t& x)
+    {
+        std::uint64_t sum = 0;
+        while (next_byte_is(0xFF)) {
+            f(8, "ff_byte", 0xFF);
+            sum += 255;
+        }
+        std::uint8_t last = 0;
+        u(8, last_name, last);
+        sum += last;
+        if (sum > 0xFFFFFFFF)
+            return fail(reason::too_large, last_name, static_cast<std::int64_t>(sum), 0xFFFFFFFF);
+        x = static_cast<std::uint32_t>(sum);
+    }
+    /// Size and payload of an SEI message: `text(coder)` reads the payload, which ends where its size says.
+    template <class Text>
+    void payload(std::uint32_t& size, Text text)
+    {
+        ff_coded("last_payload_size_byte", size);
+        if (stopped)
+            return;
+        const unsigned char* const unit_limit = limit;
+        const bool outer = in_payload;
+        const std::size_t begin = position() / 8;
+        const std::size_t there = range_size(br.source.start, limit) - begin;
+        const bool short_of = size > there;
+        limit = br.source.start + begin + (short_of ? there : size);
+        in_payload = !short_of;
+        text(*this);
+        in_payload = outer;
+        stopped = false;
+        seek(limit);
+        limit = unit_limit;
+        if (short_of)
+            fail(reason::unit_ends, "payload_size", size, static_cast<std::int64_t>(there));
+    }
+
+    void fail(reason why, const label& name, std::int64_t value = 0, std::int64_t bound = 0)
+    {
+        fail_at(why, name, position(), value, bound);
+    }
+
+private:
+    template <class X, class Take>
+    [[gnu::always_inline]] void element(const label& name, coding how, X& x, std::int64_t lowest, std::int64_t highest,
+                                        Take take)
+    {
+        if (stopped)
+            return;
+        const std::size_t begin = position();
+        std::int64_t value = 0;
+        const bool sound = take(value);
+        if (past_end())
+            return ends_in(name, begin);
+        if (!sound)
+            return fail_at(reason::malformed_code, name, begin, 0, 0);
+        if (!holds<X>(value))
+            return beyond(name, begin, value, std::numeric_limits<X>::min(), std::numeric_limits<X>::max());
+        x = static_cast<X>(value);
+        const bool inside = value >= lowest && value <= highest;
+        if (!inside)
+            note(name, begin, value, lowest, highest);
+        if constexpr (Telling::tells)
+            tell.element({name, how, begin, position() - begin, value, lowest, highest, inside});
+    }
+    template <class X>
+    [[gnu::always_inline]] void number(const label& name, coding how, X& x, unsigned n, std::int64_t lowest,
+                                       std::int64_t highest)
+    {
+        element(name, how, x, lowest, highest, [this, n](std::int64_t& value) {
+            value = br.get_wide(static_cast<unsigned char>(n));
+            return true;
+        });
+    }
+    template <class X>
+    void signed_number(const label& name, coding how, X& x, unsigned n, std::int64_t lowest, std::int64_t highest)
+    {
+        element(name, how, x, lowest, highest, [this, n](std::int64_t& value) {
+            value = br.get_wide(static_cast<unsigned char>(n));
+            if (value >> (n - 1) != 0)
+                value -= std::int64_t{1} << n;
+            return true;
+        });
+    }
+    /// Reads into a temporary, which goes to `x` when it lies within the bounds.
+    template <class X, class Read>
+    void bounded(const label& name, X& x, std::int64_t lowest, std::int64_t highest, Read read)
+    {
+        if (stopped)
+            return;
+        const std::size_t begin = position();
+        std::uint32_t value = 0;
+        const std::size_t findings = out.finding_count;
+        read(value);
+        if (stopped)
+            return;
+        if (value > highest || value < lowest) {
+            if (out.finding_count != findings) {
+                --out.finding_count;
+                if (out.findings.size() > out.finding_count)
+                    out.findings.resize(out.finding_count);
+            }
+            return beyond(name, begin, value, lowest, highest);
+        }
+        x = static_cast<X>(value);
+    }
+    bool wide(std::uint64_t n, const label& name)
+    {
+        if (n > 32)
+            fail(reason::too_large, name, static_cast<std::int64_t>(n), 32);
+        return n != 0 && n <= 32;
+    }
+
+    /// The number of a ue(v) code, clause 9.1; false after 32 zero bits.
+    [[gnu::always_inline]] bool take_code(std::uint32_t& code)
+    {
+        constexpr unsigned shortest_peeked = 1U << 11; // with 12 leading zeros: a code of 25 bits
+        const unsigned next = br.peek24();
+        if (next < shortest_peeked)
+            return take_long_code(code);
+        const auto zeros = static_cast<unsigned>(__builtin_clz(next)) - 8;
+        code = br.get<unsigned int>(static_cast<unsigned char>(2 * zeros + 1)) - 1;
+        return true;
+    }
+    [[gnu::noinline]] bool take_long_code(std::uint32_t& code)
+    {
+        unsigned char zeros = 0;
+        while (zeros < 32 && br.get<unsigned int>(1) == 0)
+            ++zeros;
+        if (zeros == 32)
+            return false;
+        code = (1U << zeros) - 1 + br.get_wide(zeros);
+        return true;
+    }
+
+    bool past_end() const noexcept
+    {
+        return br.source.cursor > limit && position() > 8 * range_size(br.source.start, limit);
+    }
+    std::uint64_t bits_left() const noexcept
+    {
+        const std::size_t all = 8 * range_size(br.source.start, limit);
+        return position() < all ? all - position() : 0;
+    }
+    void seek(const unsigned char* to)
+    {
+        h2645_common_bitreader moved(br.source.start, br.source.fence);
+        moved.source.cursor = to;
+        br = moved;
+    }
+    bool more_data()
+    {
+        if (last_one == unknown_bit)
+            find_last_one();
+        return position() < last_one;
+    }
+    void find_last_one()
+    {
+        const unsigned char* end = limit;
+        while (end != br.source.start && end[-1] == 0)
+            --end;
+        last_one = 0;
+        if (end != br.source.start)
+            last_one = 8 * range_size(br.source.start, end) - 1 - static_cast<unsigned>(__builtin_ctz(end[-1]));
+    }
+
+    template <class Do>
+    static bool kept(Do action)
+    {
+        try {
+            action();
+            return true;
+        }
+        catch (const std::exception&) { // bad_alloc or length_error
+            return false;
+        }
+    }
+
+    [[gnu::cold, gnu::noinline]] void note(const label& name, std::size_t begin, std::int64_t value,
+                                           std::int64_t lowest, std::int64_t highest)
+    {
+        ++out.finding_count;
+        if (out.findings.size() < outcome::most_findings) {
+            out.findings.grow();
+            out.findings.back() = {name, begin, value, lowest, highest};
+        }
+    }
+    [[gnu::cold, gnu::noinline]] void ends_in(const label& name, std::size_t begin)
+    {
+        fail_at(in_payload ? reason::payload_ends : reason::unit_ends, name, begin, 0, 0);
+    }
+    [[gnu::cold, gnu::noinline]] void beyond(const label& name, std::size_t begin, std::int64_t value,
+                                             std::int64_t lowest, std::int64_t highest)
+    {
+        fail_at(value > highest ? reason::too_large : reason::too_small, name, begin, value,
+                value > highest ? highest : lowest);
+    }
+    [[gnu::cold, gnu::noinline]] void fail_at(reason why, const label& name, std::size_t begin, std::int64_t value,
+                                              std::int64_t bound)
+    {
+        if (!out.failure)
+            out.failure = {why, name, begin, value, bound};
+        stopped = true;
+    }
+
+    static constexpr std::size_t unknown_bit = ~std::size_t{0};
+
+    h2645_common_bitreader br;
+    const unsigned char* limit;
+    outcome& out;
+    Telling tell;
+    std::size_t last_one = unknown_bit; // the bit number of the stop bit
+    bool stopped = false;
+    bool in_payload = false;
+};
+
+} // namespace orv_utils_v4::h264

@@ -1,0 +1,213 @@
+// The coder that writes. A value that its element cannot hold is refused, with the element's name; after the first
+// refusal nothing is written.
+#pragma once
+
+#include "coders/coder.h"
+
+#include <orv-utils-v4/h264_syntax/bit_writer.h>
+#include <orv-utils-v4/h264_syntax/bounded_list.h>
+
+#include <array>
+#include <cstddef>
+#include <string>
+#include <variant>
+#include <vector>
+
+namespace orv_utils_v4::h264 {
+
+class writer {
+public:
+    static constexpr bool changes = false;
+    static constexpr bool reads = false;
+
+    /// Writes to `bits`; how it went is left in `to`.
+    writer(bit_writer& bits, outcome& to) : bw(bits), out(to) {}
+
+    struct open_structure {
+        ~open_structure() {} // NOLINT(modernize-use-equals-default): so that nobody finds it unused
+    };
+    open_structure structure(const char*) { return {}; }
+
+    bool going() const noexcept { return !stopped; }
+    bool byte_aligned() const noexcept { return stopped || bw.bits() % 8 == 0; }
+
+    template <class X>
+    void u(unsigned n, const label& name, X x)
+    {
+        if (encodable(name, x, 0, highest_u(n)))
+            bw.u(n, static_cast<std::uint32_t>(x));
+    }
+    template <class X>
+    void u(unsigned n, const label& name, X x, std::int64_t, std::int64_t)
+    {
+        u(n, name, x);
+    }
+    template <class X>
+    void u_bound(unsigned n, const label& name, X x, std::int64_t lowest, std::int64_t highest)
+    {
+        if (encodable(name, x, lowest, highest))
+            u(n, name, x);
+    }
+    template <class X>
+    void u_v(std::uint64_t n, const label& name, X x)
+    {
+        if (n > 32)
+            fail(reason::too_large, name, static_cast<std::int64_t>(n), 32);
+        else if (n != 0)
+            u(static_cast<unsigned>(n), name, x);
+    }
+    template <class X>
+    void u_v(std::uint64_t n, const label& name, X x, std::int64_t, std::int64_t)
+    {
+        u_v(n, name, x);
+    }
+    template <class X>
+    void i(unsigned n, const label& name, X x)
+    {
+        const std::int64_t half = std::int64_t{1} << (n - 1);
+        if (encodable(name, x, -half, half - 1))
+            bw.u(n, static_cast<std::uint32_t>(x));
+    }
+    template <class X>
+    void i_v(std::uint64_t n, const label& name, X x)
+    {
+        if (n > 32)
+            fail(reason::too_large, name, static_cast<std::int64_t>(n), 32);
+        else if (n != 0)
+            i(static_cast<unsigned>(n), name, x);
+    }
+    void flag(const label& name, bool x) { u(1, name, x); }
+    void flag(const label& name, bool x, std::int64_t, std::int64_t) { u(1, name, x); }
+    void b(const label& name, std::uint8_t x) { u(8, name, x); }
+    void f(unsigned n, const label& name, std::uint32_t pattern) { u(n, name, pattern); }
+    template <class X>
+    void ue(const label& name, X x, std::int64_t = 0, std::int64_t = highest_ue)
+    {
+        if (encodable(name, x, 0, highest_ue))
+            bw.ue(static_cast<std::uint32_t>(x));
+    }
+    template <class X>
+    void ue_bound(const label& name, X x, std::int64_t lowest, std::int64_t highest)
+    {
+        if (encodable(name, x, lowest, highest))
+            ue(name, x);
+    }
+    template <class X>
+    void se(const label& name, X x, std::int64_t = -highest_se, std::int64_t = highest_se)
+    {
+        if (encodable(name, x, -highest_se, highest_se))
+            bw.se(static_cast<std::int32_t>(x));
+    }
+    template <std::size_t N>
+    void u_bytes(const label& name, const std::array<std::uint8_t, N>& x)
+    {
+        for (const std::uint8_t byte : x)
+            u(8, name, byte);
+    }
+    void st(const label& name, const std::string& x)
+    {
+        if (x.find('\0') != std::string::npos)
+            fail(reason::too_small, name, 0, 1);
+        for (const char byte : x)
+            u(8, name, static_cast<unsigned char>(byte));
+        u(8, name, 0);
+    }
+
+    template <class X, class V>
+    void infer(const X&, V)
+    {
+    }
+    template <class T>
+    void count(const label& name, const std::vector<T>& v, std::uint64_t n)
+    {
+        entries_end(name, v, n);
+    }
+    template <class T, std::size_t N>
+    const T& entry(const label& name, const bounded_list<T, N>& list, std::size_t i)
+    {
+        static constexpr T none{};
+        if (i < list.size())
+            return list[i];
+        fail(reason::wrong_count, name, static_cast<std::int64_t>(list.size()), static_cast<std::int64_t>(i) + 1);
+        return none;
+    }
+    template <class List>
+    void entries_end(const label& name, const List& list, std::uint64_t n)
+    {
+        if (list.size() != n)
+            fail(reason::wrong_count, name, static_cast<std::int64_t>(list.size()), static_cast<std::int64_t>(n));
+    }
+    template <class T, class... Ts>
+    const T& as(const std::variant<Ts...>& v)
+    {
+        static const T none{};
+        if (const T* const held = std::get_if<T>(&v))
+            return *held;
+        fail(reason::wrong_kind, "payload");
+        return none;
+    }
+
+    void more_rbsp_data(const bool&) {}
+    bool more_rbsp_data(std::size_t i, std::size_t size) { return !stopped && i < size; }
+    void stop_bit(const label& name) { f(1, name, 1); }
+    void end_of_unit() {}
+    void run(const char* name, unsigned byte, std::uint64_t x)
+    {
+        for (std::uint64_t i = 0; i < x && going(); ++i)
+            f(8, name, byte);
+    }
+    void bytes_left(const char* name, const std::vector<std::uint8_t>& x)
+    {
+        for (std::size_t i = 0; i < x.size() && going(); ++i)
+            b({name, static_cast<std::uint32_t>(i)}, x[i]);
+    }
+    bool more_payload(std::size_t i, std::size_t size) const noexcept { return !stopped && i < size; }
+    std::uint64_t payload_bits_left() const noexcept { return ~std::uint64_t{0}; }
+
+    void ff_coded(const char* last_name, std::uint32_t x)
+    {
+        for (; x >= 0xFF; x -= 0xFF)
+            f(8, "ff_byte", 0xFF);
+        u(8, last_name, x);
+    }
+    /// The size is that of what `text` writes.
+    template <class Text>
+    void payload(std::uint32_t, Text text)
+    {
+        if (stopped)
+            return;
+        bit_writer counted;
+        writer counting(counted, out);
+        text(counting);
+        stopped = counting.stopped;
+        if (counted.bytes() > 0xFFFFFFFF)
+            return fail(reason::too_large, "payload_size", static_cast<std::int64_t>(counted.bytes()), 0xFFFFFFFF);
+        ff_coded("last_payload_size_byte", static_cast<std::uint32_t>(counted.bytes()));
+        text(*this);
+    }
+
+    void fail(reason why, const label& name, std::int64_t value = 0, std::int64_t bound = 0)
+    {
+        if (!out.failure)
+            out.failure = {why, name, bw.bits(), value, bound};
+        stopped = true;
+    }
+
+private:
+    template <class X>
+    bool encodable(const label& name, X x, std::int64_t lowest, std::int64_t highest)
+    {
+        const auto value = static_cast<std::int64_t>(x);
+        if (value < lowest)
+            fail(reason::too_small, name, value, lowest);
+        else if (value > highest)
+            fail(reason::too_large, name, value, highest);
+        return !stopped;
+    }
+
+    bit_writer& bw;
+    outcome& out;
+    bool stopped = false;
+};
+
+} // namespace orv_utils_v4::h264
