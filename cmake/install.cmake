@@ -1,5 +1,5 @@
-# Headers, the CMake package orv_utils_v4, the pkg-config modules and the documents. No absolute path is written, so the installed tree
-# may be moved; only a CMAKE_INSTALL_LIBDIR or CMAKE_INSTALL_INCLUDEDIR that is absolute itself stays so.
+# Headers, the CMake package orv_utils_v4, the pkg-config modules and the documents. No absolute path is written, so the
+# installed tree may be moved; only a CMAKE_INSTALL_LIBDIR or CMAKE_INSTALL_INCLUDEDIR that is absolute itself stays so.
 
 install(DIRECTORY include/orv-utils-v4 DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 
@@ -45,3 +45,5 @@ orv_pkg_config(orv-utils-v4-h2645-common orv_utils_v4_h2645_common
     "Bit reader and NAL reader base shared by H.264 and H.265" "")
 orv_pkg_config(orv-utils-v4-h264 orv_utils_v4_h264 "The syntax of H.264 video streams"
     "orv-utils-v4-h2645-common orv-utils-v4-misc")
+orv_pkg_config(orv-utils-v4-h264-syntax orv_utils_v4_h264_syntax
+    "The whole header syntax of H.264: read, traced, written and edited" "orv-utils-v4-h264")

@@ -4,6 +4,8 @@
 
 #include "coders/coder.h"
 
+#include <orv-utils-v4/h264_syntax/derived.h>
+#include <orv-utils-v4/h264_syntax/parameter_sets.h>
 #include <orv-utils-v4/h264_syntax/pic_parameter_set.h>
 #include <orv-utils-v4/h264_syntax/seq_parameter_set.h>
 
@@ -194,6 +196,10 @@ void code(Coder& c, in<Coder, seq_parameter_set_data>& x)
     c.flag("vui_parameters_present_flag", x.vui_parameters_present_flag);
     if (x.vui_parameters_present_flag)
         code(c, x.vui_parameters);
+    if (!x.vui_parameters_present_flag || !x.vui_parameters.bitstream_restriction_flag) {
+        c.infer(x.vui_parameters.max_num_reorder_frames, inferred_reorder_frames(x));
+        c.infer(x.vui_parameters.max_dec_frame_buffering, inferred_reorder_frames(x));
+    }
 }
 
 // H.264 7.3.2.1
@@ -222,13 +228,14 @@ void code(Coder& c, in<Coder, seq_parameter_set_extension_rbsp>& x)
     rbsp_trailing_bits(c);
 }
 
-// H.264 7.3.2.2; `sps` is the one that the PPS names, or null: then nothing of it is known but the defaults
+// H.264 7.3.2.2; with an SPS that is not there, as if it had the defaults
 template <class Coder>
-void code(Coder& c, in<Coder, pic_parameter_set_rbsp>& x, const seq_parameter_set_data* sps)
+void code(Coder& c, in<Coder, pic_parameter_set_rbsp>& x, const parameter_sets& sets)
 {
     const auto here = c.structure("pic_parameter_set_rbsp");
     c.ue("pic_parameter_set_id", x.pic_parameter_set_id, 0, 255);
     c.ue("seq_parameter_set_id", x.seq_parameter_set_id, 0, 31);
+    const seq_parameter_set_data* const sps = sps_of(x, sets);
     c.flag("entropy_coding_mode_flag", x.entropy_coding_mode_flag);
     c.flag("bottom_field_pic_order_in_frame_present_flag", x.bottom_field_pic_order_in_frame_present_flag);
     c.ue_bound("num_slice_groups_minus1", x.num_slice_groups_minus1, 0, pic_parameter_set_rbsp::most_slice_groups - 1);
@@ -252,7 +259,7 @@ void code(Coder& c, in<Coder, pic_parameter_set_rbsp>& x, const seq_parameter_se
             c.ue("pic_size_in_map_units_minus1", x.pic_size_in_map_units_minus1);
             c.count("slice_group_id", x.slice_group_id, std::uint64_t{x.pic_size_in_map_units_minus1} + 1);
             for (std::uint32_t i = 0; i < x.slice_group_id.size() && c.going(); ++i)
-                c.u_v(Ceil_Log2(x.num_slice_groups_minus1 + 1), {"slice_group_id", i}, x.slice_group_id[i], 0,
+                c.u_v(slice_group_id_bits(x), {"slice_group_id", i}, x.slice_group_id[i], 0,
                       x.num_slice_groups_minus1);
         }
     }

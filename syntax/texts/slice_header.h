@@ -3,6 +3,7 @@
 
 #include "coders/coder.h"
 
+#include <orv-utils-v4/h264_syntax/derived.h>
 #include <orv-utils-v4/h264_syntax/nal_unit_header.h>
 #include <orv-utils-v4/h264_syntax/parameter_sets.h>
 #include <orv-utils-v4/h264_syntax/picture_size.h>
@@ -15,7 +16,7 @@ struct slice_context {
     const nal_unit_header& header;
     const parameter_sets& sets;
     bool IdrPicFlag;                       ///< of an auxiliary slice, that of its primary coded picture
-    const slice_header* partition_a = nullptr; ///< of partitions B and C: the header of their slice, if it is there
+    std::int32_t partition_a_pps = -1; ///< of partitions B and C: the PPS that their partition A names; -1 is none
 };
 
 /// The SPS that a slice with this header stands on: in other layers and views the subset SPS. Null when it is not there.
@@ -35,17 +36,10 @@ inline std::int64_t highest_long_term_pic_num(const slice_header& x, const seq_p
     return (x.field_pic_flag ? 2 * frames : frames) - 1;
 }
 
-/// Whether slice_group_change_cycle is there, and how many values it has, 7.4.3.
+/// Whether slice_group_change_cycle is there, 7.3.3.
 inline bool has_slice_group_change_cycle(const pic_parameter_set_rbsp& pps) noexcept
 {
     return pps.num_slice_groups_minus1 > 0 && pps.slice_group_map_type >= 3 && pps.slice_group_map_type <= 5;
-}
-inline std::uint64_t highest_slice_group_change_cycle(const pic_parameter_set_rbsp& pps,
-                                                      const seq_parameter_set_data& sps) noexcept
-{
-    const std::uint64_t SliceGroupChangeRate = std::uint64_t{pps.slice_group_change_rate_minus1} + 1;
-    const std::uint64_t size = PicSizeInMapUnits(sps);
-    return size / SliceGroupChangeRate + (size % SliceGroupChangeRate != 0);
 }
 
 // H.264 7.3.3.1 and H.7.3.3.1.1, one list; `mvc` in the views that are no base view
@@ -200,7 +194,7 @@ void code_picture_of_slice(Coder& c, Header& x, const pic_parameter_set_rbsp& pp
 {
     if (sps.separate_colour_plane_flag)
         c.u(2, "colour_plane_id", x.colour_plane_id, 0, 2);
-    c.u_v(std::uint64_t{sps.log2_max_frame_num_minus4} + 4, "frame_num", x.frame_num);
+    c.u_v(frame_num_bits(sps), "frame_num", x.frame_num);
     if (!sps.frame_mbs_only_flag) {
         c.flag("field_pic_flag", x.field_pic_flag);
         if (x.field_pic_flag)
@@ -210,7 +204,7 @@ void code_picture_of_slice(Coder& c, Header& x, const pic_parameter_set_rbsp& pp
         c.ue("idr_pic_id", x.idr_pic_id, 0, 65535);
     const bool bottom_sent = pps.bottom_field_pic_order_in_frame_present_flag && !x.field_pic_flag;
     if (sps.pic_order_cnt_type == 0) {
-        c.u_v(std::uint64_t{sps.log2_max_pic_order_cnt_lsb_minus4} + 4, "pic_order_cnt_lsb", x.pic_order_cnt_lsb);
+        c.u_v(pic_order_cnt_lsb_bits(sps), "pic_order_cnt_lsb", x.pic_order_cnt_lsb);
         if (bottom_sent)
             c.se("delta_pic_order_cnt_bottom", x.delta_pic_order_cnt_bottom);
     }
@@ -263,9 +257,8 @@ void code_end_of_slice_header(Coder& c, Header& x, const pic_parameter_set_rbsp&
         }
     }
     if (has_slice_group_change_cycle(pps)) {
-        const std::uint64_t highest = highest_slice_group_change_cycle(pps, sps);
-        c.u_v(Ceil_Log2(highest + 1), "slice_group_change_cycle", x.slice_group_change_cycle, 0,
-              static_cast<std::int64_t>(highest));
+        c.u_v(slice_group_change_cycle_bits(sps, pps), "slice_group_change_cycle", x.slice_group_change_cycle, 0,
+              static_cast<std::int64_t>(highest_slice_group_change_cycle(sps, pps)));
     }
 }
 
@@ -337,8 +330,7 @@ void code_partition(Coder& c, Partition& x, const slice_context& context)
     c.ue("slice_id", x.slice_id);
     if (!c.going())
         return;
-    const slice_header* const a = context.partition_a;
-    const pic_parameter_set_rbsp* const pps = a ? context.sets.find_pps(a->pic_parameter_set_id) : nullptr;
+    const pic_parameter_set_rbsp* const pps = context.sets.find_pps(static_cast<std::uint32_t>(context.partition_a_pps));
     if (pps == nullptr)
         return c.fail(reason::no_partition_a, "slice_id", x.slice_id);
     const seq_parameter_set_data* const sps = sps_of(context.header, *pps, context.sets);

@@ -17,6 +17,7 @@ folder_of_library() {
         misc) echo misc ;;
         h2645_common) echo common ;;
         h264) echo lib ;;
+        h264_syntax) echo syntax ;;
         *) fail "there is no library $1" ;;
     esac
 }

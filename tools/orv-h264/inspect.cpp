@@ -1,5 +1,6 @@
 #include "inspect.h"
 
+#include "inspect_elements.h"
 #include "json_fields.h"
 #include "json_output.h"
 #include "messages.h"
@@ -84,6 +85,8 @@ private:
 
 exit_status inspect(const inspect_options& options)
 {
+    if (options.tsv)
+        return inspect_elements(options);
     stream_input input(options.stream);
     if (options.json) {
         json head = json_first_line("orv-h264/inspect", input.name());

@@ -14,6 +14,7 @@ struct inspect_options {
     stream_options stream;
     bool nals = false; ///< units only, without their fields
     bool json = false; ///< for programs
+    bool tsv = false;  ///< a line for each syntax element
     std::uint64_t limit = std::numeric_limits<std::uint64_t>::max();
     std::bitset<32> only = std::bitset<32>().set(); ///< the NAL unit types shown
 };

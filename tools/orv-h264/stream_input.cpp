@@ -9,8 +9,6 @@
 
 namespace orv_h264 {
 
-namespace {
-
 input_window open_window(input_file& file, const stream_options& options)
 {
     input_window window([&file](unsigned char* out, std::size_t size) {
@@ -27,8 +25,6 @@ input_window open_window(input_file& file, const stream_options& options)
                       fmt::format("{}: not an Annex B stream; name the framing with --format", file.name()));
     return window;
 }
-
-} // namespace
 
 stream_input::stream_input(const stream_options& options)
     : file(options.path),

@@ -26,6 +26,9 @@ public:
     exit_status status;
 };
 
+/// The bytes of a stream, as they come out of its file, which has to live as long. Throws as stream_input() does.
+input_window open_window(input_file& file, const stream_options& options);
+
 class stream_input {
 public:
     /// Throws std::system_error when the file cannot be read, and refusal when it holds a container, or is not told and

@@ -3,6 +3,7 @@
 /// their ranges; and what stands behind the last element.
 #pragma once
 
+#include <orv-utils-v4/export.h>
 #include <orv-utils-v4/h264_syntax/bounded_list.h>
 #include <orv-utils-v4/h264_syntax/element.h>
 
@@ -22,7 +23,6 @@ enum class reason : std::uint8_t {
     no_sps,          ///< names an SPS (or subset SPS) that is not there
     no_pps,          ///< names a PPS that is not there
     no_partition_a,  ///< a partition without its partition A
-    not_aligned,     ///< a cabac_alignment_one_bit of 0, or a payload that does not begin where it should
     wrong_kind,      ///< the structure is not the one that the header or the payload type names
     wrong_count,     ///< the container does not hold `bound` entries
     no_memory,       ///< an allocation failed
@@ -33,7 +33,7 @@ enum class reason : std::uint8_t {
 };
 
 /// The reason in English, as it follows the element's name.
-const char* text_of(reason why) noexcept;
+ORV_UTILS_V4_EXPORT const char* text_of(reason why) noexcept;
 
 /// The first failure.
 struct failure {

@@ -47,4 +47,8 @@ struct parameter_sets {
     }
 };
 
+/// The SPS that a PPS is read with: the one that it names, else the subset SPS of that id; null when neither is there.
+ORV_UTILS_V4_EXPORT const seq_parameter_set_data* sps_of(const pic_parameter_set_rbsp& pps,
+                                                         const parameter_sets& sets) noexcept;
+
 } // namespace orv_utils_v4::h264

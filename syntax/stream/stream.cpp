@@ -1,0 +1,422 @@
+// The stream: stores of parameter sets, activation, and the units kept back until it is known what they are read with.
+#include <orv-utils-v4/h264_syntax/stream.h>
+
+#include "unit_bytes.h"
+
+#include <algorithm>
+#include <exception>
+#include <utility>
+#include <vector>
+
+namespace orv_utils_v4::h264 {
+
+namespace {
+
+enum class unit_kind : std::uint8_t { slice, primary_slice, sei, parameter_set, other };
+
+unit_kind kind_of(unsigned nal_unit_type)
+{
+    switch (nal_unit_type) {
+    case 1:
+    case 2:
+    case 5:
+        return unit_kind::primary_slice;
+    case 3:
+    case 4:
+    case 19:
+    case 20:
+    case 21:
+        return unit_kind::slice;
+    case 6:
+        return unit_kind::sei;
+    case 7:
+    case 8:
+    case 13:
+    case 15:
+    case 16:
+        return unit_kind::parameter_set;
+    default:
+        return unit_kind::other;
+    }
+}
+
+/// What stands behind the data of a slice: 00 00 03 is an escaped cabac_zero_word. Any other last byte has the stop bit.
+ending ending_of_slice(const unit_place& place)
+{
+    constexpr unsigned char word[] = {0, 0, 3};
+    const bool word_at_end = place.size > sizeof word && std::equal(word, word + sizeof word, place.bytes + place.size - sizeof word);
+    return word_at_end ? ending::cabac_zero_words : ending::sound;
+}
+
+/// Bytes that may not be had: a failed allocation is told by `false`.
+bool make_room(std::vector<unsigned char>& bytes, std::size_t size)
+{
+    try {
+        if (bytes.size() < size)
+            bytes.resize(size);
+        return true;
+    }
+    catch (const std::exception&) {
+        return false;
+    }
+}
+
+} // namespace
+
+struct stream::state {
+    struct held_unit {
+        unit_place place; // bytes: null; they lie in held_bytes from `begin` on
+        std::size_t begin;
+    };
+    struct kept_pps {
+        pic_parameter_set_rbsp pps;
+        std::vector<unsigned char> bytes; // without emulation prevention
+    };
+    /// The PPS of a slice whose partition A has come.
+    struct known_partition {
+        std::uint32_t slice_id;
+        std::uint32_t pps;
+    };
+    static constexpr std::size_t most_partitions = 256;
+
+    parameter_sets sets;
+    std::unique_ptr<seq_parameter_set_rbsp> sps[parameter_sets::sps_ids];
+    std::unique_ptr<subset_seq_parameter_set_rbsp> subset_sps[parameter_sets::sps_ids];
+    std::unique_ptr<kept_pps> pps[parameter_sets::pps_ids];
+    std::unique_ptr<depth_parameter_set_rbsp> dps[parameter_sets::dps_ids];
+    std::int32_t active_sps = -1; // ids; -1 is none
+    std::int32_t active_pps = -1;
+    std::int32_t mvcd_sps = -1;
+    bool primary_idr = false;
+    bool slice_known = false; // what is handed on belongs to an access unit whose slice is known
+    known_partition partitions[most_partitions] = {};
+    std::size_t partition_count = 0; // all that came; the latest are kept
+
+    std::vector<unsigned char> block; // the latest unit without emulation prevention
+    std::size_t rbsp_size = 0;        // of what is in it
+    std::vector<unsigned char> held_bytes;
+    std::vector<held_unit> held;
+    nal_unit unit;
+    unit_context context; // that the unit is read with
+    outcome result;
+
+    void read_unit(const unit_place& place, visitor* listener);
+    void read_slice(const unit_place& place, visitor* listener);
+    void hand_on(const unit_place& place, unit_sink& to);
+    bool hold(const unit_place& place);
+    void release(unit_sink& to);
+    unit_context context_of(const unit_place& place) const;
+    std::int32_t pps_of_partition(const unit_place& place) const;
+    const seq_parameter_set_data* sps_for_sei() const;
+    void keep();
+    void keep_sps(const seq_parameter_set_rbsp& set);
+    void keep_subset_sps(const subset_seq_parameter_set_rbsp& set);
+    void keep_pps(const pic_parameter_set_rbsp& set);
+    void keep_dps(const depth_parameter_set_rbsp& set);
+    void read_pps_again(std::uint32_t sps_id);
+    void activate(const unit_place& place);
+};
+
+namespace {
+
+/// Puts a copy of `set` into a slot, and tells its place; null when there is no memory for it.
+template <class Set>
+const Set* put(std::unique_ptr<Set>& slot, const Set& set)
+{
+    try {
+        if (slot == nullptr)
+            slot = std::make_unique<Set>(set);
+        else
+            *slot = set;
+        return slot.get();
+    }
+    catch (const std::exception&) {
+        return slot.get();
+    }
+}
+
+void run(nal_unit& unit, const unsigned char* bytes, std::size_t size, const unit_context& context, outcome& result,
+         visitor* listener)
+{
+    if (listener != nullptr)
+        trace(unit, bytes, size, context, result, *listener);
+    else
+        read(unit, bytes, size, context, result);
+}
+
+} // namespace
+
+stream::stream() : s(std::make_unique<state>()) {}
+stream::~stream() = default;
+stream::stream(stream&&) noexcept = default;
+stream& stream::operator=(stream&&) noexcept = default;
+
+const parameter_sets& stream::sets() const noexcept
+{
+    return s->sets;
+}
+
+void stream::push(const unit_place& place, unit_sink& to)
+{
+    const unit_kind kind = kind_of(place.size == 0 ? 0 : place.bytes[0] & 0x1F);
+    const unsigned type = place.size == 0 ? 0 : place.bytes[0] & 0x1F;
+    const bool begins_another = type >= 9 && type <= 11; // a delimiter, or an end
+    if (!s->held.empty()) {
+        if (kind == unit_kind::primary_slice)
+            s->activate(place);
+        s->slice_known = kind == unit_kind::primary_slice;
+        if (kind == unit_kind::primary_slice || kind == unit_kind::slice || begins_another)
+            s->release(to);
+    }
+    if ((kind == unit_kind::sei || !s->held.empty()) && s->hold(place))
+        return;
+    if (!s->held.empty())
+        s->release(to);
+    s->hand_on(place, to);
+}
+
+void stream::flush(unit_sink& to)
+{
+    s->release(to);
+}
+
+// What a slice will activate, before the units in front of it are handed on: the parameter sets among them count.
+void stream::state::activate(const unit_place& place)
+{
+    for (const held_unit& h : held) {
+        unit_place at = h.place;
+        at.bytes = held_bytes.data() + h.begin;
+        if (kind_of(at.bytes[0] & 0x1F) == unit_kind::parameter_set)
+            read_unit(at, nullptr);
+    }
+    read_unit(place, nullptr);
+}
+
+bool stream::state::hold(const unit_place& place)
+{
+    if (place.size == 0 || held.size() >= most_held_units || place.size > most_held_bytes - held_bytes.size())
+        return false;
+    try {
+        held.reserve(held.size() + 1);
+        const std::size_t begin = held_bytes.size();
+        held_bytes.insert(held_bytes.end(), place.bytes, place.bytes + place.size);
+        held.push_back({{nullptr, place.size, place.offset, place.number}, begin});
+        return true;
+    }
+    catch (const std::exception&) {
+        return false;
+    }
+}
+
+void stream::state::release(unit_sink& to)
+{
+    for (const held_unit& h : held) {
+        unit_place place = h.place;
+        place.bytes = held_bytes.data() + h.begin;
+        hand_on(place, to);
+    }
+    held.clear();
+    held_bytes.clear();
+    slice_known = false;
+}
+
+void stream::state::hand_on(const unit_place& place, unit_sink& to)
+{
+    read_unit(place, to.before(place));
+    const bool is_sei = std::holds_alternative<sei_rbsp>(unit.rbsp);
+    to.take({place, unit, result, context, is_sei ? sps_for_sei() : sps_of(unit, sets), pps_of(unit, sets)});
+}
+
+void stream::state::read_unit(const unit_place& place, visitor* listener)
+{
+    context = context_of(place);
+    const unit_kind kind = kind_of(place.size == 0 ? 0 : place.bytes[0] & 0x1F);
+    if (kind == unit_kind::slice || kind == unit_kind::primary_slice)
+        return read_slice(place, listener);
+
+    const std::size_t size = std::min(place.size, most_unit_bytes);
+    if (!make_room(block, size)) {
+        begin_reading(unit, result);
+        result.failure = {reason::no_memory, "nal_unit", 0, 0, 0};
+        return;
+    }
+    rbsp_size = unescape(place.bytes, size, block.data(), size);
+    run(unit, block.data(), rbsp_size, context, result, listener);
+    if (place.size > most_unit_bytes && !result.failure)
+        result.failure = {reason::unit_too_long, "nal_unit", result.bits, static_cast<std::int64_t>(place.size),
+                          static_cast<std::int64_t>(most_unit_bytes)};
+    keep();
+}
+
+// The header is looked for in more and more bytes of the slice; only what is read at last is told.
+void stream::state::read_slice(const unit_place& place, visitor* listener)
+{
+    constexpr std::size_t first_try = 128;
+    constexpr std::size_t unexamined = 2;
+    std::size_t size = 0;
+    for (std::size_t room = first_try;; room *= 8) {
+        const std::size_t taken = std::min({room, place.size, most_slice_header_bytes});
+        if (!make_room(block, taken))
+            break;
+        size = unescape(place.bytes, taken, block.data(), taken);
+        const bool all = taken == place.size || taken == most_slice_header_bytes;
+        if (!all)
+            size -= std::min(size, unexamined);
+        read(unit, block.data(), size, context, result);
+        if (all || result.failure.why != reason::unit_ends)
+            break;
+    }
+    if (listener != nullptr)
+        trace(unit, block.data(), size, context, result, *listener);
+    result.ending = ending_of_slice(place);
+    const slice_header* const header = slice_header_of(unit);
+    if (result.failure || header == nullptr)
+        return;
+    const auto type = unit.header.nal_unit_type;
+    if (type == 1 || type == 2 || type == 5) {
+        active_pps = static_cast<std::int32_t>(header->pic_parameter_set_id);
+        active_sps = static_cast<std::int32_t>(sets.find_pps(header->pic_parameter_set_id)->seq_parameter_set_id);
+        primary_idr = type == 5;
+    }
+    if (const auto* const a = std::get_if<slice_data_partition_a_layer_rbsp>(&unit.rbsp))
+        partitions[partition_count++ % most_partitions] = {a->slice_id, header->pic_parameter_set_id};
+}
+
+unit_context stream::state::context_of(const unit_place& place) const
+{
+    unit_context around;
+    around.sets = &sets;
+    around.active_sps = sps_for_sei();
+    around.active_pps = active_pps < 0 ? nullptr : sets.find_pps(static_cast<std::uint32_t>(active_pps));
+    around.mvcd_sps = mvcd_sps < 0 ? nullptr : sets.find_subset_sps(static_cast<std::uint32_t>(mvcd_sps));
+    around.primary_idr = primary_idr;
+    around.partition_a_pps = pps_of_partition(place);
+    return around;
+}
+
+/// The active SPS; before there is one, the only one that is stored.
+const seq_parameter_set_data* stream::state::sps_for_sei() const
+{
+    if (active_sps >= 0)
+        return sets.find_sps(static_cast<std::uint32_t>(active_sps));
+    const seq_parameter_set_data* only = nullptr;
+    for (std::uint32_t id = 0; id < parameter_sets::sps_ids; ++id) {
+        const seq_parameter_set_data* const stored = sets.find_sps(id);
+        if (stored != nullptr && only != nullptr)
+            return nullptr;
+        only = stored != nullptr ? stored : only;
+    }
+    return only;
+}
+
+// The PPS of partition A with the slice_id of this partition B or C, else of the latest one.
+std::int32_t stream::state::pps_of_partition(const unit_place& place) const
+{
+    const unsigned type = place.size == 0 ? 0 : place.bytes[0] & 0x1F;
+    if ((type != 3 && type != 4) || partition_count == 0)
+        return -1;
+    nal_unit partition;
+    outcome ignored;
+    unsigned char head[16];
+    read(partition, head, unescape(place.bytes, std::min(place.size, sizeof head), head, sizeof head), {}, ignored);
+    std::uint32_t slice_id = 0;
+    if (const auto* const b = std::get_if<slice_data_partition_b_layer_rbsp>(&partition.rbsp))
+        slice_id = b->slice_id;
+    if (const auto* const c = std::get_if<slice_data_partition_c_layer_rbsp>(&partition.rbsp))
+        slice_id = c->slice_id;
+    const std::size_t kept = std::min(partition_count, most_partitions);
+    for (std::size_t i = 1; i <= kept; ++i) {
+        const known_partition& a = partitions[(partition_count - i) % most_partitions];
+        if (a.slice_id == slice_id)
+            return static_cast<std::int32_t>(a.pps);
+    }
+    return static_cast<std::int32_t>(partitions[(partition_count - 1) % most_partitions].pps);
+}
+
+// Stores the parameter set that has been read. One that failed does not replace a sound one; but a PPS may wait for its
+// SPS.
+void stream::state::keep()
+{
+    if (const auto* const p = std::get_if<pic_parameter_set_rbsp>(&unit.rbsp))
+        return keep_pps(*p);
+    if (const auto* const message = std::get_if<sei_rbsp>(&unit.rbsp)) {
+        for (const sei_message& m : message->sei_messages) {
+            const auto* const period = std::get_if<buffering_period>(&m.payload);
+            if (period != nullptr && !slice_known && sets.find_sps(period->seq_parameter_set_id) != nullptr)
+                active_sps = static_cast<std::int32_t>(period->seq_parameter_set_id);
+        }
+    }
+    if (result.failure)
+        return;
+    if (const auto* const sequence = std::get_if<seq_parameter_set_rbsp>(&unit.rbsp))
+        keep_sps(*sequence);
+    else if (const auto* const subset = std::get_if<subset_seq_parameter_set_rbsp>(&unit.rbsp))
+        keep_subset_sps(*subset);
+    else if (const auto* const depth = std::get_if<depth_parameter_set_rbsp>(&unit.rbsp))
+        keep_dps(*depth);
+}
+
+void stream::state::keep_sps(const seq_parameter_set_rbsp& set)
+{
+    const std::uint32_t id = set.seq_parameter_set_data.seq_parameter_set_id;
+    if (id >= parameter_sets::sps_ids || (sets.sps[id] != nullptr && *sets.sps[id] == set))
+        return;
+    sets.sps[id] = put(sps[id], set);
+    read_pps_again(id);
+}
+
+void stream::state::keep_subset_sps(const subset_seq_parameter_set_rbsp& set)
+{
+    const std::uint32_t id = set.seq_parameter_set_data.seq_parameter_set_id;
+    if (id >= parameter_sets::sps_ids)
+        return;
+    const std::uint8_t profile_idc = set.seq_parameter_set_data.profile_idc;
+    if (profile_idc == 138 || profile_idc == 135 || profile_idc == 139)
+        mvcd_sps = static_cast<std::int32_t>(id);
+    if (sets.subset_sps[id] != nullptr && *sets.subset_sps[id] == set)
+        return;
+    sets.subset_sps[id] = put(subset_sps[id], set);
+    if (sets.sps[id] == nullptr)
+        read_pps_again(id);
+}
+
+void stream::state::keep_dps(const depth_parameter_set_rbsp& set)
+{
+    if (set.depth_parameter_set_id < parameter_sets::dps_ids)
+        sets.dps[set.depth_parameter_set_id] = put(dps[set.depth_parameter_set_id], set);
+}
+
+void stream::state::keep_pps(const pic_parameter_set_rbsp& set)
+{
+    const std::uint32_t id = set.pic_parameter_set_id;
+    const bool waits = sps_of(set, sets) == nullptr;
+    if (id >= parameter_sets::pps_ids || (result.failure && !waits))
+        return;
+    try {
+        if (pps[id] == nullptr)
+            pps[id] = std::make_unique<kept_pps>();
+        pps[id]->bytes.assign(block.data(), block.data() + rbsp_size);
+        pps[id]->pps = set;
+        sets.pps[id] = &pps[id]->pps;
+    }
+    catch (const std::exception&) { // no memory: the one before stays
+    }
+}
+
+// A PPS has been read with another SPS than the one that it now goes with, or with none.
+void stream::state::read_pps_again(std::uint32_t sps_id)
+{
+    nal_unit again;
+    outcome how;
+    unit_context alone;
+    alone.sets = &sets;
+    for (const auto& kept : pps) {
+        if (kept == nullptr || kept->pps.seq_parameter_set_id != sps_id)
+            continue;
+        read(again, kept->bytes.data(), kept->bytes.size(), alone, how);
+        if (auto* const set = std::get_if<pic_parameter_set_rbsp>(&again.rbsp))
+            kept->pps = std::move(*set);
+    }
+}
+
+} // namespace orv_utils_v4::h264
