@@ -27,6 +27,8 @@ const char* text_of(reason why) noexcept
         return "names a picture parameter set which is missing";
     case reason::no_partition_a:
         return "partition A of the slice is missing";
+    case reason::no_source_slice:
+        return "needs another slice, which is not looked up";
     case reason::wrong_kind:
         return "another structure than the type names";
     case reason::wrong_count:

@@ -14,7 +14,8 @@
 //   entry(name, list, i), entries_end(name, list, n)   entries of a bounded list whose number shows on the way
 //   append(name, v)                      one more entry of a growing list, or null when there can be none
 //   as<T>(v)                             the alternative of a variant
-//   byte_aligned(), more_rbsp_data(x), going()
+//   flags_left(name, v)                  flags up to the stop bit
+//   byte_aligned(), more_rbsp_data(x), more_bits(x), going()
 //   fail(why, name, value, bound)        what only the text can know
 #pragma once
 

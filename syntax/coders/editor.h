@@ -162,6 +162,15 @@ public:
     bool more_rbsp_data(std::size_t i, std::size_t size) { return !stopped && i < size; }
     void stop_bit(const label&) {}
     void end_of_unit() {}
+    void more_bits(bool&) {}
+    void flags_left(const char* name, std::vector<bool>& v)
+    {
+        for (std::size_t i = 0; i < v.size() && going(); ++i) {
+            bool x = v[i];
+            flag(name, x);
+            v[i] = x;
+        }
+    }
     void run(const char*, unsigned, std::uint64_t&) {}
     void bytes_left(const char* name, std::vector<std::uint8_t>& x)
     {

@@ -249,11 +249,14 @@ public:
             out.ending = br.peek24() >> 23 == 1 ? ending::sound : ending::no_stop_bit;
         f(1, name, 1);
     }
-    /// Behind the trailing bits: nothing, cabac_zero_words, or other bytes.
+    /// Behind the trailing bits, or behind the header of a unit that has none: nothing, cabac_zero_words, or other
+    /// bytes.
     void end_of_unit()
     {
         if (stopped || out.ending == ending::no_stop_bit)
             return;
+        if (out.ending == ending::unknown)
+            out.ending = ending::sound;
         const std::size_t used = (position() + 7) / 8;
         const std::size_t size = range_size(br.source.start, limit);
         if (used >= size)
@@ -262,6 +265,24 @@ public:
         for (const unsigned char* p = br.source.start + used; p != limit; ++p) {
             if (*p != 0)
                 out.ending = ending::bytes_behind;
+        }
+    }
+
+    /// Whether the unit has bits left, trailing bits included.
+    void more_bits(bool& x)
+    {
+        if (!stopped)
+            x = bits_left() != 0;
+    }
+    /// The loops of `while (more_rbsp_data())` around a flag: all that comes before the stop bit.
+    void flags_left(const char* name, std::vector<bool>& v)
+    {
+        v.clear();
+        while (!stopped && more_data()) {
+            bool x = false;
+            flag(name, x);
+            if (!stopped && !kept([&] { v.push_back(x); }))
+                fail(reason::no_memory, name);
         }
     }
 

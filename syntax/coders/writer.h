@@ -151,6 +151,12 @@ public:
     bool more_rbsp_data(std::size_t i, std::size_t size) { return !stopped && i < size; }
     void stop_bit(const label& name) { f(1, name, 1); }
     void end_of_unit() {}
+    void more_bits(const bool&) {}
+    void flags_left(const char* name, const std::vector<bool>& v)
+    {
+        for (std::size_t i = 0; i < v.size() && going(); ++i)
+            flag(name, v[i]);
+    }
     void run(const char* name, unsigned byte, std::uint64_t x)
     {
         for (std::uint64_t i = 0; i < x && going(); ++i)

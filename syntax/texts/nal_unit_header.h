@@ -64,9 +64,9 @@ void code(Coder& c, in<Coder, nal_unit_header>& x)
             c.flag("svc_extension_flag", x.svc_extension_flag);
         else
             c.flag("avc_3d_extension_flag", x.avc_3d_extension_flag);
-        if (x.svc_extension_flag)
+        if (x.scalable())
             code(c, x.nal_unit_header_svc_extension);
-        else if (x.avc_3d_extension_flag)
+        else if (x.avc_3d())
             code(c, x.nal_unit_header_3davc_extension);
         else
             code(c, x.nal_unit_header_mvc_extension);

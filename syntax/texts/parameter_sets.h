@@ -1,5 +1,5 @@
-// The texts of the sequence and picture parameter sets, H.264 clauses 7.3.2.1, 7.3.2.2 and E.1. A text is the standard's
-// table: an element a line, with its range. coders/ say what is done with the elements.
+// The texts of the sequence and picture parameter sets, H.264 clauses 7.3.2.1, 7.3.2.2 and E.1. A text is the
+// standard's table: an element a line, with its range. coders/ say what is done with the elements.
 #pragma once
 
 #include "coders/coder.h"
@@ -126,8 +126,19 @@ void code(Coder& c, in<Coder, vui_parameters>& x)
 constexpr bool has_chroma_format(std::uint8_t profile_idc) noexcept
 {
     switch (profile_idc) {
-    case 100: case 110: case 122: case 244: case 44: case 83: case 86:
-    case 118: case 128: case 138: case 139: case 134: case 135:
+    case 100:
+    case 110:
+    case 122:
+    case 244:
+    case 44:
+    case 83:
+    case 86:
+    case 118:
+    case 128:
+    case 138:
+    case 139:
+    case 134:
+    case 135:
         return true;
     default:
         return false;
@@ -221,8 +232,9 @@ void code(Coder& c, in<Coder, seq_parameter_set_extension_rbsp>& x)
     if (x.aux_format_idc != 0) {
         c.ue("bit_depth_aux_minus8", x.bit_depth_aux_minus8, 0, 4);
         c.flag("alpha_incr_flag", x.alpha_incr_flag);
-        c.u_v(x.bit_depth_aux_minus8 + 9, "alpha_opaque_value", x.alpha_opaque_value);
-        c.u_v(x.bit_depth_aux_minus8 + 9, "alpha_transparent_value", x.alpha_transparent_value);
+        const std::uint64_t bits = std::uint64_t{x.bit_depth_aux_minus8} + 9;
+        c.u_v(bits, "alpha_opaque_value", x.alpha_opaque_value);
+        c.u_v(bits, "alpha_transparent_value", x.alpha_transparent_value);
     }
     c.flag("additional_extension_flag", x.additional_extension_flag, 0, 0);
     rbsp_trailing_bits(c);
@@ -244,18 +256,15 @@ void code(Coder& c, in<Coder, pic_parameter_set_rbsp>& x, const parameter_sets& 
         if (x.slice_group_map_type == 0) {
             for (std::uint32_t iGroup = 0; iGroup <= x.num_slice_groups_minus1 && c.going(); ++iGroup)
                 c.ue({"run_length_minus1", iGroup}, x.run_length_minus1[iGroup]);
-        }
-        else if (x.slice_group_map_type == 2) {
+        } else if (x.slice_group_map_type == 2) {
             for (std::uint32_t iGroup = 0; iGroup < x.num_slice_groups_minus1 && c.going(); ++iGroup) {
                 c.ue({"top_left", iGroup}, x.top_left[iGroup]);
                 c.ue({"bottom_right", iGroup}, x.bottom_right[iGroup]);
             }
-        }
-        else if (x.slice_group_map_type >= 3 && x.slice_group_map_type <= 5) {
+        } else if (x.slice_group_map_type >= 3 && x.slice_group_map_type <= 5) {
             c.flag("slice_group_change_direction_flag", x.slice_group_change_direction_flag);
             c.ue("slice_group_change_rate_minus1", x.slice_group_change_rate_minus1);
-        }
-        else if (x.slice_group_map_type == 6) {
+        } else if (x.slice_group_map_type == 6) {
             c.ue("pic_size_in_map_units_minus1", x.pic_size_in_map_units_minus1);
             c.count("slice_group_id", x.slice_group_id, std::uint64_t{x.pic_size_in_map_units_minus1} + 1);
             for (std::uint32_t i = 0; i < x.slice_group_id.size() && c.going(); ++i)
@@ -267,7 +276,8 @@ void code(Coder& c, in<Coder, pic_parameter_set_rbsp>& x, const parameter_sets& 
     c.ue("num_ref_idx_l1_default_active_minus1", x.num_ref_idx_l1_default_active_minus1, 0, 31);
     c.flag("weighted_pred_flag", x.weighted_pred_flag);
     c.u(2, "weighted_bipred_idc", x.weighted_bipred_idc, 0, 2);
-    c.se("pic_init_qp_minus26", x.pic_init_qp_minus26, -26 - (sps ? 6 * std::int64_t{sps->bit_depth_luma_minus8} : 0), 25);
+    c.se("pic_init_qp_minus26", x.pic_init_qp_minus26, -26 - (sps ? 6 * std::int64_t{sps->bit_depth_luma_minus8} : 0),
+         25);
     c.se("pic_init_qs_minus26", x.pic_init_qs_minus26, -26, 25);
     c.se("chroma_qp_index_offset", x.chroma_qp_index_offset, -12, 12);
     c.flag("deblocking_filter_control_present_flag", x.deblocking_filter_control_present_flag);
@@ -286,8 +296,7 @@ void code(Coder& c, in<Coder, pic_parameter_set_rbsp>& x, const parameter_sets& 
             }
         }
         c.se("second_chroma_qp_index_offset", x.second_chroma_qp_index_offset, -12, 12);
-    }
-    else
+    } else
         c.infer(x.second_chroma_qp_index_offset, x.chroma_qp_index_offset);
     rbsp_trailing_bits(c);
 }

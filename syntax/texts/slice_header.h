@@ -19,21 +19,31 @@ struct slice_context {
     std::int32_t partition_a_pps = -1; ///< of partitions B and C: the PPS that their partition A names; -1 is none
 };
 
-/// The SPS that a slice with this header stands on: in other layers and views the subset SPS. Null when it is not there.
+/// The SPS that a slice with this header stands on: in other layers and views the subset SPS. Null when it is not
+/// there.
 const seq_parameter_set_data* sps_of(const nal_unit_header& header, const pic_parameter_set_rbsp& pps,
                                      const parameter_sets& sets) noexcept;
 
-/// MaxPicNum, (7-28) and 8.2.4.1: twice MaxFrameNum in fields.
-inline std::int64_t MaxPicNum(const slice_header& x, const seq_parameter_set_data& sps) noexcept
+/// The slice is of a field, or may be.
+template <class Header>
+bool may_be_field(const Header& x) noexcept
 {
-    return static_cast<std::int64_t>(MaxFrameNum(sps)) * (x.field_pic_flag ? 2 : 1);
+    return x.field_pic_flag;
+}
+
+/// MaxPicNum, 7.4.3 and 8.2.4.1: twice MaxFrameNum in fields.
+template <class Header>
+std::int64_t MaxPicNum(const Header& x, const seq_parameter_set_data& sps) noexcept
+{
+    return static_cast<std::int64_t>(MaxFrameNum(sps)) * (may_be_field(x) ? 2 : 1);
 }
 
 /// The highest LongTermPicNum, 8.2.4.1.
-inline std::int64_t highest_long_term_pic_num(const slice_header& x, const seq_parameter_set_data& sps) noexcept
+template <class Header>
+std::int64_t highest_long_term_pic_num(const Header& x, const seq_parameter_set_data& sps) noexcept
 {
     const std::int64_t frames = sps.max_num_ref_frames;
-    return (x.field_pic_flag ? 2 * frames : frames) - 1;
+    return (may_be_field(x) ? 2 * frames : frames) - 1;
 }
 
 /// Whether slice_group_change_cycle is there, 7.3.3.
@@ -43,8 +53,8 @@ inline bool has_slice_group_change_cycle(const pic_parameter_set_rbsp& pps) noex
 }
 
 // H.264 7.3.3.1 and H.7.3.3.1.1, one list; `mvc` in the views that are no base view
-template <class Coder, class List>
-void code_list_modification(Coder& c, const char* flag_name, in<Coder, bool>& flag, List& list, const slice_header& x,
+template <class Coder, class List, class Header>
+void code_list_modification(Coder& c, const char* flag_name, in<Coder, bool>& flag, List& list, const Header& x,
                             const seq_parameter_set_data& sps, bool mvc)
 {
     constexpr std::uint32_t end_of_list = 3;
@@ -67,17 +77,17 @@ void code_list_modification(Coder& c, const char* flag_name, in<Coder, bool>& fl
 }
 
 // H.264 7.3.3.1 and H.7.3.3.1.1
-template <class Coder>
-void code(Coder& c, in<Coder, ref_pic_list_modification>& x, const slice_header& header,
-          const seq_parameter_set_data& sps, bool mvc)
+template <class Coder, class Header>
+void code(Coder& c, in<Coder, ref_pic_list_modification>& x, const Header& header, const seq_parameter_set_data& sps,
+          bool mvc)
 {
     const auto here = c.structure(mvc ? "ref_pic_list_mvc_modification" : "ref_pic_list_modification");
     if (header.kind() != slice_kind::I && header.kind() != slice_kind::SI)
-        code_list_modification(c, "ref_pic_list_modification_flag_l0", x.ref_pic_list_modification_flag_l0, x.l0, header,
-                               sps, mvc);
+        code_list_modification(c, "ref_pic_list_modification_flag_l0", x.ref_pic_list_modification_flag_l0, x.l0,
+                               header, sps, mvc);
     if (header.kind() == slice_kind::B)
-        code_list_modification(c, "ref_pic_list_modification_flag_l1", x.ref_pic_list_modification_flag_l1, x.l1, header,
-                               sps, mvc);
+        code_list_modification(c, "ref_pic_list_modification_flag_l1", x.ref_pic_list_modification_flag_l1, x.l1,
+                               header, sps, mvc);
 }
 
 /// The names of the elements of one list of weights.
@@ -103,17 +113,15 @@ void code_weights(Coder& c, const weight_names& names, List& list, std::uint32_t
         if (weight.luma_weight_flag) {
             c.se({names.luma_weight, i}, weight.luma_weight, -128, 127);
             c.se({names.luma_offset, i}, weight.luma_offset, -128, 127);
-        }
-        else
+        } else
             c.infer(weight.luma_weight, luma_default);
         if (with_chroma)
             c.flag({names.chroma_weight_flag, i}, weight.chroma_weight_flag);
         for (std::uint32_t j = 0; j < 2; ++j) {
-            if (weight.chroma_weight_flag) {
+            if (with_chroma && weight.chroma_weight_flag) {
                 c.se({names.chroma_weight, i, j}, weight.chroma_weight[j], -128, 127);
                 c.se({names.chroma_offset, i, j}, weight.chroma_offset[j], -128, 127);
-            }
-            else
+            } else
                 c.infer(weight.chroma_weight[j], chroma_default);
         }
     }
@@ -121,8 +129,8 @@ void code_weights(Coder& c, const weight_names& names, List& list, std::uint32_t
 }
 
 // H.264 7.3.3.2
-template <class Coder>
-void code(Coder& c, in<Coder, pred_weight_table>& x, const slice_header& header, const seq_parameter_set_data& sps)
+template <class Coder, class Header>
+void code(Coder& c, in<Coder, pred_weight_table>& x, const Header& header, const seq_parameter_set_data& sps)
 {
     constexpr weight_names l0 = {"luma_weight_l0_flag",   "luma_weight_l0",   "luma_offset_l0",
                                  "chroma_weight_l0_flag", "chroma_weight_l0", "chroma_offset_l0"};
@@ -138,18 +146,15 @@ void code(Coder& c, in<Coder, pred_weight_table>& x, const slice_header& header,
         code_weights(c, l1, x.l1, header.num_ref_idx_l1_active_minus1, x, with_chroma);
 }
 
-// H.264 7.3.3.3, the operations, which dec_ref_base_pic_marking() has too, but for the last three
-template <class Coder, class List>
-void code_marking_operations(Coder& c, const char* operation_name, List& list, const slice_header& x,
-                             const seq_parameter_set_data& sps, std::int64_t highest_operation)
+// H.264 7.3.3.3, the operations
+template <class Coder, class List, class Header>
+void code_marking_operations(Coder& c, List& list, const Header& x, const seq_parameter_set_data& sps)
 {
     std::size_t sent = 0;
     for (std::uint32_t operation = 1; operation != 0 && c.going();) {
-        auto& entry = c.entry(operation_name, list, sent++);
-        c.ue(operation_name, entry.memory_management_control_operation, 0, highest_operation);
+        auto& entry = c.entry("memory_management_control_operation", list, sent++);
+        c.ue("memory_management_control_operation", entry.memory_management_control_operation, 0, 6);
         operation = entry.memory_management_control_operation;
-        if (operation > highest_operation)
-            continue;
         if (operation == 1 || operation == 3)
             c.ue("difference_of_pic_nums_minus1", entry.difference_of_pic_nums_minus1, 0, MaxPicNum(x, sps) - 1);
         if (operation == 2)
@@ -159,28 +164,28 @@ void code_marking_operations(Coder& c, const char* operation_name, List& list, c
         if (operation == 4)
             c.ue("max_long_term_frame_idx_plus1", entry.max_long_term_frame_idx_plus1, 0, sps.max_num_ref_frames);
     }
-    c.entries_end(operation_name, list, sent);
+    c.entries_end("memory_management_control_operation", list, sent);
 }
 
 // H.264 7.3.3.3
-template <class Coder>
-void code(Coder& c, in<Coder, dec_ref_pic_marking>& x, const slice_header& header, const seq_parameter_set_data& sps,
+template <class Coder, class Header>
+void code(Coder& c, in<Coder, dec_ref_pic_marking>& x, const Header& header, const seq_parameter_set_data& sps,
           bool IdrPicFlag)
 {
     const auto here = c.structure("dec_ref_pic_marking");
     if (IdrPicFlag) {
         c.flag("no_output_of_prior_pics_flag", x.no_output_of_prior_pics_flag);
         c.flag("long_term_reference_flag", x.long_term_reference_flag);
-    }
-    else {
+    } else {
         c.flag("adaptive_ref_pic_marking_mode_flag", x.adaptive_ref_pic_marking_mode_flag);
         if (x.adaptive_ref_pic_marking_mode_flag)
-            code_marking_operations(c, "memory_management_control_operation", x.operations, header, sps, 6);
+            code_marking_operations(c, x.operations, header, sps);
     }
 }
 
 /// Weights are sent: explicit prediction of this kind of slice, 7.3.3.
-inline bool has_weights(const slice_header& x, const pic_parameter_set_rbsp& pps) noexcept
+template <class Header>
+bool has_weights(const Header& x, const pic_parameter_set_rbsp& pps) noexcept
 {
     if (x.kind() == slice_kind::B)
         return pps.weighted_bipred_idc == 1;
@@ -234,23 +239,21 @@ void code_active_references(Coder& c, Header& x, const pic_parameter_set_rbsp& p
         c.infer(x.num_ref_idx_l1_active_minus1, pps.num_ref_idx_l1_default_active_minus1);
 }
 
-// H.264 7.3.3, from cabac_init_idc to slice_group_change_cycle
+// H.264 7.3.3, slice_qp_delta
 template <class Coder, class Header>
-void code_end_of_slice_header(Coder& c, Header& x, const pic_parameter_set_rbsp& pps, const seq_parameter_set_data& sps)
+void code_slice_qp_delta(Coder& c, Header& x, const pic_parameter_set_rbsp& pps, const seq_parameter_set_data& sps)
 {
-    const bool switching = x.kind() == slice_kind::SP || x.kind() == slice_kind::SI;
-    if (pps.entropy_coding_mode_flag && x.kind() != slice_kind::I && x.kind() != slice_kind::SI)
-        c.ue("cabac_init_idc", x.cabac_init_idc, 0, 2);
     const std::int64_t qp = 26 + std::int64_t{pps.pic_init_qp_minus26};
     c.se("slice_qp_delta", x.slice_qp_delta, -6 * std::int64_t{sps.bit_depth_luma_minus8} - qp, 51 - qp);
-    if (switching) {
-        if (x.kind() == slice_kind::SP)
-            c.flag("sp_for_switch_flag", x.sp_for_switch_flag);
-        const std::int64_t qs = 26 + std::int64_t{pps.pic_init_qs_minus26};
-        c.se("slice_qs_delta", x.slice_qs_delta, -qs, 51 - qs);
-    }
+}
+
+// H.264 7.3.3, the deblocking filter and slice_group_change_cycle; scalable slices have filters up to `highest_idc` 6
+template <class Coder, class Header>
+void code_filter_and_groups(Coder& c, Header& x, const pic_parameter_set_rbsp& pps, const seq_parameter_set_data& sps,
+                            std::int64_t highest_idc)
+{
     if (pps.deblocking_filter_control_present_flag) {
-        c.ue("disable_deblocking_filter_idc", x.disable_deblocking_filter_idc, 0, 2);
+        c.ue("disable_deblocking_filter_idc", x.disable_deblocking_filter_idc, 0, highest_idc);
         if (x.disable_deblocking_filter_idc != 1) {
             c.se("slice_alpha_c0_offset_div2", x.slice_alpha_c0_offset_div2, -6, 6);
             c.se("slice_beta_offset_div2", x.slice_beta_offset_div2, -6, 6);
@@ -262,6 +265,46 @@ void code_end_of_slice_header(Coder& c, Header& x, const pic_parameter_set_rbsp&
     }
 }
 
+// H.264 7.3.3, from cabac_init_idc to slice_group_change_cycle
+template <class Coder, class Header>
+void code_end_of_slice_header(Coder& c, Header& x, const pic_parameter_set_rbsp& pps, const seq_parameter_set_data& sps)
+{
+    if (pps.entropy_coding_mode_flag && x.kind() != slice_kind::I && x.kind() != slice_kind::SI)
+        c.ue("cabac_init_idc", x.cabac_init_idc, 0, 2);
+    code_slice_qp_delta(c, x, pps, sps);
+    if (x.kind() == slice_kind::SP || x.kind() == slice_kind::SI) {
+        if (x.kind() == slice_kind::SP)
+            c.flag("sp_for_switch_flag", x.sp_for_switch_flag);
+        const std::int64_t qs = 26 + std::int64_t{pps.pic_init_qs_minus26};
+        c.se("slice_qs_delta", x.slice_qs_delta, -qs, 51 - qs);
+    }
+    code_filter_and_groups(c, x, pps, sps, 2);
+}
+
+/// The parameter sets that a slice names.
+struct slice_sets {
+    const pic_parameter_set_rbsp* pps = nullptr;
+    const seq_parameter_set_data* sps = nullptr; ///< null after a failure
+};
+
+/// Finds them, or fails.
+template <class Coder>
+slice_sets sets_of_slice(Coder& c, std::uint32_t pic_parameter_set_id, const slice_context& context)
+{
+    slice_sets found;
+    if (!c.going())
+        return found;
+    found.pps = context.sets.find_pps(pic_parameter_set_id);
+    if (found.pps == nullptr) {
+        c.fail(reason::no_pps, "pic_parameter_set_id", pic_parameter_set_id);
+        return found;
+    }
+    found.sps = sps_of(context.header, *found.pps, context.sets);
+    if (found.sps == nullptr)
+        c.fail(reason::no_sps, "pic_parameter_set_id", found.pps->seq_parameter_set_id);
+    return found;
+}
+
 // H.264 7.3.3
 template <class Coder>
 void code(Coder& c, in<Coder, slice_header>& x, const slice_context& context)
@@ -270,14 +313,9 @@ void code(Coder& c, in<Coder, slice_header>& x, const slice_context& context)
     c.ue("first_mb_in_slice", x.first_mb_in_slice);
     c.ue("slice_type", x.slice_type, 0, 9);
     c.ue("pic_parameter_set_id", x.pic_parameter_set_id, 0, 255);
-    if (!c.going())
-        return;
-    const pic_parameter_set_rbsp* const pps = context.sets.find_pps(x.pic_parameter_set_id);
-    if (pps == nullptr)
-        return c.fail(reason::no_pps, "pic_parameter_set_id", x.pic_parameter_set_id);
-    const seq_parameter_set_data* const sps = sps_of(context.header, *pps, context.sets);
+    const auto [pps, sps] = sets_of_slice(c, x.pic_parameter_set_id, context);
     if (sps == nullptr)
-        return c.fail(reason::no_sps, "pic_parameter_set_id", pps->seq_parameter_set_id);
+        return;
 
     code_picture_of_slice(c, x, *pps, *sps, context.IdrPicFlag);
     if (x.kind() == slice_kind::B)
@@ -293,13 +331,13 @@ void code(Coder& c, in<Coder, slice_header>& x, const slice_context& context)
     code_end_of_slice_header(c, x, *pps, *sps);
 }
 
-// H.264 7.3.4, what slice_data() has before its macroblocks
+// H.264 7.3.4, what slice_data() has before its macroblocks, and its forms in layers and 3D-AVC views likewise
 template <class Coder>
-void code_slice_data(Coder& c, const pic_parameter_set_rbsp* pps)
+void code_slice_data(Coder& c, const pic_parameter_set_rbsp* pps, const char* name = "slice_data")
 {
     if (pps == nullptr || !pps->entropy_coding_mode_flag || c.byte_aligned())
         return;
-    const auto here = c.structure("slice_data");
+    const auto here = c.structure(name);
     while (!c.byte_aligned())
         c.f(1, "cabac_alignment_one_bit", 1);
 }

@@ -64,14 +64,18 @@ struct nal_unit_header {
 
     /// Types 14, 20 and 21 have an extension.
     bool extended() const noexcept { return nal_unit_type == 14 || nal_unit_type == 20 || nal_unit_type == 21; }
-    /// Extended, and neither scalable nor 3D-AVC.
-    bool multiview() const noexcept { return extended() && !svc_extension_flag && !avc_3d_extension_flag; }
+    /// Its extension is nal_unit_header_svc_extension; type 21 has no svc_extension_flag.
+    bool scalable() const noexcept { return extended() && nal_unit_type != 21 && svc_extension_flag; }
+    /// Its extension is nal_unit_header_3davc_extension; type 21 alone has the flag.
+    bool avc_3d() const noexcept { return nal_unit_type == 21 && avc_3d_extension_flag; }
+    /// Its extension is nal_unit_header_mvc_extension.
+    bool multiview() const noexcept { return extended() && !scalable() && !avc_3d(); }
     /// nalUnitHeaderBytes: 1, 3 or 4.
     unsigned bytes() const noexcept
     {
         if (!extended())
             return 1;
-        return avc_3d_extension_flag ? 3 : 4;
+        return avc_3d() ? 3 : 4;
     }
 
     friend ORV_UTILS_V4_EXPORT bool operator==(const nal_unit_header&, const nal_unit_header&);
@@ -83,9 +87,9 @@ inline bool IdrPicFlag(const nal_unit_header& header) noexcept
 {
     if (!header.extended())
         return header.nal_unit_type == 5;
-    if (header.svc_extension_flag)
+    if (header.scalable())
         return header.nal_unit_header_svc_extension.idr_flag;
-    if (header.avc_3d_extension_flag)
+    if (header.avc_3d())
         return !header.nal_unit_header_3davc_extension.non_idr_flag;
     return !header.nal_unit_header_mvc_extension.non_idr_flag;
 }

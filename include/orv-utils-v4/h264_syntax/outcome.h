@@ -23,6 +23,7 @@ enum class reason : std::uint8_t {
     no_sps,          ///< names an SPS (or subset SPS) that is not there
     no_pps,          ///< names a PPS that is not there
     no_partition_a,  ///< a partition without its partition A
+    no_source_slice, ///< takes what its table needs from another slice (3D-AVC), which is not looked up
     wrong_kind,      ///< the structure is not the one that the header or the payload type names
     wrong_count,     ///< the container does not hold `bound` entries
     no_memory,       ///< an allocation failed
@@ -57,11 +58,11 @@ struct finding {
 
 /// What a unit ends with.
 enum class ending : std::uint8_t {
-    unknown,           ///< not reached, or not looked for
-    sound,             ///< rbsp_trailing_bits() and nothing behind them; or nothing, where nothing belongs
-    no_stop_bit,       ///< the bit where the stop bit belongs is 0, or is not there
-    cabac_zero_words,  ///< 0x0000 words behind the trailing bits (clause 7.3.2.10)
-    bytes_behind,      ///< other bytes behind the trailing bits
+    unknown,          ///< not reached, or not looked for
+    sound,            ///< rbsp_trailing_bits() and nothing behind them; or nothing, where nothing belongs
+    no_stop_bit,      ///< the bit where the stop bit belongs is 0, or is not there
+    cabac_zero_words, ///< 0x0000 words behind the trailing bits (clause 7.3.2.10)
+    bytes_behind,     ///< other bytes behind the trailing bits
 };
 
 /// How it went.
