@@ -12,7 +12,8 @@
 //   infer(x, value)                      what an element that is not sent is inferred as; only where it is not sent
 //   count(name, v, n)                    gives a growing list its n entries
 //   entry(name, list, i), entries_end(name, list, n)   entries of a bounded list whose number shows on the way
-//   append(name, v)                      one more entry of a growing list, or null when there can be none
+//   append(name, v, i)                   entry i of a growing list whose number shows on the way, or null when there can
+//                                        be none; entries_end(name, v, n) behind the last one
 //   as<T>(v)                             the alternative of a variant
 //   flags_left(name, v)                  flags up to the stop bit
 //   byte_aligned(), more_rbsp_data(x), more_bits(x), going()

@@ -80,6 +80,11 @@ public:
         set(name, x, -half, half - 1);
     }
     template <class X>
+    void i(unsigned n, const label& name, X& x, std::int64_t, std::int64_t)
+    {
+        i(n, name, x);
+    }
+    template <class X>
     void i_v(std::uint64_t n, const label& name, X& x)
     {
         if (n != 0)
@@ -149,6 +154,13 @@ public:
         catch (const std::exception&) {
             fail(reason::no_memory, name);
         }
+    }
+    template <class T>
+    T* append(const label& name, std::vector<T>& v, std::size_t i)
+    {
+        if (i >= v.size())
+            entries_end(name, v, i + 1);
+        return i < v.size() ? &v[i] : nullptr;
     }
     template <class T, class... Ts>
     T& as(std::variant<Ts...>& v)

@@ -100,6 +100,11 @@ public:
         signed_number(name, coding::i, x, n, -half, half - 1);
     }
     template <class X>
+    void i(unsigned n, const label& name, X& x, std::int64_t lowest, std::int64_t highest)
+    {
+        signed_number(name, coding::i, x, n, lowest, highest);
+    }
+    template <class X>
     void i_v(std::uint64_t n, const label& name, X& x)
     {
         if (!wide(n, name))
@@ -226,6 +231,12 @@ public:
             return &v.back();
         fail(reason::no_memory, name);
         return nullptr;
+    }
+    /// The same, in a loop whose number of entries shows on the way; `i` is the size of the list.
+    template <class T>
+    T* append(const label& name, std::vector<T>& v, std::size_t)
+    {
+        return append(name, v);
     }
     template <class T, class... Ts>
     T& as(std::variant<Ts...>& v)

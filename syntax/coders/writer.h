@@ -69,6 +69,11 @@ public:
             bw.u(n, static_cast<std::uint32_t>(x));
     }
     template <class X>
+    void i(unsigned n, const label& name, X x, std::int64_t, std::int64_t)
+    {
+        i(n, name, x);
+    }
+    template <class X>
     void i_v(std::uint64_t n, const label& name, X x)
     {
         if (n > 32)
@@ -136,6 +141,14 @@ public:
     {
         if (list.size() != n)
             fail(reason::wrong_count, name, static_cast<std::int64_t>(list.size()), static_cast<std::int64_t>(n));
+    }
+    template <class T>
+    const T* append(const label& name, const std::vector<T>& v, std::size_t i)
+    {
+        if (i < v.size())
+            return &v[i];
+        fail(reason::wrong_count, name, static_cast<std::int64_t>(v.size()), static_cast<std::int64_t>(i) + 1);
+        return nullptr;
     }
     template <class T, class... Ts>
     const T& as(const std::variant<Ts...>& v)

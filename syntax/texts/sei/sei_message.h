@@ -1,0 +1,137 @@
+// The texts of an SEI NAL unit, H.264 clauses 7.3.2.3, 7.3.2.3.1 and D.1.1: messages, and which payload goes with a
+// type.
+#pragma once
+
+#include "texts/parameter_sets.h"
+#include "texts/sei/annotated_regions.h"
+#include "texts/sei/colour.h"
+#include "texts/sei/display.h"
+#include "texts/sei/manifest.h"
+#include "texts/sei/omnidirectional.h"
+#include "texts/sei/pictures.h"
+#include "texts/sei/post_processing.h"
+#include "texts/sei/sub_sequences.h"
+#include "texts/sei/timing.h"
+#include "texts/sei/user_data.h"
+#include "texts/sei_context.h"
+
+#include <orv-utils-v4/h264_syntax/sei/sei.h>
+
+namespace orv_utils_v4::h264 {
+
+/// The most nesting messages that a message may lie in.
+constexpr unsigned deepest_nesting = 2;
+
+/// Whether the lengths of its elements hang on parameter sets that a nesting message leaves open.
+constexpr bool open_inside_nesting(std::uint32_t payload_type) noexcept
+{
+    return payload_type == 0 || payload_type == 1 || payload_type == 7 || payload_type == 8 || payload_type == 18;
+}
+
+// H.264 D.1.1, which payload it is
+template <class Coder>
+void code_payload_of_type(Coder& c, std::uint32_t payload_type, in<Coder, sei_payload>& x, const sei_context& context)
+{
+    // clang-format off
+    switch (payload_type) {
+    // Annex D
+    case 0: return code(c, c.template as<buffering_period>(x), context);
+    case 1: return code(c, c.template as<pic_timing>(x), context);
+    case 2: return code(c, c.template as<pan_scan_rect>(x));
+    case 3: return code(c, c.template as<filler_payload>(x));
+    case 4: return code(c, c.template as<user_data_registered_itu_t_t35>(x));
+    case 5: return code(c, c.template as<user_data_unregistered>(x));
+    case 6: return code(c, c.template as<recovery_point>(x), context);
+    case 7: return code(c, c.template as<dec_ref_pic_marking_repetition>(x), context);
+    case 8: return code(c, c.template as<spare_pic>(x), context);
+    case 9: return code(c, c.template as<scene_info>(x));
+    case 10: return code(c, c.template as<sub_seq_info>(x), context);
+    case 11: return code(c, c.template as<sub_seq_layer_characteristics>(x));
+    case 12: return code(c, c.template as<sub_seq_characteristics>(x));
+    case 13: return code(c, c.template as<full_frame_freeze>(x));
+    case 14: return code(c, c.template as<full_frame_freeze_release>(x));
+    case 15: return code(c, c.template as<full_frame_snapshot>(x));
+    case 16: return code(c, c.template as<progressive_refinement_segment_start>(x));
+    case 17: return code(c, c.template as<progressive_refinement_segment_end>(x));
+    case 18: return code(c, c.template as<motion_constrained_slice_group_set>(x), context);
+    case 19: return code(c, c.template as<film_grain_characteristics>(x), context);
+    case 20: return code(c, c.template as<deblocking_filter_display_preference>(x));
+    case 21: return code(c, c.template as<stereo_video_info>(x));
+    case 22: return code(c, c.template as<post_filter_hint>(x));
+    case 23: return code(c, c.template as<tone_mapping_info>(x));
+    case 45: return code(c, c.template as<frame_packing_arrangement>(x));
+    case 47: return code(c, c.template as<display_orientation>(x));
+    case 137: return code(c, c.template as<mastering_display_colour_volume>(x));
+    case 142: return code(c, c.template as<colour_remapping_info>(x), context);
+    case 144: return code(c, c.template as<content_light_level_info>(x));
+    case 147: return code(c, c.template as<alternative_transfer_characteristics>(x));
+    case 148: return code(c, c.template as<ambient_viewing_environment>(x));
+    case 150: return code(c, c.template as<equirectangular_projection>(x));
+    case 151: return code(c, c.template as<cubemap_projection>(x));
+    case 154: return code(c, c.template as<sphere_rotation>(x));
+    case 155: return code(c, c.template as<regionwise_packing>(x));
+    case 156: return code(c, c.template as<omni_viewport>(x));
+    case 200: return code(c, c.template as<sei_manifest>(x));
+    case 201: return code(c, c.template as<sei_prefix_indication>(x));
+    case 202: return code(c, c.template as<annotated_regions>(x));
+
+    // Annexes G to J
+    case 24: case 25: case 26: case 27: case 28: case 29: case 30: case 31: case 32: case 33: case 34: case 35: case 36:
+    case 37: case 38: case 39: case 40: case 41: case 42: case 43: case 44: case 46: case 48: case 49: case 50: case 51:
+    case 52: case 53: case 54: return code(c, c.template as<payload_bytes>(x));
+
+    // not read: sei.h says why
+    case 56: case 149: case 205: return code(c, c.template as<payload_bytes>(x));
+
+    default: return code(c, c.template as<reserved_sei_message>(x));
+    }
+    // clang-format on
+}
+
+// H.264 D.1.1
+template <class Coder>
+void code_sei_payload(Coder& c, in<Coder, sei_message>& x, const sei_context& context)
+{
+    const auto here = c.structure("sei_payload");
+    if (context.nesting > 0 && open_inside_nesting(x.payload_type))
+        code(c, c.template as<payload_bytes>(x.payload));
+    else
+        code_payload_of_type(c, x.payload_type, x.payload, context);
+    if (!c.byte_aligned()) {
+        c.f(1, "bit_equal_to_one", 1);
+        while (!c.byte_aligned())
+            c.f(1, "bit_equal_to_zero", 0);
+    }
+    c.bytes_left("payload_byte", x.rest);
+}
+
+// H.264 7.3.2.3.1
+template <class Coder>
+void code(Coder& c, in<Coder, sei_message>& x, const sei_context& context)
+{
+    const auto here = c.structure("sei_message");
+    if (context.nesting > deepest_nesting)
+        return c.fail(reason::too_large, "sei_message", context.nesting, deepest_nesting);
+    c.ff_coded("last_payload_type_byte", x.payload_type);
+    c.payload(x.payload_size, [&](auto& coder) { code_sei_payload(coder, x, context); });
+}
+
+// H.264 7.3.2.3
+template <class Coder>
+void code(Coder& c, in<Coder, sei_rbsp>& x, const sei_context& context)
+{
+    const auto here = c.structure("sei_rbsp");
+    if (!c.more_rbsp_data(0, x.sei_messages.size()))
+        return c.fail(reason::too_small, "sei_message", 0, 1);
+    for (std::size_t i = 0; c.more_rbsp_data(i, x.sei_messages.size()); ++i) {
+        if (i == sei_rbsp::most_messages)
+            return c.fail(reason::too_large, "sei_message", static_cast<std::int64_t>(i) + 1, sei_rbsp::most_messages);
+        auto* const message = c.append("sei_message", x.sei_messages, i);
+        if (message == nullptr)
+            return;
+        code(c, *message, context);
+    }
+    rbsp_trailing_bits(c);
+}
+
+} // namespace orv_utils_v4::h264
