@@ -51,6 +51,10 @@ namespace {
 
 /// The header of the slice, wherever its kind of unit has it; null of other units.
 struct slice_header_in {
+    const slice_header* operator()(const slice_layer_extension_rbsp& x) const noexcept
+    {
+        return std::get_if<slice_header>(&x.header);
+    }
     template <class Rbsp>
     const slice_header* operator()(const Rbsp&) const noexcept
     {
@@ -58,6 +62,29 @@ struct slice_header_in {
     }
     const slice_header* operator()(const slice_layer_without_partitioning_rbsp& x) const noexcept { return &x.slice_header; }
     const slice_header* operator()(const slice_data_partition_a_layer_rbsp& x) const noexcept { return &x.slice_header; }
+};
+
+/// The pic_parameter_set_id of a slice; none_named of other units.
+struct pps_named_by {
+    static constexpr std::uint32_t none_named = ~std::uint32_t{0};
+
+    template <class Rbsp>
+    std::uint32_t operator()(const Rbsp&) const noexcept
+    {
+        return none_named;
+    }
+    std::uint32_t operator()(const slice_layer_without_partitioning_rbsp& x) const noexcept
+    {
+        return x.slice_header.pic_parameter_set_id;
+    }
+    std::uint32_t operator()(const slice_data_partition_a_layer_rbsp& x) const noexcept
+    {
+        return x.slice_header.pic_parameter_set_id;
+    }
+    std::uint32_t operator()(const slice_layer_extension_rbsp& x) const noexcept
+    {
+        return std::visit([](const auto& header) { return header.pic_parameter_set_id; }, x.header);
+    }
 };
 
 } // namespace
@@ -69,8 +96,7 @@ const slice_header* slice_header_of(const nal_unit& unit) noexcept
 
 const pic_parameter_set_rbsp* pps_of(const nal_unit& unit, const parameter_sets& sets) noexcept
 {
-    const slice_header* const header = slice_header_of(unit);
-    return header == nullptr ? nullptr : sets.find_pps(header->pic_parameter_set_id);
+    return sets.find_pps(std::visit(pps_named_by(), unit.rbsp));
 }
 
 const seq_parameter_set_data* sps_of(const nal_unit& unit, const parameter_sets& sets) noexcept

@@ -172,6 +172,9 @@ public:
     }
     void run(const char* name, unsigned byte, std::uint64_t x)
     {
+        constexpr std::uint64_t longest = 0xFFFFFFFF; // as long as a unit of a stream
+        if (x > longest)
+            return fail(reason::too_large, name, static_cast<std::int64_t>(x), longest);
         for (std::uint64_t i = 0; i < x && going(); ++i)
             f(8, name, byte);
     }

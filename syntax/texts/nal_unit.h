@@ -7,7 +7,7 @@
 #include "texts/parameter_sets.h"
 #include "texts/sei/sei_message.h"
 #include "texts/slice_header.h"
-#include "texts/slice_header_in_extensions.h"
+#include "texts/slice_layer_extension.h"
 #include "texts/subset_seq_parameter_set.h"
 
 #include <orv-utils-v4/h264_syntax/nal_unit.h>
@@ -60,7 +60,7 @@ void code(Coder& c, in<Coder, nal_unit>& x, const unit_context& context)
     case 13:
         return code_rbsp<seq_parameter_set_extension_rbsp>(c, x);
     case 14:
-        return code_rbsp<prefix_nal_unit_rbsp>(c, x, slice);
+        return code_rbsp<prefix_nal_unit_rbsp>(c, x, x.header);
     case 15:
         return code_rbsp<subset_seq_parameter_set_rbsp>(c, x);
     case 16:

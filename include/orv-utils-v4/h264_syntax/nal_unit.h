@@ -13,7 +13,7 @@
 #include <orv-utils-v4/h264_syntax/pic_parameter_set.h>
 #include <orv-utils-v4/h264_syntax/sei/sei.h>
 #include <orv-utils-v4/h264_syntax/slice_header.h>
-#include <orv-utils-v4/h264_syntax/slice_header_in_extensions.h>
+#include <orv-utils-v4/h264_syntax/slice_layer_extension.h>
 #include <orv-utils-v4/h264_syntax/subset_seq_parameter_set.h>
 
 #include <cstddef>
