@@ -36,7 +36,7 @@ inline std::uint32_t specifications(const hrd_parameters& hrd) noexcept
     return std::min(hrd.cpb_cnt_minus1, hrd_parameters::most_specifications - 1) + 1;
 }
 
-/// The highest initial_cpb_removal_delay: 90000 * ( CpbSize ÷ BitRate ), D.2.2 with (E-37) and (E-38).
+/// The highest initial_cpb_removal_delay: 90000 * ( CpbSize ÷ BitRate ), D.2.2 with E.2.2.
 inline std::int64_t highest_initial_delay(const hrd_parameters& hrd, std::uint32_t SchedSelIdx) noexcept
 {
     std::uint64_t size = std::uint64_t{90000} * (std::uint64_t{hrd.cpb_size_value_minus1[SchedSelIdx]} + 1);

@@ -94,7 +94,7 @@ void code(Coder& c, in<Coder, pic_timing>& x, const sei_context& context)
         c.u_v(hrd.cpb_removal_delay_length_minus1 + 1U, "cpb_removal_delay", x.cpb_removal_delay);
         c.u_v(hrd.dpb_output_delay_length_minus1 + 1U, "dpb_output_delay", x.dpb_output_delay);
     }
-    if (context.sps->vui_parameters.pic_struct_present_flag) {
+    if (context.sps->vui_parameters_present_flag && context.sps->vui_parameters.pic_struct_present_flag) {
         c.u_bound(4, "pic_struct", x.pic_struct, 0, pic_timing::highest_pic_struct);
         for (std::uint32_t i = 0; i < x.NumClockTS() && c.going(); ++i)
             code(c, x.timestamps[i], i, hrd.time_offset_length);

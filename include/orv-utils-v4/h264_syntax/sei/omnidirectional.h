@@ -96,8 +96,6 @@ struct viewport {
 
 /// omni_viewport(): payload 156.
 struct omni_viewport {
-    static constexpr std::size_t most_viewports = 16; ///< that omni_viewport_cnt_minus1 can tell
-
     std::uint16_t omni_viewport_id = 0; ///< 0 to 1023
     bool omni_viewport_cancel_flag = false;
     bool omni_viewport_persistence_flag = false;

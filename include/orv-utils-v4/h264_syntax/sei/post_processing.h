@@ -5,6 +5,7 @@
 
 #include <orv-utils-v4/export.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 

@@ -15,6 +15,7 @@
 #include <orv-utils-v4/h264_syntax/sei/timing.h>
 #include <orv-utils-v4/h264_syntax/sei/user_data.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <variant>
 #include <vector>

@@ -6,6 +6,7 @@
 #include <orv-utils-v4/h264_syntax/bounded_list.h>
 #include <orv-utils-v4/h264_syntax/hrd_parameters.h>
 
+#include <cstddef>
 #include <cstdint>
 
 namespace orv_utils_v4::h264 {
