@@ -1,9 +1,6 @@
 // What a unit stands on, and reasons as text.
 #include <orv-utils-v4/h264_syntax/nal_unit.h>
 
-#include "texts/parameter_sets.h"
-#include "texts/slice_header.h"
-
 namespace orv_utils_v4::h264 {
 
 const char* text_of(reason why) noexcept
@@ -103,15 +100,6 @@ const seq_parameter_set_data* sps_of(const nal_unit& unit, const parameter_sets&
 {
     const pic_parameter_set_rbsp* const pps = pps_of(unit, sets);
     return pps == nullptr ? nullptr : sps_of(unit.header, *pps, sets);
-}
-
-const seq_parameter_set_data* sps_of(const pic_parameter_set_rbsp& pps, const parameter_sets& sets) noexcept
-{
-    const seq_parameter_set_data* const sps = sets.find_sps(pps.seq_parameter_set_id);
-    if (sps != nullptr)
-        return sps;
-    const subset_seq_parameter_set_rbsp* const subset = sets.find_subset_sps(pps.seq_parameter_set_id);
-    return subset == nullptr ? nullptr : &subset->seq_parameter_set_data;
 }
 
 } // namespace orv_utils_v4::h264

@@ -19,11 +19,6 @@ struct slice_context {
     std::int32_t partition_a_pps = -1; ///< of partitions B and C: the PPS that their partition A names; -1 is none
 };
 
-/// The SPS that a slice with this header stands on: in other layers and views the subset SPS. Null when it is not
-/// there.
-const seq_parameter_set_data* sps_of(const nal_unit_header& header, const pic_parameter_set_rbsp& pps,
-                                     const parameter_sets& sets) noexcept;
-
 /// The slice is of a field, or may be.
 template <class Header>
 bool may_be_field(const Header& x) noexcept

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "coders/coder.h"
+#include "coders/writer.h"
 
 #include <orv-utils-v4/h264_syntax.h>
 
@@ -78,6 +79,11 @@ public:
         set(name, x, -(std::int64_t{1} << (n - 1)), (std::int64_t{1} << (n - 1)) - 1);
     }
     template <class X>
+    void i(unsigned, const label& name, X& x, std::int64_t lowest, std::int64_t highest)
+    {
+        set(name, x, lowest, highest);
+    }
+    template <class X>
     void i_v(std::uint64_t n, const label& name, X& x)
     {
         stopped = stopped || n > 32;
@@ -143,6 +149,11 @@ public:
         v.emplace_back();
         return &v.back();
     }
+    template <class T>
+    T* append(const label& name, std::vector<T>& v, std::size_t)
+    {
+        return append(name, v);
+    }
     template <class T, class... Ts>
     T& as(std::variant<Ts...>& v)
     {
@@ -150,6 +161,13 @@ public:
     }
 
     void more_rbsp_data(bool& x) { x = coin(); }
+    void more_bits(bool& x) { x = coin(); }
+    void flags_left(const label&, std::vector<bool>& v)
+    {
+        v.clear();
+        for (std::uint64_t n = draw(5); n > 0; --n)
+            v.push_back(coin());
+    }
     bool more_rbsp_data(std::size_t i, std::size_t) { return !stopped && (i == 0 || (i < 4 && coin())); }
     bool more_payload(std::size_t i, std::size_t) { return !stopped && (i == 0 || (i < 4 && coin())); }
     std::uint64_t payload_bits_left() const { return ~std::uint64_t{0}; }
@@ -169,9 +187,14 @@ public:
         x = static_cast<std::uint32_t>(known == forced.end() ? draw(600) : static_cast<std::uint64_t>(known->second));
     }
     template <class Text>
-    void payload(std::uint32_t&, Text text)
+    void payload(std::uint32_t& size, Text text)
     {
         text(*this);
+        bit_writer bits;
+        outcome refused;
+        writer counting(bits, refused);
+        text(counting);
+        size = static_cast<std::uint32_t>(bits.bytes());
     }
     void fail(reason, const label&, std::int64_t = 0, std::int64_t = 0) { stopped = true; }
 
@@ -182,6 +205,7 @@ private:
     void set(const label& name, X& x, std::int64_t lowest, std::int64_t highest)
     {
         const auto known = forced.find(name.name);
+        stopped = stopped || highest < lowest; // no value is sound
         x = static_cast<X>(known != forced.end() ? known->second : drawn(lowest, std::max(lowest, highest)));
     }
     /// What bounds a list: few entries as a rule, and now and then all.

@@ -74,7 +74,7 @@ public:
     void take(const unit_reading& reading) override
     {
         ++units;
-        if (reading.result.failure || reading.result.ending == ending::bytes_behind)
+        if (reading.result.failure || reading.result.ending == ending::bytes_behind || (reading.place.bytes[0] & 0x80) != 0)
             return;
         ++sound_units;
         check(reading, reading.context);
@@ -120,8 +120,8 @@ TEST(SyntaxStreams, ReadThenWrittenEveryUnitHasItsBytes)
         splitter.flush(check);
         check.end();
         EXPECT_GT(check.units, 0U) << path;
-        if (path.filename().string().rfind("broken", 0) != 0)
-            EXPECT_EQ(check.sound_units, check.units) << path;
+        const bool broken = path.filename().string().rfind("broken", 0) == 0;
+        EXPECT_TRUE(broken || check.sound_units == check.units) << path << check.sound_units << " of " << check.units;
         if (HasFailure())
             FAIL() << path;
     }

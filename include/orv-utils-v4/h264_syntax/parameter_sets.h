@@ -3,6 +3,7 @@
 /// elsewhere.
 #pragma once
 
+#include <orv-utils-v4/h264_syntax/nal_unit_header.h>
 #include <orv-utils-v4/h264_syntax/pic_parameter_set.h>
 #include <orv-utils-v4/h264_syntax/seq_parameter_set.h>
 
@@ -46,6 +47,12 @@ struct parameter_sets {
         return id < dps_ids ? dps[id] : nullptr;
     }
 };
+
+/// The SPS that a slice with this header stands on: in other layers and views the subset SPS. Null when it is not
+/// there.
+ORV_UTILS_V4_EXPORT const seq_parameter_set_data* sps_of(const nal_unit_header& header,
+                                                         const pic_parameter_set_rbsp& pps,
+                                                         const parameter_sets& sets) noexcept;
 
 /// The SPS that a PPS is read with: the one that it names, else the subset SPS of that id; null when neither is there.
 ORV_UTILS_V4_EXPORT const seq_parameter_set_data* sps_of(const pic_parameter_set_rbsp& pps,
