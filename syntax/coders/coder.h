@@ -6,6 +6,7 @@
 //   u(n, name, x[, low, high])           an element by its descriptor; low and high are the range that the standard
 //   u_v(n, …) i(n, …) i_v(n, …) ue(name, x, …) se(…) flag(name, x[, low, high]) b(name, x) st(name, x)   states. A value
 //                                        outside is a finding: it is stored
+//   u_v_long(n, name, x)                 u(v) of up to 63 bits, kept in 64
 //   ue_bound(name, x, low, high) u_bound(n, …)   the same, where more than `high` would run past an array: a failure
 //   u_bytes(name, x)                     u(8 * N) of N bytes kept in an array
 //   f(n, name, value)                    a fixed pattern
@@ -45,11 +46,14 @@ constexpr unsigned Ceil_Log2(std::uint64_t x) noexcept
 constexpr std::int64_t highest_ue = 0xFFFFFFFE;
 constexpr std::int64_t highest_se = 0x7FFFFFFF;
 
-/// The greatest number of n bits, n from 1 to 32.
+/// The greatest number of n bits, n from 1 to 63.
 constexpr std::int64_t highest_u(unsigned n) noexcept
 {
-    return (std::int64_t{1} << n) - 1;
+    return static_cast<std::int64_t>((std::uint64_t{1} << n) - 1);
 }
+
+/// The most bits of an element that is told with its value.
+constexpr std::uint64_t widest_number = 63;
 
 /// Closes a structure when it goes.
 template <class Coder>

@@ -73,6 +73,13 @@ public:
     {
         u_v(n, name, x);
     }
+    void u_v_long(std::uint64_t n, const label& name, std::uint64_t& x)
+    {
+        auto kept = static_cast<std::int64_t>(x);
+        if (n != 0)
+            set(name, kept, 0, highest_u(static_cast<unsigned>(n > widest_number ? widest_number : n)));
+        x = static_cast<std::uint64_t>(kept);
+    }
     template <class X>
     void i(unsigned n, const label& name, X& x)
     {

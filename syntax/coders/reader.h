@@ -93,6 +93,23 @@ public:
         if (wide(n, name))
             number(name, coding::u_v, x, static_cast<unsigned>(n), lowest, highest);
     }
+    /// u(v) of 0 to 63 bits.
+    void u_v_long(std::uint64_t n, const label& name, std::uint64_t& x)
+    {
+        if (n > widest_number)
+            return fail(reason::too_large, name, static_cast<std::int64_t>(n), widest_number);
+        if (n == 0)
+            return;
+        const auto bits = static_cast<unsigned>(n);
+        const unsigned low = bits > 32 ? 32 : bits;
+        auto kept_value = static_cast<std::int64_t>(x);
+        element(name, coding::u_v, kept_value, 0, highest_u(bits), [&](std::int64_t& value) {
+            value = bits > low ? br.get_wide(static_cast<unsigned char>(bits - low)) : 0;
+            value = value << low | br.get_wide(static_cast<unsigned char>(low));
+            return true;
+        });
+        x = static_cast<std::uint64_t>(kept_value);
+    }
     template <class X>
     void i(unsigned n, const label& name, X& x)
     {

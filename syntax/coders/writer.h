@@ -61,6 +61,16 @@ public:
     {
         u_v(n, name, x);
     }
+    void u_v_long(std::uint64_t n, const label& name, std::uint64_t x)
+    {
+        if (n > widest_number)
+            return fail(reason::too_large, name, static_cast<std::int64_t>(n), widest_number);
+        const auto bits = static_cast<unsigned>(n);
+        if (bits == 0 || !encodable(name, x, 0, highest_u(bits)))
+            return;
+        bw.u(bits > 32 ? bits - 32 : 0, static_cast<std::uint32_t>(x >> 32));
+        bw.u(bits > 32 ? 32 : bits, static_cast<std::uint32_t>(x));
+    }
     template <class X>
     void i(unsigned n, const label& name, X x)
     {
