@@ -39,8 +39,9 @@ constexpr level_row levels[] = {
 };
 
 // H.264 Table E-1
-constexpr ratio aspect_ratios[] = {{0, 0},   {1, 1},   {12, 11}, {10, 11}, {16, 11},  {40, 33}, {24, 11}, {20, 11}, {32, 11},
-                                   {80, 33}, {18, 11}, {15, 11}, {64, 33}, {160, 99}, {4, 3},   {3, 2},   {2, 1}};
+constexpr ratio aspect_ratios[] = {{0, 0},   {1, 1},    {12, 11}, {10, 11}, {16, 11}, {40, 33},
+                                   {24, 11}, {20, 11},  {32, 11}, {80, 33}, {18, 11}, {15, 11},
+                                   {64, 33}, {160, 99}, {4, 3},   {3, 2},   {2, 1}};
 
 ratio sound(std::uint64_t numerator, std::uint64_t denominator)
 {
@@ -169,23 +170,19 @@ void map_box_out(bool direction, std::uint64_t units_in_group_0, std::uint8_t* m
             x = leftBound = std::max<std::int64_t>(leftBound - 1, 0);
             xDir = 0;
             yDir = 2 * dir - 1;
-        }
-        else if (xDir == 1 && x == rightBound) {
+        } else if (xDir == 1 && x == rightBound) {
             x = rightBound = std::min(rightBound + 1, width - 1);
             xDir = 0;
             yDir = 1 - 2 * dir;
-        }
-        else if (yDir == -1 && y == topBound) {
+        } else if (yDir == -1 && y == topBound) {
             y = topBound = std::max<std::int64_t>(topBound - 1, 0);
             xDir = 1 - 2 * dir;
             yDir = 0;
-        }
-        else if (yDir == 1 && y == bottomBound) {
+        } else if (yDir == 1 && y == bottomBound) {
             y = bottomBound = std::min(bottomBound + 1, height - 1);
             xDir = 2 * dir - 1;
             yDir = 0;
-        }
-        else {
+        } else {
             x += xDir;
             y += yDir;
         }
@@ -274,8 +271,8 @@ std::uint32_t MaxDpbFrames(const seq_parameter_set_data& sps) noexcept
 std::uint32_t inferred_reorder_frames(const seq_parameter_set_data& sps) noexcept
 {
     constexpr std::uint8_t intra_profiles[] = {44, 86, 100, 110, 122, 244};
-    const bool intra = std::find(std::begin(intra_profiles), std::end(intra_profiles), sps.profile_idc) !=
-                       std::end(intra_profiles);
+    const bool intra =
+        std::find(std::begin(intra_profiles), std::end(intra_profiles), sps.profile_idc) != std::end(intra_profiles);
     return intra && sps.constraint_set3_flag ? 0 : MaxDpbFrames(sps);
 }
 
@@ -348,8 +345,7 @@ scaling_lists scaling_lists_of(const seq_parameter_set_data& sps, const pic_para
     scaling_lists of_sps;
     if (sps.seq_scaling_matrix_present_flag) {
         of_sps = lists_sent(sps.seq_scaling_list_present_flag, sps.lists, nullptr);
-    }
-    else {
+    } else {
         std::fill(&of_sps.list_4x4[0][0], &of_sps.list_4x4[0][0] + sizeof of_sps.list_4x4, Flat);
         std::fill(&of_sps.list_8x8[0][0], &of_sps.list_8x8[0][0] + sizeof of_sps.list_8x8, Flat);
     }
@@ -380,8 +376,8 @@ bool slice_group_map(const seq_parameter_set_data& sps, const pic_parameter_set_
     else if (pps.slice_group_map_type == 2)
         map_foreground(pps, map, size, width);
     else if (pps.slice_group_map_type == 3)
-        map_box_out(pps.slice_group_change_direction_flag, mapUnitsInSliceGroup0, map,
-                    static_cast<std::int64_t>(width), static_cast<std::int64_t>(size / width));
+        map_box_out(pps.slice_group_change_direction_flag, mapUnitsInSliceGroup0, map, static_cast<std::int64_t>(width),
+                    static_cast<std::int64_t>(size / width));
     else if (pps.slice_group_map_type <= 5)
         map_evolving(pps, mapUnitsInSliceGroup0, map, size, width);
     else

@@ -57,8 +57,14 @@ struct slice_header_in {
     {
         return nullptr;
     }
-    const slice_header* operator()(const slice_layer_without_partitioning_rbsp& x) const noexcept { return &x.slice_header; }
-    const slice_header* operator()(const slice_data_partition_a_layer_rbsp& x) const noexcept { return &x.slice_header; }
+    const slice_header* operator()(const slice_layer_without_partitioning_rbsp& x) const noexcept
+    {
+        return &x.slice_header;
+    }
+    const slice_header* operator()(const slice_data_partition_a_layer_rbsp& x) const noexcept
+    {
+        return &x.slice_header;
+    }
 };
 
 /// The pic_parameter_set_id of a slice; none_named of other units.

@@ -30,7 +30,10 @@ std::size_t unescape(const unsigned char* unit, std::size_t size, unsigned char*
 }
 
 byte_map::byte_map(const unsigned char* unit, std::size_t size) noexcept
-    : start(unit), fence(unit + size), from(unit + header_bytes(unit, size)), to(from),
+    : start(unit),
+      fence(unit + size),
+      from(unit + header_bytes(unit, size)),
+      to(from),
       at_from(static_cast<std::uint64_t>(from - unit))
 {
     find_next_escape();
@@ -48,7 +51,8 @@ std::size_t byte_map::operator()(std::uint64_t unescaped) noexcept
     return static_cast<std::size_t>(from - start) + static_cast<std::size_t>(unescaped - at_from);
 }
 
-// Looks no further than a header reaches, as a rule: the bytes up to there lie as they are, and the next question goes on.
+// Looks no further than a header reaches, as a rule: the bytes up to there lie as they are, and the next question goes
+// on.
 void byte_map::find_next_escape() noexcept
 {
     constexpr std::size_t looked_at = 512;

@@ -4,7 +4,8 @@
 //
 //   structure(name)                      opens a structure, until what it returns goes
 //   u(n, name, x[, low, high])           an element by its descriptor; low and high are the range that the standard
-//   u_v(n, …) i(n, …) i_v(n, …) ue(name, x, …) se(…) flag(name, x[, low, high]) b(name, x) st(name, x)   states. A value
+//   u_v(n, …) i(n, …) i_v(n, …) ue(name, x, …) se(…) flag(name, x[, low, high]) b(name, x) st(name, x)   states. A
+//   value
 //                                        outside is a finding: it is stored
 //   u_v_long(n, name, x)                 u(v) of up to 63 bits, kept in 64
 //   ue_bound(name, x, low, high) u_bound(n, …)   the same, where more than `high` would run past an array: a failure
@@ -13,7 +14,8 @@
 //   infer(x, value)                      what an element that is not sent is inferred as; only where it is not sent
 //   count(name, v, n)                    gives a growing list its n entries
 //   entry(name, list, i), entries_end(name, list, n)   entries of a bounded list whose number shows on the way
-//   append(name, v, i)                   entry i of a growing list whose number shows on the way, or null when there can
+//   append(name, v, i)                   entry i of a growing list whose number shows on the way, or null when there
+//   can
 //                                        be none; entries_end(name, v, n) behind the last one
 //   as<T>(v)                             the alternative of a variant
 //   flags_left(name, v)                  flags up to the stop bit

@@ -1,6 +1,6 @@
-// The coder that edits: it goes through a structure as the writer would and gives the elements that a path names another
-// value. The elements behind it are those that the new value brings; those that were not there before hold what is
-// inferred. A path is the element's name with its indices, and as many of the structures around it as tell it apart:
+// The coder that edits: it goes through a structure as the writer would and gives the elements that a path names
+// another value. The elements behind it are those that the new value brings; those that were not there before hold what
+// is inferred. A path is the element's name with its indices, and as many of the structures around it as tell it apart:
 // "time_scale", "vui_parameters.time_scale", "nal_hrd_parameters..." is not needed.
 #pragma once
 
@@ -28,7 +28,8 @@ public:
     /// The most entries that a list is given.
     static constexpr std::size_t most_entries = std::size_t{1} << 20;
 
-    editor(std::string_view element_path, std::int64_t new_value, outcome& to) : path(element_path), value(new_value), out(to)
+    editor(std::string_view element_path, std::int64_t new_value, outcome& to)
+        : path(element_path), value(new_value), out(to)
     {
     }
 
@@ -157,8 +158,7 @@ public:
             return fail(reason::too_large, name, static_cast<std::int64_t>(n), most_entries);
         try {
             v.resize(static_cast<std::size_t>(n));
-        }
-        catch (const std::exception&) {
+        } catch (const std::exception&) {
             fail(reason::no_memory, name);
         }
     }
@@ -191,10 +191,10 @@ public:
         }
     }
     void run(const char*, unsigned, std::uint64_t&) {}
-    void bytes_left(const char* name, std::vector<std::uint8_t>& x)
+    void bytes_left(const char* name, std::vector<std::uint8_t>& x, std::uint32_t first_index = 0)
     {
         for (std::size_t i = 0; i < x.size() && going(); ++i)
-            b({name, static_cast<std::uint32_t>(i)}, x[i]);
+            b({name, first_index + static_cast<std::uint32_t>(i)}, x[i]);
     }
     bool more_payload(std::size_t i, std::size_t size) const noexcept { return !stopped && i < size; }
     std::uint64_t payload_bits_left() const noexcept { return ~std::uint64_t{0}; }

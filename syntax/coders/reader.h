@@ -5,8 +5,8 @@
 
 #include "coders/coder.h"
 
-#include <orv-utils-v4/h264_syntax/bounded_list.h>
 #include <orv-utils-v4/h2645_common/bitreader.h>
+#include <orv-utils-v4/h264_syntax/bounded_list.h>
 
 #include <array>
 #include <cstddef>
@@ -262,10 +262,7 @@ public:
     }
 
     /// more_rbsp_data(), clause 7.2: there is more than the stop bit and what follows it.
-    void more_rbsp_data(bool& x)
-    {
-        x = !stopped && more_data();
-    }
+    void more_rbsp_data(bool& x) { x = !stopped && more_data(); }
     /// The loops of `do … while (more_rbsp_data())`: whether there is an entry i. `size` is of the list as it stands.
     bool more_rbsp_data(std::size_t, std::size_t) { return !stopped && more_data(); }
 
@@ -315,10 +312,7 @@ public:
     }
 
     /// Whether the next byte of the unit (or payload) is `value`.
-    bool next_byte_is(unsigned value)
-    {
-        return !stopped && bits_left() >= 8 && br.peek24() >> 16 == value;
-    }
+    bool next_byte_is(unsigned value) { return !stopped && bits_left() >= 8 && br.peek24() >> 16 == value; }
     /// A run of bytes of one value: `x` counts them.
     void run(const char* name, unsigned byte, std::uint64_t& x)
     {
@@ -326,11 +320,11 @@ public:
             f(8, name, byte);
     }
     /// The bytes up to the end of the payload.
-    void bytes_left(const char* name, std::vector<std::uint8_t>& x)
+    void bytes_left(const char* name, std::vector<std::uint8_t>& x, std::uint32_t first_index = 0)
     {
         count(name, x, stopped ? 0 : bits_left() / 8);
         for (std::size_t i = 0; i < x.size() && going(); ++i)
-            b({name, static_cast<std::uint32_t>(i)}, x[i]);
+            b({name, first_index + static_cast<std::uint32_t>(i)}, x[i]);
     }
     /// Whether the payload has bytes left; the writer's answer is `size` of the list they go to against `i`.
     bool more_payload(std::size_t, std::size_t) const noexcept { return !stopped && bits_left() >= 8; }
@@ -510,8 +504,7 @@ private:
         try {
             action();
             return true;
-        }
-        catch (const std::exception&) { // bad_alloc or length_error
+        } catch (const std::exception&) { // bad_alloc or length_error
             return false;
         }
     }

@@ -188,10 +188,10 @@ public:
         for (std::uint64_t i = 0; i < x && going(); ++i)
             f(8, name, byte);
     }
-    void bytes_left(const char* name, const std::vector<std::uint8_t>& x)
+    void bytes_left(const char* name, const std::vector<std::uint8_t>& x, std::uint32_t first_index = 0)
     {
         for (std::size_t i = 0; i < x.size() && going(); ++i)
-            b({name, static_cast<std::uint32_t>(i)}, x[i]);
+            b({name, first_index + static_cast<std::uint32_t>(i)}, x[i]);
     }
     bool more_payload(std::size_t i, std::size_t size) const noexcept { return !stopped && i < size; }
     std::uint64_t payload_bits_left() const noexcept { return ~std::uint64_t{0}; }

@@ -40,11 +40,13 @@ unit_kind kind_of(unsigned nal_unit_type)
     }
 }
 
-/// What stands behind the data of a slice: 00 00 03 is an escaped cabac_zero_word. Any other last byte has the stop bit.
+/// What stands behind the data of a slice: 00 00 03 is an escaped cabac_zero_word. Any other last byte has the stop
+/// bit.
 ending ending_of_slice(const unit_place& place)
 {
     constexpr unsigned char word[] = {0, 0, 3};
-    const bool word_at_end = place.size > sizeof word && std::equal(word, word + sizeof word, place.bytes + place.size - sizeof word);
+    const bool word_at_end =
+        place.size > sizeof word && std::equal(word, word + sizeof word, place.bytes + place.size - sizeof word);
     return word_at_end ? ending::cabac_zero_words : ending::sound;
 }
 
@@ -55,8 +57,7 @@ bool make_room(std::vector<unsigned char>& bytes, std::size_t size)
         if (bytes.size() < size)
             bytes.resize(size);
         return true;
-    }
-    catch (const std::exception&) {
+    } catch (const std::exception&) {
         return false;
     }
 }
@@ -129,8 +130,7 @@ const Set* put(std::unique_ptr<Set>& slot, const Set& set)
         else
             *slot = set;
         return slot.get();
-    }
-    catch (const std::exception&) {
+    } catch (const std::exception&) {
         return slot.get();
     }
 }
@@ -202,8 +202,7 @@ bool stream::state::hold(const unit_place& place)
         held_bytes.insert(held_bytes.end(), place.bytes, place.bytes + place.size);
         held.push_back({{nullptr, place.size, place.offset, place.number}, begin});
         return true;
-    }
-    catch (const std::exception&) {
+    } catch (const std::exception&) {
         return false;
     }
 }
@@ -398,8 +397,7 @@ void stream::state::keep_pps(const pic_parameter_set_rbsp& set)
         pps[id]->bytes.assign(block.data(), block.data() + rbsp_size);
         pps[id]->pps = set;
         sets.pps[id] = &pps[id]->pps;
-    }
-    catch (const std::exception&) { // no memory: the one before stays
+    } catch (const std::exception&) { // no memory: the one before stays
     }
 }
 

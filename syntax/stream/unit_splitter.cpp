@@ -97,7 +97,8 @@ const unsigned char* unit_splitter::take_between(const unsigned char* at, const 
             return at + 1;
         }
         if (!gap_open) {
-            open_gap = {any_unit ? split_gap_reason::between_units : split_gap_reason::before_first_unit, offset_of(at), 0};
+            open_gap = {any_unit ? split_gap_reason::between_units : split_gap_reason::before_first_unit, offset_of(at),
+                        0};
             gap_open = true;
         }
         zeros = 0;
@@ -142,8 +143,7 @@ void unit_splitter::hold(const unsigned char* at, const unsigned char* fence)
         return;
     try {
         held.insert(held.end(), at, fence);
-    }
-    catch (const std::exception&) { // no memory for it: above what can be kept
+    } catch (const std::exception&) { // no memory for it: above what can be kept
         held_size = std::uint64_t{most} + 1;
     }
 }

@@ -30,7 +30,8 @@ void code(Coder& c, in<Coder, nal_unit>& x, const unit_context& context)
     if (!c.going())
         return;
     const parameter_sets& sets = context.sets != nullptr ? *context.sets : none;
-    const slice_context slice = {x.header, sets, x.header.nal_unit_type == 19 ? context.primary_idr : IdrPicFlag(x.header),
+    const slice_context slice = {x.header, sets,
+                                 x.header.nal_unit_type == 19 ? context.primary_idr : IdrPicFlag(x.header),
                                  context.partition_a_pps};
     switch (x.header.nal_unit_type) {
     case 1:
@@ -44,7 +45,7 @@ void code(Coder& c, in<Coder, nal_unit>& x, const unit_context& context)
     case 4:
         return code_rbsp<slice_data_partition_c_layer_rbsp>(c, x, slice);
     case 6:
-        return code_rbsp<sei_rbsp>(c, x, sei_context{sets, context.active_sps, context.active_pps});
+        return code_rbsp<sei_rbsp>(c, x, sei_context{sets, context.active_sps, context.active_pps, context.mvcd_sps});
     case 7:
         return code_rbsp<seq_parameter_set_rbsp>(c, x);
     case 8:

@@ -268,8 +268,7 @@ void code(Coder& c, in<Coder, pic_parameter_set_rbsp>& x, const parameter_sets& 
             c.ue("pic_size_in_map_units_minus1", x.pic_size_in_map_units_minus1);
             c.count("slice_group_id", x.slice_group_id, std::uint64_t{x.pic_size_in_map_units_minus1} + 1);
             for (std::uint32_t i = 0; i < x.slice_group_id.size() && c.going(); ++i)
-                c.u_v(slice_group_id_bits(x), {"slice_group_id", i}, x.slice_group_id[i], 0,
-                      x.num_slice_groups_minus1);
+                c.u_v(slice_group_id_bits(x), {"slice_group_id", i}, x.slice_group_id[i], 0, x.num_slice_groups_minus1);
         }
     }
     c.ue("num_ref_idx_l0_default_active_minus1", x.num_ref_idx_l0_default_active_minus1, 0, 31);

@@ -15,7 +15,7 @@ namespace orv_utils_v4::h264 {
 struct slice_context {
     const nal_unit_header& header;
     const parameter_sets& sets;
-    bool IdrPicFlag;                       ///< of an auxiliary slice, that of its primary coded picture
+    bool IdrPicFlag;                   ///< of an auxiliary slice, that of its primary coded picture
     std::int32_t partition_a_pps = -1; ///< of partitions B and C: the PPS that their partition A names; -1 is none
 };
 
@@ -363,7 +363,8 @@ void code_partition(Coder& c, Partition& x, const slice_context& context)
     c.ue("slice_id", x.slice_id);
     if (!c.going())
         return;
-    const pic_parameter_set_rbsp* const pps = context.sets.find_pps(static_cast<std::uint32_t>(context.partition_a_pps));
+    const pic_parameter_set_rbsp* const pps =
+        context.sets.find_pps(static_cast<std::uint32_t>(context.partition_a_pps));
     if (pps == nullptr)
         return c.fail(reason::no_partition_a, "slice_id", x.slice_id);
     const seq_parameter_set_data* const sps = sps_of(context.header, *pps, context.sets);

@@ -29,14 +29,20 @@ public:
 
     /// The elements of this name get this value, whatever they are drawn as.
     void force(const std::string& name, std::int64_t value) { forced[name] = value; }
+    /// They are drawn no larger than this.
+    void cap(const std::string& name, std::int64_t highest) { caps[name] = highest; }
     void free(const std::string& name) { forced.erase(name); }
 
     /// A number from 0 to `highest`.
-    std::uint64_t draw(std::uint64_t highest) { return std::uniform_int_distribution<std::uint64_t>(0, highest)(random); }
+    std::uint64_t draw(std::uint64_t highest)
+    {
+        return std::uniform_int_distribution<std::uint64_t>(0, highest)(random);
+    }
     bool coin() { return draw(1) == 1; }
 
     /// What was made cannot be kept: a list would be too long.
     bool failed() const { return stopped; }
+    const std::string& why() const { return reason_of_stop; }
     void start_again() { stopped = false; }
 
     struct open_structure {
@@ -70,8 +76,8 @@ public:
     void u_v(std::uint64_t n, const label& name, X& x, std::int64_t lowest, std::int64_t highest)
     {
         stopped = stopped || n > 32;
-        if (n != 0)
-            set(name, x, lowest, highest);
+        if (n != 0 && n <= 32)
+            set(name, x, lowest, std::min(highest, highest_u(static_cast<unsigned>(n))));
     }
     template <class X>
     void i(unsigned n, const label& name, X& x)
@@ -82,6 +88,12 @@ public:
     void i(unsigned, const label& name, X& x, std::int64_t lowest, std::int64_t highest)
     {
         set(name, x, lowest, highest);
+    }
+    void u_v_long(std::uint64_t n, const label& name, std::uint64_t& x)
+    {
+        stopped = stopped || n > widest_number;
+        if (n != 0 && n <= widest_number)
+            set(name, x, 0, highest_u(static_cast<unsigned>(n)));
     }
     template <class X>
     void i_v(std::uint64_t n, const label& name, X& x)
@@ -174,7 +186,7 @@ public:
     void stop_bit(const label&) {}
     void end_of_unit() {}
     void run(const char*, unsigned, std::uint64_t& x) { x = draw(3); }
-    void bytes_left(const char* name, std::vector<std::uint8_t>& x)
+    void bytes_left(const char* name, std::vector<std::uint8_t>& x, std::uint32_t = 0)
     {
         const bool rest_of_payload = std::string_view(name) == "payload_byte" && !forced.count("payload_byte");
         x.resize(rest_of_payload ? 0 : static_cast<std::size_t>(draw(4)));
@@ -184,7 +196,9 @@ public:
     void ff_coded(const char* name, std::uint32_t& x)
     {
         const auto known = forced.find(name);
-        x = static_cast<std::uint32_t>(known == forced.end() ? draw(600) : static_cast<std::uint64_t>(known->second));
+        x = static_cast<std::uint32_t>(known == forced.end() ? draw(210) : static_cast<std::uint64_t>(known->second));
+        if (known != forced.end())
+            forced.erase(known); // of the outermost message
     }
     template <class Text>
     void payload(std::uint32_t& size, Text text)
@@ -196,7 +210,11 @@ public:
         text(counting);
         size = static_cast<std::uint32_t>(bits.bytes());
     }
-    void fail(reason, const label&, std::int64_t = 0, std::int64_t = 0) { stopped = true; }
+    void fail(reason why, const label& name, std::int64_t = 0, std::int64_t = 0)
+    {
+        stopped = true;
+        reason_of_stop = std::string(name.name) + ": " + text_of(why);
+    }
 
 private:
     static constexpr std::uint64_t most_entries = 5000;
@@ -205,7 +223,13 @@ private:
     void set(const label& name, X& x, std::int64_t lowest, std::int64_t highest)
     {
         const auto known = forced.find(name.name);
-        stopped = stopped || highest < lowest; // no value is sound
+        const auto cap = caps.find(name.name);
+        if (cap != caps.end())
+            highest = std::min(highest, cap->second);
+        if (!stopped && highest < lowest) { // no value is sound
+            stopped = true;
+            reason_of_stop = name.name;
+        }
         x = static_cast<X>(known != forced.end() ? known->second : drawn(lowest, std::max(lowest, highest)));
     }
     /// What bounds a list: few entries as a rule, and now and then all.
@@ -232,7 +256,9 @@ private:
 
     std::mt19937_64 random;
     std::map<std::string, std::int64_t> forced;
+    std::map<std::string, std::int64_t> caps;
     bool stopped = false;
+    std::string reason_of_stop;
 };
 
 } // namespace orv_utils_v4::h264

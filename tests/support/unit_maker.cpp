@@ -7,10 +7,21 @@
 
 namespace orv_utils_v4::h264 {
 
+namespace {
+
+constexpr std::uint32_t dps_id = 1;
+
+} // namespace
+
 unit_maker::unit_maker(std::uint64_t seed) : random(std::make_unique<generator>(seed))
 {
-    for (const char* id : {"seq_parameter_set_id", "pic_parameter_set_id", "depth_parameter_set_id"})
+    for (const char* id : {"seq_parameter_set_id", "pic_parameter_set_id"})
         random->force(id, 0);
+    random->force("depth_parameter_set_id", dps_id);
+    // small pictures: some tables have an entry for each macroblock
+    random->cap("pic_width_in_mbs_minus1", 12);
+    random->cap("pic_height_in_map_units_minus1", 12);
+    random->cap("pic_size_in_map_units_minus1", 400);
     renew_sets();
 }
 
@@ -26,7 +37,7 @@ void unit_maker::renew_sets()
     pps = std::get<pic_parameter_set_rbsp>(make(8).rbsp);
     sets.pps[0] = &pps;
     dps = std::get<depth_parameter_set_rbsp>(make(16).rbsp);
-    sets.dps[0] = &dps;
+    sets.dps[dps_id] = &dps;
     around.active_sps = &sps.seq_parameter_set_data;
     around.active_pps = &pps;
     around.mvcd_sps = &subset_sps;
@@ -36,13 +47,14 @@ void unit_maker::renew_sets()
 
 nal_unit unit_maker::make(unsigned nal_unit_type)
 {
-    for (int tries = 0; tries < 10000; ++tries) {
+    for (int tries = 0; tries < 2000; ++tries) {
         nal_unit unit = make_once(nal_unit_type);
         if (!random->failed())
             return unit;
         random->start_again();
     }
-    throw std::runtime_error("no sound unit could be made");
+    throw std::runtime_error("no sound unit of type " + std::to_string(nal_unit_type) +
+                             " could be made: " + random->why());
 }
 
 nal_unit unit_maker::make_once(unsigned nal_unit_type)
@@ -62,10 +74,16 @@ nal_unit unit_maker::make_once(unsigned nal_unit_type)
 
 nal_unit unit_maker::make_sei(std::uint32_t payload_type)
 {
-    random->force("last_payload_type_byte", payload_type);
-    nal_unit unit = make(6);
-    random->free("last_payload_type_byte");
-    return unit;
+    for (int tries = 0; tries < 10000; ++tries) {
+        random->force("last_payload_type_byte", payload_type);
+        nal_unit unit = make_once(6);
+        if (!random->failed())
+            return unit;
+        random->start_again();
+        if (tries % 50 == 49) // the sets may be of no use to it
+            renew_sets();
+    }
+    throw std::runtime_error("no sound message of type " + std::to_string(payload_type) + " could be made");
 }
 
 std::vector<unsigned char> written(const nal_unit& unit, const unit_context& context)

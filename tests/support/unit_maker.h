@@ -23,7 +23,7 @@ public:
     void renew_sets();
     /// A unit of the type, which context() goes with.
     nal_unit make(unsigned nal_unit_type);
-    /// An SEI unit with one message of the payload type.
+    /// An SEI unit whose first message has the payload type; with new parameter sets where it takes others.
     nal_unit make_sei(std::uint32_t payload_type);
 
     const unit_context& context() const { return around; }

@@ -51,8 +51,9 @@ public:
     exit_status run(input_window& window)
     {
         rows.text = element_rows::head;
-        h264::unit_splitter splitter(static_cast<h264::framing>(prefix_size_of(options.stream.format.value_or(brenik::nalfmt_annexb))),
-                                     options.stream.max_unit);
+        h264::unit_splitter splitter(
+            static_cast<h264::framing>(prefix_size_of(options.stream.format.value_or(brenik::nalfmt_annexb))),
+            options.stream.max_unit);
         for (window.fill(1); window.size() != 0 && shown < options.limit; window.fill(1)) {
             splitter.push(window.start(), window.size(), *this);
             window.drop(window.size());

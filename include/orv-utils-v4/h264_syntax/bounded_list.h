@@ -17,7 +17,10 @@ class bounded_list {
 
 public:
     bounded_list() noexcept {} // NOLINT(modernize-use-equals-default): `= default` would clear the entries of T{}
-    bounded_list(const bounded_list& from) noexcept : count(from.count) { std::copy(from.begin(), from.end(), begin()); }
+    bounded_list(const bounded_list& from) noexcept : count(from.count)
+    {
+        std::copy(from.begin(), from.end(), begin());
+    }
     bounded_list& operator=(const bounded_list& from) noexcept
     {
         count = from.count;

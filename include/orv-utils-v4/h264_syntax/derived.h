@@ -57,15 +57,15 @@ inline std::uint64_t BitDepthC(const seq_parameter_set_data& sps) noexcept
 
 /// A row of Table A-1.
 struct level_limits {
-    const char* name;              ///< "1b", "4.1"
-    std::uint32_t MaxMBPS;         ///< macroblocks in a second
-    std::uint32_t MaxFS;           ///< macroblocks of a frame
-    std::uint32_t MaxDpbMbs;       ///< macroblocks in the decoded picture buffer
-    std::uint32_t MaxBR;           ///< 1000 or 1200 bit/s, by profile and kind (A.3.1, A.3.3)
-    std::uint32_t MaxCPB;          ///< likewise in bits
-    std::uint32_t MaxVmvR;         ///< vertical motion vectors from -MaxVmvR to MaxVmvR - 0.25 luma frame samples
-    std::uint32_t MinCR;           ///< least compression
-    std::uint32_t MaxMvsPer2Mb;    ///< motion vectors of two macroblocks in a row; 0 is no limit
+    const char* name;           ///< "1b", "4.1"
+    std::uint32_t MaxMBPS;      ///< macroblocks in a second
+    std::uint32_t MaxFS;        ///< macroblocks of a frame
+    std::uint32_t MaxDpbMbs;    ///< macroblocks in the decoded picture buffer
+    std::uint32_t MaxBR;        ///< 1000 or 1200 bit/s, by profile and kind (A.3.1, A.3.3)
+    std::uint32_t MaxCPB;       ///< likewise in bits
+    std::uint32_t MaxVmvR;      ///< vertical motion vectors from -MaxVmvR to MaxVmvR - 0.25 luma frame samples
+    std::uint32_t MinCR;        ///< least compression
+    std::uint32_t MaxMvsPer2Mb; ///< motion vectors of two macroblocks in a row; 0 is no limit
 };
 
 /// The limits of the SPS's level, 1b included (A.3.1, A.3.2); null for a level_idc that Table A-1 does not have.

@@ -41,24 +41,24 @@ struct label {
 
 /// How an element is coded, H.264 clause 7.2.
 enum class coding : std::uint8_t {
-    f, ///< f(n), a fixed pattern of bits
-    u, ///< u(n), an unsigned number of a width that the table states
+    f,   ///< f(n), a fixed pattern of bits
+    u,   ///< u(n), an unsigned number of a width that the table states
     u_v, ///< u(v), an unsigned number of a width that follows from other elements
-    i, ///< i(n), a signed number in two's complement
+    i,   ///< i(n), a signed number in two's complement
     i_v, ///< i(v), likewise of a width that follows from other elements
-    b, ///< b(8), a byte
-    ue, ///< ue(v), an unsigned Exp-Golomb code
-    se, ///< se(v), a signed Exp-Golomb code
-    st, ///< st(v), bytes that a null byte ends
+    b,   ///< b(8), a byte
+    ue,  ///< ue(v), an unsigned Exp-Golomb code
+    se,  ///< se(v), a signed Exp-Golomb code
+    st,  ///< st(v), bytes that a null byte ends
 };
 
 /// An element that a trace tells.
 struct traced_element {
     label name;
     coding how = coding::u;
-    std::uint64_t bit = 0;  ///< of the unit header's first bit on, emulation-prevention bytes removed
-    std::uint64_t bits = 0; ///< how many; never 0
-    std::int64_t value = 0; ///< of all but st(v) and elements of more than 64 bits
+    std::uint64_t bit = 0;    ///< of the unit header's first bit on, emulation-prevention bytes removed
+    std::uint64_t bits = 0;   ///< how many; never 0
+    std::int64_t value = 0;   ///< of all but st(v) and elements of more than 64 bits
     std::int64_t lowest = 0;  ///< of the range that the standard states
     std::int64_t highest = 0; ///< likewise
     bool inside = true;       ///< the value lies in it

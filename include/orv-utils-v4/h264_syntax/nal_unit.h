@@ -46,8 +46,8 @@ struct unit_context {
     const pic_parameter_set_rbsp* active_pps = nullptr;
     /// The latest subset SPS with an extension for multiview with depth: for SEI.
     const subset_seq_parameter_set_rbsp* mvcd_sps = nullptr;
-    bool primary_idr = false;                  ///< IdrPicFlag of the primary coded picture: for type 19
-    std::int32_t partition_a_pps = -1;         ///< pic_parameter_set_id of partition A: for types 3 and 4; -1 is none
+    bool primary_idr = false;          ///< IdrPicFlag of the primary coded picture: for type 19
+    std::int32_t partition_a_pps = -1; ///< pic_parameter_set_id of partition A: for types 3 and 4; -1 is none
 };
 
 /// The header of the slice that the unit holds, of types 1, 2, 5, 19 and, other than scalable and 3D-AVC ones, 20 and
@@ -80,9 +80,9 @@ private:
 
     const unsigned char* start;
     const unsigned char* fence;
-    const unsigned char* from; // the bytes from here on lie as they are,
-    const unsigned char* to;   // up to here
-    std::uint64_t at_from = 0; // how many bytes lie before `from` without the escapes
+    const unsigned char* from;  // the bytes from here on lie as they are,
+    const unsigned char* to;    // up to here
+    std::uint64_t at_from = 0;  // how many bytes lie before `from` without the escapes
     bool escape_behind = false; // `to` is an emulation-prevention byte
 };
 

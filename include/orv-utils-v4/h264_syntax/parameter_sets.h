@@ -37,10 +37,7 @@ struct parameter_sets {
         return id < sps_ids ? subset_sps[id] : nullptr;
     }
     /// The PPS with this id, or null.
-    const pic_parameter_set_rbsp* find_pps(std::uint32_t id) const noexcept
-    {
-        return id < pps_ids ? pps[id] : nullptr;
-    }
+    const pic_parameter_set_rbsp* find_pps(std::uint32_t id) const noexcept { return id < pps_ids ? pps[id] : nullptr; }
     /// The depth parameter set with this id, or null.
     const depth_parameter_set_rbsp* find_dps(std::uint32_t id) const noexcept
     {
@@ -50,9 +47,8 @@ struct parameter_sets {
 
 /// The SPS that a slice with this header stands on: in other layers and views the subset SPS. Null when it is not
 /// there.
-ORV_UTILS_V4_EXPORT const seq_parameter_set_data* sps_of(const nal_unit_header& header,
-                                                         const pic_parameter_set_rbsp& pps,
-                                                         const parameter_sets& sets) noexcept;
+ORV_UTILS_V4_EXPORT const seq_parameter_set_data*
+sps_of(const nal_unit_header& header, const pic_parameter_set_rbsp& pps, const parameter_sets& sets) noexcept;
 
 /// The SPS that a PPS is read with: the one that it names, else the subset SPS of that id; null when neither is there.
 ORV_UTILS_V4_EXPORT const seq_parameter_set_data* sps_of(const pic_parameter_set_rbsp& pps,

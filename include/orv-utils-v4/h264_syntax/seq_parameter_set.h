@@ -19,7 +19,7 @@ struct scaling_list {
 /// seq_parameter_set_data(), clauses 7.3.2.1.1 and 7.4.2.1.1. A member that was not sent holds what the standard
 /// infers.
 struct seq_parameter_set_data {
-    static constexpr std::uint32_t most_scaling_lists = 12;  ///< 8, or 12 with chroma_format_idc 3
+    static constexpr std::uint32_t most_scaling_lists = 12;    ///< 8, or 12 with chroma_format_idc 3
     static constexpr std::uint32_t most_frames_in_cycle = 255; ///< of num_ref_frames_in_pic_order_cnt_cycle
 
     std::uint8_t profile_idc = 0;
@@ -39,9 +39,9 @@ struct seq_parameter_set_data {
     bool qpprime_y_zero_transform_bypass_flag = false;
     bool seq_scaling_matrix_present_flag = false;
     bool seq_scaling_list_present_flag[most_scaling_lists] = {};
-    scaling_list lists[most_scaling_lists]; ///< scaling_list( ) number i, where its flag is set
-    std::uint32_t log2_max_frame_num_minus4 = 0; ///< 0 to 12
-    std::uint32_t pic_order_cnt_type = 0;        ///< 0 to 2
+    scaling_list lists[most_scaling_lists];              ///< scaling_list( ) number i, where its flag is set
+    std::uint32_t log2_max_frame_num_minus4 = 0;         ///< 0 to 12
+    std::uint32_t pic_order_cnt_type = 0;                ///< 0 to 2
     std::uint32_t log2_max_pic_order_cnt_lsb_minus4 = 0; ///< 0 to 12
     bool delta_pic_order_always_zero_flag = false;
     std::int32_t offset_for_non_ref_pic = 0;

@@ -76,7 +76,10 @@ private:
     void end_unit(const unsigned char* at, const unsigned char* end, split_sink& to);
     void hand_on(const unsigned char* bytes, std::size_t size, bool cut, split_sink& to);
     void close_gap(std::uint64_t end, split_sink& to);
-    std::uint64_t offset_of(const unsigned char* at) const { return pushed - static_cast<std::uint64_t>(piece_end - at); }
+    std::uint64_t offset_of(const unsigned char* at) const
+    {
+        return pushed - static_cast<std::uint64_t>(piece_end - at);
+    }
 
     framing frames;
     std::size_t most;
@@ -86,9 +89,9 @@ private:
     std::uint64_t held_size = 0;              // how large it is so far, what is not held included
     std::uint64_t unit_offset = 0;
     unsigned framing_size = 0;
-    std::uint64_t length = 0;      // of a length-prefixed unit
-    unsigned prefix_bytes = 0;     // of its prefix, that were read
-    std::uint64_t zeros = 0;       // directly before, between units
+    std::uint64_t length = 0;  // of a length-prefixed unit
+    unsigned prefix_bytes = 0; // of its prefix, that were read
+    std::uint64_t zeros = 0;   // directly before, between units
     bool in_unit = false;
     bool any_unit = false;
     bool gap_open = false;

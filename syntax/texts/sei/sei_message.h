@@ -5,14 +5,20 @@
 #include "texts/parameter_sets.h"
 #include "texts/sei/annotated_regions.h"
 #include "texts/sei/colour.h"
+#include "texts/sei/depth.h"
 #include "texts/sei/display.h"
 #include "texts/sei/manifest.h"
+#include "texts/sei/multiview.h"
+#include "texts/sei/multiview_acquisition_info.h"
 #include "texts/sei/omnidirectional.h"
 #include "texts/sei/pictures.h"
 #include "texts/sei/post_processing.h"
+#include "texts/sei/scalability_info.h"
+#include "texts/sei/scalable.h"
 #include "texts/sei/sub_sequences.h"
 #include "texts/sei/timing.h"
 #include "texts/sei/user_data.h"
+#include "texts/sei/view_scalability_info.h"
 #include "texts/sei_context.h"
 
 #include <orv-utils-v4/h264_syntax/sei/sei.h>
@@ -76,12 +82,37 @@ void code_payload_of_type(Coder& c, std::uint32_t payload_type, in<Coder, sei_pa
     case 202: return code(c, c.template as<annotated_regions>(x));
 
     // Annexes G to J
-    case 24: case 25: case 26: case 27: case 28: case 29: case 30: case 31: case 32: case 33: case 34: case 35: case 36:
-    case 37: case 38: case 39: case 40: case 41: case 42: case 43: case 44: case 46: case 48: case 49: case 50: case 51:
-    case 52: case 53: case 54: return code(c, c.template as<payload_bytes>(x));
+    case 24: return code(c, c.template as<scalability_info>(x), context);
+    case 25: return code(c, c.template as<sub_pic_scalable_layer>(x), context);
+    case 26: return code(c, c.template as<non_required_layer_rep>(x), context);
+    case 27: return code(c, c.template as<priority_layer_info>(x), context);
+    case 28: return code(c, c.template as<layers_not_present>(x), context);
+    case 29: return code(c, c.template as<layer_dependency_change>(x), context);
+    case 30: return code(c, c.template as<scalable_nesting>(x), context);
+    case 31: return code(c, c.template as<base_layer_temporal_hrd>(x), context);
+    case 32: return code(c, c.template as<quality_layer_integrity_check>(x), context);
+    case 33: return code(c, c.template as<redundant_pic_property>(x), context);
+    case 34: return code(c, c.template as<tl0_dep_rep_index>(x), context);
+    case 35: return code(c, c.template as<tl_switching_point>(x), context);
+    case 37: return code(c, c.template as<mvc_scalable_nesting>(x), context);
+    case 38: return code(c, c.template as<view_scalability_info>(x), context);
+    case 39: return code(c, c.template as<multiview_scene_info>(x), context);
+    case 40: return code(c, c.template as<multiview_acquisition_info>(x), context);
+    case 41: return code(c, c.template as<non_required_view_component>(x), context);
+    case 42: return code(c, c.template as<view_dependency_change>(x), context);
+    case 43: return code(c, c.template as<operation_points_not_present>(x), context);
+    case 44: return code(c, c.template as<base_view_temporal_hrd>(x), context);
+    case 46: return code(c, c.template as<multiview_view_position>(x), context);
+    case 48: return code(c, c.template as<mvcd_scalable_nesting>(x), context);
+    case 49: return code(c, c.template as<mvcd_view_scalability_info>(x), context);
+    case 50: return code(c, c.template as<depth_representation_info>(x), context);
+    case 51: return code(c, c.template as<three_dimensional_reference_displays_info>(x), context);
+    case 52: return code(c, c.template as<depth_timing>(x), context);
+    case 53: return code(c, c.template as<depth_sampling_info>(x), context);
+    case 54: return code(c, c.template as<constrained_depth_parameter_set_identifier>(x), context);
 
     // not read: sei.h says why
-    case 56: case 149: case 205: return code(c, c.template as<payload_bytes>(x));
+    case 36: case 56: case 149: case 205: return code(c, c.template as<payload_bytes>(x));
 
     default: return code(c, c.template as<reserved_sei_message>(x));
     }

@@ -38,7 +38,8 @@ void code(Coder& c, in<Coder, user_data_registered_itu_t_t35>& x)
     c.b("itu_t_t35_country_code", x.itu_t_t35_country_code);
     if (x.itu_t_t35_country_code == 0xFF)
         c.b("itu_t_t35_country_code_extension_byte", x.itu_t_t35_country_code_extension_byte);
-    c.bytes_left("itu_t_t35_payload_byte", x.itu_t_t35_payload_byte);
+    // the table counts the bytes of the payload, the code's among them
+    c.bytes_left("itu_t_t35_payload_byte", x.itu_t_t35_payload_byte, x.itu_t_t35_country_code == 0xFF ? 2 : 1);
 }
 
 // H.264 D.1.7

@@ -5,15 +5,21 @@
 
 #include <orv-utils-v4/h264_syntax/sei/annotated_regions.h>
 #include <orv-utils-v4/h264_syntax/sei/colour.h>
+#include <orv-utils-v4/h264_syntax/sei/depth.h>
 #include <orv-utils-v4/h264_syntax/sei/display.h>
 #include <orv-utils-v4/h264_syntax/sei/manifest.h>
+#include <orv-utils-v4/h264_syntax/sei/multiview.h>
+#include <orv-utils-v4/h264_syntax/sei/multiview_acquisition_info.h>
 #include <orv-utils-v4/h264_syntax/sei/omnidirectional.h>
 #include <orv-utils-v4/h264_syntax/sei/pictures.h>
 #include <orv-utils-v4/h264_syntax/sei/post_processing.h>
+#include <orv-utils-v4/h264_syntax/sei/scalability_info.h>
+#include <orv-utils-v4/h264_syntax/sei/scalable.h>
 #include <orv-utils-v4/h264_syntax/sei/sei_fwd.h>
 #include <orv-utils-v4/h264_syntax/sei/sub_sequences.h>
 #include <orv-utils-v4/h264_syntax/sei/timing.h>
 #include <orv-utils-v4/h264_syntax/sei/user_data.h>
+#include <orv-utils-v4/h264_syntax/sei/view_scalability_info.h>
 
 #include <cstddef>
 #include <cstdint>
@@ -25,8 +31,9 @@ namespace orv_utils_v4::h264 {
 /// sei_payload(), clause D.1.1, in the order of payload types. A payload type always goes with the same alternative,
 /// but for types 0, 1, 7, 8 and 18, which are payload_bytes inside a nesting message.
 using sei_payload = std::variant<
-    // not read: green metadata (56), which the standard leaves to ISO/IEC 23001-11; content colour volume (149) and
-    // shutter intervals (205), of whose tables this library is not sure
+    // not read: parallel decoding (36), whose table takes from later slices; green metadata (56), which the standard
+    // leaves to ISO/IEC 23001-11; content colour volume (149) and shutter intervals (205), of whose tables this library
+    // is not sure
     payload_bytes,
     // Annex D, types 0 to 23
     buffering_period, pic_timing, pan_scan_rect, filler_payload, user_data_registered_itu_t_t35, user_data_unregistered,
@@ -40,6 +47,14 @@ using sei_payload = std::variant<
     content_light_level_info, alternative_transfer_characteristics, ambient_viewing_environment,
     equirectangular_projection, cubemap_projection, sphere_rotation, regionwise_packing, omni_viewport, sei_manifest,
     sei_prefix_indication, annotated_regions,
+    // Annexes G to J
+    scalability_info, sub_pic_scalable_layer, non_required_layer_rep, priority_layer_info, layers_not_present,
+    layer_dependency_change, scalable_nesting, base_layer_temporal_hrd, quality_layer_integrity_check,
+    redundant_pic_property, tl0_dep_rep_index, tl_switching_point, mvc_scalable_nesting, view_scalability_info,
+    multiview_scene_info, multiview_acquisition_info, non_required_view_component, view_dependency_change,
+    operation_points_not_present, base_view_temporal_hrd, multiview_view_position, mvcd_scalable_nesting,
+    mvcd_view_scalability_info, depth_representation_info, three_dimensional_reference_displays_info, depth_timing,
+    depth_sampling_info, constrained_depth_parameter_set_identifier,
     // every other type
     reserved_sei_message>;
 
