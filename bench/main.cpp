@@ -77,7 +77,7 @@ std::vector<task> all_tasks()
 {
     std::vector<task> all;
     for (const auto& tasks : {bench::split_tasks(), bench::decode_tasks(), bench::encode_tasks(), bench::header_tasks(),
-                              bench::frame_tasks(), bench::reframe_tasks()})
+                              bench::frame_tasks(), bench::reframe_tasks(), bench::syntax_tasks()})
         all.insert(all.end(), tasks.begin(), tasks.end());
     return all;
 }

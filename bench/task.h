@@ -39,6 +39,7 @@ std::vector<task> encode_tasks();
 std::vector<task> header_tasks();
 std::vector<task> frame_tasks();
 std::vector<task> reframe_tasks();
+std::vector<task> syntax_tasks();
 
 /// Those that the program was built with; empty when it was built without.
 namespace peers {

@@ -28,14 +28,14 @@ bool take_off_index(std::string_view& path, std::uint32_t index)
 
 } // namespace
 
-bool editor::matches(const label& name) const
+bool editor::matches(label name) const
 {
     std::string_view left = path;
-    for (unsigned i = name.depth; i-- > 0;) {
-        if (!take_off_index(left, name.index[i]))
+    for (unsigned i = name.depth(); i-- > 0;) {
+        if (!take_off_index(left, name.index(i)))
             return false;
     }
-    if (!take_off(left, name.name))
+    if (!take_off(left, name.name()))
         return false;
     for (std::size_t i = std::min(depth, deepest); i-- > 0 && !left.empty();) {
         if (!take_off(left, ".") || !take_off(left, names[i]))

@@ -29,6 +29,18 @@ std::size_t unescape(const unsigned char* unit, std::size_t size, unsigned char*
     return header + decoded - unexamined;
 }
 
+clean_bytes unescaped(const unsigned char* unit, std::size_t size, std::size_t most, unsigned char* room) noexcept
+{
+    const std::size_t taken = std::min(size, most);
+    const unsigned char* const payload = unit + header_bytes(unit, taken);
+    const unsigned char* const fence = unit + taken;
+    if (brenik::bytescan::find_zero_pair(payload, fence, 3) == fence)
+        return {unit, taken};
+    constexpr std::size_t unexamined = 2; // an escape may begin there
+    const std::size_t copied = unescape(unit, taken, room, taken);
+    return {room, taken == size ? copied : copied - std::min(copied, unexamined)};
+}
+
 byte_map::byte_map(const unsigned char* unit, std::size_t size) noexcept
     : start(unit),
       fence(unit + size),

@@ -48,33 +48,33 @@ public:
     std::size_t named() const noexcept { return found; }
 
     template <class X>
-    void u(unsigned n, const label& name, X& x)
+    void u(unsigned n, label name, X& x)
     {
         set(name, x, 0, highest_u(n));
     }
     template <class X>
-    void u(unsigned n, const label& name, X& x, std::int64_t, std::int64_t)
+    void u(unsigned n, label name, X& x, std::int64_t, std::int64_t)
     {
         u(n, name, x);
     }
     template <class X>
-    void u_bound(unsigned, const label& name, X& x, std::int64_t lowest, std::int64_t highest)
+    void u_bound(unsigned, label name, X& x, std::int64_t lowest, std::int64_t highest)
     {
         set(name, x, lowest, highest);
         bounded(name, x, lowest, highest);
     }
     template <class X>
-    void u_v(std::uint64_t n, const label& name, X& x)
+    void u_v(std::uint64_t n, label name, X& x)
     {
         if (n != 0)
             set(name, x, 0, highest_u(n > 32 ? 32 : static_cast<unsigned>(n)));
     }
     template <class X>
-    void u_v(std::uint64_t n, const label& name, X& x, std::int64_t, std::int64_t)
+    void u_v(std::uint64_t n, label name, X& x, std::int64_t, std::int64_t)
     {
         u_v(n, name, x);
     }
-    void u_v_long(std::uint64_t n, const label& name, std::uint64_t& x)
+    void u_v_long(std::uint64_t n, label name, std::uint64_t& x)
     {
         auto kept = static_cast<std::int64_t>(x);
         if (n != 0)
@@ -82,47 +82,47 @@ public:
         x = static_cast<std::uint64_t>(kept);
     }
     template <class X>
-    void i(unsigned n, const label& name, X& x)
+    void i(unsigned n, label name, X& x)
     {
         const std::int64_t half = std::int64_t{1} << (n - 1);
         set(name, x, -half, half - 1);
     }
     template <class X>
-    void i(unsigned n, const label& name, X& x, std::int64_t, std::int64_t)
+    void i(unsigned n, label name, X& x, std::int64_t, std::int64_t)
     {
         i(n, name, x);
     }
     template <class X>
-    void i_v(std::uint64_t n, const label& name, X& x)
+    void i_v(std::uint64_t n, label name, X& x)
     {
         if (n != 0)
             i(n > 32 ? 32 : static_cast<unsigned>(n), name, x);
     }
-    void flag(const label& name, bool& x) { set(name, x, 0, 1); }
-    void flag(const label& name, bool& x, std::int64_t, std::int64_t) { set(name, x, 0, 1); }
-    void b(const label& name, std::uint8_t& x) { set(name, x, 0, 255); }
-    void f(unsigned, const label&, std::uint32_t) {}
+    void flag(label name, bool& x) { set(name, x, 0, 1); }
+    void flag(label name, bool& x, std::int64_t, std::int64_t) { set(name, x, 0, 1); }
+    void b(label name, std::uint8_t& x) { set(name, x, 0, 255); }
+    void f(unsigned, label, std::uint32_t) {}
     template <class X>
-    void ue(const label& name, X& x, std::int64_t = 0, std::int64_t = highest_ue)
+    void ue(label name, X& x, std::int64_t = 0, std::int64_t = highest_ue)
     {
         set(name, x, 0, highest_ue);
     }
     template <class X>
-    void ue_bound(const label& name, X& x, std::int64_t lowest, std::int64_t highest)
+    void ue_bound(label name, X& x, std::int64_t lowest, std::int64_t highest)
     {
         set(name, x, lowest, highest);
         bounded(name, x, lowest, highest);
     }
     template <class X>
-    void se(const label& name, X& x, std::int64_t = -highest_se, std::int64_t = highest_se)
+    void se(label name, X& x, std::int64_t = -highest_se, std::int64_t = highest_se)
     {
         set(name, x, -highest_se, highest_se);
     }
     template <std::size_t N>
-    void u_bytes(const label&, std::array<std::uint8_t, N>&)
+    void u_bytes(label, std::array<std::uint8_t, N>&)
     {
     }
-    void st(const label&, std::string&) {}
+    void st(label, std::string&) {}
 
     template <class X, class V>
     void infer(X& x, V inferred)
@@ -131,12 +131,12 @@ public:
             x = static_cast<X>(inferred);
     }
     template <class T>
-    void count(const label& name, std::vector<T>& v, std::uint64_t n)
+    void count(label name, std::vector<T>& v, std::uint64_t n)
     {
         entries_end(name, v, n);
     }
     template <class T, std::size_t N>
-    T& entry(const label& name, bounded_list<T, N>& list, std::size_t i)
+    T& entry(label name, bounded_list<T, N>& list, std::size_t i)
     {
         if (i >= N)
             fail(reason::too_large, name, static_cast<std::int64_t>(i) + 1, N);
@@ -145,12 +145,12 @@ public:
         return list[i < N ? i : N - 1];
     }
     template <class T, std::size_t N>
-    void entries_end(const label&, bounded_list<T, N>& list, std::uint64_t n)
+    void entries_end(label, bounded_list<T, N>& list, std::uint64_t n)
     {
         list.resize(static_cast<std::size_t>(n));
     }
     template <class T>
-    void entries_end(const label& name, std::vector<T>& v, std::uint64_t n)
+    void entries_end(label name, std::vector<T>& v, std::uint64_t n)
     {
         if (v.size() == n || stopped)
             return;
@@ -163,7 +163,7 @@ public:
         }
     }
     template <class T>
-    T* append(const label& name, std::vector<T>& v, std::size_t i)
+    T* append(label name, std::vector<T>& v, std::size_t i)
     {
         if (i >= v.size())
             entries_end(name, v, i + 1);
@@ -179,7 +179,7 @@ public:
 
     void more_rbsp_data(bool& x) { set("more_rbsp_data", x, 0, 1); }
     bool more_rbsp_data(std::size_t i, std::size_t size) { return !stopped && i < size; }
-    void stop_bit(const label&) {}
+    void stop_bit(label) {}
     void end_of_unit() {}
     void more_bits(bool&) {}
     void flags_left(const char* name, std::vector<bool>& v)
@@ -205,7 +205,7 @@ public:
         text(*this);
     }
 
-    void fail(reason why, const label& name, std::int64_t found_value = 0, std::int64_t bound = 0)
+    void fail(reason why, label name, std::int64_t found_value = 0, std::int64_t bound = 0)
     {
         if (!out.failure)
             out.failure = {why, name, 0, found_value, bound};
@@ -214,7 +214,7 @@ public:
 
 private:
     template <class X>
-    void set(const label& name, X& x, std::int64_t lowest, std::int64_t highest)
+    void set(label name, X& x, std::int64_t lowest, std::int64_t highest)
     {
         if (stopped || !matches(name))
             return;
@@ -227,14 +227,14 @@ private:
     }
     /// What was put into the structure by hand may break its bounds.
     template <class X>
-    void bounded(const label& name, const X& x, std::int64_t lowest, std::int64_t highest)
+    void bounded(label name, const X& x, std::int64_t lowest, std::int64_t highest)
     {
         if (x > highest)
             fail(reason::too_large, name, x, highest);
         else if (x < lowest)
             fail(reason::too_small, name, x, lowest);
     }
-    bool matches(const label& name) const;
+    bool matches(label name) const;
 
     std::string_view path;
     std::int64_t value;

@@ -3,11 +3,12 @@
 // inside an SEI payload ends that payload alone.
 #pragma once
 
+#include "coders/bit_cursor.h"
 #include "coders/coder.h"
 
-#include <orv-utils-v4/h2645_common/bitreader.h>
 #include <orv-utils-v4/h264_syntax/bounded_list.h>
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <new>
@@ -17,9 +18,6 @@
 #include <vector>
 
 namespace orv_utils_v4::h264 {
-
-using brenik::h2645_common_bitreader;
-using brenik::range_size;
 
 /// Tells nobody.
 class untold {
@@ -52,7 +50,11 @@ public:
     /// [data, fence) are the bytes of the unit; how it went is left in `to`. What reaches past them fails with
     /// unit_ends.
     reader(const unsigned char* data, const unsigned char* fence, outcome& to, Telling telling = {})
-        : br(data, fence), limit(fence), out(to), tell(telling)
+        : unit(data),
+          bits(data, static_cast<std::size_t>(fence - data)),
+          limit(8 * static_cast<std::uint64_t>(fence - data)),
+          out(to),
+          tell(telling)
     {
     }
 
@@ -64,118 +66,117 @@ public:
     void close() { tell.close(); }
 
     bool going() const noexcept { return !stopped; }
-    std::size_t position() const noexcept { return br.bits_consumed(); }
-    bool byte_aligned() const noexcept { return stopped || br.bits_to_byte_boundary() == 0; }
+    std::uint64_t position() const noexcept { return bits.position(); }
+    bool byte_aligned() const noexcept { return stopped || position() % 8 == 0; }
 
     template <class X>
-    void u(unsigned n, const label& name, X& x)
+    void u(unsigned n, label name, X& x)
     {
         number(name, coding::u, x, n, 0, highest_u(n));
     }
     template <class X>
-    void u(unsigned n, const label& name, X& x, std::int64_t lowest, std::int64_t highest)
+    void u(unsigned n, label name, X& x, std::int64_t lowest, std::int64_t highest)
     {
         number(name, coding::u, x, n, lowest, highest);
     }
     template <class X>
-    void u_bound(unsigned n, const label& name, X& x, std::int64_t lowest, std::int64_t highest)
+    void u_bound(unsigned n, label name, X& x, std::int64_t lowest, std::int64_t highest)
     {
         bounded(name, x, lowest, highest, [&](auto& to) { u(n, name, to, lowest, highest); });
     }
     template <class X>
-    void u_v(std::uint64_t n, const label& name, X& x)
+    void u_v(std::uint64_t n, label name, X& x)
     {
         u_v(n, name, x, 0, n == 0 || n > 32 ? 0 : highest_u(static_cast<unsigned>(n)));
     }
     template <class X>
-    void u_v(std::uint64_t n, const label& name, X& x, std::int64_t lowest, std::int64_t highest)
+    void u_v(std::uint64_t n, label name, X& x, std::int64_t lowest, std::int64_t highest)
     {
         if (wide(n, name))
             number(name, coding::u_v, x, static_cast<unsigned>(n), lowest, highest);
     }
     /// u(v) of 0 to 63 bits.
-    void u_v_long(std::uint64_t n, const label& name, std::uint64_t& x)
+    void u_v_long(std::uint64_t n, label name, std::uint64_t& x)
     {
         if (n > widest_number)
             return fail(reason::too_large, name, static_cast<std::int64_t>(n), widest_number);
         if (n == 0)
             return;
-        const auto bits = static_cast<unsigned>(n);
-        const unsigned low = bits > 32 ? 32 : bits;
+        const auto width = static_cast<unsigned>(n);
+        const unsigned low = width > 32 ? 32 : width;
         auto kept_value = static_cast<std::int64_t>(x);
-        element(name, coding::u_v, kept_value, 0, highest_u(bits), [&](std::int64_t& value) {
-            value = bits > low ? br.get_wide(static_cast<unsigned char>(bits - low)) : 0;
-            value = value << low | br.get_wide(static_cast<unsigned char>(low));
+        element(name, coding::u_v, kept_value, 0, highest_u(width), [&](std::int64_t& value) {
+            const std::uint64_t high_part = width > low ? bits.take(width - low) : 0;
+            value = static_cast<std::int64_t>(high_part << low | bits.take(low));
             return true;
         });
         x = static_cast<std::uint64_t>(kept_value);
     }
     template <class X>
-    void i(unsigned n, const label& name, X& x)
+    void i(unsigned n, label name, X& x)
     {
         const std::int64_t half = std::int64_t{1} << (n - 1);
         signed_number(name, coding::i, x, n, -half, half - 1);
     }
     template <class X>
-    void i(unsigned n, const label& name, X& x, std::int64_t lowest, std::int64_t highest)
+    void i(unsigned n, label name, X& x, std::int64_t lowest, std::int64_t highest)
     {
         signed_number(name, coding::i, x, n, lowest, highest);
     }
     template <class X>
-    void i_v(std::uint64_t n, const label& name, X& x)
+    void i_v(std::uint64_t n, label name, X& x)
     {
         if (!wide(n, name))
             return;
         const std::int64_t half = std::int64_t{1} << (n - 1);
         signed_number(name, coding::i_v, x, static_cast<unsigned>(n), -half, half - 1);
     }
-    void flag(const label& name, bool& x) { number(name, coding::u, x, 1, 0, 1); }
-    void flag(const label& name, bool& x, std::int64_t lowest, std::int64_t highest)
+    void flag(label name, bool& x) { number(name, coding::u, x, 1, 0, 1); }
+    void flag(label name, bool& x, std::int64_t lowest, std::int64_t highest)
     {
         number(name, coding::u, x, 1, lowest, highest);
     }
-    void b(const label& name, std::uint8_t& x) { number(name, coding::b, x, 8, 0, 255); }
-    void f(unsigned n, const label& name, std::uint32_t pattern)
+    void b(label name, std::uint8_t& x) { number(name, coding::b, x, 8, 0, 255); }
+    void f(unsigned n, label name, std::uint32_t pattern)
     {
         std::uint32_t x = 0;
         number(name, coding::f, x, n, pattern, pattern);
     }
     template <class X>
-    [[gnu::always_inline]] void ue(const label& name, X& x, std::int64_t lowest = 0, std::int64_t highest = highest_ue)
+    void ue(label name, X& x, std::int64_t lowest = 0, std::int64_t highest = highest_ue)
     {
         element(name, coding::ue, x, lowest, highest, [this](std::int64_t& value) {
             std::uint32_t code = 0;
-            const bool sound = take_code(code);
+            const bool sound = bits.take_code(code);
             value = code;
             return sound;
         });
     }
     template <class X>
-    void ue_bound(const label& name, X& x, std::int64_t lowest, std::int64_t highest)
+    void ue_bound(label name, X& x, std::int64_t lowest, std::int64_t highest)
     {
         bounded(name, x, lowest, highest, [&](auto& to) { ue(name, to, lowest, highest); });
     }
     template <class X>
-    [[gnu::always_inline]] void se(const label& name, X& x, std::int64_t lowest = -highest_se,
-                                   std::int64_t highest = highest_se)
+    void se(label name, X& x, std::int64_t lowest = -highest_se, std::int64_t highest = highest_se)
     {
         element(name, coding::se, x, lowest, highest, [this](std::int64_t& value) {
             std::uint32_t code = 0;
-            const bool sound = take_code(code);
+            const bool sound = bits.take_code(code);
             value = code % 2 == 0 ? -static_cast<std::int64_t>(code / 2) : static_cast<std::int64_t>(code / 2) + 1;
             return sound;
         });
     }
 
     template <std::size_t N>
-    void u_bytes(const label& name, std::array<std::uint8_t, N>& x)
+    void u_bytes(label name, std::array<std::uint8_t, N>& x)
     {
         if (stopped)
             return;
-        const std::size_t begin = position();
+        const std::uint64_t begin = position();
         std::array<std::uint8_t, N> read = {};
         for (std::uint8_t& byte : read)
-            byte = static_cast<std::uint8_t>(br.get<unsigned int>(8));
+            byte = static_cast<std::uint8_t>(bits.take(8));
         if (past_end())
             return ends_in(name, begin);
         x = read;
@@ -188,13 +189,13 @@ public:
     }
 
     /// st(v): bytes up to a null byte, which is read too.
-    void st(const label& name, std::string& x)
+    void st(label name, std::string& x)
     {
         if (stopped)
             return;
-        const std::size_t begin = position();
+        const std::uint64_t begin = position();
         for (;;) {
-            const auto byte = static_cast<char>(br.get<unsigned int>(8));
+            const auto byte = static_cast<char>(bits.take(8));
             if (past_end())
                 return ends_in(name, begin);
             if (byte == 0)
@@ -218,7 +219,7 @@ public:
     }
 
     template <class T>
-    void count(const label& name, std::vector<T>& v, std::uint64_t n)
+    void count(label name, std::vector<T>& v, std::uint64_t n)
     {
         if (stopped)
             return;
@@ -229,7 +230,7 @@ public:
             fail_at(reason::no_memory, name, position(), 0, 0);
     }
     template <class T, std::size_t N>
-    T& entry(const label& name, bounded_list<T, N>& list, std::size_t i)
+    T& entry(label name, bounded_list<T, N>& list, std::size_t i)
     {
         if (i < N)
             list.resize(i + 1);
@@ -238,11 +239,11 @@ public:
         return list.back();
     }
     template <class List>
-    void entries_end(const label&, List&, std::size_t)
+    void entries_end(label, List&, std::size_t)
     {
     }
     template <class T>
-    T* append(const label& name, std::vector<T>& v)
+    T* append(label name, std::vector<T>& v)
     {
         if (!stopped && kept([&] { v.emplace_back(); }))
             return &v.back();
@@ -251,7 +252,7 @@ public:
     }
     /// The same, in a loop whose number of entries shows on the way; `i` is the size of the list.
     template <class T>
-    T* append(const label& name, std::vector<T>& v, std::size_t)
+    T* append(label name, std::vector<T>& v, std::size_t)
     {
         return append(name, v);
     }
@@ -266,12 +267,10 @@ public:
     /// The loops of `do … while (more_rbsp_data())`: whether there is an entry i. `size` is of the list as it stands.
     bool more_rbsp_data(std::size_t, std::size_t) { return !stopped && more_data(); }
 
-    void stop_bit(const label& name)
+    void stop_bit(label name)
     {
-        if (stopped || position() == 8 * range_size(br.source.start, limit))
-            out.ending = ending::no_stop_bit;
-        else
-            out.ending = br.peek24() >> 23 == 1 ? ending::sound : ending::no_stop_bit;
+        const bool set = !stopped && bits_left() != 0 && bits.peek() >> 63 == 1;
+        out.ending = set ? ending::sound : ending::no_stop_bit;
         f(1, name, 1);
     }
     /// Behind the trailing bits, or behind the header of a unit that has none: nothing, cabac_zero_words, or other
@@ -282,15 +281,12 @@ public:
             return;
         if (out.ending == ending::unknown)
             out.ending = ending::sound;
-        const std::size_t used = (position() + 7) / 8;
-        const std::size_t size = range_size(br.source.start, limit);
-        if (used >= size)
-            return;
-        out.ending = ending::cabac_zero_words;
-        for (const unsigned char* p = br.source.start + used; p != limit; ++p) {
-            if (*p != 0)
-                out.ending = ending::bytes_behind;
-        }
+        const unsigned char* const behind = unit + (position() + 7) / 8;
+        const unsigned char* const fence = unit + limit / 8;
+        if (behind != fence)
+            out.ending = std::all_of(behind, fence, [](unsigned char byte) { return byte == 0; })
+                             ? ending::cabac_zero_words
+                             : ending::bytes_behind;
     }
 
     /// Whether the unit has bits left, trailing bits included.
@@ -312,7 +308,7 @@ public:
     }
 
     /// Whether the next byte of the unit (or payload) is `value`.
-    bool next_byte_is(unsigned value) { return !stopped && bits_left() >= 8 && br.peek24() >> 16 == value; }
+    bool next_byte_is(unsigned value) { return !stopped && bits_left() >= 8 && bits.peek() >> 56 == value; }
     /// A run of bytes of one value: `x` counts them.
     void run(const char* name, unsigned byte, std::uint64_t& x)
     {
@@ -353,35 +349,34 @@ public:
         ff_coded("last_payload_size_byte", size);
         if (stopped)
             return;
-        const unsigned char* const unit_limit = limit;
+        const std::uint64_t unit_limit = limit;
         const bool outer = in_payload;
-        const std::size_t begin = position() / 8;
-        const std::size_t there = range_size(br.source.start, limit) - begin;
+        const std::uint64_t there = bits_left() / 8;
         const bool short_of = size > there;
-        limit = br.source.start + begin + (short_of ? there : size);
+        limit = short_of ? limit : position() + std::uint64_t{8} * size;
         in_payload = !short_of;
         text(*this);
         in_payload = outer;
         stopped = false;
-        seek(limit);
+        bits.seek(limit);
         limit = unit_limit;
         if (short_of)
             fail(reason::unit_ends, "payload_size", size, static_cast<std::int64_t>(there));
     }
 
-    void fail(reason why, const label& name, std::int64_t value = 0, std::int64_t bound = 0)
+    void fail(reason why, label name, std::int64_t value = 0, std::int64_t bound = 0)
     {
         fail_at(why, name, position(), value, bound);
     }
 
 private:
     template <class X, class Take>
-    [[gnu::always_inline]] void element(const label& name, coding how, X& x, std::int64_t lowest, std::int64_t highest,
+    [[gnu::always_inline]] void element(label name, coding how, X& x, std::int64_t lowest, std::int64_t highest,
                                         Take take)
     {
         if (stopped)
             return;
-        const std::size_t begin = position();
+        const std::uint64_t begin = position();
         std::int64_t value = 0;
         const bool sound = take(value);
         if (past_end())
@@ -398,19 +393,19 @@ private:
             tell.element({name, how, begin, position() - begin, value, lowest, highest, inside});
     }
     template <class X>
-    [[gnu::always_inline]] void number(const label& name, coding how, X& x, unsigned n, std::int64_t lowest,
+    [[gnu::always_inline]] void number(label name, coding how, X& x, unsigned n, std::int64_t lowest,
                                        std::int64_t highest)
     {
         element(name, how, x, lowest, highest, [this, n](std::int64_t& value) {
-            value = br.get_wide(static_cast<unsigned char>(n));
+            value = static_cast<std::int64_t>(bits.take(n));
             return true;
         });
     }
     template <class X>
-    void signed_number(const label& name, coding how, X& x, unsigned n, std::int64_t lowest, std::int64_t highest)
+    void signed_number(label name, coding how, X& x, unsigned n, std::int64_t lowest, std::int64_t highest)
     {
         element(name, how, x, lowest, highest, [this, n](std::int64_t& value) {
-            value = br.get_wide(static_cast<unsigned char>(n));
+            value = static_cast<std::int64_t>(bits.take(n));
             if (value >> (n - 1) != 0)
                 value -= std::int64_t{1} << n;
             return true;
@@ -418,11 +413,11 @@ private:
     }
     /// Reads into a temporary, which goes to `x` when it lies within the bounds.
     template <class X, class Read>
-    void bounded(const label& name, X& x, std::int64_t lowest, std::int64_t highest, Read read)
+    void bounded(label name, X& x, std::int64_t lowest, std::int64_t highest, Read read)
     {
         if (stopped)
             return;
-        const std::size_t begin = position();
+        const std::uint64_t begin = position();
         std::uint32_t value = 0;
         const std::size_t findings = out.finding_count;
         read(value);
@@ -438,50 +433,15 @@ private:
         }
         x = static_cast<X>(value);
     }
-    bool wide(std::uint64_t n, const label& name)
+    bool wide(std::uint64_t n, label name)
     {
         if (n > 32)
             fail(reason::too_large, name, static_cast<std::int64_t>(n), 32);
         return n != 0 && n <= 32;
     }
 
-    /// The number of a ue(v) code, clause 9.1; false after 32 zero bits.
-    [[gnu::always_inline]] bool take_code(std::uint32_t& code)
-    {
-        constexpr unsigned shortest_peeked = 1U << 11; // with 12 leading zeros: a code of 25 bits
-        const unsigned next = br.peek24();
-        if (next < shortest_peeked)
-            return take_long_code(code);
-        const auto zeros = static_cast<unsigned>(__builtin_clz(next)) - 8;
-        code = br.get<unsigned int>(static_cast<unsigned char>(2 * zeros + 1)) - 1;
-        return true;
-    }
-    [[gnu::noinline]] bool take_long_code(std::uint32_t& code)
-    {
-        unsigned char zeros = 0;
-        while (zeros < 32 && br.get<unsigned int>(1) == 0)
-            ++zeros;
-        if (zeros == 32)
-            return false;
-        code = (1U << zeros) - 1 + br.get_wide(zeros);
-        return true;
-    }
-
-    bool past_end() const noexcept
-    {
-        return br.source.cursor > limit && position() > 8 * range_size(br.source.start, limit);
-    }
-    std::uint64_t bits_left() const noexcept
-    {
-        const std::size_t all = 8 * range_size(br.source.start, limit);
-        return position() < all ? all - position() : 0;
-    }
-    void seek(const unsigned char* to)
-    {
-        h2645_common_bitreader moved(br.source.start, br.source.fence);
-        moved.source.cursor = to;
-        br = moved;
-    }
+    bool past_end() const noexcept { return position() > limit; }
+    std::uint64_t bits_left() const noexcept { return position() < limit ? limit - position() : 0; }
     bool more_data()
     {
         if (last_one == unknown_bit)
@@ -490,12 +450,10 @@ private:
     }
     void find_last_one()
     {
-        const unsigned char* end = limit;
-        while (end != br.source.start && end[-1] == 0)
+        std::uint64_t end = limit / 8;
+        while (end != 0 && unit[end - 1] == 0)
             --end;
-        last_one = 0;
-        if (end != br.source.start)
-            last_one = 8 * range_size(br.source.start, end) - 1 - static_cast<unsigned>(__builtin_ctz(end[-1]));
+        last_one = end == 0 ? 0 : 8 * end - 1 - static_cast<unsigned>(__builtin_ctz(unit[end - 1]));
     }
 
     template <class Do>
@@ -509,8 +467,8 @@ private:
         }
     }
 
-    [[gnu::cold, gnu::noinline]] void note(const label& name, std::size_t begin, std::int64_t value,
-                                           std::int64_t lowest, std::int64_t highest)
+    [[gnu::cold, gnu::noinline]] void note(label name, std::uint64_t begin, std::int64_t value, std::int64_t lowest,
+                                           std::int64_t highest)
     {
         ++out.finding_count;
         if (out.findings.size() < outcome::most_findings) {
@@ -518,17 +476,17 @@ private:
             out.findings.back() = {name, begin, value, lowest, highest};
         }
     }
-    [[gnu::cold, gnu::noinline]] void ends_in(const label& name, std::size_t begin)
+    [[gnu::cold, gnu::noinline]] void ends_in(label name, std::uint64_t begin)
     {
         fail_at(in_payload ? reason::payload_ends : reason::unit_ends, name, begin, 0, 0);
     }
-    [[gnu::cold, gnu::noinline]] void beyond(const label& name, std::size_t begin, std::int64_t value,
-                                             std::int64_t lowest, std::int64_t highest)
+    [[gnu::cold, gnu::noinline]] void beyond(label name, std::uint64_t begin, std::int64_t value, std::int64_t lowest,
+                                             std::int64_t highest)
     {
         fail_at(value > highest ? reason::too_large : reason::too_small, name, begin, value,
                 value > highest ? highest : lowest);
     }
-    [[gnu::cold, gnu::noinline]] void fail_at(reason why, const label& name, std::size_t begin, std::int64_t value,
+    [[gnu::cold, gnu::noinline]] void fail_at(reason why, label name, std::uint64_t begin, std::int64_t value,
                                               std::int64_t bound)
     {
         if (!out.failure)
@@ -536,13 +494,14 @@ private:
         stopped = true;
     }
 
-    static constexpr std::size_t unknown_bit = ~std::size_t{0};
+    static constexpr std::uint64_t unknown_bit = ~std::uint64_t{0};
 
-    h2645_common_bitreader br;
-    const unsigned char* limit;
+    const unsigned char* unit;
+    bit_cursor bits;
+    std::uint64_t limit; // the bit where the unit ends, or the payload
     outcome& out;
     Telling tell;
-    std::size_t last_one = unknown_bit; // the bit number of the stop bit
+    std::uint64_t last_one = unknown_bit; // the bit number of the stop bit
     bool stopped = false;
     bool in_payload = false;
 };

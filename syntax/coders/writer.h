@@ -32,24 +32,24 @@ public:
     bool byte_aligned() const noexcept { return stopped || bw.bits() % 8 == 0; }
 
     template <class X>
-    void u(unsigned n, const label& name, X x)
+    void u(unsigned n, label name, X x)
     {
         if (encodable(name, x, 0, highest_u(n)))
             bw.u(n, static_cast<std::uint32_t>(x));
     }
     template <class X>
-    void u(unsigned n, const label& name, X x, std::int64_t, std::int64_t)
+    void u(unsigned n, label name, X x, std::int64_t, std::int64_t)
     {
         u(n, name, x);
     }
     template <class X>
-    void u_bound(unsigned n, const label& name, X x, std::int64_t lowest, std::int64_t highest)
+    void u_bound(unsigned n, label name, X x, std::int64_t lowest, std::int64_t highest)
     {
         if (encodable(name, x, lowest, highest))
             u(n, name, x);
     }
     template <class X>
-    void u_v(std::uint64_t n, const label& name, X x)
+    void u_v(std::uint64_t n, label name, X x)
     {
         if (n > 32)
             fail(reason::too_large, name, static_cast<std::int64_t>(n), 32);
@@ -57,11 +57,11 @@ public:
             u(static_cast<unsigned>(n), name, x);
     }
     template <class X>
-    void u_v(std::uint64_t n, const label& name, X x, std::int64_t, std::int64_t)
+    void u_v(std::uint64_t n, label name, X x, std::int64_t, std::int64_t)
     {
         u_v(n, name, x);
     }
-    void u_v_long(std::uint64_t n, const label& name, std::uint64_t x)
+    void u_v_long(std::uint64_t n, label name, std::uint64_t x)
     {
         if (n > widest_number)
             return fail(reason::too_large, name, static_cast<std::int64_t>(n), widest_number);
@@ -72,54 +72,54 @@ public:
         bw.u(bits > 32 ? 32 : bits, static_cast<std::uint32_t>(x));
     }
     template <class X>
-    void i(unsigned n, const label& name, X x)
+    void i(unsigned n, label name, X x)
     {
         const std::int64_t half = std::int64_t{1} << (n - 1);
         if (encodable(name, x, -half, half - 1))
             bw.u(n, static_cast<std::uint32_t>(x));
     }
     template <class X>
-    void i(unsigned n, const label& name, X x, std::int64_t, std::int64_t)
+    void i(unsigned n, label name, X x, std::int64_t, std::int64_t)
     {
         i(n, name, x);
     }
     template <class X>
-    void i_v(std::uint64_t n, const label& name, X x)
+    void i_v(std::uint64_t n, label name, X x)
     {
         if (n > 32)
             fail(reason::too_large, name, static_cast<std::int64_t>(n), 32);
         else if (n != 0)
             i(static_cast<unsigned>(n), name, x);
     }
-    void flag(const label& name, bool x) { u(1, name, x); }
-    void flag(const label& name, bool x, std::int64_t, std::int64_t) { u(1, name, x); }
-    void b(const label& name, std::uint8_t x) { u(8, name, x); }
-    void f(unsigned n, const label& name, std::uint32_t pattern) { u(n, name, pattern); }
+    void flag(label name, bool x) { u(1, name, x); }
+    void flag(label name, bool x, std::int64_t, std::int64_t) { u(1, name, x); }
+    void b(label name, std::uint8_t x) { u(8, name, x); }
+    void f(unsigned n, label name, std::uint32_t pattern) { u(n, name, pattern); }
     template <class X>
-    void ue(const label& name, X x, std::int64_t = 0, std::int64_t = highest_ue)
+    void ue(label name, X x, std::int64_t = 0, std::int64_t = highest_ue)
     {
         if (encodable(name, x, 0, highest_ue))
             bw.ue(static_cast<std::uint32_t>(x));
     }
     template <class X>
-    void ue_bound(const label& name, X x, std::int64_t lowest, std::int64_t highest)
+    void ue_bound(label name, X x, std::int64_t lowest, std::int64_t highest)
     {
         if (encodable(name, x, lowest, highest))
             ue(name, x);
     }
     template <class X>
-    void se(const label& name, X x, std::int64_t = -highest_se, std::int64_t = highest_se)
+    void se(label name, X x, std::int64_t = -highest_se, std::int64_t = highest_se)
     {
         if (encodable(name, x, -highest_se, highest_se))
             bw.se(static_cast<std::int32_t>(x));
     }
     template <std::size_t N>
-    void u_bytes(const label& name, const std::array<std::uint8_t, N>& x)
+    void u_bytes(label name, const std::array<std::uint8_t, N>& x)
     {
         for (const std::uint8_t byte : x)
             u(8, name, byte);
     }
-    void st(const label& name, const std::string& x)
+    void st(label name, const std::string& x)
     {
         if (x.find('\0') != std::string::npos)
             fail(reason::too_small, name, 0, 1);
@@ -133,12 +133,12 @@ public:
     {
     }
     template <class T>
-    void count(const label& name, const std::vector<T>& v, std::uint64_t n)
+    void count(label name, const std::vector<T>& v, std::uint64_t n)
     {
         entries_end(name, v, n);
     }
     template <class T, std::size_t N>
-    const T& entry(const label& name, const bounded_list<T, N>& list, std::size_t i)
+    const T& entry(label name, const bounded_list<T, N>& list, std::size_t i)
     {
         static constexpr T none{};
         if (i < list.size())
@@ -147,13 +147,13 @@ public:
         return none;
     }
     template <class List>
-    void entries_end(const label& name, const List& list, std::uint64_t n)
+    void entries_end(label name, const List& list, std::uint64_t n)
     {
         if (list.size() != n)
             fail(reason::wrong_count, name, static_cast<std::int64_t>(list.size()), static_cast<std::int64_t>(n));
     }
     template <class T>
-    const T* append(const label& name, const std::vector<T>& v, std::size_t i)
+    const T* append(label name, const std::vector<T>& v, std::size_t i)
     {
         if (i < v.size())
             return &v[i];
@@ -172,7 +172,7 @@ public:
 
     void more_rbsp_data(const bool&) {}
     bool more_rbsp_data(std::size_t i, std::size_t size) { return !stopped && i < size; }
-    void stop_bit(const label& name) { f(1, name, 1); }
+    void stop_bit(label name) { f(1, name, 1); }
     void end_of_unit() {}
     void more_bits(const bool&) {}
     void flags_left(const char* name, const std::vector<bool>& v)
@@ -218,7 +218,7 @@ public:
         text(*this);
     }
 
-    void fail(reason why, const label& name, std::int64_t value = 0, std::int64_t bound = 0)
+    void fail(reason why, label name, std::int64_t value = 0, std::int64_t bound = 0)
     {
         if (!out.failure)
             out.failure = {why, name, bw.bits(), value, bound};
@@ -227,7 +227,7 @@ public:
 
 private:
     template <class X>
-    bool encodable(const label& name, X x, std::int64_t lowest, std::int64_t highest)
+    bool encodable(label name, X x, std::int64_t lowest, std::int64_t highest)
     {
         const auto value = static_cast<std::int64_t>(x);
         if (value < lowest)

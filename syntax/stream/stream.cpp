@@ -81,10 +81,10 @@ struct stream::state {
     static constexpr std::size_t most_partitions = 256;
 
     parameter_sets sets;
-    std::unique_ptr<seq_parameter_set_rbsp> sps[parameter_sets::sps_ids];
-    std::unique_ptr<subset_seq_parameter_set_rbsp> subset_sps[parameter_sets::sps_ids];
-    std::unique_ptr<kept_pps> pps[parameter_sets::pps_ids];
-    std::unique_ptr<depth_parameter_set_rbsp> dps[parameter_sets::dps_ids];
+    std::unique_ptr<seq_parameter_set_rbsp> spss[parameter_sets::sps_ids];
+    std::unique_ptr<subset_seq_parameter_set_rbsp> subset_spss[parameter_sets::sps_ids];
+    std::unique_ptr<kept_pps> ppss[parameter_sets::pps_ids];
+    std::unique_ptr<depth_parameter_set_rbsp> dpss[parameter_sets::dps_ids];
     std::int32_t active_sps = -1; // ids; -1 is none
     std::int32_t active_pps = -1;
     std::int32_t mvcd_sps = -1;
@@ -93,12 +93,14 @@ struct stream::state {
     known_partition partitions[most_partitions] = {};
     std::size_t partition_count = 0; // all that came; the latest are kept
 
-    std::vector<unsigned char> block; // the latest unit without emulation prevention
-    std::size_t rbsp_size = 0;        // of what is in it
+    std::vector<unsigned char> block; // room for a unit without emulation prevention
+    clean_bytes bytes;                // that the latest unit was read from
     std::vector<unsigned char> held_bytes;
     std::vector<held_unit> held;
     nal_unit unit;
-    unit_context context; // that the unit is read with
+    unit_context context;                        // that the unit is read with
+    const seq_parameter_set_data* sps = nullptr; // that it stands on
+    const pic_parameter_set_rbsp* pps = nullptr;
     outcome result;
 
     void read_unit(const unit_place& place, visitor* listener);
@@ -106,7 +108,7 @@ struct stream::state {
     void hand_on(const unit_place& place, unit_sink& to);
     bool hold(const unit_place& place);
     void release(unit_sink& to);
-    unit_context context_of(const unit_place& place) const;
+    void set_context(const unit_place& place, unit_kind kind);
     std::int32_t pps_of_partition(const unit_place& place) const;
     const seq_parameter_set_data* sps_for_sei() const;
     void keep();
@@ -222,25 +224,27 @@ void stream::state::release(unit_sink& to)
 void stream::state::hand_on(const unit_place& place, unit_sink& to)
 {
     read_unit(place, to.before(place));
-    const bool is_sei = std::holds_alternative<sei_rbsp>(unit.rbsp);
-    to.take({place, unit, result, context, is_sei ? sps_for_sei() : sps_of(unit, sets), pps_of(unit, sets)});
+    to.take({place, unit, result, context, sps, pps});
 }
 
 void stream::state::read_unit(const unit_place& place, visitor* listener)
 {
-    context = context_of(place);
     const unit_kind kind = kind_of(place.size == 0 ? 0 : place.bytes[0] & 0x1F);
+    set_context(place, kind);
+    sps = context.active_sps;
+    pps = nullptr;
     if (kind == unit_kind::slice || kind == unit_kind::primary_slice)
         return read_slice(place, listener);
 
     const std::size_t size = std::min(place.size, most_unit_bytes);
     if (!make_room(block, size)) {
-        begin_reading(unit, result);
+        unit = nal_unit();
+        result = outcome();
         result.failure = {reason::no_memory, "nal_unit", 0, 0, 0};
         return;
     }
-    rbsp_size = unescape(place.bytes, size, block.data(), size);
-    run(unit, block.data(), rbsp_size, context, result, listener);
+    bytes = unescaped(place.bytes, size, size, block.data());
+    run(unit, bytes.data, bytes.size, context, result, listener);
     if (place.size > most_unit_bytes && !result.failure)
         result.failure = {reason::unit_too_long, "nal_unit", result.bits, static_cast<std::int64_t>(place.size),
                           static_cast<std::int64_t>(most_unit_bytes)};
@@ -250,47 +254,48 @@ void stream::state::read_unit(const unit_place& place, visitor* listener)
 // The header is looked for in more and more bytes of the slice; only what is read at last is told.
 void stream::state::read_slice(const unit_place& place, visitor* listener)
 {
-    constexpr std::size_t first_try = 128;
-    constexpr std::size_t unexamined = 2;
-    std::size_t size = 0;
+    constexpr std::size_t first_try = 64;
     for (std::size_t room = first_try;; room *= 8) {
         const std::size_t taken = std::min({room, place.size, most_slice_header_bytes});
         if (!make_room(block, taken))
             break;
-        size = unescape(place.bytes, taken, block.data(), taken);
+        bytes = unescaped(place.bytes, place.size, taken, block.data());
         const bool all = taken == place.size || taken == most_slice_header_bytes;
-        if (!all)
-            size -= std::min(size, unexamined);
-        read(unit, block.data(), size, context, result);
+        read(unit, bytes.data, bytes.size, context, result);
         if (all || result.failure.why != reason::unit_ends)
             break;
     }
     if (listener != nullptr)
-        trace(unit, block.data(), size, context, result, *listener);
+        trace(unit, bytes.data, bytes.size, context, result, *listener);
     result.ending = ending_of_slice(place);
-    const slice_header* const header = slice_header_of(unit);
-    if (result.failure || header == nullptr)
+    pps = pps_of(unit, sets);
+    if (pps == nullptr)
+        return;
+    sps = sps_of(unit.header, *pps, sets);
+    if (result.failure)
         return;
     const auto type = unit.header.nal_unit_type;
     if (type == 1 || type == 2 || type == 5) {
-        active_pps = static_cast<std::int32_t>(header->pic_parameter_set_id);
-        active_sps = static_cast<std::int32_t>(sets.find_pps(header->pic_parameter_set_id)->seq_parameter_set_id);
+        active_pps = static_cast<std::int32_t>(pps->pic_parameter_set_id);
+        active_sps = static_cast<std::int32_t>(pps->seq_parameter_set_id);
         primary_idr = type == 5;
     }
     if (const auto* const a = std::get_if<slice_data_partition_a_layer_rbsp>(&unit.rbsp))
-        partitions[partition_count++ % most_partitions] = {a->slice_id, header->pic_parameter_set_id};
+        partitions[partition_count++ % most_partitions] = {a->slice_id, pps->pic_parameter_set_id};
 }
 
-unit_context stream::state::context_of(const unit_place& place) const
+void stream::state::set_context(const unit_place& place, unit_kind kind)
 {
-    unit_context around;
-    around.sets = &sets;
-    around.active_sps = sps_for_sei();
-    around.active_pps = active_pps < 0 ? nullptr : sets.find_pps(static_cast<std::uint32_t>(active_pps));
-    around.mvcd_sps = mvcd_sps < 0 ? nullptr : sets.find_subset_sps(static_cast<std::uint32_t>(mvcd_sps));
-    around.primary_idr = primary_idr;
-    around.partition_a_pps = pps_of_partition(place);
-    return around;
+    context = unit_context();
+    context.sets = &sets;
+    context.primary_idr = primary_idr;
+    if (kind == unit_kind::slice)
+        context.partition_a_pps = pps_of_partition(place);
+    if (kind != unit_kind::sei)
+        return;
+    context.active_sps = sps_for_sei();
+    context.active_pps = active_pps < 0 ? nullptr : sets.find_pps(static_cast<std::uint32_t>(active_pps));
+    context.mvcd_sps = mvcd_sps < 0 ? nullptr : sets.find_subset_sps(static_cast<std::uint32_t>(mvcd_sps));
 }
 
 /// The active SPS; before there is one, the only one that is stored.
@@ -360,7 +365,7 @@ void stream::state::keep_sps(const seq_parameter_set_rbsp& set)
     const std::uint32_t id = set.seq_parameter_set_data.seq_parameter_set_id;
     if (id >= parameter_sets::sps_ids || (sets.sps[id] != nullptr && *sets.sps[id] == set))
         return;
-    sets.sps[id] = put(sps[id], set);
+    sets.sps[id] = put(spss[id], set);
     read_pps_again(id);
 }
 
@@ -374,7 +379,7 @@ void stream::state::keep_subset_sps(const subset_seq_parameter_set_rbsp& set)
         mvcd_sps = static_cast<std::int32_t>(id);
     if (sets.subset_sps[id] != nullptr && *sets.subset_sps[id] == set)
         return;
-    sets.subset_sps[id] = put(subset_sps[id], set);
+    sets.subset_sps[id] = put(subset_spss[id], set);
     if (sets.sps[id] == nullptr)
         read_pps_again(id);
 }
@@ -382,7 +387,7 @@ void stream::state::keep_subset_sps(const subset_seq_parameter_set_rbsp& set)
 void stream::state::keep_dps(const depth_parameter_set_rbsp& set)
 {
     if (set.depth_parameter_set_id < parameter_sets::dps_ids)
-        sets.dps[set.depth_parameter_set_id] = put(dps[set.depth_parameter_set_id], set);
+        sets.dps[set.depth_parameter_set_id] = put(dpss[set.depth_parameter_set_id], set);
 }
 
 void stream::state::keep_pps(const pic_parameter_set_rbsp& set)
@@ -392,11 +397,11 @@ void stream::state::keep_pps(const pic_parameter_set_rbsp& set)
     if (id >= parameter_sets::pps_ids || (result.failure && !waits))
         return;
     try {
-        if (pps[id] == nullptr)
-            pps[id] = std::make_unique<kept_pps>();
-        pps[id]->bytes.assign(block.data(), block.data() + rbsp_size);
-        pps[id]->pps = set;
-        sets.pps[id] = &pps[id]->pps;
+        if (ppss[id] == nullptr)
+            ppss[id] = std::make_unique<kept_pps>();
+        ppss[id]->bytes.assign(bytes.data, bytes.data + bytes.size);
+        ppss[id]->pps = set;
+        sets.pps[id] = &ppss[id]->pps;
     } catch (const std::exception&) { // no memory: the one before stays
     }
 }
@@ -408,7 +413,7 @@ void stream::state::read_pps_again(std::uint32_t sps_id)
     outcome how;
     unit_context alone;
     alone.sets = &sets;
-    for (const auto& kept : pps) {
+    for (const auto& kept : ppss) {
         if (kept == nullptr || kept->pps.seq_parameter_set_id != sps_id)
             continue;
         read(again, kept->bytes.data(), kept->bytes.size(), alone, how);

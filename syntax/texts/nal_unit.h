@@ -27,8 +27,10 @@ void code(Coder& c, in<Coder, nal_unit>& x, const unit_context& context)
 {
     static constexpr parameter_sets none;
     code(c, x.header);
-    if (!c.going())
+    if (!c.going()) {
+        c.template as<std::monostate>(x.rbsp);
         return;
+    }
     const parameter_sets& sets = context.sets != nullptr ? *context.sets : none;
     const slice_context slice = {x.header, sets,
                                  x.header.nal_unit_type == 19 ? context.primary_idr : IdrPicFlag(x.header),
@@ -70,6 +72,7 @@ void code(Coder& c, in<Coder, nal_unit>& x, const unit_context& context)
     case 21:
         return code_rbsp<slice_layer_extension_rbsp>(c, x, slice);
     default:
+        c.template as<std::monostate>(x.rbsp);
         return;
     }
 }

@@ -53,80 +53,80 @@ public:
     bool byte_aligned() const { return true; }
 
     template <class X>
-    void u(unsigned n, const label& name, X& x)
+    void u(unsigned n, label name, X& x)
     {
         set(name, x, 0, highest_u(n));
     }
     template <class X>
-    void u(unsigned, const label& name, X& x, std::int64_t lowest, std::int64_t highest)
+    void u(unsigned, label name, X& x, std::int64_t lowest, std::int64_t highest)
     {
         set(name, x, lowest, highest);
     }
     template <class X>
-    void u_bound(unsigned, const label& name, X& x, std::int64_t lowest, std::int64_t highest)
+    void u_bound(unsigned, label name, X& x, std::int64_t lowest, std::int64_t highest)
     {
         set_count(name, x, lowest, highest);
     }
     template <class X>
-    void u_v(std::uint64_t n, const label& name, X& x)
+    void u_v(std::uint64_t n, label name, X& x)
     {
         u_v(n, name, x, 0, n == 0 || n > 32 ? 0 : highest_u(static_cast<unsigned>(n)));
     }
     template <class X>
-    void u_v(std::uint64_t n, const label& name, X& x, std::int64_t lowest, std::int64_t highest)
+    void u_v(std::uint64_t n, label name, X& x, std::int64_t lowest, std::int64_t highest)
     {
         stopped = stopped || n > 32;
         if (n != 0 && n <= 32)
             set(name, x, lowest, std::min(highest, highest_u(static_cast<unsigned>(n))));
     }
     template <class X>
-    void i(unsigned n, const label& name, X& x)
+    void i(unsigned n, label name, X& x)
     {
         set(name, x, -(std::int64_t{1} << (n - 1)), (std::int64_t{1} << (n - 1)) - 1);
     }
     template <class X>
-    void i(unsigned, const label& name, X& x, std::int64_t lowest, std::int64_t highest)
+    void i(unsigned, label name, X& x, std::int64_t lowest, std::int64_t highest)
     {
         set(name, x, lowest, highest);
     }
-    void u_v_long(std::uint64_t n, const label& name, std::uint64_t& x)
+    void u_v_long(std::uint64_t n, label name, std::uint64_t& x)
     {
         stopped = stopped || n > widest_number;
         if (n != 0 && n <= widest_number)
             set(name, x, 0, highest_u(static_cast<unsigned>(n)));
     }
     template <class X>
-    void i_v(std::uint64_t n, const label& name, X& x)
+    void i_v(std::uint64_t n, label name, X& x)
     {
         stopped = stopped || n > 32;
         if (n != 0 && n <= 32)
             i(static_cast<unsigned>(n), name, x);
     }
-    void flag(const label& name, bool& x) { set(name, x, 0, 1); }
-    void flag(const label& name, bool& x, std::int64_t lowest, std::int64_t highest) { set(name, x, lowest, highest); }
-    void b(const label& name, std::uint8_t& x) { set(name, x, 0, 255); }
-    void f(unsigned, const label&, std::uint32_t) {}
+    void flag(label name, bool& x) { set(name, x, 0, 1); }
+    void flag(label name, bool& x, std::int64_t lowest, std::int64_t highest) { set(name, x, lowest, highest); }
+    void b(label name, std::uint8_t& x) { set(name, x, 0, 255); }
+    void f(unsigned, label, std::uint32_t) {}
     template <class X>
-    void ue(const label& name, X& x, std::int64_t lowest = 0, std::int64_t highest = highest_ue)
+    void ue(label name, X& x, std::int64_t lowest = 0, std::int64_t highest = highest_ue)
     {
         set(name, x, lowest, highest);
     }
     template <class X>
-    void ue_bound(const label& name, X& x, std::int64_t lowest, std::int64_t highest)
+    void ue_bound(label name, X& x, std::int64_t lowest, std::int64_t highest)
     {
         set_count(name, x, lowest, highest);
     }
     template <class X>
-    void se(const label& name, X& x, std::int64_t lowest = -highest_se, std::int64_t highest = highest_se)
+    void se(label name, X& x, std::int64_t lowest = -highest_se, std::int64_t highest = highest_se)
     {
         set(name, x, lowest, highest);
     }
     template <std::size_t N>
-    void u_bytes(const label&, std::array<std::uint8_t, N>& x)
+    void u_bytes(label, std::array<std::uint8_t, N>& x)
     {
         std::generate(x.begin(), x.end(), [this] { return static_cast<std::uint8_t>(draw(255)); });
     }
-    void st(const label&, std::string& x)
+    void st(label, std::string& x)
     {
         x.clear();
         for (std::uint64_t n = draw(5); n > 0; --n)
@@ -139,30 +139,30 @@ public:
         x = static_cast<X>(value);
     }
     template <class T>
-    void count(const label&, std::vector<T>& v, std::uint64_t n)
+    void count(label, std::vector<T>& v, std::uint64_t n)
     {
         stopped = stopped || n > most_entries;
         v.resize(stopped ? 0 : static_cast<std::size_t>(n));
     }
     template <class T, std::size_t N>
-    T& entry(const label&, bounded_list<T, N>& list, std::size_t i)
+    T& entry(label, bounded_list<T, N>& list, std::size_t i)
     {
         stopped = stopped || i >= N;
         list.resize(i + 1);
         return list.back();
     }
     template <class List>
-    void entries_end(const label&, List&, std::uint64_t)
+    void entries_end(label, List&, std::uint64_t)
     {
     }
     template <class T>
-    T* append(const label&, std::vector<T>& v)
+    T* append(label, std::vector<T>& v)
     {
         v.emplace_back();
         return &v.back();
     }
     template <class T>
-    T* append(const label& name, std::vector<T>& v, std::size_t)
+    T* append(label name, std::vector<T>& v, std::size_t)
     {
         return append(name, v);
     }
@@ -174,7 +174,7 @@ public:
 
     void more_rbsp_data(bool& x) { x = coin(); }
     void more_bits(bool& x) { x = coin(); }
-    void flags_left(const label&, std::vector<bool>& v)
+    void flags_left(label, std::vector<bool>& v)
     {
         v.clear();
         for (std::uint64_t n = draw(5); n > 0; --n)
@@ -183,7 +183,7 @@ public:
     bool more_rbsp_data(std::size_t i, std::size_t) { return !stopped && (i == 0 || (i < 4 && coin())); }
     bool more_payload(std::size_t i, std::size_t) { return !stopped && (i == 0 || (i < 4 && coin())); }
     std::uint64_t payload_bits_left() const { return ~std::uint64_t{0}; }
-    void stop_bit(const label&) {}
+    void stop_bit(label) {}
     void end_of_unit() {}
     void run(const char*, unsigned, std::uint64_t& x) { x = draw(3); }
     void bytes_left(const char* name, std::vector<std::uint8_t>& x, std::uint32_t = 0)
@@ -210,31 +210,31 @@ public:
         text(counting);
         size = static_cast<std::uint32_t>(bits.bytes());
     }
-    void fail(reason why, const label& name, std::int64_t = 0, std::int64_t = 0)
+    void fail(reason why, label name, std::int64_t = 0, std::int64_t = 0)
     {
         stopped = true;
-        reason_of_stop = std::string(name.name) + ": " + text_of(why);
+        reason_of_stop = std::string(name.name()) + ": " + text_of(why);
     }
 
 private:
     static constexpr std::uint64_t most_entries = 5000;
 
     template <class X>
-    void set(const label& name, X& x, std::int64_t lowest, std::int64_t highest)
+    void set(label name, X& x, std::int64_t lowest, std::int64_t highest)
     {
-        const auto known = forced.find(name.name);
-        const auto cap = caps.find(name.name);
+        const auto known = forced.find(name.name());
+        const auto cap = caps.find(name.name());
         if (cap != caps.end())
             highest = std::min(highest, cap->second);
         if (!stopped && highest < lowest) { // no value is sound
             stopped = true;
-            reason_of_stop = name.name;
+            reason_of_stop = name.name();
         }
         x = static_cast<X>(known != forced.end() ? known->second : drawn(lowest, std::max(lowest, highest)));
     }
     /// What bounds a list: few entries as a rule, and now and then all.
     template <class X>
-    void set_count(const label& name, X& x, std::int64_t lowest, std::int64_t highest)
+    void set_count(label name, X& x, std::int64_t lowest, std::int64_t highest)
     {
         const std::int64_t few = std::min(highest, lowest + 3);
         set(name, x, lowest, draw(15) == 0 ? highest : few);

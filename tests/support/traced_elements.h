@@ -34,9 +34,9 @@ public:
     }
     void element(const traced_element& e) override
     {
-        std::string name = path + e.name.name;
-        for (unsigned i = 0; i < e.name.depth; ++i)
-            name += "[" + std::to_string(e.name.index[i]) + "]";
+        std::string name = path + e.name.name();
+        for (unsigned i = 0; i < e.name.depth(); ++i)
+            name += "[" + std::to_string(e.name.index(i)) + "]";
         elements.push_back({name, e.bit, e.bits, e.value, e.inside});
     }
 

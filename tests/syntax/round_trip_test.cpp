@@ -31,9 +31,9 @@ void check_round_trip(const nal_unit& unit, const unit_context& context)
     nal_unit again;
     outcome result;
     read(again, bytes.data(), bytes.size(), context, result);
-    ASSERT_FALSE(result.failure) << result.failure.element.name << ": " << text_of(result.failure.why) << " at bit "
+    ASSERT_FALSE(result.failure) << result.failure.element.name() << ": " << text_of(result.failure.why) << " at bit "
                                  << result.failure.bit;
-    EXPECT_EQ(result.finding_count, 0U) << result.findings[0].element.name << " " << result.findings[0].value;
+    EXPECT_EQ(result.finding_count, 0U) << result.findings[0].element.name() << " " << result.findings[0].value;
     EXPECT_TRUE(again == unit);
     EXPECT_EQ(written(again, context), bytes);
     EXPECT_TRUE(is_slice(unit.header.nal_unit_type) || result.ending == ending::sound);

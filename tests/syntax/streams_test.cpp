@@ -65,7 +65,7 @@ TEST(SyntaxStreams, PiecesOfAnySizeGiveTheSameUnits)
 bool breaks_a_pattern(const outcome& result)
 {
     return std::any_of(result.findings.begin(), result.findings.end(), [](const finding& f) {
-        const std::string_view name = f.element.name;
+        const std::string_view name = f.element.name();
         return name == "forbidden_zero_bit" || name == "bit_equal_to_one" || name == "bit_equal_to_zero";
     });
 }
@@ -103,7 +103,7 @@ private:
             write_before_data(reading.unit, context, old.data(), old.size(), reading.result.bits, bits, result);
         else
             write(reading.unit, context, bits, result);
-        ASSERT_FALSE(result.failure) << result.failure.element.name << " " << text_of(result.failure.why);
+        ASSERT_FALSE(result.failure) << result.failure.element.name() << " " << text_of(result.failure.why);
         room.resize(bits.bytes());
         ASSERT_EQ(room, old) << "unit of type " << int{reading.unit.header.nal_unit_type} << " at " << place.offset;
 

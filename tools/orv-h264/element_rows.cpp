@@ -19,10 +19,10 @@ void append_number(std::string& text, Number number)
 
 void append_label(std::string& text, const h264::label& name)
 {
-    text += name.name;
-    for (unsigned i = 0; i < name.depth; ++i) {
+    text += name.name();
+    for (unsigned i = 0; i < name.depth(); ++i) {
         text += '[';
-        append_number(text, name.index[i]);
+        append_number(text, name.index(i));
         text += ']';
     }
 }

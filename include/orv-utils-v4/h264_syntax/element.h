@@ -8,35 +8,48 @@
 
 namespace orv_utils_v4::h264 {
 
-/// An element's name as the standard spells it, with the indices that tell it from its like.
-struct label {
-    /// The most indices that an element has.
-    static constexpr unsigned most_indices = 4;
-
-    const char* name;                  ///< lives as long as the program
-    std::uint8_t depth = 0;            ///< how many of the indices there are
-    std::uint32_t index[most_indices]; ///< outermost first
-
-    /// An element without an index.
-    constexpr label(const char* element_name) noexcept : name(element_name), index{} {} // NOLINT(*-explicit-*)
+/// An element's name as the standard spells it, with the indices that tell it from its like. It is as large as two
+/// words, so that handing it on costs nothing.
+class label {
+public:
+    /// An element without an index. `element_name` lives as long as the program.
+    constexpr label(const char* element_name) noexcept : text(element_name) {} // NOLINT(*-explicit-*)
     /// An element with indices, outermost first.
-    constexpr label(const char* element_name, std::uint32_t i) noexcept : name(element_name), depth(1), index{i} {}
-    /// @copydoc label(const char*, std::uint32_t)
-    constexpr label(const char* element_name, std::uint32_t i, std::uint32_t j) noexcept
-        : name(element_name), depth(2), index{i, j}
+    /// @param i below 2^32; with two indices below 2^30 each, with three below 2^20, with four below 2^15
+    constexpr label(const char* element_name, std::uint64_t i) noexcept : text(element_name), packed(i << 3 | 1) {}
+    /// @copydoc label(const char*, std::uint64_t)
+    constexpr label(const char* element_name, std::uint64_t i, std::uint64_t j) noexcept
+        : text(element_name), packed((i << 30 | j) << 3 | 2)
     {
     }
-    /// @copydoc label(const char*, std::uint32_t)
-    constexpr label(const char* element_name, std::uint32_t i, std::uint32_t j, std::uint32_t k) noexcept
-        : name(element_name), depth(3), index{i, j, k}
+    /// @copydoc label(const char*, std::uint64_t)
+    constexpr label(const char* element_name, std::uint64_t i, std::uint64_t j, std::uint64_t k) noexcept
+        : text(element_name), packed((i << 40 | j << 20 | k) << 3 | 3)
     {
     }
-    /// @copydoc label(const char*, std::uint32_t)
-    constexpr label(const char* element_name, std::uint32_t i, std::uint32_t j, std::uint32_t k,
-                    std::uint32_t l) noexcept
-        : name(element_name), depth(4), index{i, j, k, l}
+    /// @copydoc label(const char*, std::uint64_t)
+    constexpr label(const char* element_name, std::uint64_t i, std::uint64_t j, std::uint64_t k,
+                    std::uint64_t l) noexcept
+        : text(element_name), packed((i << 45 | j << 30 | k << 15 | l) << 3 | 4)
     {
     }
+
+    /// The name alone.
+    constexpr const char* name() const noexcept { return text; }
+    /// How many indices there are, 0 to 4.
+    constexpr unsigned depth() const noexcept { return packed & 7; }
+    /// Index number `i`, below depth().
+    constexpr std::uint32_t index(unsigned i) const noexcept
+    {
+        constexpr unsigned widths[] = {0, 32, 30, 20, 15};
+        const unsigned width = widths[depth()];
+        return static_cast<std::uint32_t>(packed >> (3 + width * (depth() - 1 - i)) &
+                                          ((std::uint64_t{1} << width) - 1));
+    }
+
+private:
+    const char* text;
+    std::uint64_t packed = 0; // the indices, the last one lowest, above three bits of depth
 };
 
 /// How an element is coded, H.264 clause 7.2.

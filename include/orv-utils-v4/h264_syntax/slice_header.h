@@ -32,6 +32,9 @@ struct ref_pic_list_modification {
     bool ref_pic_list_modification_flag_l1 = false;
     bounded_list<pic_num_modification, most_modifications> l1;
 
+    ref_pic_list_modification() noexcept {
+    } // NOLINT(modernize-use-equals-default): `= default` would clear the room of lists
+
     friend ORV_UTILS_V4_EXPORT bool operator==(const ref_pic_list_modification&, const ref_pic_list_modification&);
 };
 
@@ -56,6 +59,8 @@ struct pred_weight_table {
     bounded_list<prediction_weight, most_weights> l0;
     bounded_list<prediction_weight, most_weights> l1;
 
+    pred_weight_table() noexcept {} // NOLINT(modernize-use-equals-default): `= default` would clear the room of lists
+
     friend ORV_UTILS_V4_EXPORT bool operator==(const pred_weight_table&, const pred_weight_table&);
 };
 
@@ -79,6 +84,8 @@ struct dec_ref_pic_marking {
     bool long_term_reference_flag = false;
     bool adaptive_ref_pic_marking_mode_flag = false;
     bounded_list<marking_operation, most_operations> operations;
+
+    dec_ref_pic_marking() noexcept {} // NOLINT(modernize-use-equals-default): `= default` would clear the room of lists
 
     friend ORV_UTILS_V4_EXPORT bool operator==(const dec_ref_pic_marking&, const dec_ref_pic_marking&);
 };
@@ -116,12 +123,17 @@ struct slice_header {
     /// What slice_type stands for; of a value above 9 that of its remainder.
     slice_kind kind() const noexcept { return static_cast<slice_kind>(slice_type % 5); }
 
+    slice_header() noexcept {} // NOLINT(modernize-use-equals-default): `= default` would clear the room of lists
+
     friend ORV_UTILS_V4_EXPORT bool operator==(const slice_header&, const slice_header&);
 };
 
 /// slice_layer_without_partitioning_rbsp(), clause 7.3.2.8: NAL unit types 1, 5 and 19, before its data.
 struct slice_layer_without_partitioning_rbsp {
     h264::slice_header slice_header;
+
+    slice_layer_without_partitioning_rbsp() noexcept {
+    } // NOLINT(modernize-use-equals-default): `= default` would clear the room of lists
 
     friend ORV_UTILS_V4_EXPORT bool operator==(const slice_layer_without_partitioning_rbsp&,
                                                const slice_layer_without_partitioning_rbsp&);
@@ -131,6 +143,9 @@ struct slice_layer_without_partitioning_rbsp {
 struct slice_data_partition_a_layer_rbsp {
     h264::slice_header slice_header;
     std::uint32_t slice_id = 0;
+
+    slice_data_partition_a_layer_rbsp() noexcept {
+    } // NOLINT(modernize-use-equals-default): `= default` would clear the room of lists
 
     friend ORV_UTILS_V4_EXPORT bool operator==(const slice_data_partition_a_layer_rbsp&,
                                                const slice_data_partition_a_layer_rbsp&);
