@@ -17,7 +17,7 @@
 //   append(name, v, i)                   entry i of a growing list whose number shows on the way, or null when there
 //   can
 //                                        be none; entries_end(name, v, n) behind the last one
-//   as<T>(v)                             the alternative of a variant
+//   as<T>(v)                             the alternative of a variant, or null where it is another one
 //   flags_left(name, v)                  flags up to the stop bit
 //   byte_aligned(), more_rbsp_data(x), more_bits(x), going()
 //   fail(why, name, value, bound)        what only the text can know
@@ -56,6 +56,14 @@ constexpr std::int64_t highest_u(unsigned n) noexcept
 
 /// The most bits of an element that is told with its value.
 constexpr std::uint64_t widest_number = 63;
+
+/// Goes on with the alternative T of a variant; a coder that does not make it refuses another one.
+template <class T, class Coder, class Variant, class... Context>
+void code_as(Coder& c, Variant& variant, const Context&... context)
+{
+    if (auto* const x = c.template as<T>(variant))
+        code(c, *x, context...);
+}
 
 /// Closes a structure when it goes.
 template <class Coder>

@@ -170,11 +170,11 @@ public:
         return i < v.size() ? &v[i] : nullptr;
     }
     template <class T, class... Ts>
-    T& as(std::variant<Ts...>& v)
+    T* as(std::variant<Ts...>& v)
     {
         if (T* const held = std::get_if<T>(&v))
-            return *held;
-        return v.template emplace<T>();
+            return held;
+        return &v.template emplace<T>();
     }
 
     void more_rbsp_data(bool& x) { set("more_rbsp_data", x, 0, 1); }

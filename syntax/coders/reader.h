@@ -257,9 +257,9 @@ public:
         return append(name, v);
     }
     template <class T, class... Ts>
-    T& as(std::variant<Ts...>& v)
+    T* as(std::variant<Ts...>& v)
     {
-        return v.template emplace<T>();
+        return &v.template emplace<T>();
     }
 
     /// more_rbsp_data(), clause 7.2: there is more than the stop bit and what follows it.

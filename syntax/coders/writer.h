@@ -161,13 +161,12 @@ public:
         return nullptr;
     }
     template <class T, class... Ts>
-    const T& as(const std::variant<Ts...>& v)
+    const T* as(const std::variant<Ts...>& v)
     {
-        static const T none{};
-        if (const T* const held = std::get_if<T>(&v))
-            return *held;
-        fail(reason::wrong_kind, "payload");
-        return none;
+        const T* const held = std::get_if<T>(&v);
+        if (held == nullptr)
+            fail(reason::wrong_kind, "payload");
+        return held;
     }
 
     void more_rbsp_data(const bool&) {}

@@ -14,13 +14,6 @@
 
 namespace orv_utils_v4::h264 {
 
-/// An RBSP whose table takes nothing from elsewhere.
-template <class Rbsp, class Coder, class Unit, class... Context>
-void code_rbsp(Coder& c, Unit& x, const Context&... context)
-{
-    code(c, c.template as<Rbsp>(x.rbsp), context...);
-}
-
 // H.264 7.3.1
 template <class Coder>
 void code(Coder& c, in<Coder, nal_unit>& x, const unit_context& context)
@@ -39,38 +32,38 @@ void code(Coder& c, in<Coder, nal_unit>& x, const unit_context& context)
     case 1:
     case 5:
     case 19:
-        return code_rbsp<slice_layer_without_partitioning_rbsp>(c, x, slice);
+        return code_as<slice_layer_without_partitioning_rbsp>(c, x.rbsp, slice);
     case 2:
-        return code_rbsp<slice_data_partition_a_layer_rbsp>(c, x, slice);
+        return code_as<slice_data_partition_a_layer_rbsp>(c, x.rbsp, slice);
     case 3:
-        return code_rbsp<slice_data_partition_b_layer_rbsp>(c, x, slice);
+        return code_as<slice_data_partition_b_layer_rbsp>(c, x.rbsp, slice);
     case 4:
-        return code_rbsp<slice_data_partition_c_layer_rbsp>(c, x, slice);
+        return code_as<slice_data_partition_c_layer_rbsp>(c, x.rbsp, slice);
     case 6:
-        return code_rbsp<sei_rbsp>(c, x, sei_context{sets, context.active_sps, context.active_pps, context.mvcd_sps});
+        return code_as<sei_rbsp>(c, x.rbsp, sei_context{sets, context.active_sps, context.active_pps, context.mvcd_sps});
     case 7:
-        return code_rbsp<seq_parameter_set_rbsp>(c, x);
+        return code_as<seq_parameter_set_rbsp>(c, x.rbsp);
     case 8:
-        return code_rbsp<pic_parameter_set_rbsp>(c, x, sets);
+        return code_as<pic_parameter_set_rbsp>(c, x.rbsp, sets);
     case 9:
-        return code_rbsp<access_unit_delimiter_rbsp>(c, x);
+        return code_as<access_unit_delimiter_rbsp>(c, x.rbsp);
     case 10:
-        return code_rbsp<end_of_seq_rbsp>(c, x);
+        return code_as<end_of_seq_rbsp>(c, x.rbsp);
     case 11:
-        return code_rbsp<end_of_stream_rbsp>(c, x);
+        return code_as<end_of_stream_rbsp>(c, x.rbsp);
     case 12:
-        return code_rbsp<filler_data_rbsp>(c, x);
+        return code_as<filler_data_rbsp>(c, x.rbsp);
     case 13:
-        return code_rbsp<seq_parameter_set_extension_rbsp>(c, x);
+        return code_as<seq_parameter_set_extension_rbsp>(c, x.rbsp);
     case 14:
-        return code_rbsp<prefix_nal_unit_rbsp>(c, x, x.header);
+        return code_as<prefix_nal_unit_rbsp>(c, x.rbsp, x.header);
     case 15:
-        return code_rbsp<subset_seq_parameter_set_rbsp>(c, x);
+        return code_as<subset_seq_parameter_set_rbsp>(c, x.rbsp);
     case 16:
-        return code_rbsp<depth_parameter_set_rbsp>(c, x);
+        return code_as<depth_parameter_set_rbsp>(c, x.rbsp);
     case 20:
     case 21:
-        return code_rbsp<slice_layer_extension_rbsp>(c, x, slice);
+        return code_as<slice_layer_extension_rbsp>(c, x.rbsp, slice);
     default:
         c.template as<std::monostate>(x.rbsp);
         return;

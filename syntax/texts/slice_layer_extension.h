@@ -257,25 +257,40 @@ void code(Coder& c, in<Coder, slice_header_in_3davc_extension>& x, const slice_c
         code_unpredicted_header(c, x, context, sets, sps);
 }
 
+/// Whether data follow the header: not with slice_skip_flag.
+template <class Header>
+bool has_data(const Header&)
+{
+    return true;
+}
+inline bool has_data(const slice_header_in_scalable_extension& header)
+{
+    return !header.slice_skip_flag;
+}
+
+// H.264 7.3.2.13, one kind of header
+template <class Header, class Coder, class Layer>
+void code_layer_of_kind(Coder& c, Layer& x, const slice_context& context, const char* data_name)
+{
+    auto* const header = c.template as<Header>(x.header);
+    if (header == nullptr)
+        return;
+    code(c, *header, context);
+    if (has_data(*header))
+        code_slice_data(c, context.sets.find_pps(header->pic_parameter_set_id), data_name);
+}
+
 // H.264 7.3.2.13, before the data
 template <class Coder>
 void code(Coder& c, in<Coder, slice_layer_extension_rbsp>& x, const slice_context& context)
 {
     const auto here = c.structure("slice_layer_extension_rbsp");
-    if (context.header.scalable()) {
-        auto& header = c.template as<slice_header_in_scalable_extension>(x.header);
-        code(c, header, context);
-        if (!header.slice_skip_flag)
-            code_slice_data(c, context.sets.find_pps(header.pic_parameter_set_id), "slice_data_in_scalable_extension");
-    } else if (context.header.avc_3d()) {
-        auto& header = c.template as<slice_header_in_3davc_extension>(x.header);
-        code(c, header, context);
-        code_slice_data(c, context.sets.find_pps(header.pic_parameter_set_id), "slice_data_in_3davc_extension");
-    } else {
-        auto& header = c.template as<slice_header>(x.header);
-        code(c, header, context);
-        code_slice_data(c, context.sets.find_pps(header.pic_parameter_set_id));
-    }
+    if (context.header.scalable())
+        code_layer_of_kind<slice_header_in_scalable_extension>(c, x, context, "slice_data_in_scalable_extension");
+    else if (context.header.avc_3d())
+        code_layer_of_kind<slice_header_in_3davc_extension>(c, x, context, "slice_data_in_3davc_extension");
+    else
+        code_layer_of_kind<slice_header>(c, x, context, "slice_data");
 }
 
 // H.264 G.7.3.2.12.1

@@ -167,9 +167,9 @@ public:
         return append(name, v);
     }
     template <class T, class... Ts>
-    T& as(std::variant<Ts...>& v)
+    T* as(std::variant<Ts...>& v)
     {
-        return v.template emplace<T>();
+        return &v.template emplace<T>();
     }
 
     void more_rbsp_data(bool& x) { x = coin(); }

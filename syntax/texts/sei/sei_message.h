@@ -41,80 +41,80 @@ void code_payload_of_type(Coder& c, std::uint32_t payload_type, in<Coder, sei_pa
     // clang-format off
     switch (payload_type) {
     // Annex D
-    case 0: return code(c, c.template as<buffering_period>(x), context);
-    case 1: return code(c, c.template as<pic_timing>(x), context);
-    case 2: return code(c, c.template as<pan_scan_rect>(x));
-    case 3: return code(c, c.template as<filler_payload>(x));
-    case 4: return code(c, c.template as<user_data_registered_itu_t_t35>(x));
-    case 5: return code(c, c.template as<user_data_unregistered>(x));
-    case 6: return code(c, c.template as<recovery_point>(x), context);
-    case 7: return code(c, c.template as<dec_ref_pic_marking_repetition>(x), context);
-    case 8: return code(c, c.template as<spare_pic>(x), context);
-    case 9: return code(c, c.template as<scene_info>(x));
-    case 10: return code(c, c.template as<sub_seq_info>(x), context);
-    case 11: return code(c, c.template as<sub_seq_layer_characteristics>(x));
-    case 12: return code(c, c.template as<sub_seq_characteristics>(x));
-    case 13: return code(c, c.template as<full_frame_freeze>(x));
-    case 14: return code(c, c.template as<full_frame_freeze_release>(x));
-    case 15: return code(c, c.template as<full_frame_snapshot>(x));
-    case 16: return code(c, c.template as<progressive_refinement_segment_start>(x));
-    case 17: return code(c, c.template as<progressive_refinement_segment_end>(x));
-    case 18: return code(c, c.template as<motion_constrained_slice_group_set>(x), context);
-    case 19: return code(c, c.template as<film_grain_characteristics>(x), context);
-    case 20: return code(c, c.template as<deblocking_filter_display_preference>(x));
-    case 21: return code(c, c.template as<stereo_video_info>(x));
-    case 22: return code(c, c.template as<post_filter_hint>(x));
-    case 23: return code(c, c.template as<tone_mapping_info>(x));
-    case 45: return code(c, c.template as<frame_packing_arrangement>(x));
-    case 47: return code(c, c.template as<display_orientation>(x));
-    case 137: return code(c, c.template as<mastering_display_colour_volume>(x));
-    case 142: return code(c, c.template as<colour_remapping_info>(x), context);
-    case 144: return code(c, c.template as<content_light_level_info>(x));
-    case 147: return code(c, c.template as<alternative_transfer_characteristics>(x));
-    case 148: return code(c, c.template as<ambient_viewing_environment>(x));
-    case 150: return code(c, c.template as<equirectangular_projection>(x));
-    case 151: return code(c, c.template as<cubemap_projection>(x));
-    case 154: return code(c, c.template as<sphere_rotation>(x));
-    case 155: return code(c, c.template as<regionwise_packing>(x));
-    case 156: return code(c, c.template as<omni_viewport>(x));
-    case 200: return code(c, c.template as<sei_manifest>(x));
-    case 201: return code(c, c.template as<sei_prefix_indication>(x));
-    case 202: return code(c, c.template as<annotated_regions>(x));
+    case 0: return code_as<buffering_period>(c, x, context);
+    case 1: return code_as<pic_timing>(c, x, context);
+    case 2: return code_as<pan_scan_rect>(c, x);
+    case 3: return code_as<filler_payload>(c, x);
+    case 4: return code_as<user_data_registered_itu_t_t35>(c, x);
+    case 5: return code_as<user_data_unregistered>(c, x);
+    case 6: return code_as<recovery_point>(c, x, context);
+    case 7: return code_as<dec_ref_pic_marking_repetition>(c, x, context);
+    case 8: return code_as<spare_pic>(c, x, context);
+    case 9: return code_as<scene_info>(c, x);
+    case 10: return code_as<sub_seq_info>(c, x, context);
+    case 11: return code_as<sub_seq_layer_characteristics>(c, x);
+    case 12: return code_as<sub_seq_characteristics>(c, x);
+    case 13: return code_as<full_frame_freeze>(c, x);
+    case 14: return code_as<full_frame_freeze_release>(c, x);
+    case 15: return code_as<full_frame_snapshot>(c, x);
+    case 16: return code_as<progressive_refinement_segment_start>(c, x);
+    case 17: return code_as<progressive_refinement_segment_end>(c, x);
+    case 18: return code_as<motion_constrained_slice_group_set>(c, x, context);
+    case 19: return code_as<film_grain_characteristics>(c, x, context);
+    case 20: return code_as<deblocking_filter_display_preference>(c, x);
+    case 21: return code_as<stereo_video_info>(c, x);
+    case 22: return code_as<post_filter_hint>(c, x);
+    case 23: return code_as<tone_mapping_info>(c, x);
+    case 45: return code_as<frame_packing_arrangement>(c, x);
+    case 47: return code_as<display_orientation>(c, x);
+    case 137: return code_as<mastering_display_colour_volume>(c, x);
+    case 142: return code_as<colour_remapping_info>(c, x, context);
+    case 144: return code_as<content_light_level_info>(c, x);
+    case 147: return code_as<alternative_transfer_characteristics>(c, x);
+    case 148: return code_as<ambient_viewing_environment>(c, x);
+    case 150: return code_as<equirectangular_projection>(c, x);
+    case 151: return code_as<cubemap_projection>(c, x);
+    case 154: return code_as<sphere_rotation>(c, x);
+    case 155: return code_as<regionwise_packing>(c, x);
+    case 156: return code_as<omni_viewport>(c, x);
+    case 200: return code_as<sei_manifest>(c, x);
+    case 201: return code_as<sei_prefix_indication>(c, x);
+    case 202: return code_as<annotated_regions>(c, x);
 
     // Annexes G to J
-    case 24: return code(c, c.template as<scalability_info>(x), context);
-    case 25: return code(c, c.template as<sub_pic_scalable_layer>(x), context);
-    case 26: return code(c, c.template as<non_required_layer_rep>(x), context);
-    case 27: return code(c, c.template as<priority_layer_info>(x), context);
-    case 28: return code(c, c.template as<layers_not_present>(x), context);
-    case 29: return code(c, c.template as<layer_dependency_change>(x), context);
-    case 30: return code(c, c.template as<scalable_nesting>(x), context);
-    case 31: return code(c, c.template as<base_layer_temporal_hrd>(x), context);
-    case 32: return code(c, c.template as<quality_layer_integrity_check>(x), context);
-    case 33: return code(c, c.template as<redundant_pic_property>(x), context);
-    case 34: return code(c, c.template as<tl0_dep_rep_index>(x), context);
-    case 35: return code(c, c.template as<tl_switching_point>(x), context);
-    case 37: return code(c, c.template as<mvc_scalable_nesting>(x), context);
-    case 38: return code(c, c.template as<view_scalability_info>(x), context);
-    case 39: return code(c, c.template as<multiview_scene_info>(x), context);
-    case 40: return code(c, c.template as<multiview_acquisition_info>(x), context);
-    case 41: return code(c, c.template as<non_required_view_component>(x), context);
-    case 42: return code(c, c.template as<view_dependency_change>(x), context);
-    case 43: return code(c, c.template as<operation_points_not_present>(x), context);
-    case 44: return code(c, c.template as<base_view_temporal_hrd>(x), context);
-    case 46: return code(c, c.template as<multiview_view_position>(x), context);
-    case 48: return code(c, c.template as<mvcd_scalable_nesting>(x), context);
-    case 49: return code(c, c.template as<mvcd_view_scalability_info>(x), context);
-    case 50: return code(c, c.template as<depth_representation_info>(x), context);
-    case 51: return code(c, c.template as<three_dimensional_reference_displays_info>(x), context);
-    case 52: return code(c, c.template as<depth_timing>(x), context);
-    case 53: return code(c, c.template as<depth_sampling_info>(x), context);
-    case 54: return code(c, c.template as<constrained_depth_parameter_set_identifier>(x), context);
+    case 24: return code_as<scalability_info>(c, x, context);
+    case 25: return code_as<sub_pic_scalable_layer>(c, x, context);
+    case 26: return code_as<non_required_layer_rep>(c, x, context);
+    case 27: return code_as<priority_layer_info>(c, x, context);
+    case 28: return code_as<layers_not_present>(c, x, context);
+    case 29: return code_as<layer_dependency_change>(c, x, context);
+    case 30: return code_as<scalable_nesting>(c, x, context);
+    case 31: return code_as<base_layer_temporal_hrd>(c, x, context);
+    case 32: return code_as<quality_layer_integrity_check>(c, x, context);
+    case 33: return code_as<redundant_pic_property>(c, x, context);
+    case 34: return code_as<tl0_dep_rep_index>(c, x, context);
+    case 35: return code_as<tl_switching_point>(c, x, context);
+    case 37: return code_as<mvc_scalable_nesting>(c, x, context);
+    case 38: return code_as<view_scalability_info>(c, x, context);
+    case 39: return code_as<multiview_scene_info>(c, x, context);
+    case 40: return code_as<multiview_acquisition_info>(c, x, context);
+    case 41: return code_as<non_required_view_component>(c, x, context);
+    case 42: return code_as<view_dependency_change>(c, x, context);
+    case 43: return code_as<operation_points_not_present>(c, x, context);
+    case 44: return code_as<base_view_temporal_hrd>(c, x, context);
+    case 46: return code_as<multiview_view_position>(c, x, context);
+    case 48: return code_as<mvcd_scalable_nesting>(c, x, context);
+    case 49: return code_as<mvcd_view_scalability_info>(c, x, context);
+    case 50: return code_as<depth_representation_info>(c, x, context);
+    case 51: return code_as<three_dimensional_reference_displays_info>(c, x, context);
+    case 52: return code_as<depth_timing>(c, x, context);
+    case 53: return code_as<depth_sampling_info>(c, x, context);
+    case 54: return code_as<constrained_depth_parameter_set_identifier>(c, x, context);
 
     // not read: sei.h says why
-    case 36: case 56: case 149: case 205: return code(c, c.template as<payload_bytes>(x));
+    case 36: case 56: case 149: case 205: return code_as<payload_bytes>(c, x);
 
-    default: return code(c, c.template as<reserved_sei_message>(x));
+    default: return code_as<reserved_sei_message>(c, x);
     }
     // clang-format on
 }
@@ -125,7 +125,7 @@ void code_sei_payload(Coder& c, in<Coder, sei_message>& x, const sei_context& co
 {
     const auto here = c.structure("sei_payload");
     if (context.nesting > 0 && open_inside_nesting(x.payload_type))
-        code(c, c.template as<payload_bytes>(x.payload));
+        code_as<payload_bytes>(c, x.payload);
     else
         code_payload_of_type(c, x.payload_type, x.payload, context);
     if (!c.byte_aligned()) {
