@@ -1,4 +1,5 @@
-// The texts of the SEI payloads on the colours of the content, H.264 clause D.1 (D.1.28 and behind it).
+// The texts of the SEI payloads on the colours of the content, H.264 clause D.1, payloads 137, 144, 147
+// and 148.
 #pragma once
 
 #include "coders/coder.h"
@@ -7,7 +8,7 @@
 
 namespace orv_utils_v4::h264 {
 
-// H.264 D.1.28
+// H.264 D.1, payload 137
 template <class Coder>
 void code(Coder& c, in<Coder, mastering_display_colour_volume>& x)
 {

@@ -1,4 +1,5 @@
-// The texts of the SEI payloads on what to do to decoded samples, H.264 clauses D.1.21, D.1.24, D.1.25 and D.1.29.
+// The texts of the SEI payloads on what to do to decoded samples, H.264 clauses D.1.21, D.1.24 and D.1.25,
+// and payload 142 of D.1.
 #pragma once
 
 #include "texts/sei/from_sets.h"
@@ -7,7 +8,7 @@
 
 namespace orv_utils_v4::h264 {
 
-/// The width of a sample value of a bit depth in D.2.25 and D.2.29: whole bytes.
+/// The width of a sample value of a bit depth in payloads 23 and 142: whole bytes.
 constexpr unsigned bits_of_sample(unsigned bit_depth) noexcept
 {
     return ((bit_depth + 7) >> 3) << 3;
@@ -191,7 +192,7 @@ struct lut_names {
     const char* target_value;
 };
 
-// H.264 D.1.29, the three curves before the matrix or behind it
+// H.264 D.1, payload 142: the three curves before the matrix or behind it
 template <class Coder, class Number, class List>
 void code_luts(Coder& c, const lut_names& names, Number (&num_val_minus1)[3], List (&lut)[3], unsigned coded,
                unsigned target)
@@ -207,7 +208,7 @@ void code_luts(Coder& c, const lut_names& names, Number (&num_val_minus1)[3], Li
     }
 }
 
-// H.264 D.1.29
+// H.264 D.1, payload 142
 template <class Coder>
 void code(Coder& c, in<Coder, colour_remapping_info>& x, const sei_context& context)
 {

@@ -112,7 +112,7 @@ void code_payload_of_type(Coder& c, std::uint32_t payload_type, in<Coder, sei_pa
     case 54: return code_as<constrained_depth_parameter_set_identifier>(c, x, context);
 
     // not read: sei.h says why
-    case 36: case 56: case 149: case 205: return code_as<payload_bytes>(c, x);
+    case 36: case 56: case 149: case 181: case 205: return code_as<payload_bytes>(c, x);
 
     default: return code_as<reserved_sei_message>(c, x);
     }

@@ -8,8 +8,8 @@
 
 namespace orv_utils_v4::h264 {
 
-/// mastering_display_colour_volume(), clauses D.1.28 and D.2.28: payload 137. Primaries in units of 0.00002 of CIE 1931
-/// x and y, luminances in units of 0.0001 candela a square metre.
+/// mastering_display_colour_volume(): payload 137. Primaries in units of 0.00002 of CIE 1931 x and y, luminances in
+/// units of 0.0001 candela a square metre.
 struct mastering_display_colour_volume {
     std::uint16_t display_primaries_x[3] = {};
     std::uint16_t display_primaries_y[3] = {};

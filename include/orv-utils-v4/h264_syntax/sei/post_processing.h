@@ -113,8 +113,8 @@ struct colour_remap_point {
     friend ORV_UTILS_V4_EXPORT bool operator==(const colour_remap_point&, const colour_remap_point&);
 };
 
-/// colour_remapping_info(), clauses D.1.29 and D.2.29: payload 142. What colour_remap_video_signal_info_present_flag
-/// brings is else inferred from the SPS, where one is known.
+/// colour_remapping_info(): payload 142. What colour_remap_video_signal_info_present_flag brings is
+/// else inferred from the SPS, where one is known.
 struct colour_remapping_info {
     std::uint32_t colour_remap_id = 0;
     bool colour_remap_cancel_flag = false;

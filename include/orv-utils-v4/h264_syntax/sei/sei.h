@@ -32,8 +32,8 @@ namespace orv_utils_v4::h264 {
 /// but for types 0, 1, 7, 8 and 18, which are payload_bytes inside a nesting message.
 using sei_payload = std::variant<
     // not read: parallel decoding (36), whose table takes from later slices; green metadata (56), which the standard
-    // leaves to ISO/IEC 23001-11; content colour volume (149) and shutter intervals (205), of whose tables this library
-    // is not sure
+    // leaves to ISO/IEC 23001-11; content colour volume (149), alternative depth (181) and shutter intervals (205), of
+    // whose tables this library is not sure
     payload_bytes,
     // Annex D, types 0 to 23
     buffering_period, pic_timing, pan_scan_rect, filler_payload, user_data_registered_itu_t_t35, user_data_unregistered,
