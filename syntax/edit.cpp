@@ -59,7 +59,7 @@ bool edit(nal_unit& unit, const unit_context& context, std::string_view path, st
             return false;
         unit = std::move(changed);
         return true;
-    } catch (const std::exception&) { // bad_alloc: the copy of a growing list
+    } catch (...) { // bad_alloc: the copy of a growing list
         result.failure = {reason::no_memory, "nal_unit", 0, 0, 0};
         return false;
     }

@@ -11,7 +11,6 @@
 #include <array>
 #include <cstddef>
 #include <new>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -158,7 +157,7 @@ public:
             return fail(reason::too_large, name, static_cast<std::int64_t>(n), most_entries);
         try {
             v.resize(static_cast<std::size_t>(n));
-        } catch (const std::exception&) {
+        } catch (...) {
             fail(reason::no_memory, name);
         }
     }

@@ -12,7 +12,6 @@
 #include <array>
 #include <cstddef>
 #include <new>
-#include <stdexcept>
 #include <string>
 #include <variant>
 #include <vector>
@@ -462,7 +461,7 @@ private:
         try {
             action();
             return true;
-        } catch (const std::exception&) { // bad_alloc or length_error
+        } catch (...) { // bad_alloc or length_error
             return false;
         }
     }

@@ -4,7 +4,6 @@
 #include "unit_bytes.h"
 
 #include <algorithm>
-#include <exception>
 #include <utility>
 #include <vector>
 
@@ -57,7 +56,7 @@ bool make_room(std::vector<unsigned char>& bytes, std::size_t size)
         if (bytes.size() < size)
             bytes.resize(size);
         return true;
-    } catch (const std::exception&) {
+    } catch (...) {
         return false;
     }
 }
@@ -132,7 +131,7 @@ const Set* put(std::unique_ptr<Set>& slot, const Set& set)
         else
             *slot = set;
         return slot.get();
-    } catch (const std::exception&) {
+    } catch (...) {
         return slot.get();
     }
 }
@@ -204,7 +203,7 @@ bool stream::state::hold(const unit_place& place)
         held_bytes.insert(held_bytes.end(), place.bytes, place.bytes + place.size);
         held.push_back({{nullptr, place.size, place.offset, place.number}, begin});
         return true;
-    } catch (const std::exception&) {
+    } catch (...) {
         return false;
     }
 }
@@ -402,7 +401,7 @@ void stream::state::keep_pps(const pic_parameter_set_rbsp& set)
         ppss[id]->bytes.assign(bytes.data, bytes.data + bytes.size);
         ppss[id]->pps = set;
         sets.pps[id] = &ppss[id]->pps;
-    } catch (const std::exception&) { // no memory: the one before stays
+    } catch (...) { // no memory: the one before stays
     }
 }
 

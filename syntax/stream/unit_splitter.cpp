@@ -4,7 +4,6 @@
 #include "bytescan/bytescan.h"
 
 #include <algorithm>
-#include <exception>
 #include <utility>
 
 namespace orv_utils_v4::h264 {
@@ -143,7 +142,7 @@ void unit_splitter::hold(const unsigned char* at, const unsigned char* fence)
         return;
     try {
         held.insert(held.end(), at, fence);
-    } catch (const std::exception&) { // no memory for it: above what can be kept
+    } catch (...) { // no memory for it: above what can be kept
         held_size = std::uint64_t{most} + 1;
     }
 }

@@ -168,9 +168,11 @@ void command_line::add_inspect()
             "Show these NAL unit types only, for example 7,8 or 1-5")
         ->type_name("TYPES");
     add_json(inspection, inspect_chosen.json, json_lines);
-    inspection.add_flag("--tsv", inspect_chosen.tsv, "A line for each syntax element, tab-separated")
-        ->excludes("--json")
-        ->excludes("--nals");
+    inspection.add_flag("--tsv", inspect_chosen.tsv, "A line for each syntax element, tab-separated");
+    inspection.parse_complete_callback([this] {
+        if (inspect_chosen.tsv && (inspect_chosen.json || inspect_chosen.nals))
+            throw CLI::ValidationError("--tsv", "not together with --json or --nals");
+    });
     inspection.footer(std::string(help_texts::inspect) + help_texts::exit_statuses);
     run_with(inspection, inspect, inspect_chosen);
 }

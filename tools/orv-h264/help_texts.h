@@ -25,10 +25,15 @@ the modification of the reference picture lists. SEI payloads that are not read 
 does not parse, and what belongs to no unit and is not zero padding, is reported on the standard error stream
 with its byte offset; reading goes on.
 
+With --tsv every syntax element of every unit is a line: the number of the unit, its type, byte and bit in the
+file, bit in the unit without emulation prevention, number of bits, descriptor, structure, name, value, and
+whether the value is inside its range. A first line names the columns.
+
 Examples:
   orv-h264 inspect movie.264
   orv-h264 inspect --only 7,8 movie.264
   orv-h264 inspect --only 1-5 --limit 30 movie.264
+  orv-h264 inspect --tsv movie.264 | cut -f3,9,10
   orv-h264 inspect --json movie.264 | jq 'select(.nal_unit_type == 7) | .fields.profile_idc'
   camera | orv-h264 inspect --nals --format annexb -)";
 

@@ -11,7 +11,9 @@ namespace orv_utils_v4::h264 {
 /// that one without any room tells how much is needed.
 class bit_writer {
 public:
+    /// One without room.
     bit_writer() noexcept = default;
+    /// One that writes to `out`.
     bit_writer(unsigned char* out, std::size_t room) noexcept : begin(out), size(room) {}
 
     /// u(n) or f(n).

@@ -93,13 +93,17 @@ struct scaling_lists {
 
 /// The lists that hold for the pictures of a PPS: its own, with fall-back rule A or B where one was not sent (Table
 /// 7-2), else those of the SPS, else Flat_4x4_16 and Flat_8x8_16.
+/// @param sps the SPS
 /// @param pps null for the lists of the SPS
 ORV_UTILS_V4_EXPORT scaling_lists scaling_lists_of(const seq_parameter_set_data& sps,
                                                    const pic_parameter_set_rbsp* pps) noexcept;
 
 /// mapUnitToSliceGroupMap, clause 8.2.2.
+/// @param sps the SPS
+/// @param pps the PPS
 /// @param slice_group_change_cycle of the slice header; types 3 to 5 use it
 /// @param map room for PicSizeInMapUnits(sps) entries
+/// @param room how many
 /// @return false, with nothing written, when the room is smaller, or slice_group_id does not have as many entries
 ORV_UTILS_V4_EXPORT bool slice_group_map(const seq_parameter_set_data& sps, const pic_parameter_set_rbsp& pps,
                                          std::uint32_t slice_group_change_cycle, std::uint8_t* map,

@@ -14,20 +14,20 @@ class label {
 public:
     /// An element without an index. `element_name` lives as long as the program.
     constexpr label(const char* element_name) noexcept : text(element_name) {} // NOLINT(*-explicit-*)
-    /// An element with indices, outermost first.
-    /// @param i below 2^32; with two indices below 2^30 each, with three below 2^20, with four below 2^15
+    /// An element with indices, outermost first: one below 2^32, two below 2^30 each, three below 2^20, or four below
+    /// 2^15.
     constexpr label(const char* element_name, std::uint64_t i) noexcept : text(element_name), packed(i << 3 | 1) {}
-    /// @copydoc label(const char*, std::uint64_t)
+    /// @copybrief label(const char*, std::uint64_t)
     constexpr label(const char* element_name, std::uint64_t i, std::uint64_t j) noexcept
         : text(element_name), packed((i << 30 | j) << 3 | 2)
     {
     }
-    /// @copydoc label(const char*, std::uint64_t)
+    /// @copybrief label(const char*, std::uint64_t)
     constexpr label(const char* element_name, std::uint64_t i, std::uint64_t j, std::uint64_t k) noexcept
         : text(element_name), packed((i << 40 | j << 20 | k) << 3 | 3)
     {
     }
-    /// @copydoc label(const char*, std::uint64_t)
+    /// @copybrief label(const char*, std::uint64_t)
     constexpr label(const char* element_name, std::uint64_t i, std::uint64_t j, std::uint64_t k,
                     std::uint64_t l) noexcept
         : text(element_name), packed((i << 45 | j << 30 | k << 15 | l) << 3 | 4)
@@ -93,8 +93,11 @@ public:
     virtual void element(const traced_element& element) = 0;
 
 protected:
+    /// For derived classes.
     visitor() = default;
+    /// For derived classes.
     visitor(const visitor&) = default;
+    /// For derived classes.
     visitor& operator=(const visitor&) = default;
 };
 

@@ -56,13 +56,15 @@ ORV_UTILS_V4_EXPORT const slice_header* slice_header_of(const nal_unit& unit) no
 
 /// The PPS and SPS that a slice stands on; null where there is none, and of units that are no slices of one of these.
 ORV_UTILS_V4_EXPORT const pic_parameter_set_rbsp* pps_of(const nal_unit& unit, const parameter_sets& sets) noexcept;
-/// @copydoc pps_of
+/// The SPS that a slice stands on, likewise.
 ORV_UTILS_V4_EXPORT const seq_parameter_set_data* sps_of(const nal_unit& unit, const parameter_sets& sets) noexcept;
 
 /// The bytes of a unit without its emulation-prevention bytes (clause 7.3.1): what the functions below read. They are
 /// taken out from behind the header bytes, 1, 3 or 4, on.
-/// @param unit the header byte first
+/// @param unit the header byte first, `size` bytes
+/// @param size how many
 /// @param out as large as the unit is enough; less room gives the first bytes of it
+/// @param room the bytes of `out`
 /// @return how many bytes of `out` are the unit's
 ORV_UTILS_V4_EXPORT std::size_t unescape(const unsigned char* unit, std::size_t size, unsigned char* out,
                                          std::size_t room) noexcept;
@@ -89,6 +91,9 @@ private:
 /// Reads a unit.
 /// @param to what was read, up to a failure; the rest holds what is inferred
 /// @param bytes the unit as unescape() gives it; of a slice as much as its header takes is enough
+/// @param size how many
+/// @param context what its table takes from elsewhere
+/// @param result how it went
 ORV_UTILS_V4_EXPORT void read(nal_unit& to, const unsigned char* bytes, std::size_t size, const unit_context& context,
                               outcome& result) noexcept;
 
@@ -104,17 +109,24 @@ ORV_UTILS_V4_EXPORT bool write(const nal_unit& unit, const unit_context& context
 
 /// Writes a slice whose header was changed before the data of the slice as it was: moved by some bits, or with its
 /// cabac_alignment_one_bits made anew.
+/// @param unit the slice as it shall be
+/// @param context what its table takes from elsewhere
 /// @param old_bytes the slice as it was, as unescape() gives it, whole
+/// @param old_size how many
 /// @param old_data_bit where its data begin: outcome::bits of its reading
+/// @param to where it is written
+/// @param result how it went
 ORV_UTILS_V4_EXPORT bool write_before_data(const nal_unit& unit, const unit_context& context,
                                            const unsigned char* old_bytes, std::size_t old_size,
                                            std::uint64_t old_data_bit, bit_writer& to, outcome& result) noexcept;
 
 /// Puts a unit into its framing, with emulation prevention, through the NAL writer.
 /// @param bytes the unit as write() gives it
+/// @param size how many
 /// @param prefix_size 1 to 4 for a length prefix, 0 for Annex B
 /// @param zero_byte Annex B: a start code of four bytes
-/// @param room 3/2 of the unit and 40 bytes are enough
+/// @param out where it goes
+/// @param room its bytes: 3/2 of the unit and 40 are enough
 /// @return the bytes written; 0 when they do not fit the room or the prefix
 ORV_UTILS_V4_EXPORT std::size_t frame(const unsigned char* bytes, std::size_t size, unsigned prefix_size,
                                       bool zero_byte, unsigned char* out, std::size_t room) noexcept;

@@ -44,6 +44,7 @@ struct failure {
     std::int64_t value = 0; ///< too_large, too_small: the value; no_sps, no_pps: the id
     std::int64_t bound = 0; ///< the limit that it breaks
 
+    /// There is one.
     explicit operator bool() const noexcept { return why != reason::none; }
 };
 

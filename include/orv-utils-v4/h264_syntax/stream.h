@@ -22,8 +22,8 @@ struct unit_place {
 /// A unit that was read. What it points to is valid during the call.
 struct unit_reading {
     unit_place place;
-    const nal_unit& unit;
-    const outcome& result;
+    const nal_unit& unit;              ///< what it holds, up to a failure
+    const outcome& result;             ///< how it went
     const unit_context& context;       ///< what it was read with: writing it needs the same
     const seq_parameter_set_data* sps; ///< that a slice stands on, or an SEI message is read with; or null
     const pic_parameter_set_rbsp* pps; ///< that a slice stands on; or null
@@ -40,11 +40,15 @@ public:
         static_cast<void>(place);
         return nullptr;
     }
+    /// The unit has been read.
     virtual void take(const unit_reading& reading) = 0;
 
 protected:
+    /// For derived classes.
     unit_sink() = default;
+    /// For derived classes.
     unit_sink(const unit_sink&) = default;
+    /// For derived classes.
     unit_sink& operator=(const unit_sink&) = default;
 };
 
@@ -60,9 +64,12 @@ public:
     static constexpr std::size_t most_held_bytes = std::size_t{4} << 20;
     static constexpr std::size_t most_held_units = 4096;
 
+    /// One without parameter sets.
     stream();
     ~stream();
+    /// What it has kept goes on in the new one.
     stream(stream&&) noexcept;
+    /// Likewise.
     stream& operator=(stream&&) noexcept;
 
     /// The next unit.

@@ -73,6 +73,7 @@ struct svc_vui_parameters_extension {
 /// The view components that one view refers to, by view_id.
 struct inter_view_references {
     static constexpr std::size_t most_references = 15; ///< of a list
+    /// View ids.
     using list = bounded_list<std::uint32_t, most_references>;
 
     std::uint32_t num_anchor_refs_l0 = 0; ///< 0 to Min( 15, num_views_minus1 ), as those below

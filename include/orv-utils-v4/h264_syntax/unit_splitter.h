@@ -44,12 +44,17 @@ struct split_gap {
 class split_sink {
 public:
     virtual ~split_sink() = default;
+    /// The next unit.
     virtual void unit(const split_unit& unit) = 0;
+    /// Bytes between units.
     virtual void gap(const split_gap& gap) = 0;
 
 protected:
+    /// For derived classes.
     split_sink() = default;
+    /// For derived classes.
     split_sink(const split_sink&) = default;
+    /// For derived classes.
     split_sink& operator=(const split_sink&) = default;
 };
 
@@ -60,6 +65,7 @@ public:
     /// The most bytes of a unit, unless the caller says otherwise.
     static constexpr std::size_t usual_most_bytes = std::size_t{64} << 20;
 
+    /// For a stream of this framing; a unit of more than `most_bytes` becomes a gap.
     explicit unit_splitter(framing how, std::size_t most_bytes = usual_most_bytes) : frames(how), most(most_bytes) {}
 
     /// The next bytes of the stream; every unit that ends in them goes to `to`. They are not written to.

@@ -22,7 +22,7 @@ _orv_h264()
     fi
     case $subcommand in
     info) options="--format --max-unit --json" ;;
-    inspect) options="--format --max-unit --nals --limit --only --json" ;;
+    inspect) options="--format --max-unit --nals --limit --only --json --tsv" ;;
     frames) options="--format --max-unit --split-fields --limit --json" ;;
     convert) options="--format --max-unit --to" ;;
     avcc) options="--json" ;;
