@@ -1,6 +1,7 @@
 // The examples of README.md, compiled as they stand there.
 #include "annexb_to_length4.h"
 #include "print_frames.h"
+#include "print_size.h"
 #include "reframe_as_length4.h"
 
 #include "support/stream_builder.h"
@@ -51,6 +52,14 @@ TEST(Readme, TheCopyOfARealStreamIsItsLengthPrefixedTwin)
 {
     bytes stream = support::read_file(ORV_TEST_STREAMS "/main_bpyramid_weighted.264");
     EXPECT_TRUE(support::read_file(ORV_TEST_STREAMS "/main_bpyramid_weighted.length4") == reframe_as_length4(stream));
+}
+
+TEST(Readme, TheSyntaxExamplePrintsTheSizeOfAnSps)
+{
+    const bytes stream = support::read_file(ORV_TEST_STREAMS "/main_bpyramid_weighted.264"); // its SPS has bytes 4 to 27
+    testing::internal::CaptureStdout();
+    print_size(bytes(stream.begin() + 4, stream.begin() + 28));
+    EXPECT_EQ("avc1.4D400B 192 x 160\n", testing::internal::GetCapturedStdout());
 }
 
 TEST(Readme, TheLegacyExamplePrintsEachFrame)

@@ -25,7 +25,7 @@ TEST(StreamHeaders, ShowsTheSpsTheTimingAndTheSlice)
               "slice of kind I, frame_num 0, pic_order_cnt_lsb 0\n"
               "removal after 2 ticks, output after 10 more, pic_struct 0\n"
               "slice of kind P, frame_num 1, pic_order_cnt_lsb 8\n",
-              printed(bundled("hrd_vbr_aud.264")).substr(0, 258));
+              printed(bundled("hrd_vbr_aud.264")).substr(0, 259));
 }
 
 TEST(StreamHeaders, SaysWhatIsMissing)
