@@ -213,7 +213,7 @@ public:
 
 private:
     template <class X>
-    void set(label name, X& x, std::int64_t lowest, std::int64_t highest)
+    [[gnu::noinline]] void set(label name, X& x, std::int64_t lowest, std::int64_t highest)
     {
         if (stopped || !matches(name))
             return;
