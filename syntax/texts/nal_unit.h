@@ -40,7 +40,8 @@ void code(Coder& c, in<Coder, nal_unit>& x, const unit_context& context)
     case 4:
         return code_as<slice_data_partition_c_layer_rbsp>(c, x.rbsp, slice);
     case 6:
-        return code_as<sei_rbsp>(c, x.rbsp, sei_context{sets, context.active_sps, context.active_pps, context.mvcd_sps});
+        return code_as<sei_rbsp>(c, x.rbsp,
+                                 sei_context{sets, context.active_sps, context.active_pps, context.mvcd_sps});
     case 7:
         return code_as<seq_parameter_set_rbsp>(c, x.rbsp);
     case 8:

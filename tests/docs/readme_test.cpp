@@ -56,7 +56,8 @@ TEST(Readme, TheCopyOfARealStreamIsItsLengthPrefixedTwin)
 
 TEST(Readme, TheSyntaxExamplePrintsTheSizeOfAnSps)
 {
-    const bytes stream = support::read_file(ORV_TEST_STREAMS "/main_bpyramid_weighted.264"); // its SPS has bytes 4 to 27
+    const bytes stream =
+        support::read_file(ORV_TEST_STREAMS "/main_bpyramid_weighted.264"); // its SPS has bytes 4 to 27
     testing::internal::CaptureStdout();
     print_size(bytes(stream.begin() + 4, stream.begin() + 28));
     EXPECT_EQ("avc1.4D400B 192 x 160\n", testing::internal::GetCapturedStdout());
