@@ -20,7 +20,7 @@ nal_unit unit_of(unsigned nal_unit_type, Rbsp rbsp)
     return unit;
 }
 
-/// Main profile, level 3, `width` by `height` macroblocks, picture order count type 2.
+/// Main profile, level 3, `width` by `height` macroblocks, picture order count type 2; what is inferred is there.
 inline seq_parameter_set_data sps_data(std::uint32_t id = 0, std::uint32_t width = 4, std::uint32_t height = 3)
 {
     seq_parameter_set_data sps;
@@ -33,6 +33,8 @@ inline seq_parameter_set_data sps_data(std::uint32_t id = 0, std::uint32_t width
     sps.pic_height_in_map_units_minus1 = height - 1;
     sps.frame_mbs_only_flag = true;
     sps.direct_8x8_inference_flag = true;
+    sps.vui_parameters.max_num_reorder_frames = inferred_reorder_frames(sps);
+    sps.vui_parameters.max_dec_frame_buffering = inferred_reorder_frames(sps);
     return sps;
 }
 
