@@ -91,12 +91,12 @@ sei_message message_of(std::uint32_t payload_type, Payload payload)
 
 /// The sets of one SPS and one PPS, both with the id 0, and the context that goes with them.
 struct small_sets {
-    seq_parameter_set_rbsp sps = {sps_data()};
+    seq_parameter_set_rbsp sps;
     pic_parameter_set_rbsp pps = pps_rbsp();
     parameter_sets sets;
     unit_context context;
 
-    small_sets()
+    explicit small_sets(const seq_parameter_set_data& of_sps = sps_data()) : sps{of_sps}
     {
         sets.sps[0] = &sps;
         sets.pps[0] = &pps;

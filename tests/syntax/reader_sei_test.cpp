@@ -160,6 +160,7 @@ TEST(ReaderSei, ABufferingPeriodOfAnSpsThatIsNotThereFails)
     const sei_reading r = read_sei({0, 1, 0x28, 0x80}); // id 4
     EXPECT_EQ(r.result.failure.why, reason::no_sps);
     EXPECT_EQ(r.result.failure.value, 4);
+    EXPECT_EQ(r.result.failure.bit, 24U);
 }
 
 TEST(ReaderSei, AReservedPicStructEndsItsPayload)

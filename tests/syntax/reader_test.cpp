@@ -208,12 +208,12 @@ TEST(Reader, AMissingParameterSetIsNamedWithItsId)
     small_sets s;
     const bytes slice = written(slice_unit(5), s.context);
     EXPECT_EQ(failure_of(read_of(slice).result),
-              "pic_parameter_set_id 0 at bit 17: names a picture parameter set which is missing 0");
+              "pic_parameter_set_id 0 at bit 16: names a picture parameter set which is missing 0");
     s.sets.sps[0] = nullptr;
     s.pps.seq_parameter_set_id = 9;
     const reading r = read_of(slice, s.context);
     EXPECT_EQ(failure_of(r.result),
-              "pic_parameter_set_id 9 at bit 17: names a sequence parameter set which is missing 0");
+              "pic_parameter_set_id 9 at bit 16: names a sequence parameter set which is missing 0");
     EXPECT_EQ(slice_header_of(r.unit)->slice_type, 7U);
 }
 
