@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <cstring>
 #include <new>
 #include <string>
 #include <variant>
@@ -363,9 +364,11 @@ public:
             fail(reason::unit_ends, "payload_size", size, static_cast<std::int64_t>(there));
     }
 
+    /// Of the element that was read last, or of one that stands here.
     void fail(reason why, label name, std::int64_t value = 0, std::int64_t bound = 0)
     {
-        fail_at(why, name, position(), value, bound);
+        const bool is_last = latest_name != nullptr && std::strcmp(latest_name, name.name()) == 0;
+        fail_at(why, name, is_last ? latest_begin : position(), value, bound);
     }
 
 private:
@@ -385,6 +388,8 @@ private:
         if (!holds<X>(value))
             return beyond(name, begin, value, std::numeric_limits<X>::min(), std::numeric_limits<X>::max());
         x = static_cast<X>(value);
+        latest_name = name.name();
+        latest_begin = begin;
         const bool inside = value >= lowest && value <= highest;
         if (!inside)
             note(name, begin, value, lowest, highest);
@@ -501,6 +506,8 @@ private:
     outcome& out;
     Telling tell;
     std::uint64_t last_one = unknown_bit; // the bit number of the stop bit
+    const char* latest_name = nullptr;    // of the element that was read last
+    std::uint64_t latest_begin = 0;       // and its first bit
     bool stopped = false;
     bool in_payload = false;
 };

@@ -110,6 +110,7 @@ struct stream::state {
     void set_context(const unit_place& place, unit_kind kind);
     std::int32_t pps_of_partition(const unit_place& place) const;
     const seq_parameter_set_data* sps_for_sei() const;
+    void activate_period();
     void keep();
     void keep_sps(const seq_parameter_set_rbsp& set);
     void keep_subset_sps(const subset_seq_parameter_set_rbsp& set);
@@ -243,6 +244,12 @@ void stream::state::read_unit(const unit_place& place, visitor* listener)
         return;
     }
     bytes = unescaped(place.bytes, size, size, block.data());
+    if (kind == unit_kind::sei && !slice_known) {
+        read(unit, bytes.data, bytes.size, context, result);
+        activate_period();
+        set_context(place, kind);
+        sps = context.active_sps;
+    }
     run(unit, bytes.data, bytes.size, context, result, listener);
     if (place.size > most_unit_bytes && !result.failure)
         result.failure = {reason::unit_too_long, "nal_unit", result.bits, static_cast<std::int64_t>(place.size),
@@ -336,19 +343,25 @@ std::int32_t stream::state::pps_of_partition(const unit_place& place) const
     return static_cast<std::int32_t>(partitions[(partition_count - 1) % most_partitions].pps);
 }
 
-// Stores the parameter set that has been read. One that failed does not replace a sound one; but a PPS may wait for its
-// SPS.
+// Where no slice tells the SPS, a buffering period does: for the other messages of its unit too, wherever they stand.
+void stream::state::activate_period()
+{
+    const auto* const messages = std::get_if<sei_rbsp>(&unit.rbsp);
+    if (messages == nullptr)
+        return;
+    for (const sei_message& m : messages->sei_messages) {
+        const auto* const period = std::get_if<buffering_period>(&m.payload);
+        if (period != nullptr && m.payload_size != 0 && sets.find_sps(period->seq_parameter_set_id) != nullptr)
+            active_sps = static_cast<std::int32_t>(period->seq_parameter_set_id);
+    }
+}
+
+// Stores the parameter set that has been read. One that failed does not replace a sound one; but a PPS whose 8x8 lists
+// could not be told without its SPS waits for that.
 void stream::state::keep()
 {
     if (const auto* const p = std::get_if<pic_parameter_set_rbsp>(&unit.rbsp))
         return keep_pps(*p);
-    if (const auto* const message = std::get_if<sei_rbsp>(&unit.rbsp)) {
-        for (const sei_message& m : message->sei_messages) {
-            const auto* const period = std::get_if<buffering_period>(&m.payload);
-            if (period != nullptr && !slice_known && sets.find_sps(period->seq_parameter_set_id) != nullptr)
-                active_sps = static_cast<std::int32_t>(period->seq_parameter_set_id);
-        }
-    }
     if (result.failure)
         return;
     if (const auto* const sequence = std::get_if<seq_parameter_set_rbsp>(&unit.rbsp))
@@ -392,7 +405,8 @@ void stream::state::keep_dps(const depth_parameter_set_rbsp& set)
 void stream::state::keep_pps(const pic_parameter_set_rbsp& set)
 {
     const std::uint32_t id = set.pic_parameter_set_id;
-    const bool waits = sps_of(set, sets) == nullptr;
+    const bool waits =
+        sps_of(set, sets) == nullptr && set.transform_8x8_mode_flag && set.pic_scaling_matrix_present_flag;
     if (id >= parameter_sets::pps_ids || (result.failure && !waits))
         return;
     try {
@@ -405,19 +419,22 @@ void stream::state::keep_pps(const pic_parameter_set_rbsp& set)
     }
 }
 
-// A PPS has been read with another SPS than the one that it now goes with, or with none.
+// A PPS has been read with another SPS than the one that it now goes with, or with none. One that fails with its SPS is
+// not there, until another SPS comes.
 void stream::state::read_pps_again(std::uint32_t sps_id)
 {
     nal_unit again;
     outcome how;
     unit_context alone;
     alone.sets = &sets;
-    for (const auto& kept : ppss) {
+    for (std::uint32_t id = 0; id < parameter_sets::pps_ids; ++id) {
+        kept_pps* const kept = ppss[id].get();
         if (kept == nullptr || kept->pps.seq_parameter_set_id != sps_id)
             continue;
         read(again, kept->bytes.data(), kept->bytes.size(), alone, how);
         if (auto* const set = std::get_if<pic_parameter_set_rbsp>(&again.rbsp))
             kept->pps = std::move(*set);
+        sets.pps[id] = how.failure ? nullptr : &kept->pps;
     }
 }
 

@@ -133,18 +133,30 @@ const unsigned char* unit_splitter::take_prefixed(const unsigned char* at, const
     return end;
 }
 
-// What is above the limit is counted and not kept.
+// Of a unit above the limit the last two bytes alone are kept: the next start code may begin with them, and they may be
+// zeros that are none of the unit's.
 void unit_splitter::hold(const unsigned char* at, const unsigned char* fence)
 {
     const auto size = static_cast<std::size_t>(fence - at);
     held_size += size;
-    if (held_size > most || length > most)
-        return;
-    try {
-        held.insert(held.end(), at, fence);
-    } catch (...) { // no memory for it: above what can be kept
-        held_size = std::uint64_t{most} + 1;
+    dropped = dropped || length > most || (held_size > most && held_size - most > longest_look_back);
+    if (!dropped) {
+        try {
+            held.insert(held.end(), at, fence);
+            return;
+        } catch (...) { // no memory for it: above what can be kept
+            dropped = true;
+        }
     }
+    unsigned char tail[2 * longest_look_back];
+    const std::size_t before = std::min(held.size(), longest_look_back);
+    const std::size_t behind = std::min(size, longest_look_back);
+    std::copy(held.end() - static_cast<std::ptrdiff_t>(before), held.end(), tail);
+    std::copy(fence - behind, fence, tail + before);
+    const std::size_t kept = std::min(before + behind, longest_look_back);
+    held.clear();
+    held.reserve(longest_look_back);
+    held.insert(held.end(), tail + before + behind - kept, tail + before + behind);
 }
 
 // The unit is what is held and [at, end).
@@ -161,9 +173,10 @@ void unit_splitter::hand_on(const unsigned char* bytes, std::size_t size, bool c
 {
     const std::uint64_t stated = std::exchange(length, 0);
     const std::uint64_t whole = std::exchange(held_size, 0);
+    const bool lost = std::exchange(dropped, false);
     in_unit = false;
     any_unit = true;
-    if (whole > most || stated > most)
+    if (lost || whole > most || stated > most)
         to.gap({split_gap_reason::too_large, unit_offset - framing_size, framing_size + whole});
     else if (whole == 0)
         to.gap({split_gap_reason::no_header, unit_offset - framing_size, framing_size});

@@ -60,7 +60,7 @@ public:
         }
         splitter.flush(*this);
         stream.flush(*this);
-        if (units == 0)
+        if (units == 0 && shown < options.limit)
             problems.add(0, "no NAL unit found");
         write_output(rows.text);
         return problems.status();

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <new>
 #include <type_traits>
 
 namespace orv_utils_v4::h264 {

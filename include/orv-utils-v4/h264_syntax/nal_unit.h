@@ -126,7 +126,7 @@ ORV_UTILS_V4_EXPORT bool write_before_data(const nal_unit& unit, const unit_cont
 /// @param prefix_size 1 to 4 for a length prefix, 0 for Annex B
 /// @param zero_byte Annex B: a start code of four bytes
 /// @param out where it goes
-/// @param room its bytes: 3/2 of the unit and 40 are enough
+/// @param room its bytes: 3/2 of the unit and 40 are enough; a prefix of one or two bytes takes as much as a start code
 /// @return the bytes written; 0 when they do not fit the room or the prefix
 ORV_UTILS_V4_EXPORT std::size_t frame(const unsigned char* bytes, std::size_t size, unsigned prefix_size,
                                       bool zero_byte, unsigned char* out, std::size_t room) noexcept;
@@ -134,7 +134,7 @@ ORV_UTILS_V4_EXPORT std::size_t frame(const unsigned char* bytes, std::size_t si
 /// Gives the one element that a path names a new value. A path is the element's name, with its indices in brackets, and
 /// as many of the structures around it, outermost first and joined by dots, as tell it apart: "time_scale",
 /// "vui_parameters.time_scale", "offset_for_ref_frame[2]". What the new value brings into the syntax holds what is
-/// inferred for it.
+/// inferred for it; what it takes out of the syntax stays in the structure, unwritten.
 /// @return true when it is done; else `unit` is as it was, and `result` tells why: no such element, several of them, or
 ///     a value that it cannot hold
 ORV_UTILS_V4_EXPORT bool edit(nal_unit& unit, const unit_context& context, std::string_view path, std::int64_t value,

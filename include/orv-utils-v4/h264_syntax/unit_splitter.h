@@ -91,7 +91,7 @@ private:
     std::size_t most;
     const unsigned char* piece_end = nullptr; // of the latest piece
     std::uint64_t pushed = 0;                 // bytes, the latest piece included
-    std::vector<unsigned char> held;          // of the unit that is not whole yet
+    std::vector<unsigned char> held;          // of the unit that is not whole yet; its end when it is too large
     std::uint64_t held_size = 0;              // how large it is so far, what is not held included
     std::uint64_t unit_offset = 0;
     unsigned framing_size = 0;
@@ -99,6 +99,7 @@ private:
     unsigned prefix_bytes = 0; // of its prefix, that were read
     std::uint64_t zeros = 0;   // directly before, between units
     bool in_unit = false;
+    bool dropped = false; // not all of the unit is held
     bool any_unit = false;
     bool gap_open = false;
     split_gap open_gap;

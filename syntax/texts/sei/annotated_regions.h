@@ -9,7 +9,7 @@ namespace orv_utils_v4::h264 {
 
 // H.264 D.1, payload 202: st(v) begins at a byte
 template <class Coder, class String>
-void code_aligned_string(Coder& c, const label& name, String& x)
+void code_aligned_string(Coder& c, label name, String& x)
 {
     while (!c.byte_aligned())
         c.f(1, "ar_bit_equal_to_zero", 0);

@@ -10,7 +10,7 @@ namespace orv_utils_v4::h264 {
 
 /// The sign, the exponent and the mantissa of a parameter of a camera; the names are those of the three elements.
 template <class Coder>
-void code_parameter(Coder& c, const label& sign, const label& exponent, const label& mantissa,
+void code_parameter(Coder& c, label sign, label exponent, label mantissa,
                     in<Coder, acquisition_parameter>& x, std::uint32_t prec)
 {
     c.flag(sign, x.sign);

@@ -1,0 +1,180 @@
+// Reading SEI units: a failure ends its payload alone, and what bounds messages and nesting.
+#include "support/read_only_input.h"
+#include "support/small_units.h"
+#include "support/unit_maker.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+namespace {
+
+using namespace orv_utils_v4::h264;
+using bytes = std::vector<unsigned char>;
+
+struct sei_reading {
+    std::vector<sei_message> messages;
+    outcome result;
+};
+
+/// Read from bytes that end at an unmapped page.
+sei_reading read_sei(const bytes& rbsp, const unit_context& context = {})
+{
+    static support::read_only_input input;
+    bytes unit = {6};
+    unit.insert(unit.end(), rbsp.begin(), rbsp.end());
+    nal_unit read_unit;
+    sei_reading r;
+    read(read_unit, input.put(unit), unit.size(), context, r.result);
+    r.messages = std::get<sei_rbsp>(read_unit.rbsp).sei_messages;
+    return r;
+}
+
+const recovery_point& recovery(const sei_message& m)
+{
+    return std::get<recovery_point>(m.payload);
+}
+
+// recovery_frame_cnt 2, both flags 0, changing_slice_group_idc 0, alignment: 011 0 0 00 1
+constexpr unsigned char recovery_of_2 = 0x61;
+
+TEST(ReaderSei, AFailureInAPayloadEndsThatPayloadAlone)
+{
+    const sei_reading r = read_sei({6, 1, 0x01, 6, 1, recovery_of_2, 0x80});
+    EXPECT_EQ(r.result.failure.why, reason::payload_ends);
+    EXPECT_STREQ(r.result.failure.element.name(), "recovery_frame_cnt");
+    EXPECT_EQ(r.result.failure.bit, 24U);
+    EXPECT_EQ(r.result.ending, ending::sound);
+    ASSERT_EQ(r.messages.size(), 2U);
+    EXPECT_EQ(recovery(r.messages[0]).recovery_frame_cnt, 0U);
+    EXPECT_EQ(recovery(r.messages[1]).recovery_frame_cnt, 2U);
+}
+
+TEST(ReaderSei, TheFirstOfSeveralFailuresIsKept)
+{
+    const sei_reading r = read_sei({1, 1, 0x55, 6, 1, 0x01, 6, 1, recovery_of_2, 0x80});
+    EXPECT_EQ(r.result.failure.why, reason::no_sps);
+    ASSERT_EQ(r.messages.size(), 3U);
+    EXPECT_EQ(recovery(r.messages[2]).recovery_frame_cnt, 2U);
+}
+
+TEST(ReaderSei, APayloadLongerThanTheUnitIsTold)
+{
+    const sei_reading r = read_sei({4, 9, 0xB5, 1, 2, 0x80});
+    EXPECT_EQ(r.result.failure.why, reason::unit_ends);
+    EXPECT_STREQ(r.result.failure.element.name(), "payload_size");
+    EXPECT_EQ(r.result.failure.value, 9);
+    EXPECT_EQ(r.result.failure.bound, 4);
+    ASSERT_EQ(r.messages.size(), 1U);
+    EXPECT_EQ(r.messages[0].payload_size, 9U);
+    EXPECT_EQ(std::get<user_data_registered_itu_t_t35>(r.messages[0].payload).itu_t_t35_country_code, 0xB5);
+}
+
+TEST(ReaderSei, TypesAndSizesAbove254AreSums)
+{
+    bytes rbsp = {0xFF, 0xFF, 90, 0xFF, 3};
+    rbsp.insert(rbsp.end(), 258, 0x77);
+    rbsp.push_back(0x80);
+    const sei_reading r = read_sei(rbsp);
+    EXPECT_FALSE(r.result.failure);
+    ASSERT_EQ(r.messages.size(), 1U);
+    EXPECT_EQ(r.messages[0].payload_type, 600U);
+    EXPECT_EQ(r.messages[0].payload_size, 258U);
+}
+
+TEST(ReaderSei, AUnitCutInTypeOrSizeEnds)
+{
+    for (const bytes& rbsp : {bytes{0xFF, 0xFF}, bytes{6}, bytes{6, 0xFF}}) {
+        const sei_reading r = read_sei(rbsp);
+        EXPECT_EQ(r.result.failure.why, reason::unit_ends) << testing::PrintToString(rbsp);
+        EXPECT_EQ(r.messages.size(), 1U);
+    }
+}
+
+TEST(ReaderSei, AUnitWithoutAMessageFails)
+{
+    const sei_reading r = read_sei({0x80});
+    EXPECT_EQ(r.result.failure.why, reason::too_small);
+    EXPECT_STREQ(r.result.failure.element.name(), "sei_message");
+    EXPECT_EQ(read_sei({}).messages.size(), 0U);
+}
+
+TEST(ReaderSei, BytesBehindAPayloadsOwnSyntaxAreKept)
+{
+    const sei_reading r = read_sei({6, 3, recovery_of_2, 0xAA, 0xBB, 0x80});
+    EXPECT_FALSE(r.result.failure);
+    ASSERT_EQ(r.messages.size(), 1U);
+    EXPECT_EQ(recovery(r.messages[0]).recovery_frame_cnt, 2U);
+    EXPECT_EQ(r.messages[0].rest, (std::vector<std::uint8_t>{0xAA, 0xBB}));
+}
+
+TEST(ReaderSei, AThousandAndTwentyFourMessagesAreReadAndNoMore)
+{
+    bytes rbsp;
+    for (std::size_t i = 0; i < sei_rbsp::most_messages; ++i)
+        rbsp.insert(rbsp.end(), {3, 0});
+    bytes more = rbsp;
+    rbsp.push_back(0x80);
+    more.insert(more.end(), {3, 0, 0x80});
+    const sei_reading most = read_sei(rbsp);
+    EXPECT_FALSE(most.result.failure);
+    EXPECT_EQ(most.messages.size(), 1024U);
+    const sei_reading beyond = read_sei(more);
+    EXPECT_EQ(beyond.result.failure.why, reason::too_large);
+    EXPECT_STREQ(beyond.result.failure.element.name(), "sei_message");
+    EXPECT_EQ(beyond.result.failure.value, 1025);
+    EXPECT_EQ(beyond.result.failure.bound, 1024);
+    EXPECT_EQ(beyond.messages.size(), 1024U);
+}
+
+/// A recovery point inside `depth` scalable nesting messages, all_layer_representations_in_au_flag set in each: 1, then
+/// seven alignment bits.
+bytes nested(unsigned depth)
+{
+    bytes message = {6, 1, recovery_of_2};
+    for (unsigned i = 0; i < depth; ++i) {
+        bytes outer = {30, static_cast<unsigned char>(message.size() + 1), 0x80};
+        outer.insert(outer.end(), message.begin(), message.end());
+        message = outer;
+    }
+    message.push_back(0x80);
+    return message;
+}
+
+TEST(ReaderSei, NestingGoesTwoDeep)
+{
+    for (unsigned depth = 0; depth <= 2; ++depth)
+        EXPECT_FALSE(read_sei(nested(depth)).result.failure) << depth;
+    for (const unsigned depth : {3U, 50U}) {
+        const sei_reading r = read_sei(nested(depth));
+        EXPECT_EQ(r.result.failure.why, reason::too_large) << depth;
+        EXPECT_STREQ(r.result.failure.element.name(), "sei_message");
+        EXPECT_EQ(r.result.failure.value, 3);
+        EXPECT_EQ(r.result.failure.bound, 2);
+        EXPECT_EQ(r.result.ending, ending::sound);
+    }
+}
+
+TEST(ReaderSei, ABufferingPeriodOfAnSpsThatIsNotThereFails)
+{
+    const sei_reading r = read_sei({0, 1, 0x28, 0x80}); // id 4
+    EXPECT_EQ(r.result.failure.why, reason::no_sps);
+    EXPECT_EQ(r.result.failure.value, 4);
+    EXPECT_EQ(r.result.failure.bit, 24U);
+}
+
+TEST(ReaderSei, AReservedPicStructEndsItsPayload)
+{
+    seq_parameter_set_data sps = sps_data();
+    sps.vui_parameters_present_flag = sps.vui_parameters.pic_struct_present_flag = true;
+    unit_context context;
+    context.active_sps = &sps;
+    const sei_reading r = read_sei({1, 1, 0x98, 6, 1, recovery_of_2, 0x80}, context);
+    EXPECT_EQ(r.result.failure.why, reason::too_large);
+    EXPECT_STREQ(r.result.failure.element.name(), "pic_struct");
+    EXPECT_EQ(r.result.failure.value, 9);
+    ASSERT_EQ(r.messages.size(), 2U);
+    EXPECT_EQ(recovery(r.messages[1]).recovery_frame_cnt, 2U);
+}
+
+} // namespace
