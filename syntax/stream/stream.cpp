@@ -49,6 +49,18 @@ ending ending_of_slice(const unit_place& place)
     return word_at_end ? ending::cabac_zero_words : ending::sound;
 }
 
+/// How many lists there are hangs on the SPS. Nothing else of a PPS does, but for the range of pic_init_qp_minus26.
+bool may_have_8x8_lists(const pic_parameter_set_rbsp& pps)
+{
+    return pps.transform_8x8_mode_flag && pps.pic_scaling_matrix_present_flag;
+}
+
+/// Whether a PPS that is read with this SPS, or without any, has six 8x8 lists.
+bool six_8x8_lists(const seq_parameter_set_data* sps)
+{
+    return sps != nullptr && sps->chroma_format_idc == 3;
+}
+
 /// Bytes that may not be had: a failed allocation is told by `false`.
 bool make_room(std::vector<unsigned char>& bytes, std::size_t size)
 {
@@ -110,6 +122,7 @@ struct stream::state {
     void set_context(const unit_place& place, unit_kind kind);
     std::int32_t pps_of_partition(const unit_place& place) const;
     const seq_parameter_set_data* sps_for_sei() const;
+    const seq_parameter_set_data* sps_for_pps(std::uint32_t sps_id) const;
     void activate_period();
     void keep();
     void keep_sps(const seq_parameter_set_rbsp& set);
@@ -319,6 +332,14 @@ const seq_parameter_set_data* stream::state::sps_for_sei() const
     return only;
 }
 
+/// What a PPS that names this id is read with.
+const seq_parameter_set_data* stream::state::sps_for_pps(std::uint32_t sps_id) const
+{
+    pic_parameter_set_rbsp naming;
+    naming.seq_parameter_set_id = sps_id;
+    return sps_of(naming, sets);
+}
+
 // The PPS of partition A with the slice_id of this partition B or C, else of the latest one.
 std::int32_t stream::state::pps_of_partition(const unit_place& place) const
 {
@@ -377,8 +398,10 @@ void stream::state::keep_sps(const seq_parameter_set_rbsp& set)
     const std::uint32_t id = set.seq_parameter_set_data.seq_parameter_set_id;
     if (id >= parameter_sets::sps_ids || (sets.sps[id] != nullptr && *sets.sps[id] == set))
         return;
+    const bool six_before = six_8x8_lists(sps_for_pps(id));
     sets.sps[id] = put(spss[id], set);
-    read_pps_again(id);
+    if (six_8x8_lists(sps_for_pps(id)) != six_before)
+        read_pps_again(id);
 }
 
 void stream::state::keep_subset_sps(const subset_seq_parameter_set_rbsp& set)
@@ -391,8 +414,9 @@ void stream::state::keep_subset_sps(const subset_seq_parameter_set_rbsp& set)
         mvcd_sps = static_cast<std::int32_t>(id);
     if (sets.subset_sps[id] != nullptr && *sets.subset_sps[id] == set)
         return;
+    const bool six_before = six_8x8_lists(sps_for_pps(id));
     sets.subset_sps[id] = put(subset_spss[id], set);
-    if (sets.sps[id] == nullptr)
+    if (six_8x8_lists(sps_for_pps(id)) != six_before)
         read_pps_again(id);
 }
 
@@ -405,8 +429,7 @@ void stream::state::keep_dps(const depth_parameter_set_rbsp& set)
 void stream::state::keep_pps(const pic_parameter_set_rbsp& set)
 {
     const std::uint32_t id = set.pic_parameter_set_id;
-    const bool waits =
-        sps_of(set, sets) == nullptr && set.transform_8x8_mode_flag && set.pic_scaling_matrix_present_flag;
+    const bool waits = sps_of(set, sets) == nullptr && may_have_8x8_lists(set);
     if (id >= parameter_sets::pps_ids || (result.failure && !waits))
         return;
     try {
@@ -429,7 +452,7 @@ void stream::state::read_pps_again(std::uint32_t sps_id)
     alone.sets = &sets;
     for (std::uint32_t id = 0; id < parameter_sets::pps_ids; ++id) {
         kept_pps* const kept = ppss[id].get();
-        if (kept == nullptr || kept->pps.seq_parameter_set_id != sps_id)
+        if (kept == nullptr || kept->pps.seq_parameter_set_id != sps_id || !may_have_8x8_lists(kept->pps))
             continue;
         read(again, kept->bytes.data(), kept->bytes.size(), alone, how);
         if (auto* const set = std::get_if<pic_parameter_set_rbsp>(&again.rbsp))
