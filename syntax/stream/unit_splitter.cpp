@@ -134,18 +134,23 @@ const unsigned char* unit_splitter::take_prefixed(const unsigned char* at, const
     return end;
 }
 
-// What is above the limit is counted and not kept.
+// What is above the limit is counted and not kept, but for its last bytes, in which the end of the unit may begin; for
+// which reason as many bytes more than the limit are kept.
 void unit_splitter::hold(const unsigned char* at, const unsigned char* fence)
 {
     const auto size = static_cast<std::size_t>(fence - at);
+    const std::uint64_t most_held = std::uint64_t{most} + longest_look_back;
     held_size += size;
-    if (held_size > most || length > most)
+    if (length > most)
         return;
+    const bool dropped = held_size > most_held;
     try {
-        held.insert(held.end(), at, fence);
+        held.insert(held.end(), dropped ? fence - std::min(size, longest_look_back) : at, fence);
     } catch (const std::exception&) { // no memory for it: above what can be kept
-        held_size = std::uint64_t{most} + 1;
+        held_size = most_held + 1;
     }
+    if (dropped && held.size() > longest_look_back)
+        held.erase(held.begin(), held.end() - longest_look_back);
 }
 
 // The unit is what is held and [at, end).
