@@ -69,9 +69,11 @@ struct stream::state {
         unit_place place; // bytes: null; they lie in held_bytes from `begin` on
         std::size_t begin;
     };
+    /// A PPS as it is read with an SPS of any other chroma_format_idc than 3, and with one of 3: its table takes
+    /// nothing else from the SPS, so that it need not be read again when another SPS comes.
     struct kept_pps {
-        pic_parameter_set_rbsp pps;
-        std::vector<unsigned char> bytes; // without emulation prevention
+        pic_parameter_set_rbsp form[2];
+        bool forms_differ = false;
     };
     /// The PPS of a slice whose partition A has come.
     struct known_partition {
@@ -114,7 +116,9 @@ struct stream::state {
     void keep_subset_sps(const subset_seq_parameter_set_rbsp& set);
     void keep_pps(const pic_parameter_set_rbsp& set);
     void keep_dps(const depth_parameter_set_rbsp& set);
-    void read_pps_again(std::uint32_t sps_id);
+    bool read_pps_with(std::uint32_t chroma_format_idc, std::uint32_t sps_id, pic_parameter_set_rbsp& to) const;
+    void choose_form(std::uint32_t pps_id);
+    void choose_forms(std::uint32_t sps_id);
     void activate(const unit_place& place);
 };
 
@@ -233,7 +237,8 @@ void stream::state::read_unit(const unit_place& place, visitor* listener)
     if (kind == unit_kind::slice || kind == unit_kind::primary_slice)
         return read_slice(place, listener);
 
-    const std::size_t size = std::min(place.size, most_unit_bytes);
+    const std::size_t most = kind == unit_kind::parameter_set ? most_parameter_set_bytes : most_unit_bytes;
+    const std::size_t size = std::min(place.size, most);
     if (!make_room(block, size)) {
         begin_reading(unit, result);
         result.failure = {reason::no_memory, "nal_unit", 0, 0, 0};
@@ -241,9 +246,9 @@ void stream::state::read_unit(const unit_place& place, visitor* listener)
     }
     rbsp_size = unescape(place.bytes, size, block.data(), size);
     run(unit, block.data(), rbsp_size, context, result, listener);
-    if (place.size > most_unit_bytes && !result.failure)
+    if (place.size > most && !result.failure)
         result.failure = {reason::unit_too_long, "nal_unit", result.bits, static_cast<std::int64_t>(place.size),
-                          static_cast<std::int64_t>(most_unit_bytes)};
+                          static_cast<std::int64_t>(most)};
     keep();
 }
 
@@ -361,7 +366,7 @@ void stream::state::keep_sps(const seq_parameter_set_rbsp& set)
     if (id >= parameter_sets::sps_ids || (sets.sps[id] != nullptr && *sets.sps[id] == set))
         return;
     sets.sps[id] = put(sps[id], set);
-    read_pps_again(id);
+    choose_forms(id);
 }
 
 void stream::state::keep_subset_sps(const subset_seq_parameter_set_rbsp& set)
@@ -376,7 +381,7 @@ void stream::state::keep_subset_sps(const subset_seq_parameter_set_rbsp& set)
         return;
     sets.subset_sps[id] = put(subset_sps[id], set);
     if (sets.sps[id] == nullptr)
-        read_pps_again(id);
+        choose_forms(id);
 }
 
 void stream::state::keep_dps(const depth_parameter_set_rbsp& set)
@@ -388,32 +393,59 @@ void stream::state::keep_dps(const depth_parameter_set_rbsp& set)
 void stream::state::keep_pps(const pic_parameter_set_rbsp& set)
 {
     const std::uint32_t id = set.pic_parameter_set_id;
-    const bool waits = sps_of(set, sets) == nullptr;
-    if (id >= parameter_sets::pps_ids || (result.failure && !waits))
+    if (id >= parameter_sets::pps_ids || result.failure.why == reason::unit_too_long)
         return;
     try {
-        if (pps[id] == nullptr)
-            pps[id] = std::make_unique<kept_pps>();
-        pps[id]->bytes.assign(block.data(), block.data() + rbsp_size);
-        pps[id]->pps = set;
-        sets.pps[id] = &pps[id]->pps;
+        auto kept = std::make_unique<kept_pps>();
+        const seq_parameter_set_data* const with = sps_of(set, sets);
+        const bool is_444 = with != nullptr && with->chroma_format_idc == 3;
+        kept->form[is_444 ? 1 : 0] = set;
+        kept->forms_differ = set.transform_8x8_mode_flag && set.pic_scaling_matrix_present_flag;
+        const bool other_is_sound =
+            kept->forms_differ && read_pps_with(is_444 ? 1 : 3, set.seq_parameter_set_id, kept->form[is_444 ? 0 : 1]);
+        if (result.failure && (with != nullptr || !other_is_sound))
+            return;
+        if (!kept->forms_differ && is_444)
+            std::swap(kept->form[0], kept->form[1]);
+        pps[id] = std::move(kept);
+        choose_form(id);
     } catch (const std::exception&) { // no memory: the one before stays
     }
 }
 
-// A PPS has been read with another SPS than the one that it now goes with, or with none.
-void stream::state::read_pps_again(std::uint32_t sps_id)
+// Reads the PPS in the block as it is with an SPS of this chroma_format_idc; false when that fails.
+bool stream::state::read_pps_with(std::uint32_t chroma_format_idc, std::uint32_t sps_id,
+                                  pic_parameter_set_rbsp& to) const
 {
+    seq_parameter_set_rbsp with;
+    with.seq_parameter_set_data.chroma_format_idc = chroma_format_idc;
+    parameter_sets alone;
+    if (sps_id < parameter_sets::sps_ids)
+        alone.sps[sps_id] = &with;
+    unit_context around;
+    around.sets = &alone;
     nal_unit again;
     outcome how;
-    unit_context alone;
-    alone.sets = &sets;
-    for (const auto& kept : pps) {
-        if (kept == nullptr || kept->pps.seq_parameter_set_id != sps_id)
-            continue;
-        read(again, kept->bytes.data(), kept->bytes.size(), alone, how);
-        if (auto* const set = std::get_if<pic_parameter_set_rbsp>(&again.rbsp))
-            kept->pps = std::move(*set);
+    read(again, block.data(), rbsp_size, around, how);
+    if (auto* const set = std::get_if<pic_parameter_set_rbsp>(&again.rbsp))
+        to = std::move(*set);
+    return !how.failure;
+}
+
+void stream::state::choose_form(std::uint32_t pps_id)
+{
+    const kept_pps& kept = *pps[pps_id];
+    const seq_parameter_set_data* const with = sps_of(kept.form[0], sets);
+    const bool is_444 = kept.forms_differ && with != nullptr && with->chroma_format_idc == 3;
+    sets.pps[pps_id] = &kept.form[is_444 ? 1 : 0];
+}
+
+// The PPSs that name this id go with another SPS now.
+void stream::state::choose_forms(std::uint32_t sps_id)
+{
+    for (std::uint32_t id = 0; id < parameter_sets::pps_ids; ++id) {
+        if (pps[id] != nullptr && pps[id]->form[0].seq_parameter_set_id == sps_id)
+            choose_form(id);
     }
 }
 
