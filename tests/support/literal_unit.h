@@ -4,6 +4,7 @@
 #pragma once
 
 #include "support/bit_writer.h"
+#include "support/literal_ranges.h"
 #include "support/unit_maker.h"
 
 #include <orv-utils-v4/h264_syntax.h>
@@ -159,6 +160,28 @@ public:
         told.push_back(text_of(name, e.how, e.bit, e.bits, e.value, bytes));
         if (!e.inside)
             told.back() += " outside";
+        if (e.bytes == nullptr && e.how != coding::f && varying_ranges().count(e.name.name) == 0)
+            EXPECT_EQ(range(e.lowest, e.highest), range_of(e)) << name;
+    }
+    /// What the standard states for it.
+    static range range_of(const traced_element& e)
+    {
+        for (const auto& [narrow, names] : narrow_ranges()) {
+            if (names.count(e.name.name) != 0)
+                return narrow;
+        }
+        const std::int64_t half = std::int64_t{1} << (e.bits - 1);
+        switch (e.how) {
+        case coding::ue:
+            return {0, 0xFFFFFFFE};
+        case coding::se:
+            return {-0x7FFFFFFF, 0x7FFFFFFF};
+        case coding::i:
+        case coding::i_v:
+            return {-half, half - 1};
+        default:
+            return {0, half - 1 + half};
+        }
     }
     static std::string text_of(const std::string& name, coding how, std::uint64_t bit, std::uint64_t bits,
                                std::int64_t value, const std::string& bytes)

@@ -94,6 +94,20 @@ TEST(SyntaxRobustness, NestedMessagesCountForTheMostOfAUnit)
     EXPECT_LE(messages, sei_rbsp::most_messages + 4); // one at each depth is begun
 }
 
+TEST(SyntaxRobustness, AreasAboveWhatANumberHoldsAreTheLargest)
+{
+    seq_parameter_set_data sps;
+    sps.pic_width_in_mbs_minus1 = 0xFFFFFFFE;
+    sps.pic_height_in_map_units_minus1 = 0xFFFFFFFE;
+    const std::uint64_t most = ~std::uint64_t{0} >> 1;
+    EXPECT_EQ(PicSizeInMbs(sps, false), most);
+    EXPECT_EQ(PicSizeInMapUnits(sps), most);
+    sps.pic_height_in_map_units_minus1 = 0;
+    EXPECT_EQ(PicSizeInMbs(sps, false), 2 * std::uint64_t{0xFFFFFFFF});
+    sps.frame_mbs_only_flag = true; // a field of one macroblock row, which no slice has
+    EXPECT_EQ(PicSizeInMbs(sps, true), 0U);
+}
+
 /// Counts the elements of one stream.
 class counting_sink : public unit_sink, public visitor {
 public:
