@@ -160,8 +160,9 @@ public:
         told.push_back(text_of(name, e.how, e.bit, e.bits, e.value, bytes));
         if (!e.inside)
             told.back() += " outside";
-        if (e.bytes == nullptr && e.how != coding::f && varying_ranges().count(e.name.name) == 0)
+        if (e.bytes == nullptr && e.how != coding::f && varying_ranges().count(e.name.name) == 0) {
             EXPECT_EQ(range(e.lowest, e.highest), range_of(e)) << name;
+        }
     }
     /// What the standard states for it.
     static range range_of(const traced_element& e)

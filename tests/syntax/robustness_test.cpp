@@ -36,7 +36,8 @@ std::vector<std::string> split(const bytes& stream, std::size_t most, std::size_
 
 TEST(SyntaxRobustness, TheEndOfAUnitAboveTheLimitIsFoundWherePiecesMeet)
 {
-    // seed unit_splitter/1e9d0f…: the bytes of the start code behind the large unit lie in two pieces
+    // as in seed unit_splitter/d97ab71c1525b63c0389ea3c9f0cb6de96a3d0be: the bytes of the start code behind the large
+    // unit lie in two pieces
     const bytes stream = {0, 0, 1, 0x67, 1, 2, 3, 4, 5, 0, 0, 1, 0x68, 7, 0, 0, 1, 9, 0xF0};
     const std::vector<std::string> whole = split(stream, 3, stream.size());
     EXPECT_EQ(whole, (std::vector<std::string>{"gap 0+9", "unit 12+2", "unit 17+2"}));
