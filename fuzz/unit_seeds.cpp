@@ -63,6 +63,11 @@ void add_readers(seed_table& to, unsigned char framing)
         to["nal_reader"][name] = behind({nalfmt, 12, 4, 0, 1, 2, 3}, stream);
         to["legacy_nal_parser"][name] = behind({framing, 64, 11}, stream);
         to["piece_feeder"][name] = behind({static_cast<unsigned char>(nalfmt - 1), 2, 19}, stream);
+        to["unit_splitter"][name] = behind({framing, 2, 19}, stream);
+        if (framing <= 2) {
+            to["syntax_unit"][name] = to["syntax_identity"][name] = behind({framing}, stream);
+            to["syntax_edit"][name] = behind({0, 3, 1, 0, 0, 0, 0, 0, 0, 0, 5, framing}, stream);
+        }
         to["generations_nal"][name] = behind({framing, support::sps}, stream);
     }
 }

@@ -138,7 +138,8 @@ void map_dispersed(const pic_parameter_set_rbsp& pps, std::uint8_t* map, std::ui
 void map_foreground(const pic_parameter_set_rbsp& pps, std::uint8_t* map, std::uint64_t size, std::uint64_t width)
 {
     std::fill(map, map + size, static_cast<std::uint8_t>(pps.num_slice_groups_minus1));
-    for (std::uint32_t group = pps.num_slice_groups_minus1; group-- > 0;) {
+    for (std::uint32_t above = pps.num_slice_groups_minus1; above > 0; --above) {
+        const std::uint32_t group = above - 1;
         const std::uint64_t top_left = pps.top_left[group];
         const std::uint64_t bottom_right = std::min<std::uint64_t>(pps.bottom_right[group], size - 1);
         for (std::uint64_t y = top_left / width; y <= bottom_right / width; ++y) {

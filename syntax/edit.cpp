@@ -31,14 +31,14 @@ bool take_off_index(std::string_view& path, std::uint32_t index)
 bool editor::matches(label name) const
 {
     std::string_view left = path;
-    for (unsigned i = name.depth(); i-- > 0;) {
-        if (!take_off_index(left, name.index(i)))
+    for (unsigned i = name.depth(); i > 0; --i) {
+        if (!take_off_index(left, name.index(i - 1)))
             return false;
     }
     if (!take_off(left, name.name()))
         return false;
-    for (std::size_t i = std::min(depth, deepest); i-- > 0 && !left.empty();) {
-        if (!take_off(left, ".") || !take_off(left, names[i]))
+    for (std::size_t i = std::min(depth, deepest); i > 0 && !left.empty(); --i) {
+        if (!take_off(left, ".") || !take_off(left, names[i - 1]))
             return false;
     }
     return left.empty();

@@ -42,8 +42,8 @@ std::uint64_t behind_last_one(const unsigned char* bytes, std::size_t size, std:
 
 void put_prefix(unsigned char* out, unsigned prefix_size, std::size_t length)
 {
-    for (unsigned i = prefix_size; i-- > 0; length >>= 8)
-        out[i] = static_cast<unsigned char>(length);
+    for (unsigned i = prefix_size; i > 0; --i, length >>= 8)
+        out[i - 1] = static_cast<unsigned char>(length & 0xFF);
 }
 
 } // namespace

@@ -49,18 +49,6 @@ ending ending_of_slice(const unit_place& place)
     return word_at_end ? ending::cabac_zero_words : ending::sound;
 }
 
-/// How many lists there are hangs on the SPS. Nothing else of a PPS does, but for the range of pic_init_qp_minus26.
-bool may_have_8x8_lists(const pic_parameter_set_rbsp& pps)
-{
-    return pps.transform_8x8_mode_flag && pps.pic_scaling_matrix_present_flag;
-}
-
-/// Whether a PPS that is read with this SPS, or without any, has six 8x8 lists.
-bool six_8x8_lists(const seq_parameter_set_data* sps)
-{
-    return sps != nullptr && sps->chroma_format_idc == 3;
-}
-
 /// Bytes that may not be had: a failed allocation is told by `false`.
 bool make_room(std::vector<unsigned char>& bytes, std::size_t size)
 {
@@ -80,9 +68,12 @@ struct stream::state {
         unit_place place; // bytes: null; they lie in held_bytes from `begin` on
         std::size_t begin;
     };
+    /// A PPS as it is read with an SPS of any other chroma_format_idc than 3, and with one of 3: its table takes
+    /// nothing else from the SPS, so that it need not be read again when another SPS comes.
     struct kept_pps {
-        pic_parameter_set_rbsp pps;
-        std::vector<unsigned char> bytes; // without emulation prevention
+        pic_parameter_set_rbsp form[2];
+        bool sound[2] = {};
+        bool forms_differ = false;
     };
     /// The PPS of a slice whose partition A has come.
     struct known_partition {
@@ -122,14 +113,15 @@ struct stream::state {
     void set_context(const unit_place& place, unit_kind kind);
     std::int32_t pps_of_partition(const unit_place& place) const;
     const seq_parameter_set_data* sps_for_sei() const;
-    const seq_parameter_set_data* sps_for_pps(std::uint32_t sps_id) const;
     void activate_period();
     void keep();
     void keep_sps(const seq_parameter_set_rbsp& set);
     void keep_subset_sps(const subset_seq_parameter_set_rbsp& set);
     void keep_pps(const pic_parameter_set_rbsp& set);
     void keep_dps(const depth_parameter_set_rbsp& set);
-    void read_pps_again(std::uint32_t sps_id);
+    bool read_pps_with(std::uint32_t chroma_format_idc, std::uint32_t sps_id, pic_parameter_set_rbsp& to) const;
+    void choose_form(std::uint32_t pps_id);
+    void choose_forms(std::uint32_t sps_id);
     void activate(const unit_place& place);
 };
 
@@ -249,7 +241,8 @@ void stream::state::read_unit(const unit_place& place, visitor* listener)
     if (kind == unit_kind::slice || kind == unit_kind::primary_slice)
         return read_slice(place, listener);
 
-    const std::size_t size = std::min(place.size, most_unit_bytes);
+    const std::size_t most = kind == unit_kind::parameter_set ? most_parameter_set_bytes : most_unit_bytes;
+    const std::size_t size = std::min(place.size, most);
     if (!make_room(block, size)) {
         unit = nal_unit();
         result = outcome();
@@ -264,9 +257,9 @@ void stream::state::read_unit(const unit_place& place, visitor* listener)
         sps = context.active_sps;
     }
     run(unit, bytes.data, bytes.size, context, result, listener);
-    if (place.size > most_unit_bytes && !result.failure)
+    if (place.size > most && !result.failure)
         result.failure = {reason::unit_too_long, "nal_unit", result.bits, static_cast<std::int64_t>(place.size),
-                          static_cast<std::int64_t>(most_unit_bytes)};
+                          static_cast<std::int64_t>(most)};
     keep();
 }
 
@@ -332,14 +325,6 @@ const seq_parameter_set_data* stream::state::sps_for_sei() const
     return only;
 }
 
-/// What a PPS that names this id is read with.
-const seq_parameter_set_data* stream::state::sps_for_pps(std::uint32_t sps_id) const
-{
-    pic_parameter_set_rbsp naming;
-    naming.seq_parameter_set_id = sps_id;
-    return sps_of(naming, sets);
-}
-
 // The PPS of partition A with the slice_id of this partition B or C, else of the latest one.
 std::int32_t stream::state::pps_of_partition(const unit_place& place) const
 {
@@ -398,10 +383,8 @@ void stream::state::keep_sps(const seq_parameter_set_rbsp& set)
     const std::uint32_t id = set.seq_parameter_set_data.seq_parameter_set_id;
     if (id >= parameter_sets::sps_ids || (sets.sps[id] != nullptr && *sets.sps[id] == set))
         return;
-    const bool six_before = six_8x8_lists(sps_for_pps(id));
     sets.sps[id] = put(spss[id], set);
-    if (six_8x8_lists(sps_for_pps(id)) != six_before)
-        read_pps_again(id);
+    choose_forms(id);
 }
 
 void stream::state::keep_subset_sps(const subset_seq_parameter_set_rbsp& set)
@@ -414,10 +397,9 @@ void stream::state::keep_subset_sps(const subset_seq_parameter_set_rbsp& set)
         mvcd_sps = static_cast<std::int32_t>(id);
     if (sets.subset_sps[id] != nullptr && *sets.subset_sps[id] == set)
         return;
-    const bool six_before = six_8x8_lists(sps_for_pps(id));
     sets.subset_sps[id] = put(subset_spss[id], set);
-    if (six_8x8_lists(sps_for_pps(id)) != six_before)
-        read_pps_again(id);
+    if (sets.sps[id] == nullptr)
+        choose_forms(id);
 }
 
 void stream::state::keep_dps(const depth_parameter_set_rbsp& set)
@@ -429,35 +411,61 @@ void stream::state::keep_dps(const depth_parameter_set_rbsp& set)
 void stream::state::keep_pps(const pic_parameter_set_rbsp& set)
 {
     const std::uint32_t id = set.pic_parameter_set_id;
-    const bool waits = sps_of(set, sets) == nullptr && may_have_8x8_lists(set);
-    if (id >= parameter_sets::pps_ids || (result.failure && !waits))
+    if (id >= parameter_sets::pps_ids || result.failure.why == reason::unit_too_long)
         return;
     try {
-        if (ppss[id] == nullptr)
-            ppss[id] = std::make_unique<kept_pps>();
-        ppss[id]->bytes.assign(bytes.data, bytes.data + bytes.size);
-        ppss[id]->pps = set;
-        sets.pps[id] = &ppss[id]->pps;
+        auto kept = std::make_unique<kept_pps>();
+        const seq_parameter_set_data* const with = sps_of(set, sets);
+        kept->forms_differ = set.transform_8x8_mode_flag && set.pic_scaling_matrix_present_flag;
+        const unsigned as_read = kept->forms_differ && with != nullptr && with->chroma_format_idc == 3 ? 1 : 0;
+        const unsigned other = 1 - as_read;
+        kept->form[as_read] = set;
+        kept->sound[as_read] = !result.failure;
+        if (kept->forms_differ)
+            kept->sound[other] = read_pps_with(other == 1 ? 3 : 1, set.seq_parameter_set_id, kept->form[other]);
+        const bool waits = with == nullptr && kept->sound[other];
+        if (!kept->sound[as_read] && !waits)
+            return;
+        ppss[id] = std::move(kept);
+        choose_form(id);
     } catch (...) { // no memory: the one before stays
     }
 }
 
-// A PPS has been read with another SPS than the one that it now goes with, or with none. One that fails with its SPS is
-// not there, until another SPS comes.
-void stream::state::read_pps_again(std::uint32_t sps_id)
+// Reads the PPS in the block as it is with an SPS of this chroma_format_idc; false when that fails.
+bool stream::state::read_pps_with(std::uint32_t chroma_format_idc, std::uint32_t sps_id,
+                                  pic_parameter_set_rbsp& to) const
 {
+    seq_parameter_set_rbsp with;
+    with.seq_parameter_set_data.chroma_format_idc = chroma_format_idc;
+    parameter_sets alone;
+    if (sps_id < parameter_sets::sps_ids)
+        alone.sps[sps_id] = &with;
+    unit_context around;
+    around.sets = &alone;
     nal_unit again;
     outcome how;
-    unit_context alone;
-    alone.sets = &sets;
+    read(again, bytes.data, bytes.size, around, how);
+    if (auto* const set = std::get_if<pic_parameter_set_rbsp>(&again.rbsp))
+        to = std::move(*set);
+    return !how.failure;
+}
+
+// The form that goes with the SPS as it is now; nothing where that one failed.
+void stream::state::choose_form(std::uint32_t pps_id)
+{
+    const kept_pps& kept = *ppss[pps_id];
+    const seq_parameter_set_data* const with = sps_of(kept.form[0], sets);
+    const unsigned chosen = kept.forms_differ && with != nullptr && with->chroma_format_idc == 3 ? 1 : 0;
+    sets.pps[pps_id] = kept.sound[chosen] ? &kept.form[chosen] : nullptr;
+}
+
+// The PPSs that name this id go with another SPS now.
+void stream::state::choose_forms(std::uint32_t sps_id)
+{
     for (std::uint32_t id = 0; id < parameter_sets::pps_ids; ++id) {
-        kept_pps* const kept = ppss[id].get();
-        if (kept == nullptr || kept->pps.seq_parameter_set_id != sps_id || !may_have_8x8_lists(kept->pps))
-            continue;
-        read(again, kept->bytes.data(), kept->bytes.size(), alone, how);
-        if (auto* const set = std::get_if<pic_parameter_set_rbsp>(&again.rbsp))
-            kept->pps = std::move(*set);
-        sets.pps[id] = how.failure ? nullptr : &kept->pps;
+        if (ppss[id] != nullptr && ppss[id]->form[0].seq_parameter_set_id == sps_id)
+            choose_form(id);
     }
 }
 

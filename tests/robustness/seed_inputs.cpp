@@ -61,7 +61,11 @@ std::vector<surroundings> all_surroundings()
          {{}, {1}, {1, 66, 0, 30}, {1, 66, 0, 30, 255}, {1, 66, 0, 30, 255, 225}, {1, 66, 0, 30, 255, 224}}},
         {"bitreader", {{0}, {4, 4, 0, 5, 0, 4, 0, 6, 0}, {3, 1, 31, 4, 0, 7, 0}}},
         {"legacy_bits", {{0}, {1}, {2, 1, 5}}},
+        {"syntax_unit", {{0, 0, 0, 1}, {0, 0, 0, 1, 6}, {0, 0, 0, 1, 103}, {0, 0, 0, 1, 111}}},
+        {"syntax_identity", {{0, 0, 0, 1}, {0, 0, 0, 1, 6}, {0, 0, 0, 1, 104}, {0, 0, 0, 1, 112}}},
     };
+    for (unsigned char framing = 0; framing < 5; ++framing)
+        all.push_back({"unit_splitter", {{framing, 3, 0}, {framing, 0, 1, 0, 0, 1, 9}, {framing, 1, 2, 2, 0, 0}}});
     for (unsigned char framing = 0; framing < 6; ++framing)
         all.push_back({"nal_reader",
                        {{framing, 7, 0},

@@ -36,20 +36,20 @@ public:
     }
     void element(const traced_element& e) override
     {
-        const std::string_view name = e.name.name;
+        const std::string_view name = e.name.name();
         if (left_out > 0 || in_unit > 0 || behind_lists)
             return;
         if (name == "vcl_hrd_parameters_present_flag")
             vcl = true;
         if (name == "seq_scaling_list_present_flag" || name == "pic_scaling_list_present_flag") {
-            const std::uint32_t i = e.name.index[0];
+            const std::uint32_t i = e.name.index(0);
             values[(name[0] == 's' ? "scaling_list_" : "pic_scaling_list_") + std::string(i < 6 ? "4x4[" : "8x8[") +
                    std::to_string(i % 6) + "].present"]
                 .number = e.value;
-        } else if (e.name.depth == 0) {
-            values[scope + e.name.name].number = e.value;
+        } else if (e.name.depth() == 0) {
+            values[scope + e.name.name()].number = e.value;
         } else {
-            values[scope + e.name.name].entries.push_back(e.value);
+            values[scope + e.name.name()].entries.push_back(e.value);
         }
     }
 

@@ -23,14 +23,14 @@ public:
     {
         for (; n >= 8 && count % 8 == 0; n -= 8)
             put_byte(static_cast<unsigned char>(value >> (n - 8)));
-        while (n-- > 0)
-            put_bit(value >> n & 1);
+        for (; n > 0; --n)
+            put_bit(value >> (n - 1) & 1);
     }
     /// ue(v), clause 9.1.
     /// @param value 0 to 2^32 - 2; 2^32 - 1 has no code and is written as 0
     void ue(std::uint32_t value) noexcept
     {
-        const std::uint32_t code = value + 1 == 0 ? 1 : value + 1;
+        const std::uint32_t code = value == 0xFFFFFFFF ? 1 : value + 1;
         unsigned bits = 0;
         while (code >> bits > 1)
             ++bits;

@@ -20,10 +20,17 @@ inline std::uint64_t PicHeightInMapUnits(const seq_parameter_set_data& sps) noex
     return std::uint64_t{sps.pic_height_in_map_units_minus1} + 1;
 }
 
+/// The product of a width and a height; 2^63 - 1 when it is more, which no picture has.
+inline std::uint64_t picture_area(std::uint64_t width, std::uint64_t height) noexcept
+{
+    constexpr std::uint64_t most = ~std::uint64_t{0} >> 1;
+    return height != 0 && width > most / height ? most : width * height;
+}
+
 /// PicSizeInMapUnits, (7-17).
 inline std::uint64_t PicSizeInMapUnits(const seq_parameter_set_data& sps) noexcept
 {
-    return PicWidthInMbs(sps) * PicHeightInMapUnits(sps);
+    return picture_area(PicWidthInMbs(sps), PicHeightInMapUnits(sps));
 }
 
 /// FrameHeightInMbs, (7-18).
@@ -35,7 +42,7 @@ inline std::uint64_t FrameHeightInMbs(const seq_parameter_set_data& sps) noexcep
 /// PicSizeInMbs of a frame or a field, (7-28).
 inline std::uint64_t PicSizeInMbs(const seq_parameter_set_data& sps, bool field_pic_flag) noexcept
 {
-    return PicWidthInMbs(sps) * (FrameHeightInMbs(sps) / (field_pic_flag ? 2 : 1));
+    return picture_area(PicWidthInMbs(sps), FrameHeightInMbs(sps) / (field_pic_flag ? 2 : 1));
 }
 
 /// MaxFrameNum, (7-10); of log2_max_frame_num_minus4 above 28, which no header can have, 2^32.

@@ -58,6 +58,9 @@ class ORV_UTILS_V4_EXPORT stream {
 public:
     /// The bytes that a unit of another kind than slices is read from: what is longer fails with unit_too_long.
     static constexpr std::size_t most_unit_bytes = std::size_t{16} << 20;
+    /// The same of a parameter set, which is kept: those of the standard are shorter, a slice group for each macroblock
+    /// of the largest pictures included.
+    static constexpr std::size_t most_parameter_set_bytes = std::size_t{64} << 10;
     /// The bytes of a slice that its header is looked for in.
     static constexpr std::size_t most_slice_header_bytes = std::size_t{96} << 10;
     /// What is kept back until a slice comes; beyond it the units are read with what is active.

@@ -116,8 +116,8 @@ void code(Coder& c, in<Coder, depth_representation_info>& x, const sei_context&)
 
 /// The exponent and the mantissa of display i; the names are those of the two elements.
 template <class Coder>
-void code_display_parameter(Coder& c, label exponent, label mantissa,
-                            in<Coder, reference_display_parameter>& x, std::uint32_t prec)
+void code_display_parameter(Coder& c, label exponent, label mantissa, in<Coder, reference_display_parameter>& x,
+                            std::uint32_t prec)
 {
     c.u(6, exponent, x.exponent, 0, 62);
     c.u_v_long(mantissa_bits(x.exponent, prec), mantissa, x.mantissa);

@@ -10,8 +10,8 @@ namespace orv_utils_v4::h264 {
 
 /// The sign, the exponent and the mantissa of a parameter of a camera; the names are those of the three elements.
 template <class Coder>
-void code_parameter(Coder& c, label sign, label exponent, label mantissa,
-                    in<Coder, acquisition_parameter>& x, std::uint32_t prec)
+void code_parameter(Coder& c, label sign, label exponent, label mantissa, in<Coder, acquisition_parameter>& x,
+                    std::uint32_t prec)
 {
     c.flag(sign, x.sign);
     c.u(6, exponent, x.exponent, 0, 62);

@@ -143,6 +143,11 @@ void code(Coder& c, in<Coder, sei_message>& x, const sei_context& context)
     const auto here = c.structure("sei_message");
     if (context.nesting > deepest_nesting)
         return c.fail(reason::too_large, "sei_message", context.nesting, deepest_nesting);
+    if constexpr (Coder::reads) { // a byte or two would make a nested message of a kilobyte
+        if (++*context.messages > sei_rbsp::most_messages)
+            return c.fail(reason::too_large, "sei_message", static_cast<std::int64_t>(*context.messages),
+                          sei_rbsp::most_messages);
+    }
     c.ff_coded("last_payload_type_byte", x.payload_type);
     c.payload(x.payload_size, [&](auto& coder) { code_sei_payload(coder, x, context); });
 }
@@ -152,6 +157,9 @@ template <class Coder>
 void code(Coder& c, in<Coder, sei_rbsp>& x, const sei_context& context)
 {
     const auto here = c.structure("sei_rbsp");
+    std::size_t messages = 0;
+    sei_context of_unit = context;
+    of_unit.messages = &messages;
     if (!c.more_rbsp_data(0, x.sei_messages.size()))
         return c.fail(reason::too_small, "sei_message", 0, 1);
     for (std::size_t i = 0; c.more_rbsp_data(i, x.sei_messages.size()); ++i) {
@@ -160,7 +168,7 @@ void code(Coder& c, in<Coder, sei_rbsp>& x, const sei_context& context)
         auto* const message = c.append("sei_message", x.sei_messages, i);
         if (message == nullptr)
             return;
-        code(c, *message, context);
+        code(c, *message, of_unit);
     }
     rbsp_trailing_bits(c);
 }

@@ -70,7 +70,7 @@ struct sei_message {
 
 /// sei_rbsp(), clause 7.3.2.3: NAL unit type 6.
 struct sei_rbsp {
-    static constexpr std::size_t most_messages = 1024; ///< a unit with more of them is read no further
+    static constexpr std::size_t most_messages = 1024; ///< with more, nested ones among them, it is read no further
 
     std::vector<sei_message> sei_messages; ///< one at least
 

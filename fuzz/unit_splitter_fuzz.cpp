@@ -1,0 +1,94 @@
+// The unit splitter: the same units and gaps for every cut of a stream, and together with zero bytes they are all of
+// it. Input: a byte each for the framing, the bytes of a piece (modulo 32; above that, how much more the next one has)
+// and the largest unit, and the stream.
+#include "input.h"
+
+#include <orv-utils-v4/h264_syntax/unit_splitter.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+namespace {
+
+using namespace fuzz;
+using namespace orv_utils_v4::h264;
+
+/// A unit or a gap.
+struct part {
+    int kind; ///< -1 of a unit, else the reason of the gap
+    std::uint64_t offset;
+    std::uint64_t size;
+    unsigned framing_size;
+    std::uint64_t stated_length;
+    bool cut;
+    bytes content;
+
+    friend bool operator==(const part&, const part&) = default;
+};
+
+class parts_of : public split_sink {
+public:
+    void unit(const split_unit& u) override
+    {
+        parts.push_back({-1, u.offset, u.size, u.framing_size, u.stated_length, u.cut, {u.bytes, u.bytes + u.size}});
+    }
+    void gap(const split_gap& g) override
+    {
+        parts.push_back({static_cast<int>(g.reason), g.offset, g.size, 0, 0, false, {}});
+    }
+    std::vector<part> parts;
+};
+
+std::vector<part> split(const bytes& stream, framing how, std::size_t most, std::size_t piece, std::size_t growth)
+{
+    parts_of sink;
+    unit_splitter splitter(how, most);
+    for (std::size_t at = 0; at < stream.size(); piece += growth) {
+        const std::size_t size = std::min(piece, stream.size() - at);
+        const exact_block block(bytes(stream.data() + at, stream.data() + at + size));
+        splitter.push(block.begin(), size, sink);
+        at += size;
+    }
+    splitter.flush(sink);
+    return sink.parts;
+}
+
+/// Every byte is of one unit, its framing, or one gap; in Annex B those that are of nothing are zero.
+void expect_all(const bytes& stream, const std::vector<part>& parts, framing how, std::size_t most)
+{
+    std::vector<int> covered(stream.size(), 0);
+    for (const part& p : parts) {
+        const std::uint64_t begin = p.offset - p.framing_size;
+        const std::uint64_t end = p.offset + p.size;
+        expect(p.size > 0 && begin <= p.offset && end <= stream.size(), "a part lies in the stream");
+        for (std::uint64_t i = begin; i < end; ++i)
+            ++covered[static_cast<std::size_t>(i)];
+        if (p.kind != -1)
+            continue;
+        expect(p.size <= most, "no unit is above the limit");
+        expect(std::equal(p.content.begin(), p.content.end(), stream.begin() + static_cast<std::ptrdiff_t>(p.offset)),
+               "a unit is the bytes at its offset");
+        expect(how == framing::annex_b || p.cut || p.stated_length == p.size, "a unit is as long as its prefix says");
+    }
+    for (std::size_t i = 0; i < stream.size(); ++i) {
+        expect(covered[i] <= 1, "no byte is of two parts");
+        expect(covered[i] == 1 || (how == framing::annex_b && stream[i] == 0), "no byte is lost");
+    }
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    input in(data, size);
+    const auto how = static_cast<framing>(in.byte() % 5);
+    const std::size_t pieces = in.byte();
+    const std::size_t most = std::size_t{1} + in.byte();
+    const bytes stream = in.rest();
+
+    const std::vector<part> whole = split(stream, how, most, stream.size() + 1, 0);
+    expect_all(stream, whole, how, most);
+    expect(split(stream, how, most, 1 + pieces % 32, pieces / 32) == whole, "every cut gives the same");
+    return 0;
+}
