@@ -45,6 +45,11 @@ void unit_maker::renew_sets()
     around.partition_a_pps = 0;
 }
 
+void unit_maker::force(const std::string& name, std::int64_t value)
+{
+    random->force(name, value);
+}
+
 nal_unit unit_maker::make(unsigned nal_unit_type)
 {
     for (int tries = 0; tries < 2000; ++tries) {

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 #include <vector>
 
 namespace orv_utils_v4::h264 {
@@ -25,6 +26,9 @@ public:
     nal_unit make(unsigned nal_unit_type);
     /// An SEI unit whose first message has the payload type; with new parameter sets where it takes others.
     nal_unit make_sei(std::uint32_t payload_type);
+
+    /// Elements of this name have this value from now on, where the ranges do not matter to the caller.
+    void force(const std::string& name, std::int64_t value);
 
     const unit_context& context() const { return around; }
 
