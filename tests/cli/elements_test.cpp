@@ -128,7 +128,7 @@ TEST(Elements, AnotherFormBesideItIsAUsageError)
         const tool_result result = run_tool({"inspect", "--tsv", other, ORV_TEST_STREAMS "/pulldown32.264"});
         EXPECT_EQ(result.status, 2) << other;
         EXPECT_EQ(result.out, "");
-        EXPECT_NE(result.err.find(std::string(other) + " excludes --tsv"), std::string::npos) << result.err;
+        EXPECT_NE(result.err.find(std::string(other)), std::string::npos) << result.err;
     }
 }
 
