@@ -2,6 +2,7 @@
 #include <orv-utils-v4/h264_syntax/access_unit.h>
 
 #include "first_slice.h"
+#include "hidden.h"
 #include "kept_units.h"
 
 #include <algorithm>
@@ -151,7 +152,7 @@ slice_layer layer_of(const access_unit_part& slice) noexcept
     return layer;
 }
 
-struct access_units::state : unit_sink {
+struct ORV_UTILS_V4_HIDDEN access_units::state : unit_sink {
     bool base_alone = false;
     stream units;
     kept_units kept; // of the parts of `current`, of those of `waiting`, then what the stream keeps back

@@ -1,13 +1,15 @@
 // Bytes in, pictures out: the splitter, the access units and the pictures one behind the other.
 #include <orv-utils-v4/h264_syntax/pictures.h>
 
+#include "hidden.h"
+
 #include <algorithm>
 #include <functional>
 #include <vector>
 
 namespace orv_utils_v4::h264 {
 
-struct picture_reader::state : split_sink, access_unit_sink {
+struct ORV_UTILS_V4_HIDDEN picture_reader::state : split_sink, access_unit_sink {
     state(framing how, output_mode mode) : splitter(how), stage(mode) {}
 
     struct waiting_stamp {

@@ -1,6 +1,7 @@
 // Pictures out of access units: the stages of decoding without samples, in their order.
 #include <orv-utils-v4/h264_syntax/pictures.h>
 
+#include "hidden.h"
 #include "picture_clock.h"
 
 #include <algorithm>
@@ -17,7 +18,7 @@ bool opposite(picture_structure a, picture_structure b)
 
 } // namespace
 
-struct pictures::state : picture_sink {
+struct ORV_UTILS_V4_HIDDEN pictures::state : picture_sink {
     explicit state(output_mode mode) : order(mode) {}
 
     picture_order_counter counter;
