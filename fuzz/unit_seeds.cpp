@@ -130,7 +130,6 @@ std::map<std::string, frame_notation::units> frames()
     };
 }
 
-/// In frame_finder's inputs a unit is a header byte, how much longer it is made, and the size and bytes of its payload.
 void add_frames(seed_table& to)
 {
     for (const auto& [name, units] : frames()) {
@@ -139,12 +138,6 @@ void add_frames(seed_table& to)
         to["legacy_frame_scan"][name + "_cut"] = behind({0, 1, 255}, {stream.begin(), stream.end() - 3});
         to["legacy_frame_scan"][name + "_little_room"] = behind({0, 0, 6}, stream);
         to["legacy_frame_scan"][name + "_prefixed"] = behind({2, 1, 255}, frame_notation::framed(units, {2}).data);
-        for (const bytes& how : {bytes{0, 0, 60}, bytes{0, 3, 0}, bytes{2, 1, 0}}) { // framing, flags, padding
-            stream_builder seed = stream_builder().raw({how[0], how[1], 4});
-            for (const frame_notation::unit& u : units)
-                seed.raw({u.header, how[2], static_cast<unsigned char>(u.rbsp.size())}).raw(u.rbsp);
-            to["frame_finder"][name + "_" + std::to_string(how[1])] = seed;
-        }
     }
 }
 

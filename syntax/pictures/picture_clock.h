@@ -44,7 +44,4 @@ private:
     bool any_stamp = false;
 };
 
-/// How many fields the picture of an access unit is shown (Table D-1, Table E-6).
-std::uint8_t fields_shown(const access_unit& unit) noexcept;
-
 } // namespace orv_utils_v4::h264

@@ -28,7 +28,6 @@ struct ORV_UTILS_V4_HIDDEN pictures::state : picture_sink {
     day_clock days;
     picture open; // that has begun
     bool is_open = false;
-    bool open_known = false;          // it has a place in the order
     std::uint32_t open_frame_num = 0; // behind its marking
     std::uint64_t count = 0;
     std::uint64_t sequence = 0;
@@ -87,7 +86,7 @@ void pictures::state::take(const access_unit& unit, const timestamp* stamp)
 // Complementary field pairs, clauses 3.30 and 3.31.
 bool pictures::state::is_second_field(const access_unit& unit) const
 {
-    return is_open && open_known && unit.whole && unit.sps != nullptr && opposite(open.structure, unit.structure) &&
+    return is_open && open.has_count && unit.whole && unit.sps != nullptr && opposite(open.structure, unit.structure) &&
            unit.header->frame_num == open_frame_num && !unit.idr &&
            (unit.nal_ref_idc != 0) == (open.nal_ref_idc != 0) && !has_operation_5(*unit.header);
 }
@@ -122,7 +121,7 @@ void pictures::state::place(const access_unit& unit)
         ++sequence;
     }
     open.sequence = sequence;
-    open_known = known;
+    open.has_count = known;
     if (!known) {
         ++sequence;
         return order.begin_alone();

@@ -101,10 +101,16 @@ public:
         header.idr_pic_id = 0;
         return slice(header, idr_slice, size);
     }
-    /// `size` bytes of slice data behind the header.
+    /// `size` bytes of slice data behind the header, which has a sliding window.
     coded_stream& slice(const slice_header_description& header, unsigned char nal_header, std::size_t size = 4)
     {
-        bytes rbsp = written_rbsp(header).made();
+        element_writer out = written(header);
+        if (nal_header % 32 == idr_slice % 32)
+            out.flag("no_output_of_prior_pics_flag", false).flag("long_term_reference_flag", false);
+        else if (nal_header >> 5 != 0)
+            out.flag("adaptive_ref_pic_marking_mode_flag", false);
+        out.se("slice_qp_delta", 0);
+        bytes rbsp = out.trailing_bits().made();
         rbsp.insert(rbsp.end(), size, 0x55);
         return unit(nal_header, rbsp);
     }

@@ -1,234 +1,108 @@
 #include "frame_finder.h"
 
 #include <algorithm>
-#include <array>
+#include <utility>
 
 #include <fmt/format.h>
 
 namespace orv_h264 {
-
-namespace {
-
-constexpr std::array<unsigned char, 3> start_code = {0, 0, 1};
-constexpr unsigned char end_of_stream = brenik::h264_nal_unit_type_end_of_stream;
-
-// What most frames are smaller than; and a stretch that is not worth a scan of its own.
-constexpr std::size_t usual_scratch = std::size_t{64} * 1024;
-constexpr std::size_t smallest_scan = std::size_t{32} * 1024;
-
-// The scan reads SEI and sequence parameter sets to their ends. Of a slice it reads the header up to bottom_field_flag,
-// 24 bytes with all codes as long as it takes them, 36 when they are full of escapes; of other units nothing.
-constexpr std::size_t most_slice_bytes = 64;
-
-std::size_t bytes_read(brenik::h264_nal_unit_type type, std::size_t length)
-{
-    const bool whole = type == brenik::h264_nal_unit_type_sei || type == brenik::h264_nal_unit_type_sps;
-    return whole ? length : std::min(length, most_slice_bytes);
-}
-
-std::optional<std::uint32_t> find_recovery_point(const walked_unit& walked)
-{
-    const auto* const sei = std::get_if<walked_sei>(&walked.syntax);
-    if (sei == nullptr)
-        return {};
-    for (const walked_message& message : sei->messages)
-        if (const auto* point = std::get_if<brenik::h264_nal_sei_recovery_point>(&message.syntax))
-            if (message.outcome.parsed && !message.outcome.truncated())
-                return point->recovery_frame_cnt;
-    return {};
-}
-
-bool is_primary_slice(brenik::h264_nal_unit_type type)
-{
-    return type == brenik::h264_nal_unit_type_slice_non_idr || type == brenik::h264_nal_unit_type_slice_idr ||
-           type == brenik::h264_nal_unit_type_slice_data_partition_a;
-}
-
-// The rate of the SPS that the frame's own slices name. The SPS that the scan keeps is another one at times: it has the
-// rate of an earlier SPS where the latest tells none, and is that of the next frame when the scan had to look ahead.
-std::optional<double> seconds_of(const frame& f)
-{
-    for (const frame_unit& u : f.units)
-        if (u.rate)
-            return static_cast<double>(f.field_duration * u.rate->denominator) / static_cast<double>(u.rate->numerator);
-    return {};
-}
-
-} // namespace
-
-frame_unit make_frame_unit(const unit& where, brenik::h264_nal nal, const walked_unit& walked)
-{
-    frame_unit made;
-    made.where = where;
-    made.nal = nal;
-    made.recovery_frame_cnt = find_recovery_point(walked);
-    const auto* const slice = std::get_if<brenik::h264_nal_slice_header>(&walked.syntax);
-    if (slice != nullptr && walked.sps != nullptr)
-        made.rate = field_rate(*walked.sps);
-    if (slice != nullptr && is_primary_slice(nal.nal_unit_type) && walked.outcome.parsed &&
-        !walked.outcome.truncated()) {
-        made.slice_type = slice->getSliceType();
-        made.begins_picture = begins_picture(*slice);
-        made.field = slice->field_pic_flag;
-    }
-    return made;
-}
 
 std::string describe_cut(const frame& f)
 {
     return fmt::format("frame without an end in {} bytes and {} units, cut there", f.size, f.units.size());
 }
 
-std::uint64_t coded_pictures(const frame& f)
+void frame_finder::add(const unit& where, std::span<const unsigned char> bytes)
 {
-    return static_cast<std::uint64_t>(
-        std::count_if(f.units.begin(), f.units.end(), [](const frame_unit& u) { return u.begins_picture; }));
+    fed.push_back(where);
+    const std::uint64_t number = first_fed + fed.size() - 1;
+    constexpr bool not_copied = true; // nobody looks at the bytes of an access unit
+    units.push({bytes.data(), bytes.size(), where.offset + where.framing_size, number}, *this, not_copied);
 }
 
-bool has_slice(const frame& f)
-{
-    return std::any_of(f.units.begin(), f.units.end(),
-                       [](const frame_unit& u) { return is_primary_slice(u.nal.nal_unit_type); });
-}
-
-std::uint64_t shown_pictures(const frame& f)
-{
-    const auto fields = static_cast<std::uint64_t>(
-        std::count_if(f.units.begin(), f.units.end(), [](const frame_unit& u) { return u.begins_picture && u.field; }));
-    return std::max<std::uint64_t>(coded_pictures(f) - fields + (fields + 1) / 2, has_slice(f) ? 1 : 0);
-}
-
-bool has_idr(const frame& f)
-{
-    return std::any_of(f.units.begin(), f.units.end(),
-                       [](const frame_unit& u) { return u.nal.nal_unit_type == brenik::h264_nal_unit_type_slice_idr; });
-}
-
-std::optional<std::uint32_t> recovery_frame_cnt(const frame& f)
-{
-    for (const frame_unit& u : f.units)
-        if (u.recovery_frame_cnt)
-            return u.recovery_frame_cnt;
-    return {};
-}
-
-bool is_key(const frame& f)
-{
-    return has_idr(f) || recovery_frame_cnt(f).has_value();
-}
-
-void frame_finder::add(const frame_unit& added, std::span<const unsigned char> bytes)
-{
-    compact();
-    units.push_back({stream.size(), added});
-    stream.insert(stream.end(), start_code.begin(), start_code.end());
-    const std::span<const unsigned char> head = bytes.first(bytes_read(added.nal.nal_unit_type, bytes.size()));
-    stream.insert(stream.end(), head.begin(), head.end());
-    held_bytes += start_code.size() + bytes.size();
-}
-
-// As a decoder does, the scan takes the end of the stream as the end of its last frame.
 void frame_finder::finish()
 {
-    stream.insert(stream.end(), start_code.begin(), start_code.end());
-    stream.push_back(end_of_stream);
-    held_bytes += start_code.size() + 1;
+    units.flush(*this);
+    pictures.flush(*this);
     finished = true;
 }
 
 bool frame_finder::next(frame& found)
 {
-    if (!finished && !is_full() && held_bytes < worth_scanning)
+    if (waiting.empty())
         return false;
-    scratch.resize(std::max(scratch.size(), usual_scratch));
-    for (;;) {
-        const unsigned char* const start = stream.data() + first_byte;
-        const unsigned char* const fence = stream.data() + stream.size();
-        h264_common_frame_scan_info info;
-        h264_sps scanned_sps = sps;
-        bool sps_updated = false;
-        const unsigned char* const behind = h264_common_frame_scan(info, sps_updated, scanned_sps, start, fence, 0,
-                                                                   scratch.data(), scratch.size(), flags);
-        if (info.complete != 0) {
-            sps = scanned_sps;
-            drop(static_cast<std::size_t>(info.frame_start - stream.data()));
-            found = {};
-            found.field_duration = info.field_duration;
-            take(static_cast<std::size_t>(info.frame_end - stream.data()), found);
-            found.last = finished && held_units() == 0;
-            worth_scanning = 1;
-            return true;
-        }
-        if (info.need_more_data == 0) {
-            if (grow_scratch())
-                continue;
-            drop(stream.size()); // no unit that may begin a frame
-            return false;
-        }
-        drop(static_cast<std::size_t>(behind - stream.data()));
-        if (is_full()) {
-            found = {};
-            found.field_duration = info.field_duration;
-            found.cut = true;
-            sps = scanned_sps;
-            take(stream.size(), found);
-            return true;
-        }
-        worth_scanning = std::max(2 * held_bytes, smallest_scan);
+    waiting_frame& first = waiting.front();
+    const bool told = first.what.output_number.has_value() || finished || waiting_units > most_waiting_units;
+    if (!first.complete || !told)
         return false;
-    }
-}
-
-bool frame_finder::is_full() const noexcept
-{
-    return held_bytes >= most_bytes || held_units() >= most_units;
-}
-
-/// Makes room for the largest unit; false when there is.
-bool frame_finder::grow_scratch()
-{
-    std::size_t largest = 0;
-    for (std::size_t i = first_unit; i < units.size(); ++i)
-        largest = std::max(largest, bytes_read(units[i].what.nal.nal_unit_type, units[i].what.where.length));
-    if (scratch.size() >= largest)
-        return false;
-    scratch.resize(largest);
+    found = std::move(first.what);
+    waiting_units -= found.units.size();
+    waiting.pop_front();
+    found.last = finished && waiting.empty();
     return true;
 }
 
-/// Moves the units before `position` to the frame, whose duration is known.
-void frame_finder::take(std::size_t position, frame& found)
+void frame_finder::take(const h264::access_unit& unit)
 {
-    for (; first_unit < units.size() && units[first_unit].position < position; ++first_unit) {
-        found.units.push_back(units[first_unit].what);
-        held_bytes -= start_code.size() + static_cast<std::size_t>(units[first_unit].what.where.length);
+    pictures.take(unit, *this);
+    const std::uint64_t behind = unit.parts.back().place.number + 1;
+    fed.erase(fed.begin(), fed.begin() + static_cast<std::ptrdiff_t>(behind - first_fed));
+    first_fed = behind;
+}
+
+void frame_finder::access_unit_came(const h264::access_unit& unit, const h264::picture* of)
+{
+    if (of == nullptr)
+        return;
+    const bool second_field = !split && !waiting.empty() && waiting.back().picture == of->number;
+    if (!second_field)
+        waiting.push_back({of->number, split, {}});
+    frame& to = waiting.back().what;
+    add_units(to, unit);
+    ++to.coded_pictures;
+    to.field_duration += h264::fields_shown(unit);
+    to.idr = to.idr || unit.idr;
+    to.cut = to.cut || unit.findings.has(h264::picture_finding::limit_reached);
+    const auto* const point = unit.message<h264::recovery_point>();
+    if (point != nullptr && !to.recovery_frame_cnt)
+        to.recovery_frame_cnt = point->recovery_frame_cnt;
+    if (const auto rate = unit.sps == nullptr ? h264::ratio() : h264::field_rate(unit.sps->vui_parameters);
+        rate.denominator != 0)
+        to.seconds = static_cast<double>(to.field_duration * rate.denominator) / static_cast<double>(rate.numerator);
+    if (of->has_count && of->count.in_range())
+        to.poc =
+            split && unit.structure == h264::picture_structure::bottom_field ? of->count.bottom : of->count.lower();
+}
+
+void frame_finder::add_units(frame& to, const h264::access_unit& unit)
+{
+    const orv_h264::unit& last = fed[unit.parts.back().place.number - first_fed];
+    if (to.units.empty())
+        to.offset = fed[unit.parts.front().place.number - first_fed].offset;
+    to.size = last.offset + last.framing_size + last.length - to.offset;
+    for (const h264::access_unit_part& part : unit.parts) {
+        frame_unit& added = to.units.emplace_back();
+        added.type = static_cast<brenik::h264_nal_unit_type>(part.header.nal_unit_type);
+        if (part.role == h264::unit_role::primary && !part.failure && part.header.nal_unit_type != 3 &&
+            part.header.nal_unit_type != 4)
+            added.slice = static_cast<h264::slice_kind>(part.slice_type % 5);
     }
-    first_byte = position;
-    if (found.units.empty())
-        return;
-    const unit& last_unit = found.units.back().where;
-    found.offset = found.units.front().where.offset;
-    found.size = last_unit.offset + last_unit.framing_size + last_unit.length - found.offset;
-    found.seconds = seconds_of(found);
+    waiting_units += unit.parts.size();
 }
 
-void frame_finder::drop(std::size_t position)
+void frame_finder::decoded(const h264::picture& picture)
 {
-    frame dropped;
-    take(position, dropped);
+    for (auto w = waiting.rbegin(); w != waiting.rend() && w->picture == picture.number; ++w)
+        w->complete = true;
 }
 
-// Bytes move to the front only when at least as many were taken, so that each moves once on average.
-void frame_finder::compact()
+// The frames wait in the order of their pictures' numbers; two fields that are split have the same.
+void frame_finder::output(const h264::picture& picture)
 {
-    if (first_byte < stream.size() - first_byte || first_byte == 0)
-        return;
-    stream.erase(stream.begin(), stream.begin() + static_cast<std::ptrdiff_t>(first_byte));
-    units.erase(units.begin(), units.begin() + static_cast<std::ptrdiff_t>(first_unit));
-    for (held_unit& held : units)
-        held.position -= first_byte;
-    first_byte = 0;
-    first_unit = 0;
+    const auto before = [](const waiting_frame& w, std::uint64_t number) { return w.picture < number; };
+    auto w = std::lower_bound(waiting.begin(), waiting.end(), picture.number, before);
+    for (; w != waiting.end() && w->picture == picture.number; ++w)
+        w->what.output_number = picture.output_number;
 }
 
 } // namespace orv_h264

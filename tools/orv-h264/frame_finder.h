@@ -1,15 +1,15 @@
-// Cuts a stream into frames with h264_common_frame_scan(): takes whole units, as the piece feeder hands them on, and
-// gives frames. It holds the frame that is growing and what was read beyond it, in bounded memory.
+// The frames of a stream: takes whole units, as the piece feeder hands them on, and gives the pictures of the syntax
+// library in decoding order, each with its number in output order. It holds those that wait for that, in bounded
+// memory.
 #pragma once
 
 #include "piece_feeder.h"
-#include "sequence_summary.h"
-#include "walked_unit.h"
 
-#include <orv-utils-v4/h264_legacy.h>
+#include <orv-utils-v4/h264_syntax.h>
 
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <optional>
 #include <span>
 #include <string>
@@ -17,60 +17,46 @@
 
 namespace orv_h264 {
 
+namespace h264 = orv_utils_v4::h264;
+
 /// A unit of a frame.
 struct frame_unit {
-    unit where;
-    brenik::h264_nal nal = {};
-    std::optional<brenik::h264_slice_type_t> slice_type; ///< of a slice whose header was read
-    bool begins_picture = false;                         ///< the first slice of a primary coded picture
-    bool field = false;                                  ///< a slice of a field
-    std::optional<fraction> rate;                        ///< of a slice: fields a second, where its SPS tells it
-    std::optional<std::uint32_t> recovery_frame_cnt;     ///< of a recovery point SEI message
+    brenik::h264_nal_unit_type type = brenik::h264_nal_unit_type_unspecified_0;
+    std::optional<h264::slice_kind> slice; ///< of a primary slice whose header was read
 };
 
-frame_unit make_frame_unit(const unit& where, brenik::h264_nal nal, const walked_unit& walked);
-
+/// A frame, two fields, or a field alone.
 struct frame {
     std::uint64_t offset = 0; ///< of the framing of its first unit
     std::uint64_t size = 0;   ///< from there to the end of its last unit
     std::vector<frame_unit> units;
+    std::uint32_t coded_pictures = 0; ///< 2 of two fields
     std::uint32_t field_duration = 0;
     std::optional<double> seconds; ///< how long it is shown, where the SPS of its slices tells the field rate
-    bool last = false;             ///< the end of the input ended it
-    bool cut = false;              ///< it grew larger than the finder keeps: the rest of it comes as another frame
+    bool idr = false;
+    std::optional<std::uint32_t> recovery_frame_cnt; ///< of its first recovery point SEI message
+    std::optional<std::int64_t> poc;                 ///< PicOrderCnt, where it can be told and has 32 bits
+    std::optional<std::uint64_t> output_number;      ///< of its picture; not told when it waits for too long
+    bool last = false;                               ///< the end of the input ended it
+    bool cut = false;                                ///< it has more units or bytes than the library keeps
+
+    /// An IDR picture, or a recovery point: where decoding can begin.
+    bool key() const { return idr || recovery_frame_cnt.has_value(); }
 };
 
 /// What is wrong with a frame that is cut, as text for a person.
 std::string describe_cut(const frame& f);
 
-/// How many coded pictures begin in the frame: two in a pair of fields.
-std::uint64_t coded_pictures(const frame& f);
-
-/// How many pictures are shown one after another: frames, and pairs of fields or fields alone. At least 1 in a frame
-/// with slices; more than 1 where the scan did not tell them apart.
-std::uint64_t shown_pictures(const frame& f);
-
-/// Without a slice it is no frame, but what the scan left: parameter sets at the end, or the rest of a cut frame.
-bool has_slice(const frame& f);
-
-bool has_idr(const frame& f);
-
-/// The recovery_frame_cnt of its first recovery point SEI message.
-std::optional<std::uint32_t> recovery_frame_cnt(const frame& f);
-
-/// An IDR picture, or a recovery point: where decoding can begin.
-bool is_key(const frame& f);
-
-class frame_finder {
+class frame_finder : h264::access_unit_sink, h264::picture_sink {
 public:
-    /// A frame with more bytes or units than these is cut.
-    static constexpr std::size_t most_bytes = std::size_t{64} * 1024 * 1024;
-    static constexpr std::size_t most_units = std::size_t{256} * 1024;
+    /// The most units of frames that wait for their output; the oldest frame then goes without.
+    static constexpr std::size_t most_waiting_units = std::size_t{256} * 1024;
 
-    explicit frame_finder(bool split_fields) : flags(split_fields ? h264_common_frame_scan_split_fields : 0U) {}
+    /// Each field is a frame of its own when they are split.
+    explicit frame_finder(bool split_fields) : split(split_fields) {}
 
     /// Takes the next unit of the stream: `bytes` are its `where.length` bytes from the header on.
-    void add(const frame_unit& added, std::span<const unsigned char> bytes);
+    void add(const unit& where, std::span<const unsigned char> bytes);
 
     /// No unit will come any more.
     void finish();
@@ -79,29 +65,25 @@ public:
     bool next(frame& found);
 
 private:
-    struct held_unit {
-        std::size_t position; // of its start code in `stream`
-        frame_unit what;
+    struct waiting_frame {
+        std::uint64_t picture; // its number
+        bool complete;
+        frame what;
     };
 
-    bool is_full() const noexcept;
-    bool grow_scratch();
-    void take(std::size_t position, frame& found);
-    void drop(std::size_t position);
-    void compact();
-    std::size_t held_units() const noexcept { return units.size() - first_unit; }
+    void take(const h264::access_unit& unit) override;
+    void access_unit_came(const h264::access_unit& unit, const h264::picture* of) override;
+    void decoded(const h264::picture& picture) override;
+    void output(const h264::picture& picture) override;
+    void add_units(frame& to, const h264::access_unit& unit);
 
-    // The units, each behind a start code, as far as the scan reads them: it gets them as Annex B, whatever framing
-    // they came in.
-    std::vector<unsigned char> stream;
-    std::size_t first_byte = 0;
-    std::size_t held_bytes = 0; // of the start codes and units held, had they been kept whole
-    std::vector<held_unit> units;
-    std::size_t first_unit = 0;
-    std::vector<unsigned char> scratch;
-    h264_sps sps{};
-    std::uint32_t flags;
-    std::size_t worth_scanning = 1; // bytes: with fewer, the scan would only find again that it needs more
+    bool split;
+    h264::access_units units;
+    h264::pictures pictures{h264::output_mode::early};
+    std::deque<unit> fed; // those that no access unit has taken yet
+    std::uint64_t first_fed = 0;
+    std::deque<waiting_frame> waiting;
+    std::size_t waiting_units = 0;
     bool finished = false;
 };
 

@@ -15,17 +15,12 @@ public:
 
     std::uint64_t frames() const noexcept { return count; }
     std::uint64_t key_frames() const noexcept { return keys; }
-    /// Frames that hold several pictures.
-    std::uint64_t joined_frames() const noexcept { return joined; }
-    /// What is shown one after another: the frames, and more where the scan joined some.
-    std::uint64_t pictures() const noexcept { return shown; }
     /// Coded frames and coded fields.
     std::uint64_t coded_pictures() const noexcept { return coded; }
     std::uint64_t bytes() const noexcept { return size; }
-    /// Of all pictures; those that the scan joined to another last two fields each.
     const bit_rate_meter& bit_rate() const noexcept { return rate; }
 
-    /// How many pictures lie from one key frame to the next; only with two key frames.
+    /// How many frames lie from one key frame to the next; only with two key frames.
     struct distance {
         std::uint64_t least = std::numeric_limits<std::uint64_t>::max();
         std::uint64_t most = 0;
@@ -38,9 +33,7 @@ private:
 
     std::uint64_t count = 0;
     std::uint64_t keys = 0;
-    std::uint64_t shown = 0;
     std::uint64_t coded = 0;
-    std::uint64_t joined = 0;
     std::uint64_t size = 0;
     std::uint64_t first_key = 0;
     std::uint64_t last_key = 0;

@@ -22,7 +22,14 @@ namespace {
 
 const char* key_text(const frame& f)
 {
-    return has_idr(f) ? "IDR" : is_key(f) ? "recovery" : "-";
+    return f.idr ? "IDR" : f.key() ? "recovery" : "-";
+}
+
+/// H.264 Table 7-6.
+const char* slice_kind_name(h264::slice_kind kind)
+{
+    constexpr const char* table_7_6[] = {"P", "B", "I", "SP", "SI"};
+    return table_7_6[static_cast<std::size_t>(kind)];
 }
 
 /// The slice types of the frame, each once, as they come.
@@ -30,7 +37,7 @@ std::vector<std::string> slice_types(const frame& f)
 {
     std::vector<std::string> types;
     for (const frame_unit& u : f.units) {
-        const std::string type = u.slice_type ? brenik::h264_slice_type_t_to_string(*u.slice_type) : "";
+        const std::string type = u.slice ? slice_kind_name(*u.slice) : "";
         if (!type.empty() && std::find(types.begin(), types.end(), type) == types.end())
             types.push_back(type);
     }
@@ -47,8 +54,8 @@ std::vector<unit_run> unit_runs(const frame& f)
 {
     std::vector<unit_run> runs;
     for (const frame_unit& u : f.units) {
-        if (runs.empty() || runs.back().type != u.nal.nal_unit_type)
-            runs.push_back({u.nal.nal_unit_type, 0});
+        if (runs.empty() || runs.back().type != u.type)
+            runs.push_back({u.type, 0});
         ++runs.back().count;
     }
     return runs;
@@ -99,34 +106,35 @@ void print_totals(const frame_totals& totals)
 {
     fmt::print("{} frames, {} of them key frames, {} bytes, {}\n", totals.frames(), totals.key_frames(), totals.bytes(),
                bit_rate_text(totals.bit_rate()));
-    if (totals.joined_frames() > 0)
-        fmt::print(
-            "{} of the frames hold several pictures, joined by nothing but an equal frame_num; time and bit rates "
-            "are those of all {} pictures\n",
-            totals.joined_frames(), totals.pictures());
 }
 
 json frame_json(std::uint64_t number, const frame& f)
 {
     json units = json::array();
     for (const frame_unit& u : f.units)
-        units.push_back(static_cast<unsigned int>(u.nal.nal_unit_type));
+        units.push_back(static_cast<unsigned int>(u.type));
     json object = {{"record", "frame"},
                    {"number", number},
                    {"offset", f.offset},
                    {"size", f.size},
-                   {"key", is_key(f)},
-                   {"idr", has_idr(f)},
+                   {"key", f.key()},
+                   {"idr", f.idr},
                    {"recovery_frame_cnt", nullptr},
+                   {"poc", nullptr},
+                   {"output_number", nullptr},
                    {"slice_types", slice_types(f)},
-                   {"coded_pictures", coded_pictures(f)},
+                   {"coded_pictures", f.coded_pictures},
                    {"field_duration", f.field_duration},
                    {"seconds", nullptr},
                    {"nal_unit_types", std::move(units)},
                    {"cut", f.cut},
                    {"last", f.last}};
-    if (const auto count = recovery_frame_cnt(f))
-        object["recovery_frame_cnt"] = *count;
+    if (f.recovery_frame_cnt)
+        object["recovery_frame_cnt"] = *f.recovery_frame_cnt;
+    if (f.poc)
+        object["poc"] = *f.poc;
+    if (f.output_number)
+        object["output_number"] = *f.output_number;
     if (f.seconds)
         object["seconds"] = *f.seconds;
     return object;
@@ -134,16 +142,11 @@ json frame_json(std::uint64_t number, const frame& f)
 
 json totals_json(const frame_totals& totals)
 {
-    json object = {{"record", "summary"},
-                   {"frames", totals.frames()},
-                   {"key_frames", totals.key_frames()},
-                   {"joined_frames", totals.joined_frames()},
-                   {"pictures", totals.pictures()},
-                   {"coded_pictures", totals.coded_pictures()},
-                   {"bytes", totals.bytes()},
-                   {"seconds", nullptr},
-                   {"mean_bit_rate", nullptr},
-                   {"peak_bit_rate", nullptr}};
+    json object = {
+        {"record", "summary"},     {"frames", totals.frames()},   {"key_frames", totals.key_frames()},
+        {"joined_frames", 0},      {"pictures", totals.frames()}, {"coded_pictures", totals.coded_pictures()},
+        {"bytes", totals.bytes()}, {"seconds", nullptr},          {"mean_bit_rate", nullptr},
+        {"peak_bit_rate", nullptr}};
     const bit_rate_meter& rate = totals.bit_rate();
     if (rate.mean()) {
         object["seconds"] = rate.seconds();
@@ -191,13 +194,12 @@ private:
     void take_unit(const unit& u)
     {
         brenik::h264_nal_reader& reader = feeder.reader();
-        const brenik::h264_nal nal = reader.nal;
         if (u.cut)
             problems.add(u.offset, describe_cut(u));
         const walked_unit walked = walker.walk(reader);
         for (const std::string& problem : problems_of(walked))
             problems.add(u.offset, problem);
-        finder.add(make_frame_unit(u, nal, walked), {reader.nal_header, static_cast<std::size_t>(u.length)});
+        finder.add(u, {reader.nal_header, static_cast<std::size_t>(u.length)});
     }
 
     void show_found()
@@ -206,8 +208,7 @@ private:
         while (totals.frames() < options.limit && finder.next(f)) {
             if (f.cut)
                 problems.add(f.offset, describe_cut(f));
-            if (has_slice(f))
-                show(f);
+            show(f);
         }
     }
 

@@ -41,11 +41,10 @@ constexpr const char* frames =
     R"(Each line tells of one frame: its number, the byte offset of its first unit, its size, whether decoding can
 begin there (IDR, or a recovery point SEI message), the types of its slices, how many fields long it is shown,
 the same in seconds where the parameter sets tell the field rate, and the units that it holds. The closing line
-adds up. Frames end where an SEI, SPS, PPS, AUD, end of sequence or end of stream unit follows a slice, or
-frame_num changes; what holds no slice is no frame. Pictures that nothing of that kind separates stay together,
-and a line below the table says so: the time of a row is that of one picture, the closing line counts all of
-them. The two fields of a frame stay together unless --split-fields is given. The last frame ends with the
-input. The peak bit rate is that of the fullest second, counted from the start.
+adds up. A frame is a picture with the units that lead to it, as H.264 7.4.1.2.4 tells pictures apart; what holds
+no slice is no frame. Frames stand in decoding order; --json also has their number in output order and their
+picture order count. The two fields of a frame stay together unless --split-fields is given. The last frame ends
+with the input. The peak bit rate is that of the fullest second, counted from the start.
 
 Examples:
   orv-h264 frames movie.264

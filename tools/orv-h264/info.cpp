@@ -35,7 +35,7 @@ private:
             summary.problems.add(u.offset, describe_cut(u));
         const walked_unit walked = walker.walk(reader);
         summary.add(u, nal, walked);
-        finder.add(make_frame_unit(u, nal, walked), {reader.nal_header, static_cast<std::size_t>(u.length)});
+        finder.add(u, {reader.nal_header, static_cast<std::size_t>(u.length)});
         take_frames();
     }
 
@@ -44,8 +44,7 @@ private:
         for (frame f; finder.next(f);) {
             if (f.cut)
                 summary.problems.add(f.offset, describe_cut(f));
-            if (has_slice(f))
-                summary.add(f);
+            summary.add(f);
         }
     }
 

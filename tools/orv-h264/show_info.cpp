@@ -166,10 +166,7 @@ void print_frames(const frame_totals& frames)
         print_row("Bit rate",
                   fmt::format("mean {:.0f} bit/s{}", *mean, peak ? fmt::format(", peak {:.0f} bit/s", *peak) : ""));
     }
-    print_row("Frames", fmt::format("{}, {} of them key frames", frames.pictures(), frames.key_frames()));
-    if (frames.joined_frames() > 0)
-        print_row(
-            "", fmt::format("{} as the frame scan tells them apart, by frame_num and units between", frames.frames()));
+    print_row("Frames", fmt::format("{}, {} of them key frames", frames.frames(), frames.key_frames()));
     if (const auto distance = frames.key_distance())
         print_row("Key-frame distance",
                   fmt::format("{} to {} frames, mean {:.4g}", distance->least, distance->most, distance->mean));

@@ -104,8 +104,8 @@ json frames_json(const frame_totals& frames)
     const bit_rate_meter& rate = frames.bit_rate();
     json object = {{"count", frames.frames()},
                    {"key_frames", frames.key_frames()},
-                   {"joined_frames", frames.joined_frames()},
-                   {"pictures", frames.pictures()},
+                   {"joined_frames", 0},
+                   {"pictures", frames.frames()},
                    {"coded_pictures", frames.coded_pictures()},
                    {"key_frame_distance", nullptr},
                    {"seconds", rate.mean() ? json(rate.seconds()) : json()},

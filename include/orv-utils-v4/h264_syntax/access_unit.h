@@ -122,14 +122,16 @@ struct access_unit {
     bool field() const noexcept { return structure >= picture_structure::top_field; }
     /// Its slices are of this kind, and perhaps of others.
     bool has_slices(slice_kind kind) const noexcept { return (slice_kinds >> static_cast<unsigned>(kind) & 1) != 0; }
-    /// The first SEI message of this kind, or null.
+    /// The first SEI message of this kind that has bytes, or null.
     template <class Payload>
     const Payload* message() const noexcept
     {
         for (const access_unit_part& part : parts) {
             const sei_rbsp* const sei = part.content != nullptr ? std::get_if<sei_rbsp>(&part.content->rbsp) : nullptr;
             for (std::size_t i = 0; sei != nullptr && i < sei->sei_messages.size(); ++i) {
-                if (const auto* const payload = std::get_if<Payload>(&sei->sei_messages[i].payload))
+                const sei_message& message = sei->sei_messages[i];
+                if (const auto* const payload = std::get_if<Payload>(&message.payload);
+                    payload != nullptr && message.payload_size != 0)
                     return payload;
             }
         }
@@ -179,7 +181,7 @@ public:
     /// @param unit it
     /// @param to who takes the access units
     /// @param bytes_stay its bytes stay where they are until its access unit has been handed on, as those of a file in
-    ///     memory do: they are not copied
+    ///     memory do, or nobody looks at them then: they are not copied
     void push(const unit_place& unit, access_unit_sink& to, bool bytes_stay = false);
     /// The stream has ended, or what follows does not belong to it.
     void flush(access_unit_sink& to);
