@@ -107,7 +107,8 @@ TEST(StreamSlices, APartitionCWithoutItsBTakesThePpsOfItsA)
 
 TEST(StreamSlices, APartitionWithoutAnAFails)
 {
-    for (const unsigned char header : {0x63, 0x64}) {
+    constexpr unsigned char headers[] = {0x63, 0x64};
+    for (const unsigned char header : headers) {
         pushed_stream s;
         s.push({sps_unit(sps_data()), pps_unit()});
         s.push_bytes({header, 0xC0});
