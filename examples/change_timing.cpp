@@ -52,7 +52,7 @@ int main(int argc, char** argv)
     if (argc != 3)
         return 2;
     const bytes in(std::istreambuf_iterator<char>(std::cin), {});
-    rewriter to(std::atol(argv[1]), std::atol(argv[2]));
+    rewriter to(std::strtol(argv[1], nullptr, 10), std::strtol(argv[2], nullptr, 10));
     unit_splitter splitter(framing::annex_b);
     splitter.push(in.data(), in.size(), to);
     splitter.flush(to);

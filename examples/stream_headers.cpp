@@ -8,6 +8,8 @@
 
 using namespace orv_utils_v4::h264;
 
+static constexpr char kinds[] = "PBIPI"; // SP as P, SI as I
+
 class printer : public split_sink, public unit_sink {
 public:
     void unit(const split_unit& u) override { units.push({u.bytes, u.size, u.offset, 0}, *this); }
@@ -21,8 +23,8 @@ public:
         else if (const auto* const sps = std::get_if<seq_parameter_set_rbsp>(&reading.unit.rbsp))
             print(sps->seq_parameter_set_data);
         else if (const slice_header* const slice = slice_header_of(reading.unit))
-            std::printf("slice of kind %c, frame_num %u, pic_order_cnt_lsb %u\n", "PBIPI"[slice->slice_type % 5],
-                        slice -> frame_num, slice -> pic_order_cnt_lsb);
+            std::printf("slice of kind %c, frame_num %u, pic_order_cnt_lsb %u\n", kinds[slice->slice_type % 5],
+                        slice->frame_num, slice->pic_order_cnt_lsb);
         else if (const auto* const sei = std::get_if<sei_rbsp>(&reading.unit.rbsp))
             for (const sei_message& message : sei->sei_messages)
                 if (const auto* const timing = std::get_if<pic_timing>(&message.payload))

@@ -19,29 +19,18 @@ namespace {
 using fuzz::sample;
 using support::bytes;
 using support::element;
-using support::element_writer;
 using support::pick;
 using support::random_source;
 
 /// The sample, with one element of one of its structures set to another value.
 bytes with_one_changed(const sample& from, random_source& random)
 {
-    support::stream_builder made;
-    const std::size_t changed = pick(random, from.size());
-    for (std::size_t i = 0; i < from.size(); ++i) {
-        const element_writer& structure = from[i].structure;
-        bytes data = structure.made();
-        if (i == changed) {
-            const element& e = structure.elements()[pick(random, structure.elements().size())];
-            const std::vector<std::int64_t> limits = support::limits_of(e);
-            data = support::with_element(structure, e, limits[pick(random, limits.size())]);
-        }
-        if (from[i].length_size == 1 && data.size() > 255)
-            data.resize(255);
-        made.raw(from[i].before).prefix(from[i].length_size, static_cast<std::uint32_t>(data.size()));
-        made.raw(data).raw(from[i].behind);
-    }
-    return made;
+    const fuzz::part& changed = from[pick(random, from.size())];
+    const std::vector<element>& elements = changed.structure.elements();
+    const element& e = elements[pick(random, elements.size())];
+    const std::vector<std::int64_t> limits = support::limits_of(e);
+    const std::int64_t value = limits[pick(random, limits.size())];
+    return with_replaced(from, changed, support::with_element(changed.structure, e, value));
 }
 
 } // namespace

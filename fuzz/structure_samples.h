@@ -31,6 +31,20 @@ struct part {
 
 using sample = std::vector<part>;
 
+/// The sample, with other data in place of one of its structures.
+inline bytes with_replaced(const sample& from, const part& replaced, const bytes& data)
+{
+    stream_builder made;
+    for (const part& p : from) {
+        bytes structure = &p == &replaced ? data : p.structure.made();
+        if (p.length_size == 1 && structure.size() > 255)
+            structure.resize(255);
+        made.raw(p.before).prefix(p.length_size, static_cast<std::uint32_t>(structure.size()));
+        made.raw(structure).raw(p.behind);
+    }
+    return made;
+}
+
 constexpr std::size_t in_a_row = 1; // behind a byte of options
 
 inline part one_of_a_row(const element_writer& structure, const bytes& head = {})

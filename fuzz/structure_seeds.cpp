@@ -33,20 +33,6 @@ const std::map<std::string, std::vector<std::int64_t>> limits = {
     {"time_scale", {0}},
 };
 
-/// The sample, with other data in place of one of its structures.
-bytes with_replaced(const sample& from, const part& replaced, const bytes& data)
-{
-    stream_builder made;
-    for (const part& p : from) {
-        bytes structure = &p == &replaced ? data : p.structure.made();
-        if (p.length_size == 1 && structure.size() > 255)
-            structure.resize(255);
-        made.raw(p.before).prefix(p.length_size, static_cast<std::uint32_t>(structure.size()));
-        made.raw(structure).raw(p.behind);
-    }
-    return made;
-}
-
 /// Of elements of one name the first has the seeds; of codes the last is the one that is too long.
 void add_sample(seeds& to, const std::string& name, const sample& from)
 {

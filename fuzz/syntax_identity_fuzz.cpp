@@ -59,7 +59,7 @@ private:
     }
     static void check_framing(const bytes& data)
     {
-        if (data.empty() || (data[0] & 0x80) != 0) // the forbidden bit is not kept
+        if (data.empty())
             return;
         const exact_block block(data);
         const exact_block room(data.size() + data.size() / 2 + 40);

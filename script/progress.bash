@@ -4,7 +4,6 @@
 run_logged() {
     local log=$1
     shift
-    mkdir -p "$(dirname "$log")"
     if [ -t 1 ]; then
         "$@"
     elif ! "$@" >"$log" 2>&1; then

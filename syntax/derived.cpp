@@ -266,6 +266,7 @@ std::uint32_t MaxDpbFrames(const seq_parameter_set_data& sps) noexcept
     const level_limits* const limits = limits_of_level(sps);
     if (limits == nullptr)
         return most;
+    // NOLINTNEXTLINE(clang-analyzer-core.DivideZero): a picture has a macroblock at the least
     return static_cast<std::uint32_t>(std::min(most, limits->MaxDpbMbs / PicSizeInMbs(sps, false)));
 }
 

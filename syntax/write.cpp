@@ -78,27 +78,26 @@ std::size_t frame(const unsigned char* bytes, std::size_t size, unsigned prefix_
     constexpr std::size_t start_code = 3;
     if (size == 0 || prefix_size > 4)
         return 0;
-    brenik::h264_nal header;
-    header.decode_header(bytes[0]);
     // Always with a start code, so that zeros at the end are escaped in both framings (7.4.1).
     const unsigned zeros = prefix_size == 4 || (prefix_size == 0 && zero_byte) ? 1 : 0;
     brenik::h264_nal_writer nals(out, out, out + room, brenik::nalfmt_annexb);
     const std::size_t header_size = header_bytes(bytes, size);
     auto* const payload = const_cast<unsigned char*>(bytes + header_size); // it is only read
-    const std::size_t written = nals.block_encode(payload, size - header_size, header, zeros);
+    const brenik::h264_nal placeholder;
+    const std::size_t written = nals.block_encode(payload, size - header_size, placeholder, zeros);
     const std::size_t more_header = header_size - 1;
     if (written == 0 || room - written < more_header)
         return 0;
-    // The header has no emulation prevention: what follows its first byte is put in behind it.
-    unsigned char* const behind_first = out + start_code + zeros + 1;
-    std::memmove(behind_first + more_header, behind_first, written - start_code - zeros - 1);
-    std::memcpy(behind_first, bytes + 1, more_header);
+    // The header has no emulation prevention, whatever its bits: it takes the place of the writer's own byte.
+    unsigned char* const header = out + start_code + zeros;
+    std::memmove(header + header_size, header + 1, written - start_code - zeros - 1);
+    std::memcpy(header, bytes, header_size);
     if (prefix_size == 0)
         return written + more_header;
     const std::size_t length = written + more_header - start_code - zeros;
     if (prefix_size < sizeof length && length >> 8 * prefix_size != 0)
         return 0;
-    std::memmove(out + prefix_size, out + start_code + zeros, length);
+    std::memmove(out + prefix_size, header, length);
     put_prefix(out, prefix_size, length);
     return prefix_size + length;
 }

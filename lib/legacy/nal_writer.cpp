@@ -1,6 +1,6 @@
-// The NAL writer of the legacy interface, H.264 clause 7.3.1 and Annex B. It shares the byte search
-// and the loop that inserts emulation-prevention bytes (bytescan/) with the newer NAL writer, so neither is a check on
-// the other there: the tests hold each against a literal model of its own.
+// The NAL writer of the legacy interface, H.264 clause 7.3.1 and Annex B. It shares the byte search and the loop that
+// inserts emulation-prevention bytes (bytescan/) with the newer NAL writer, so neither is a check on the other there:
+// the tests hold each against a literal model of its own.
 #include <orv-utils-v4/h264_legacy/nal_writer.h>
 
 #include "bytescan/bytescan.h"

@@ -177,7 +177,7 @@ public:
     }
 
     void more_rbsp_data(bool& x) { set("more_rbsp_data", x, 0, 1); }
-    bool more_rbsp_data(std::size_t i, std::size_t size) { return !stopped && i < size; }
+    bool more_rbsp_data(std::size_t i, std::size_t size) const { return !stopped && i < size; }
     void stop_bit(label) {}
     void end_of_unit() {}
     void more_bits(bool&) {}

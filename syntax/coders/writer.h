@@ -24,7 +24,7 @@ public:
     writer(bit_writer& bits, outcome& to) : bw(bits), out(to) {}
 
     struct open_structure {
-        ~open_structure() {} // NOLINT(modernize-use-equals-default): so that nobody finds it unused
+        ~open_structure() {} // so that nobody finds it unused
     };
     open_structure structure(const char*) { return {}; }
 
@@ -170,7 +170,7 @@ public:
     }
 
     void more_rbsp_data(const bool&) {}
-    bool more_rbsp_data(std::size_t i, std::size_t size) { return !stopped && i < size; }
+    bool more_rbsp_data(std::size_t i, std::size_t size) const { return !stopped && i < size; }
     void stop_bit(label name) { f(1, name, 1); }
     void end_of_unit() {}
     void more_bits(const bool&) {}

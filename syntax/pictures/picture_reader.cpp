@@ -75,7 +75,7 @@ void picture_reader::state::keep_stamp(const timestamp& stamp)
 
 void picture_reader::state::unit(const split_unit& unit)
 {
-    const std::less_equal<const unsigned char*> not_behind; // the unit may lie elsewhere
+    const std::less_equal<> not_behind; // the unit may lie elsewhere
     const bool in_piece =
         piece_size != 0 && not_behind(piece, unit.bytes) && not_behind(unit.bytes + unit.size, piece + piece_size);
     units.push({unit.bytes, unit.size, unit.offset, number++}, *this, piece_stays && in_piece);

@@ -36,6 +36,8 @@ protected:
     std::vector<std::string> arguments(const std::string& path, const std::string& framing) const
     {
         std::vector<std::string> words = {GetParam(), path};
+        if (GetParam() == "inspect_tsv")
+            words = {"inspect", "--tsv", path};
         if (GetParam() == "convert")
             words.insert(words.end(), {out, "--to", "length4"});
         if (!framing.empty())
@@ -57,7 +59,7 @@ protected:
     std::string out = folder.path("out");
 };
 
-INSTANTIATE_TEST_SUITE_P(Subcommands, NoUnit, testing::Values("inspect", "frames", "info", "convert"),
+INSTANTIATE_TEST_SUITE_P(Subcommands, NoUnit, testing::Values("inspect", "inspect_tsv", "frames", "info", "convert"),
                          [](const auto& subcommand) { return subcommand.param; });
 
 } // namespace
@@ -102,6 +104,9 @@ TEST(NoUnitMessages, AreWholeLinesOfTheirOwn)
     EXPECT_EQ("orv-h264: standard input: offset 0: bytes before the first start code (3 bytes)\n"
               "orv-h264: standard input: offset 3: no NAL unit found\n",
               run_tool({"frames", "-"}, {.piped = bytes{'a', 'b', 'c'}}).err);
+    EXPECT_EQ("orv-h264: standard input: offset 0: bytes before the first start code (3 bytes)\n"
+              "orv-h264: standard input: offset 3: no NAL unit found\n",
+              run_tool({"inspect", "--tsv", "-"}, {.piped = bytes{'a', 'b', 'c'}}).err);
     EXPECT_EQ("orv-h264: standard input: offset 0: length prefix of 0 (4 bytes)\n"
               "orv-h264: standard input: offset 4: input ends inside a length prefix or right behind it (4 bytes)\n"
               "orv-h264: standard input: offset 8: no NAL unit found\n",

@@ -1,5 +1,6 @@
-// The two generations of NAL framing, which share no code, against each other: over real streams the newer reader and
-// the legacy scanner find the same units, and both writers write the same bytes. Where they part is told, too.
+// The two generations of NAL framing, which share only the loops over bytes (lib/bytescan), against each other: over
+// real streams the newer reader and the legacy scanner find the same units, and both writers write the same bytes.
+// Where they part is told, too.
 #include "support/both_framings.h"
 #include "support/guarded_buffer.h"
 #include "support/stream_builder.h"

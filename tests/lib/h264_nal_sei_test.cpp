@@ -20,42 +20,55 @@ bytes payload_of(const h264_nal_sei_reader& reader)
     return {reader.payload, reader.payload_fence};
 }
 
-TEST(SeiReader, ANewReaderHasNoMessage)
+/// A reader on the first message of bytes that end at an unmapped page.
+struct on_first_message : h264_nal_sei_reader {
+    explicit on_first_message(const bytes& rbsp) : data(rbsp)
+    {
+        set_ptr(data.begin(), data.end());
+        EXPECT_TRUE(next_message());
+    }
+
+    const support::guarded_buffer data;
+};
+
+/// As before any message of [ptr, fence).
+void expect_no_message(const h264_nal_sei_reader& reader, const unsigned char* ptr, const unsigned char* fence)
 {
-    h264_nal_sei_reader reader;
-    EXPECT_EQ(reader.ptr, nullptr);
-    EXPECT_EQ(reader.fence, nullptr);
+    EXPECT_EQ(reader.ptr, ptr);
+    EXPECT_EQ(reader.fence, fence);
     EXPECT_EQ(reader.message, nullptr);
     EXPECT_EQ(reader.payload, nullptr);
     EXPECT_EQ(reader.payload_fence, nullptr);
     EXPECT_EQ(reader.payloadType, 202U);
     EXPECT_EQ(reader.payloadSize, 0U);
     EXPECT_FALSE(reader.has_message);
+}
+
+TEST(SeiReader, ANewReaderHasNoMessage)
+{
+    h264_nal_sei_reader reader;
+    expect_no_message(reader, nullptr, nullptr);
     EXPECT_FALSE(reader.truncated);
     EXPECT_FALSE(reader.next_message());
 }
 
 TEST(SeiReader, AMessageIsTypeSizeAndPayloadAndTheTrailingBitsEndTheWalk)
 {
-    const support::guarded_buffer data(bytes{0x05, 0x02, 0xAA, 0xBB, 0x80});
-    h264_nal_sei_reader reader(data.begin(), data.end());
-    ASSERT_TRUE(reader.next_message());
+    on_first_message reader({0x05, 0x02, 0xAA, 0xBB, 0x80});
     EXPECT_TRUE(reader.has_message);
     EXPECT_FALSE(reader.truncated);
-    EXPECT_EQ(reader.message, data.begin());
+    EXPECT_EQ(reader.message, reader.data.begin());
     EXPECT_EQ(reader.payloadType, brenik::h264_nal_sei_payload_type_user_data_unregistered);
     EXPECT_EQ(reader.payloadSize, 2U);
     EXPECT_EQ(payload_of(reader), (bytes{0xAA, 0xBB}));
-    EXPECT_EQ(reader.ptr, data.end());
+    EXPECT_EQ(reader.ptr, reader.data.end());
     EXPECT_FALSE(reader.next_message());
     EXPECT_FALSE(reader.has_message);
 }
 
 TEST(SeiReader, TypesAbove255AreSums)
 {
-    const support::guarded_buffer data(bytes{0xFF, 0x0A, 0x01, 0x00, 0x80});
-    h264_nal_sei_reader reader(data.begin(), data.end());
-    ASSERT_TRUE(reader.next_message());
+    on_first_message reader({0xFF, 0x0A, 0x01, 0x00, 0x80});
     EXPECT_EQ(reader.payloadType, 265U);
     EXPECT_EQ(reader.payloadSize, 1U);
     EXPECT_EQ(payload_of(reader), bytes{0x00});
@@ -63,9 +76,7 @@ TEST(SeiReader, TypesAbove255AreSums)
 
 TEST(SeiReader, ASizeBeyondTheEndTruncatesThePayload)
 {
-    const support::guarded_buffer data(bytes{0x05, 10, 1, 2, 3});
-    h264_nal_sei_reader reader(data.begin(), data.end());
-    ASSERT_TRUE(reader.next_message());
+    on_first_message reader({0x05, 10, 1, 2, 3});
     EXPECT_TRUE(reader.truncated);
     EXPECT_EQ(reader.payloadSize, 10U);
     EXPECT_EQ(payload_of(reader), (bytes{1, 2, 3}));
@@ -77,9 +88,7 @@ TEST(SeiReader, ASizeBeyondTheEndTruncatesThePayload)
 
 TEST(SeiReader, APayloadThatEndsWithTheDataIsNotTruncated)
 {
-    const support::guarded_buffer data(bytes{0x05, 2, 1, 2});
-    h264_nal_sei_reader reader(data.begin(), data.end());
-    ASSERT_TRUE(reader.next_message());
+    on_first_message reader({0x05, 2, 1, 2});
     EXPECT_FALSE(reader.truncated);
     EXPECT_EQ(payload_of(reader), (bytes{1, 2}));
     EXPECT_EQ(reader.ptr, reader.fence);
@@ -87,9 +96,7 @@ TEST(SeiReader, APayloadThatEndsWithTheDataIsNotTruncated)
 
 TEST(SeiReader, MessagesFollowEachOther)
 {
-    const support::guarded_buffer data(bytes{0x01, 0x01, 0xAA, 0x06, 0x00, 0x00, 0x02, 0xBB, 0xCC, 0x80});
-    h264_nal_sei_reader reader(data.begin(), data.end());
-    ASSERT_TRUE(reader.next_message());
+    on_first_message reader({0x01, 0x01, 0xAA, 0x06, 0x00, 0x00, 0x02, 0xBB, 0xCC, 0x80});
     EXPECT_EQ(reader.payloadType, 1U);
     EXPECT_EQ(payload_of(reader), bytes{0xAA});
     ASSERT_TRUE(reader.next_message());
@@ -118,9 +125,7 @@ TEST(SeiReader, FewerThanTwoBytesAreNoMessageAndChangeOnlyTheFlags)
 
 TEST(SeiReader, ATypeThatReachesTheEndFailsAndKeepsTheTypeBefore)
 {
-    const support::guarded_buffer data(bytes{0x05, 0x00, 0xFF, 0xFF, 0xFF});
-    h264_nal_sei_reader reader(data.begin(), data.end());
-    ASSERT_TRUE(reader.next_message());
+    on_first_message reader({0x05, 0x00, 0xFF, 0xFF, 0xFF});
     EXPECT_FALSE(reader.next_message());
     EXPECT_FALSE(reader.has_message);
     EXPECT_EQ(reader.payloadType, 5U);
@@ -128,9 +133,7 @@ TEST(SeiReader, ATypeThatReachesTheEndFailsAndKeepsTheTypeBefore)
 
 TEST(SeiReader, ASizeThatReachesTheEndFailsBehindTheNewType)
 {
-    const support::guarded_buffer data(bytes{0x05, 0x00, 0x06, 0xFF});
-    h264_nal_sei_reader reader(data.begin(), data.end());
-    ASSERT_TRUE(reader.next_message());
+    on_first_message reader({0x05, 0x00, 0x06, 0xFF});
     EXPECT_FALSE(reader.next_message());
     EXPECT_FALSE(reader.has_message);
     EXPECT_EQ(reader.payloadType, 6U);
@@ -154,18 +157,9 @@ TEST(SeiReader, OnlyALoneStopByteIsSkipped)
 
 TEST(SeiReader, SetPtrStartsOverAndLeavesTruncatedAlone)
 {
-    const support::guarded_buffer data(bytes{0x05, 10, 1});
-    h264_nal_sei_reader reader(data.begin(), data.end());
-    ASSERT_TRUE(reader.next_message());
-    reader.set_ptr(data.begin(), data.end());
-    EXPECT_EQ(reader.ptr, data.begin());
-    EXPECT_EQ(reader.fence, data.end());
-    EXPECT_EQ(reader.message, nullptr);
-    EXPECT_EQ(reader.payload, nullptr);
-    EXPECT_EQ(reader.payload_fence, nullptr);
-    EXPECT_EQ(reader.payloadType, 202U);
-    EXPECT_EQ(reader.payloadSize, 0U);
-    EXPECT_FALSE(reader.has_message);
+    on_first_message reader({0x05, 10, 1});
+    reader.set_ptr(reader.data.begin(), reader.data.end());
+    expect_no_message(reader, reader.data.begin(), reader.data.end());
     EXPECT_TRUE(reader.truncated);
 }
 

@@ -46,7 +46,7 @@ public:
     void start_again() { stopped = false; }
 
     struct open_structure {
-        ~open_structure() {} // NOLINT(modernize-use-equals-default): so that nobody finds it unused
+        ~open_structure() {} // so that nobody finds it unused
     };
     open_structure structure(const char*) { return {}; }
     bool going() const { return !stopped; }
@@ -188,7 +188,7 @@ public:
     void run(const char*, unsigned, std::uint64_t& x) { x = draw(3); }
     void bytes_left(const char* name, std::vector<std::uint8_t>& x, std::uint32_t = 0)
     {
-        const bool rest_of_payload = std::string_view(name) == "payload_byte" && !forced.count("payload_byte");
+        const bool rest_of_payload = std::string_view(name) == "payload_byte" && !forced.contains("payload_byte");
         x.resize(rest_of_payload ? 0 : static_cast<std::size_t>(draw(4)));
         for (std::uint8_t& byte : x)
             byte = static_cast<std::uint8_t>(draw(255));

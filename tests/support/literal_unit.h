@@ -146,6 +146,14 @@ inline lines sei_of(std::uint32_t payload_type, const lines& payload)
     return unit_of(6, sei_message_of(payload_type, payload));
 }
 
+/// The elements of a nesting message with zero bits up to a byte, and a message behind them.
+inline lines with_nested_message(lines nesting)
+{
+    while (in_bits(nesting).bits() % 8 != 0)
+        nesting.push_back({"sei_nesting_zero_bit", f(1), 0});
+    return join(nesting, sei_message_of(147, {{"preferred_transfer_characteristics", u(8), 18}}));
+}
+
 /// What a trace tells, in the form of the lines above, as text.
 class told_lines : public visitor {
 public:
@@ -160,7 +168,7 @@ public:
         told.push_back(text_of(name, e.how, e.bit, e.bits, e.value, bytes));
         if (!e.inside)
             told.back() += " outside";
-        if (e.bytes == nullptr && e.how != coding::f && varying_ranges().count(e.name.name()) == 0) {
+        if (e.bytes == nullptr && e.how != coding::f && !varying_ranges().contains(e.name.name())) {
             EXPECT_EQ(range(e.lowest, e.highest), range_of(e)) << name;
         }
     }
@@ -168,7 +176,7 @@ public:
     static range range_of(const traced_element& e)
     {
         for (const auto& [narrow, names] : narrow_ranges()) {
-            if (names.count(e.name.name()) != 0)
+            if (names.contains(e.name.name()))
                 return narrow;
         }
         const std::int64_t half = std::int64_t{1} << (e.bits - 1);

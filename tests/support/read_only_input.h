@@ -15,7 +15,7 @@ namespace support {
 /// Room for one input, the next one in the place of the one before.
 class read_only_input {
 public:
-    static constexpr std::size_t room = 65536;
+    static constexpr std::size_t room = std::size_t{1} << 20;
 
     read_only_input()
     {

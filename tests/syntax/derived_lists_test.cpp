@@ -14,27 +14,27 @@ using namespace orv_utils_v4::h264;
 using values = std::vector<int>;
 
 /// The entries of a square matrix in the order of the zig-zag scan, clause 8.5.6.
-values zig_zag(const values& raster, int side)
+values zig_zag(const values& raster, std::size_t side)
 {
     values scanned;
-    for (int diagonal = 0; diagonal <= 2 * (side - 1); ++diagonal) {
-        for (int step = 0; step <= diagonal; ++step) {
-            const int row = diagonal % 2 == 0 ? diagonal - step : step;
-            const int column = diagonal - row;
+    for (std::size_t diagonal = 0; diagonal <= 2 * (side - 1); ++diagonal) {
+        for (std::size_t step = 0; step <= diagonal; ++step) {
+            const std::size_t row = diagonal % 2 == 0 ? diagonal - step : step;
+            const std::size_t column = diagonal - row;
             if (row < side && column < side)
-                scanned.push_back(raster[static_cast<std::size_t>(row * side + column)]);
+                scanned.push_back(raster[row * side + column]);
         }
     }
     return scanned;
 }
 
 /// All default matrices have equal entries along their diagonals, but for the second one of 8x8.
-values of_diagonals(const values& diagonals, int side, int middle_of_third)
+values of_diagonals(const values& diagonals, std::size_t side, int middle_of_third)
 {
     values raster;
-    for (int i = 0; i < side * side; ++i)
-        raster.push_back(diagonals[static_cast<std::size_t>(i / side + i % side)]);
-    raster[static_cast<std::size_t>(side) + 1] = middle_of_third;
+    for (std::size_t i = 0; i < side * side; ++i)
+        raster.push_back(diagonals[i / side + i % side]);
+    raster[side + 1] = middle_of_third;
     return zig_zag(raster, side);
 }
 

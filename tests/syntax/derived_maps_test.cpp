@@ -25,7 +25,7 @@ pic_parameter_set_rbsp groups(std::uint32_t number, std::uint32_t type)
 /// The groups of the map units, a row behind the other.
 std::string map_of(const pic_parameter_set_rbsp& pps, std::uint32_t slice_group_change_cycle = 0)
 {
-    std::vector<std::uint8_t> map(across * down, 9);
+    std::vector<std::uint8_t> map(std::size_t{across} * down, 9);
     EXPECT_TRUE(slice_group_map(sps_data(0, across, down), pps, slice_group_change_cycle, map.data(), map.size()));
     std::string rows;
     for (std::size_t i = 0; i < map.size(); ++i)
@@ -136,7 +136,7 @@ TEST(DerivedMaps, AMapThatIsSentIsTaken)
 
 TEST(DerivedMaps, WithoutRoomOrEntriesNothingIsWritten)
 {
-    std::vector<std::uint8_t> map(across * down, 9);
+    std::vector<std::uint8_t> map(std::size_t{across} * down, 9);
     const std::vector<std::uint8_t> untouched = map;
     const seq_parameter_set_data sps = sps_data(0, across, down);
     EXPECT_FALSE(slice_group_map(sps, groups(2, 1), 0, map.data(), map.size() - 1));

@@ -57,9 +57,10 @@ private:
     /// Each element that was sent, and each field: of what was not sent, 0.
     void hold(const std::string& what, const support::named_values& old)
     {
+        const std::string structure = what + ".";
         for (const auto& element : sent.values) {
             if (!old.names->contain(element.first))
-                shown.insert(what + "." + element.first + " is not read");
+                shown.insert(structure + element.first + " is not read");
         }
         for (const std::string& name : old.names->in_order) {
             if (made_up.contains(name) || is_list_content(name))
@@ -68,7 +69,7 @@ private:
             const support::value& then = old.at(name);
             now.entries.resize(std::max(now.entries.size(), then.entries.size()));
             if (!(then == now))
-                shown.insert(what + "." + name);
+                shown.insert(structure + name);
         }
     }
     void hold_list(const std::string& name, const brenik::h264_scaling_list& old, const scaling_list& now,

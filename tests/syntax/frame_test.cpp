@@ -73,6 +73,13 @@ TEST(Frame, EscapesStandRightBehindALongHeader)
     EXPECT_EQ(framed({0x67, 0, 0, 2}, 0), (bytes{0, 0, 1, 0x67, 0, 0, 3, 2}));
 }
 
+TEST(Frame, AHeaderWithTheForbiddenBitGoesOutAsItIs)
+{
+    EXPECT_EQ(framed({0xE7, 1, 0, 0, 1}, 0), (bytes{0, 0, 1, 0xE7, 1, 0, 0, 3, 1}));
+    EXPECT_EQ(framed({0x80}, 1), (bytes{1, 0x80}));
+    EXPECT_EQ(framed({0xF4, 0, 0, 0x01, 0x11}, 2), (bytes{0, 5, 0xF4, 0, 0, 0x01, 0x11}));
+}
+
 TEST(Frame, AHeaderThatIsCutIsFramedAsItIs)
 {
     EXPECT_EQ(framed({0x74}, 1), (bytes{1, 0x74}));

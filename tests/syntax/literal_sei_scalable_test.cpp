@@ -8,16 +8,6 @@ namespace {
 
 using namespace literal;
 
-const lines transfer = {{"preferred_transfer_characteristics", u(8), 18}};
-
-/// With zero bits up to a byte, and a message behind them.
-lines with_nested_message(lines nesting)
-{
-    while (in_bits(nesting).bits() % 8 != 0)
-        nesting.push_back({"sei_nesting_zero_bit", f(1), 0});
-    return join(nesting, sei_message_of(147, transfer));
-}
-
 /// Layer i up to its conditional elements; the flags in the table's order.
 lines layer_begins(std::size_t i, const std::vector<int>& flags)
 {

@@ -1,7 +1,6 @@
 // Units of every kind, cut behind each of their bytes: what is told is a prefix of what the whole unit tells, and the
 // loss is told. A cut unit ends at an unmapped page, so that a read past its end ends the program.
-#include "support/read_only_input.h"
-#include "support/traced_elements.h"
+#include "support/told_reading.h"
 #include "support/unit_maker.h"
 
 #include <gtest/gtest.h>
@@ -12,22 +11,6 @@ namespace {
 
 using namespace orv_utils_v4::h264;
 using bytes = std::vector<unsigned char>;
-
-struct told_reading {
-    nal_unit unit;
-    outcome result;
-    std::vector<kept_element> elements;
-};
-
-told_reading read_of(const bytes& unit, const unit_context& context)
-{
-    static support::read_only_input input;
-    told_reading r;
-    traced_elements listener;
-    trace(r.unit, input.put(unit), unit.size(), context, r.result, listener);
-    r.elements = std::move(listener.elements);
-    return r;
-}
 
 bool loss_is_told(const told_reading& r)
 {

@@ -1,6 +1,6 @@
 // Reading SEI units: a failure ends its payload alone, and what bounds messages and nesting.
-#include "support/read_only_input.h"
 #include "support/small_units.h"
+#include "support/told_reading.h"
 #include "support/unit_maker.h"
 
 #include <gtest/gtest.h>
@@ -17,17 +17,12 @@ struct sei_reading {
     outcome result;
 };
 
-/// Read from bytes that end at an unmapped page.
 sei_reading read_sei(const bytes& rbsp, const unit_context& context = {})
 {
-    static support::read_only_input input;
     bytes unit = {6};
     unit.insert(unit.end(), rbsp.begin(), rbsp.end());
-    nal_unit read_unit;
-    sei_reading r;
-    read(read_unit, input.put(unit), unit.size(), context, r.result);
-    r.messages = std::get<sei_rbsp>(read_unit.rbsp).sei_messages;
-    return r;
+    const told_reading r = read_of(unit, context);
+    return {std::get<sei_rbsp>(r.unit.rbsp).sei_messages, r.result};
 }
 
 const recovery_point& recovery(const sei_message& m)

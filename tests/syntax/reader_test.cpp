@@ -1,7 +1,6 @@
 // Reading: the first failure with its element, bit and reason; findings; what a unit ends with; SEI payloads.
-#include "support/read_only_input.h"
 #include "support/small_units.h"
-#include "support/traced_elements.h"
+#include "support/told_reading.h"
 #include "support/unit_maker.h"
 
 #include <gtest/gtest.h>
@@ -13,32 +12,6 @@ namespace {
 
 using namespace orv_utils_v4::h264;
 using bytes = std::vector<unsigned char>;
-
-struct reading {
-    nal_unit unit;
-    outcome result;
-    std::vector<kept_element> elements;
-};
-
-/// Read and traced, from bytes that end at an unmapped page.
-reading read_of(const bytes& unit, const unit_context& context = {})
-{
-    static support::read_only_input input;
-    const unsigned char* const start = input.put(unit);
-    reading r;
-    nal_unit silent;
-    outcome untold;
-    read(silent, start, unit.size(), context, untold);
-    traced_elements listener;
-    trace(r.unit, start, unit.size(), context, r.result, listener);
-    EXPECT_TRUE(silent == r.unit);
-    EXPECT_EQ(untold.failure.why, r.result.failure.why);
-    EXPECT_EQ(untold.failure.bit, r.result.failure.bit);
-    EXPECT_EQ(untold.finding_count, r.result.finding_count);
-    EXPECT_EQ(untold.bits, r.result.bits);
-    r.elements = listener.elements;
-    return r;
-}
 
 /// Bits as text, blanks left out, and zeros to the end of the byte.
 bytes from_bits(std::string text)
@@ -69,7 +42,7 @@ const std::string sps_before_cycle = "01100111 01001101 00000000 00011110 1 1 01
 
 TEST(Reader, ACountBeyondItsArrayFailsWithElementValueBitAndBound)
 {
-    const reading r = read_of(from_bits(sps_before_cycle + "00000000100101101" + std::string(100, '1')));
+    const told_reading r = read_of(from_bits(sps_before_cycle + "00000000100101101" + std::string(100, '1')));
     EXPECT_EQ(failure_of(r.result), "num_ref_frames_in_pic_order_cnt_cycle 300 at bit 40: more than 255");
     EXPECT_EQ(r.result.finding_count, 0U);
     EXPECT_EQ(r.elements.back().path,
@@ -84,9 +57,9 @@ TEST(Reader, ACountBeyondItsArrayFailsWithElementValueBitAndBound)
 
 TEST(Reader, ThirtyTwoZeroBitsAreNoCode)
 {
-    const reading r = read_of(from_bits(sps_before_cycle + std::string(32, '0') + std::string(40, '1')));
+    const told_reading r = read_of(from_bits(sps_before_cycle + std::string(32, '0') + std::string(40, '1')));
     EXPECT_EQ(failure_of(r.result), "num_ref_frames_in_pic_order_cnt_cycle 0 at bit 40: malformed Exp-Golomb code 0");
-    const reading cut = read_of(from_bits(sps_before_cycle + std::string(24, '0')));
+    const told_reading cut = read_of(from_bits(sps_before_cycle + std::string(24, '0')));
     EXPECT_EQ(failure_of(cut.result), "num_ref_frames_in_pic_order_cnt_cycle 0 at bit 40: the unit ends 0");
 }
 
@@ -98,7 +71,7 @@ TEST(Reader, TheLongestCodesAreRead)
     sps.offset_for_non_ref_pic = -0x7FFFFFFF;
     sps.offset_for_top_to_bottom_field = 0x7FFFFFFF;
     sps.pic_width_in_mbs_minus1 = 0xFFFFFFFE;
-    const reading r = read_of(written(unit, {}));
+    const told_reading r = read_of(written(unit, {}));
     EXPECT_EQ(failure_of(r.result), "");
     EXPECT_EQ(std::get<seq_parameter_set_rbsp>(r.unit.rbsp).seq_parameter_set_data.pic_width_in_mbs_minus1, 0xFFFFFFFE);
     EXPECT_EQ(std::get<seq_parameter_set_rbsp>(r.unit.rbsp).seq_parameter_set_data.offset_for_non_ref_pic, -0x7FFFFFFF);
@@ -117,7 +90,7 @@ TEST(Reader, AValueOutsideItsRangeIsStoredAndFoundAndReadingGoesOn)
     auto& sps = std::get<seq_parameter_set_rbsp>(unit.rbsp).seq_parameter_set_data;
     sps.max_num_ref_frames = 17;
     sps.reserved_zero_2bits = 2;
-    const reading r = read_of(written(unit, {}));
+    const told_reading r = read_of(written(unit, {}));
     EXPECT_EQ(failure_of(r.result), "");
     EXPECT_FALSE(r.result.sound());
     EXPECT_EQ(r.result.ending, ending::sound);
@@ -143,7 +116,7 @@ TEST(Reader, FindingsBeyondSixteenAreCounted)
         sps.lists[i / 16].delta_scale.grow();
         sps.lists[i / 16].delta_scale.back() = 257;
     }
-    const reading r = read_of(written(unit, {}));
+    const told_reading r = read_of(written(unit, {}));
     EXPECT_EQ(failure_of(r.result), "");
     EXPECT_EQ(r.result.finding_count, 32U);
     ASSERT_EQ(r.result.findings.size(), 16U);
@@ -160,8 +133,8 @@ TEST(Reader, AValueThatItsMemberCannotHoldFails)
     bytes head = written(unit, {}); // refused: the list is missing
     EXPECT_TRUE(head.empty());
     // id 0, chroma_format_idc 1, depths, flag, matrix, list 0: delta 40000
-    const reading r = read_of(from_bits("01100111 01100100 00000000 00011110 1 010 1 1 0 1 1" + std::string(16, '0') +
-                                        "10011100010000000" + std::string(80, '1')));
+    const told_reading r = read_of(from_bits("01100111 01100100 00000000 00011110 1 010 1 1 0 1 1" +
+                                             std::string(16, '0') + "10011100010000000" + std::string(80, '1')));
     EXPECT_EQ(failure_of(r.result), "delta_scale[0] 40000 at bit 41: more than 32767");
 }
 
@@ -183,7 +156,7 @@ TEST(Reader, EndingsAreToldApart)
 
 TEST(Reader, AMissingStopBitIsTold)
 {
-    const reading zero = read_of({0x09, 0x40});
+    const told_reading zero = read_of({0x09, 0x40});
     EXPECT_EQ(failure_of(zero.result), "");
     EXPECT_EQ(zero.result.ending, ending::no_stop_bit);
     ASSERT_EQ(zero.result.finding_count, 1U);
@@ -192,7 +165,7 @@ TEST(Reader, AMissingStopBitIsTold)
     nal_unit filler = unit_of(12, filler_data_rbsp{2});
     bytes cut = written(filler, {});
     cut.pop_back();
-    const reading none = read_of(cut);
+    const told_reading none = read_of(cut);
     EXPECT_EQ(failure_of(none.result), "rbsp_stop_one_bit 0 at bit 24: the unit ends 0");
     EXPECT_EQ(none.result.ending, ending::no_stop_bit);
 }
@@ -211,7 +184,7 @@ TEST(Reader, AMissingParameterSetIsNamedWithItsId)
               "pic_parameter_set_id 0 at bit 16: names a picture parameter set which is missing 0");
     s.sets.sps[0] = nullptr;
     s.pps.seq_parameter_set_id = 9;
-    const reading r = read_of(slice, s.context);
+    const told_reading r = read_of(slice, s.context);
     EXPECT_EQ(failure_of(r.result),
               "pic_parameter_set_id 9 at bit 16: names a sequence parameter set which is missing 0");
     EXPECT_EQ(slice_header_of(r.unit)->slice_type, 7U);
@@ -221,7 +194,7 @@ TEST(Reader, ForbiddenBitIsAFinding)
 {
     bytes unit = written(unit_of(9, access_unit_delimiter_rbsp{3}), {});
     unit[0] |= 0x80;
-    const reading r = read_of(unit);
+    const told_reading r = read_of(unit);
     EXPECT_EQ(failure_of(r.result), "");
     ASSERT_EQ(r.result.finding_count, 1U);
     EXPECT_STREQ(r.result.findings[0].element.name(), "forbidden_zero_bit");

@@ -1,7 +1,6 @@
 // What is made up and written is read back the same, from the same bits, for every kind of unit and SEI payload; and
 // what a trace tells covers every bit of it.
-#include "support/read_only_input.h"
-#include "support/traced_elements.h"
+#include "support/told_reading.h"
 #include "support/unit_maker.h"
 
 #include <gtest/gtest.h>
@@ -28,24 +27,17 @@ void check_round_trip(const nal_unit& unit, const unit_context& context)
     const std::vector<unsigned char> bytes = written(unit, context);
     ASSERT_FALSE(bytes.empty());
 
-    nal_unit again;
-    outcome result;
-    read(again, bytes.data(), bytes.size(), context, result);
+    const told_reading again = read_of(bytes, context);
+    const outcome& result = again.result;
     ASSERT_FALSE(result.failure) << result.failure.element.name() << ": " << text_of(result.failure.why) << " at bit "
                                  << result.failure.bit;
     EXPECT_EQ(result.finding_count, 0U) << result.findings[0].element.name() << " " << result.findings[0].value;
-    EXPECT_TRUE(again == unit);
-    EXPECT_EQ(written(again, context), bytes);
+    EXPECT_TRUE(again.unit == unit);
+    EXPECT_EQ(written(again.unit, context), bytes);
     EXPECT_TRUE(is_slice(unit.header.nal_unit_type) || result.ending == ending::sound);
 
-    nal_unit traced;
-    outcome how;
-    traced_elements trace_of;
-    trace(traced, bytes.data(), bytes.size(), context, how, trace_of);
-    EXPECT_TRUE(traced == again);
-    EXPECT_EQ(how.bits, result.bits);
     std::uint64_t bit = 0;
-    for (const kept_element& e : trace_of.elements) {
+    for (const kept_element& e : again.elements) {
         EXPECT_EQ(e.bit, bit) << e.path;
         EXPECT_GT(e.bits, 0U) << e.path;
         EXPECT_TRUE(e.inside) << e.path << " " << e.value;

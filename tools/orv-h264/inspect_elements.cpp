@@ -3,6 +3,7 @@
 #include "element_rows.h"
 #include "framing.h"
 #include "messages.h"
+#include "piece_feeder.h"
 #include "standard_output.h"
 
 #include <orv-utils-v4/h264_syntax.h>
@@ -61,7 +62,7 @@ public:
         splitter.flush(*this);
         stream.flush(*this);
         if (units == 0 && shown < options.limit)
-            problems.add(0, "no NAL unit found");
+            problems.add(window.offset(), describe(orv_h264::gap{gap_reason::no_unit, window.offset()}));
         write_output(rows.text);
         return problems.status();
     }

@@ -1,6 +1,7 @@
 /// @file
 /// Up to N entries in place: for lists that the standard bounds and that most units leave nearly empty. Making one
-/// touches nothing but its size.
+/// touches nothing but its size. A structure with such lists has an empty constructor for the same reason: where it is
+/// made with (), a defaulted one would clear their room.
 #pragma once
 
 #include <algorithm>
@@ -17,7 +18,7 @@ class bounded_list {
     static_assert(std::is_trivially_copyable<T>::value);
 
 public:
-    bounded_list() noexcept {} // NOLINT(modernize-use-equals-default): `= default` would clear the entries of T{}
+    bounded_list() noexcept {}
     /// A copy of the entries.
     bounded_list(const bounded_list& from) noexcept : count(from.count)
     {
@@ -26,8 +27,10 @@ public:
     /// A copy of the entries.
     bounded_list& operator=(const bounded_list& from) noexcept
     {
-        count = from.count;
-        std::copy(from.begin(), from.end(), begin()); // onto itself changes nothing
+        if (this != &from) {
+            count = from.count;
+            std::copy(from.begin(), from.end(), begin());
+        }
         return *this;
     }
 

@@ -120,7 +120,8 @@ ORV_UTILS_V4_EXPORT bool write_before_data(const nal_unit& unit, const unit_cont
                                            const unsigned char* old_bytes, std::size_t old_size,
                                            std::uint64_t old_data_bit, bit_writer& to, outcome& result) noexcept;
 
-/// Puts a unit into its framing, with emulation prevention, through the NAL writer.
+/// Puts a unit into its framing, with emulation prevention behind its header. The header goes out as it is, with a
+/// forbidden bit too.
 /// @param bytes the unit as write() gives it
 /// @param size how many
 /// @param prefix_size 1 to 4 for a length prefix, 0 for Annex B

@@ -78,7 +78,7 @@ struct outcome {
     /// Behind the last element that was read: of a slice, the first bit of its data (cabac_alignment_one_bits read).
     std::uint64_t bits = 0;
 
-    outcome() noexcept {} // NOLINT(modernize-use-equals-default): `= default` would clear the room of lists
+    outcome() noexcept {}
     /// Nothing failed, and no value lies outside of its range.
     bool sound() const noexcept { return !failure && finding_count == 0; }
 };

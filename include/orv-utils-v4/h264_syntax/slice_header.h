@@ -32,8 +32,7 @@ struct ref_pic_list_modification {
     bool ref_pic_list_modification_flag_l1 = false;
     bounded_list<pic_num_modification, most_modifications> l1;
 
-    ref_pic_list_modification() noexcept {
-    } // NOLINT(modernize-use-equals-default): `= default` would clear the room of lists
+    ref_pic_list_modification() noexcept {}
 
     friend ORV_UTILS_V4_EXPORT bool operator==(const ref_pic_list_modification&, const ref_pic_list_modification&);
 };
@@ -59,7 +58,7 @@ struct pred_weight_table {
     bounded_list<prediction_weight, most_weights> l0;
     bounded_list<prediction_weight, most_weights> l1;
 
-    pred_weight_table() noexcept {} // NOLINT(modernize-use-equals-default): `= default` would clear the room of lists
+    pred_weight_table() noexcept {}
 
     friend ORV_UTILS_V4_EXPORT bool operator==(const pred_weight_table&, const pred_weight_table&);
 };
@@ -85,7 +84,7 @@ struct dec_ref_pic_marking {
     bool adaptive_ref_pic_marking_mode_flag = false;
     bounded_list<marking_operation, most_operations> operations;
 
-    dec_ref_pic_marking() noexcept {} // NOLINT(modernize-use-equals-default): `= default` would clear the room of lists
+    dec_ref_pic_marking() noexcept {}
 
     friend ORV_UTILS_V4_EXPORT bool operator==(const dec_ref_pic_marking&, const dec_ref_pic_marking&);
 };
@@ -123,7 +122,7 @@ struct slice_header {
     /// What slice_type stands for; of a value above 9 that of its remainder.
     slice_kind kind() const noexcept { return static_cast<slice_kind>(slice_type % 5); }
 
-    slice_header() noexcept {} // NOLINT(modernize-use-equals-default): `= default` would clear the room of lists
+    slice_header() noexcept {}
 
     friend ORV_UTILS_V4_EXPORT bool operator==(const slice_header&, const slice_header&);
 };
@@ -132,8 +131,7 @@ struct slice_header {
 struct slice_layer_without_partitioning_rbsp {
     h264::slice_header slice_header;
 
-    slice_layer_without_partitioning_rbsp() noexcept {
-    } // NOLINT(modernize-use-equals-default): `= default` would clear the room of lists
+    slice_layer_without_partitioning_rbsp() noexcept {}
 
     friend ORV_UTILS_V4_EXPORT bool operator==(const slice_layer_without_partitioning_rbsp&,
                                                const slice_layer_without_partitioning_rbsp&);
@@ -144,8 +142,7 @@ struct slice_data_partition_a_layer_rbsp {
     h264::slice_header slice_header;
     std::uint32_t slice_id = 0;
 
-    slice_data_partition_a_layer_rbsp() noexcept {
-    } // NOLINT(modernize-use-equals-default): `= default` would clear the room of lists
+    slice_data_partition_a_layer_rbsp() noexcept {}
 
     friend ORV_UTILS_V4_EXPORT bool operator==(const slice_data_partition_a_layer_rbsp&,
                                                const slice_data_partition_a_layer_rbsp&);

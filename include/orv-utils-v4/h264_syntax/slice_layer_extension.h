@@ -29,8 +29,7 @@ struct dec_ref_base_pic_marking {
     bool adaptive_ref_base_pic_marking_mode_flag = false;
     bounded_list<base_marking_operation, most_operations> operations;
 
-    dec_ref_base_pic_marking() noexcept {
-    } // NOLINT(modernize-use-equals-default): `= default` would clear the room of lists
+    dec_ref_base_pic_marking() noexcept {}
 
     friend ORV_UTILS_V4_EXPORT bool operator==(const dec_ref_base_pic_marking&, const dec_ref_base_pic_marking&);
 };
@@ -92,8 +91,7 @@ struct slice_header_in_scalable_extension {
     /// EP, EB and EI as P, B and I. Types 3, 4, 8 and 9 are none of them.
     slice_kind kind() const noexcept { return static_cast<slice_kind>(slice_type % 5); }
 
-    slice_header_in_scalable_extension() noexcept {
-    } // NOLINT(modernize-use-equals-default): `= default` would clear the room of lists
+    slice_header_in_scalable_extension() noexcept {}
 
     friend ORV_UTILS_V4_EXPORT bool operator==(const slice_header_in_scalable_extension&,
                                                const slice_header_in_scalable_extension&);
@@ -141,8 +139,7 @@ struct slice_header_in_3davc_extension {
     /// What slice_type stands for; of a value above 9 that of its remainder.
     slice_kind kind() const noexcept { return static_cast<slice_kind>(slice_type % 5); }
 
-    slice_header_in_3davc_extension() noexcept {
-    } // NOLINT(modernize-use-equals-default): `= default` would clear the room of lists
+    slice_header_in_3davc_extension() noexcept {}
 
     friend ORV_UTILS_V4_EXPORT bool operator==(const slice_header_in_3davc_extension&,
                                                const slice_header_in_3davc_extension&);
@@ -153,8 +150,7 @@ struct slice_layer_extension_rbsp {
     /// Which one the NAL unit header says: slice_header in other views, unless they are of 3D-AVC.
     std::variant<slice_header, slice_header_in_scalable_extension, slice_header_in_3davc_extension> header;
 
-    slice_layer_extension_rbsp() noexcept {
-    } // NOLINT(modernize-use-equals-default): `= default` would clear the room of lists
+    slice_layer_extension_rbsp() noexcept {}
 
     friend ORV_UTILS_V4_EXPORT bool operator==(const slice_layer_extension_rbsp&, const slice_layer_extension_rbsp&);
 };
@@ -167,7 +163,7 @@ struct prefix_nal_unit_svc {
     bool trailing_bits_sent = false; ///< with nal_ref_idc 0: the RBSP is not empty; no element
     std::vector<bool> additional_prefix_nal_unit_extension_data_flag; ///< each as it was sent
 
-    prefix_nal_unit_svc() noexcept {} // NOLINT(modernize-use-equals-default): `= default` would clear the room of lists
+    prefix_nal_unit_svc() noexcept {}
 
     friend ORV_UTILS_V4_EXPORT bool operator==(const prefix_nal_unit_svc&, const prefix_nal_unit_svc&);
 };
@@ -176,8 +172,7 @@ struct prefix_nal_unit_svc {
 struct prefix_nal_unit_rbsp {
     h264::prefix_nal_unit_svc prefix_nal_unit_svc;
 
-    prefix_nal_unit_rbsp() noexcept {
-    } // NOLINT(modernize-use-equals-default): `= default` would clear the room of lists
+    prefix_nal_unit_rbsp() noexcept {}
 
     friend ORV_UTILS_V4_EXPORT bool operator==(const prefix_nal_unit_rbsp&, const prefix_nal_unit_rbsp&);
 };

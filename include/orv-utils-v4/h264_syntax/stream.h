@@ -76,7 +76,7 @@ public:
     stream& operator=(stream&&) noexcept;
 
     /// The next unit.
-    void push(const unit_place& unit, unit_sink& to);
+    void push(const unit_place& place, unit_sink& to);
     /// What is kept back is read with what is active: the stream has ended, or what follows does not belong to it.
     void flush(unit_sink& to);
 

@@ -8,7 +8,7 @@
 namespace orv_utils_v4::h264 {
 
 /// 180 degrees in units of 2^-16.
-constexpr std::int64_t half_turn = 180 * 65536;
+constexpr std::int64_t half_turn = std::int64_t{180} * 65536;
 
 // H.264 D.1, payload 150
 template <class Coder>

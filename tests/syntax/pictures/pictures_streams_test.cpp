@@ -19,7 +19,8 @@ TEST_P(PicturesStream, AreTheSameWhateverThePieces)
     const bytes stream = read_file(GetParam());
     const told_pictures whole = told_of(stream);
     ASSERT_FALSE(whole.output_order.empty());
-    for (const std::size_t piece : {1, 7, 188, 1400}) {
+    constexpr std::size_t pieces[] = {1, 7, 188, 1400};
+    for (const std::size_t piece : pieces) {
         const told_pictures cut = told_of(stream, piece);
         EXPECT_EQ(cut.lines(), whole.lines()) << "pieces of " << piece;
         ASSERT_EQ(cut.access_units.size(), whole.access_units.size());
