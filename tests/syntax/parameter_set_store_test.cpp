@@ -201,8 +201,20 @@ TEST_F(ParameterSetStore, AnSpsThatChangesTakesItsExtensionAway)
 
 TEST_F(ParameterSetStore, APpsBeforeItsSpsIsKeptInEitherForm)
 {
-    EXPECT_EQ(push(pps_with_lists(3)), how::added);
-    EXPECT_EQ(push(pps_with_lists(1)), how::changed);
+    for (const std::uint32_t chroma_format_idc : {3U, 1U}) {
+        const bytes set = pps_with_lists(chroma_format_idc);
+        EXPECT_EQ(push(set), chroma_format_idc == 3 ? how::added : how::changed);
+        bytes endless = set;
+        endless.insert(endless.end(), {0xFF, 0xFF});
+        EXPECT_EQ(push(endless), how::damaged) << "so the end of the one before was found, and this one has none";
+    }
+}
+
+TEST_F(ParameterSetStore, TakesTheUnitsOfAStream)
+{
+    const bytes unit = sps_bytes();
+    EXPECT_EQ(store.push(unit_place{unit.data(), unit.size(), 4, 0}), how::added);
+    EXPECT_EQ(all(), unit_list{unit});
 }
 
 TEST_F(ParameterSetStore, APpsIsReadWithItsSps)
