@@ -10,35 +10,30 @@
 using namespace orv_utils_v4::h264;
 using bytes = std::vector<unsigned char>;
 
-// A file tells where each sample ends. Here the next one does: by first_mb_in_slice 0, or what stands before a slice.
-struct annex_b_writer : split_sink {
+// A file tells where each sample ends; here its access unit does.
+struct annex_b_writer : split_sink, access_unit_sink {
     void unit(const split_unit& u) override
     {
-        const unsigned type = u.bytes[0] & 0x1F;
-        const bool slice = type == 1 || type == 2 || type == 5;
-        if (slice_came && (slice ? u.size > 1 && u.bytes[1] >= 0x80 : type >= 6 && type <= 9))
-            end_picture();
-        slice_came = slice_came || slice;
         whole = whole && !u.cut;
-        if (!u.cut)
-            picture.push_back({u.bytes, u.size}); // it stays where it is: the samples are pushed in one piece
+        units.push({u.bytes, u.size, u.offset, 0}, *this);
     }
     void gap(const split_gap&) override { whole = false; }
-    void end_picture()
+    void take(const access_unit& picture) override
     {
-        constexpr in_band_sets how = in_band_sets::before_idr;
-        const unit_view* const units = picture.data();
-        bytes out(sets.write_picture(units, picture.size(), framing::annex_b, how, nullptr, 0).bytes);
-        sets.write_picture(units, picture.size(), framing::annex_b, how, out.data(), out.size());
+        const auto write = [&](unsigned char* out, std::size_t room) {
+            return sets.write_picture(picture, framing::annex_b, in_band_sets::before_idr, out, room).bytes;
+        };
+        bytes out(write(nullptr, 0));
+        write(out.data(), out.size());
         std::cout.write(reinterpret_cast<const char*>(out.data()), static_cast<std::streamsize>(out.size()));
-        picture.clear();
-        slice_came = false;
     }
-
+    access_units units;
     parameter_set_store sets;
-    std::vector<unit_view> picture;
-    bool slice_came = false;
     bool whole = true;
+};
+
+struct nobody : access_unit_sink {
+    void take(const access_unit&) override {}
 };
 
 static bytes content(const char* name)
@@ -47,9 +42,9 @@ static bytes content(const char* name)
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-static int fail(const char* name, const char* problem)
+static int fail(const char* what, const char* why)
 {
-    std::cerr << name << ": " << problem << '\n';
+    std::cerr << what << ": " << why << '\n';
     return 1;
 }
 
@@ -64,11 +59,15 @@ int main(int argc, char** argv)
     if (!result.sound())
         return fail(result.element.name(), text_of(result.why));
     annex_b_writer writer;
+    nobody ignores;
     if (writer.sets.push(record) != 0)
         return fail(argv[1], "a parameter set cannot be read");
+    for (const unit_view& set : writer.sets.all())
+        writer.units.push({set.bytes, set.size, 0, 0}, ignores);
+    writer.units.flush(ignores); // the access units are read with the sets, which belong to none
     unit_splitter splitter(static_cast<framing>(record.lengthSizeMinusOne + 1));
     splitter.push(samples.data(), samples.size(), writer);
     splitter.flush(writer);
-    writer.end_picture();
+    writer.units.flush(writer);
     return writer.whole ? 0 : fail(argv[2], "not all of it is units");
 }

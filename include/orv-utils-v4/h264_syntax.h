@@ -1,7 +1,7 @@
 /// @file
 /// The syntax library whole: the header syntax of H.264 as structures, read, traced, written and edited by one text
-/// each; the stream, which keeps parameter sets; the unit splitter in front of it; parameter sets to hand out, and the
-/// decoder configuration record that has them in files.
+/// each; the stream, which keeps parameter sets; the unit splitter in front of it; access units and pictures behind it;
+/// parameter sets to hand out, and the decoder configuration record that has them in files.
 #pragma once
 
 #include <orv-utils-v4/h264_syntax/decoder_configuration.h>
@@ -9,5 +9,6 @@
 #include <orv-utils-v4/h264_syntax/nal_unit.h>
 #include <orv-utils-v4/h264_syntax/parameter_set_store.h>
 #include <orv-utils-v4/h264_syntax/picture_size.h>
+#include <orv-utils-v4/h264_syntax/pictures.h>
 #include <orv-utils-v4/h264_syntax/stream.h>
 #include <orv-utils-v4/h264_syntax/unit_splitter.h>

@@ -1,4 +1,5 @@
 // Parameter sets and whole pictures in a framing, with those in force before IDR pictures.
+#include <orv-utils-v4/h264_syntax/access_unit.h>
 #include <orv-utils-v4/h264_syntax/parameter_set_store.h>
 
 #include "pictures/set_reading.h"
@@ -6,6 +7,15 @@
 #include <algorithm>
 
 namespace orv_utils_v4::h264 {
+
+/// The units of a picture, wherever they are told.
+struct unit_row {
+    const void* first;
+    std::size_t count;
+    unit_view (*view)(const void* first, std::size_t i);
+
+    unit_view operator[](std::size_t i) const noexcept { return view(first, i); }
+};
 
 namespace {
 
@@ -100,22 +110,58 @@ private:
     unsigned char sps_of_pps[parameter_sets::pps_ids] = {}; // its seq_parameter_set_id + 1; 0 is no PPS
 };
 
-/// The place of the first slice.
-const unit_view* find_slice(const unit_view* units, const unit_view* fence) noexcept
+unit_row row_of(const unit_view* units, std::size_t count) noexcept
 {
-    return std::find_if(units, fence, [](const unit_view& unit) { return is_slice(unit.type()); });
+    return {units, count, [](const void* first, std::size_t i) { return static_cast<const unit_view*>(first)[i]; }};
+}
+
+unit_row row_of(const access_unit& unit) noexcept
+{
+    return {unit.parts.data(), unit.parts.size(), [](const void* first, std::size_t i) {
+                const unit_place& place = static_cast<const access_unit_part*>(first)[i].place;
+                return unit_view{place.bytes, place.size};
+            }};
+}
+
+bool carries_its_sets(const unit_row& units) noexcept
+{
+    sets_so_far sets;
+    for (std::size_t i = 0; i < units.count; ++i) {
+        if (is_kept_set(units[i].type()))
+            sets.take(units[i]);
+        else if (is_slice(units[i].type()) && !sets.suffice(units[i]))
+            return false;
+    }
+    return true;
+}
+
+/// The place of the first slice.
+std::size_t find_slice(const unit_row& units) noexcept
+{
+    std::size_t i = 0;
+    while (i < units.count && !is_slice(units[i].type()))
+        ++i;
+    return i;
+}
+
+bool has_idr_slice(const unit_row& units) noexcept
+{
+    std::size_t i = 0;
+    while (i < units.count && units[i].type() != idr_type)
+        ++i;
+    return i < units.count;
 }
 
 } // namespace
 
 bool carries_its_sets(const unit_view* units, std::size_t count) noexcept
 {
-    sets_so_far sets;
-    return std::all_of(units, units + count, [&](const unit_view& unit) {
-        if (is_kept_set(unit.type()))
-            sets.take(unit);
-        return !is_slice(unit.type()) || sets.suffice(unit);
-    });
+    return carries_its_sets(row_of(units, count));
+}
+
+bool carries_its_sets(const access_unit& unit) noexcept
+{
+    return carries_its_sets(row_of(unit));
 }
 
 framed_size write(const parameter_set_list& sets, framing how, unsigned char* out, std::size_t room) noexcept
@@ -140,30 +186,41 @@ bool parameter_set_store::stood_for(const unit_view& unit, in_band_sets sets) no
     return unit.type() != subset_sps_type && !spss[kept->sps_id].bytes.empty();
 }
 
+framed_size parameter_set_store::write_row(const unit_row& units, framing how, in_band_sets sets, unsigned char* out,
+                                           std::size_t room) noexcept
+{
+    const std::size_t slices = find_slice(units);
+    for (std::size_t i = 0; i < slices; ++i)
+        push(units[i]);
+    const bool put_in = sets == in_band_sets::before_idr && has_idr_slice(units) && !carries_its_sets(units);
+
+    unit_framer framer(how, out, room);
+    std::size_t i = 0;
+    for (; i < units.count && (units[i].size == 0 || units[i].type() == delimiter_type); ++i)
+        framer.put(units[i]);
+    if (put_in)
+        framer.put(all());
+    for (; i < units.count; ++i) {
+        const bool elsewhere = sets == in_band_sets::left_out || (put_in && i < slices);
+        if (!elsewhere || !stood_for(units[i], sets))
+            framer.put(units[i]);
+    }
+    const framed_size size = framer.end();
+    for (i = slices; i < units.count && size.why == reason::none; ++i)
+        push(units[i]);
+    return size;
+}
+
 framed_size parameter_set_store::write_picture(const unit_view* units, std::size_t count, framing how,
                                                in_band_sets sets, unsigned char* out, std::size_t room) noexcept
 {
-    const unit_view* const fence = units + count;
-    const unit_view* const slices = find_slice(units, fence);
-    std::for_each(units, slices, [&](const unit_view& unit) { push(unit); });
-    const bool idr = std::any_of(slices, fence, [](const unit_view& unit) { return unit.type() == idr_type; });
-    const bool put_in = sets == in_band_sets::before_idr && idr && !carries_its_sets(units, count);
+    return write_row(row_of(units, count), how, sets, out, room);
+}
 
-    unit_framer framer(how, out, room);
-    const unit_view* unit = units;
-    for (; unit != fence && (unit->size == 0 || unit->type() == delimiter_type); ++unit)
-        framer.put(*unit);
-    if (put_in)
-        framer.put(all());
-    for (; unit != fence; ++unit) {
-        const bool elsewhere = sets == in_band_sets::left_out || (put_in && unit < slices);
-        if (!elsewhere || !stood_for(*unit, sets))
-            framer.put(*unit);
-    }
-    const framed_size size = framer.end();
-    if (size.why == reason::none)
-        std::for_each(slices, fence, [&](const unit_view& behind) { push(behind); });
-    return size;
+framed_size parameter_set_store::write_picture(const access_unit& unit, framing how, in_band_sets sets,
+                                               unsigned char* out, std::size_t room) noexcept
+{
+    return write_row(row_of(unit), how, sets, out, room);
 }
 
 } // namespace orv_utils_v4::h264

@@ -1,6 +1,7 @@
 // The stream: stores of parameter sets, activation, and the units kept back until it is known what they are read with.
 #include <orv-utils-v4/h264_syntax/stream.h>
 
+#include "hidden.h"
 #include "unit_bytes.h"
 
 #include <algorithm>
@@ -63,7 +64,7 @@ bool make_room(std::vector<unsigned char>& bytes, std::size_t size)
 
 } // namespace
 
-struct stream::state {
+struct ORV_UTILS_V4_HIDDEN stream::state {
     struct held_unit {
         unit_place place; // bytes: null; they lie in held_bytes from `begin` on
         std::size_t begin;

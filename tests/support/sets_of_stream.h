@@ -4,7 +4,6 @@
 
 #include "support/small_units.h"
 #include "support/stream_files.h"
-#include "support/unit_maker.h"
 
 #include <vector>
 
@@ -24,7 +23,13 @@ inline bytes escaped(const bytes& unit)
 
 inline bytes unit_bytes(const h264::nal_unit& unit, const h264::unit_context& context = {})
 {
-    return escaped(h264::written(unit, context));
+    bytes out(4096);
+    h264::bit_writer writer(out.data(), out.size());
+    h264::outcome result;
+    if (!h264::write(unit, context, writer, result))
+        throw result.failure;
+    out.resize(static_cast<std::size_t>(writer.bytes()));
+    return escaped(out);
 }
 inline bytes sps_bytes(const h264::seq_parameter_set_data& data = h264::sps_data())
 {
@@ -80,25 +85,25 @@ inline unit_list units_in(const bytes& stream, h264::framing how = h264::framing
     return units.all;
 }
 
-/// A stream of frames whose slices are in order, cut where each begins: at a slice with first_mb_in_slice 0, or what
-/// stands before it.
+/// The units of each access unit of a stream.
 inline std::vector<unit_list> pictures_of(const unit_list& units)
 {
-    std::vector<unit_list> pictures;
-    bool slice_came = true;
-    for (const bytes& unit : units) {
-        const unsigned type = unit[0] & 0x1FU;
-        const bool slice = type == 1 || type == 5;
-        const bool begins = (slice && unit.size() > 1 && (unit[1] & 0x80) != 0) || (type >= 6 && type <= 9);
-        if (slice_came && begins) {
-            pictures.emplace_back();
-            slice_came = false;
+    class collected : public h264::access_unit_sink {
+    public:
+        void take(const h264::access_unit& unit) override
+        {
+            all.emplace_back();
+            for (const h264::access_unit_part& part : unit.parts)
+                all.back().emplace_back(part.place.bytes, part.place.bytes + part.place.size);
         }
-        slice_came = slice_came || slice;
-        if (!pictures.empty())
-            pictures.back().push_back(unit);
-    }
-    return pictures;
+        std::vector<unit_list> all;
+    };
+    collected pictures;
+    h264::access_units reader;
+    for (const bytes& unit : units)
+        reader.push({unit.data(), unit.size(), 0, 0}, pictures);
+    reader.flush(pictures);
+    return pictures.all;
 }
 
 } // namespace support

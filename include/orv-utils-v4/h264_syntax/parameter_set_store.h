@@ -16,6 +16,9 @@
 
 namespace orv_utils_v4::h264 {
 
+struct access_unit;
+struct unit_row;
+
 /// Parameter sets in the order in which they are written: the SPSs by id, each with its extension behind it, the subset
 /// SPSs by id, the PPSs by id.
 using parameter_set_list = bounded_list<unit_view, 3 * parameter_sets::sps_ids + parameter_sets::pps_ids>;
@@ -86,6 +89,9 @@ public:
     /// @return with no_room the size that it takes; the same call with more room goes on as if this one had not been
     framed_size write_picture(const unit_view* units, std::size_t count, framing how, in_band_sets sets,
                               unsigned char* out, std::size_t room) noexcept;
+    /// The same of an access unit.
+    framed_size write_picture(const access_unit& unit, framing how, in_band_sets sets, unsigned char* out,
+                              std::size_t room) noexcept;
 
 private:
     struct kept_set {
@@ -99,6 +105,8 @@ private:
     set_arrival keep(const unit_view& unit);
     set_arrival read_set(const unit_view& unit, std::uint32_t& id, kept_set& as) const;
     bool stood_for(const unit_view& unit, in_band_sets sets) noexcept;
+    framed_size write_row(const unit_row& units, framing how, in_band_sets sets, unsigned char* out,
+                          std::size_t room) noexcept;
     parameter_set_list listed(std::uint32_t lowest_sps, std::uint32_t highest_sps) const noexcept;
 
     kept_set spss[parameter_sets::sps_ids];
@@ -114,6 +122,8 @@ private:
 /// @param count how many
 /// @return true where nothing is needed, too
 ORV_UTILS_V4_EXPORT bool carries_its_sets(const unit_view* units, std::size_t count) noexcept;
+/// The same of an access unit.
+ORV_UTILS_V4_EXPORT bool carries_its_sets(const access_unit& unit) noexcept;
 
 /// Makes the record that goes with these parameter sets, by ISO/IEC 14496-15 clause 5.3.3.1.1: the profile, chroma
 /// format, bit depths and colour description are those of all SPSs, else there is no one record for them; a

@@ -227,6 +227,25 @@ TEST_F(SetsInFraming, AsFoundNothingChanges)
         EXPECT_EQ(picture(units, in_band_sets::as_found), units);
 }
 
+TEST_F(SetsInFraming, AnAccessUnitIsWrittenAsItsUnits)
+{
+    const unit_list units = {delimiter, message, slice()};
+    const unit_list set_units = {sps_bytes(), pps_bytes()};
+    push(set_units);
+    access_unit picture_of_units;
+    for (const bytes& unit : units) {
+        picture_of_units.parts.emplace_back();
+        picture_of_units.parts.back().place = {unit.data(), unit.size(), 0, 0};
+    }
+    EXPECT_FALSE(carries_its_sets(picture_of_units));
+    bytes out(200);
+    const framed_size size =
+        store.write_picture(picture_of_units, framing::length_4, in_band_sets::before_idr, out.data(), out.size());
+    EXPECT_EQ(size.why, reason::none);
+    out.resize(size.bytes);
+    EXPECT_EQ(units_in(out, framing::length_4), picture(units, in_band_sets::before_idr));
+}
+
 /// Pictures with their parameter sets in a record and not in the samples; then back, out of the record's bytes alone.
 void expect_there_and_back(const std::vector<unit_list>& pictures, const std::string& name)
 {

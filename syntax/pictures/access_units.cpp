@@ -1,0 +1,422 @@
+// Access units. Units that may be the first of another access unit wait until the next slice tells whether they are.
+#include <orv-utils-v4/h264_syntax/access_unit.h>
+
+#include "first_slice.h"
+#include "hidden.h"
+#include "kept_units.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace orv_utils_v4::h264 {
+
+namespace {
+
+std::uint32_t redundant_pic_cnt_of(const nal_unit& unit)
+{
+    if (const auto* const b = std::get_if<slice_data_partition_b_layer_rbsp>(&unit.rbsp))
+        return b->redundant_pic_cnt;
+    if (const auto* const c = std::get_if<slice_data_partition_c_layer_rbsp>(&unit.rbsp))
+        return c->redundant_pic_cnt;
+    const slice_header* const header = slice_header_of(unit);
+    return header != nullptr ? header->redundant_pic_cnt : 0;
+}
+
+unit_role role_of(const nal_unit& unit)
+{
+    switch (unit.header.nal_unit_type) {
+    case 1:
+    case 2:
+    case 3:
+    case 4:
+    case 5:
+        return redundant_pic_cnt_of(unit) == 0 ? unit_role::primary : unit_role::redundant;
+    case 6:
+        return unit_role::sei;
+    case 7:
+    case 8:
+    case 13:
+    case 15:
+    case 16:
+        return unit_role::parameter_set;
+    case 9:
+        return unit_role::delimiter;
+    case 10:
+    case 11:
+        return unit_role::end;
+    case 14:
+        return unit_role::prefix;
+    case 19:
+        return unit_role::auxiliary;
+    case 20:
+    case 21:
+        return unit_role::layer;
+    default:
+        return unit_role::other;
+    }
+}
+
+bool is_slice(unit_role role)
+{
+    return role >= unit_role::primary && role <= unit_role::layer;
+}
+
+/// Types 6 to 9 and 14 to 18 behind the primary coded picture begin an access unit (7.4.1.2.3).
+bool begins_another(unsigned nal_unit_type)
+{
+    return (nal_unit_type >= 6 && nal_unit_type <= 9) || (nal_unit_type >= 14 && nal_unit_type <= 18);
+}
+
+bool is_of_layers(unsigned nal_unit_type)
+{
+    return nal_unit_type == 14 || nal_unit_type == 15 || nal_unit_type == 20 || nal_unit_type == 21;
+}
+
+bool same_layer(const nal_unit_header& a, const nal_unit_header& b)
+{
+    if (a.bytes() == 1 || a.bytes() != b.bytes() || a.scalable() != b.scalable())
+        return a.bytes() == b.bytes() && a.scalable() == b.scalable();
+    const auto &svc_a = a.nal_unit_header_svc_extension, &svc_b = b.nal_unit_header_svc_extension;
+    const auto &avc_3d_a = a.nal_unit_header_3davc_extension, &avc_3d_b = b.nal_unit_header_3davc_extension;
+    return svc_a.dependency_id == svc_b.dependency_id && svc_a.quality_id == svc_b.quality_id &&
+           a.nal_unit_header_mvc_extension.view_id == b.nal_unit_header_mvc_extension.view_id &&
+           avc_3d_a.view_idx == avc_3d_b.view_idx && avc_3d_a.depth_flag == avc_3d_b.depth_flag;
+}
+
+void take_extension(access_unit_part& slice, const nal_unit_header& prefix)
+{
+    slice.prefixed = true;
+    slice.header.svc_extension_flag = prefix.svc_extension_flag;
+    slice.header.nal_unit_header_svc_extension = prefix.nal_unit_header_svc_extension;
+    slice.header.nal_unit_header_mvc_extension = prefix.nal_unit_header_mvc_extension;
+}
+
+picture_structure structure_of(const slice_header& header, const seq_parameter_set_data* sps)
+{
+    if (header.field_pic_flag)
+        return header.bottom_field_flag ? picture_structure::bottom_field : picture_structure::top_field;
+    return sps != nullptr && sps->mb_adaptive_frame_field_flag ? picture_structure::mbaff_frame
+                                                               : picture_structure::frame;
+}
+
+/// Room for `n` parts; false when there is no memory for it.
+bool room_for(std::vector<access_unit_part>& parts, std::size_t n)
+{
+    try {
+        if (parts.capacity() < n)
+            parts.reserve(2 * n);
+        return true;
+    } catch (...) {
+        return false;
+    }
+}
+
+/// A primary slice begins the picture.
+bool has_macroblock_0(const access_unit& unit)
+{
+    return std::any_of(unit.parts.begin(), unit.parts.end(), [](const access_unit_part& p) {
+        return p.role == unit_role::primary && p.header.nal_unit_type != 3 && p.header.nal_unit_type != 4 &&
+               p.first_mb_in_slice == 0;
+    });
+}
+
+} // namespace
+
+slice_layer layer_of(const access_unit_part& slice) noexcept
+{
+    slice_layer layer;
+    const nal_unit_header& header = slice.header;
+    if (!header.extended() && !slice.prefixed)
+        return layer;
+    if (header.avc_3d()) {
+        const auto& extension = header.nal_unit_header_3davc_extension;
+        layer.view_id = extension.view_idx;
+        layer.depth = extension.depth_flag;
+        layer.temporal_id = extension.temporal_id;
+        layer.anchor_pic_flag = extension.anchor_pic_flag;
+        layer.inter_view_flag = extension.inter_view_flag;
+    } else if (header.svc_extension_flag && header.nal_unit_type != 21) {
+        const auto& extension = header.nal_unit_header_svc_extension;
+        layer.dependency_id = extension.dependency_id;
+        layer.quality_id = extension.quality_id;
+        layer.temporal_id = extension.temporal_id;
+        layer.priority_id = extension.priority_id;
+    } else {
+        const auto& extension = header.nal_unit_header_mvc_extension;
+        layer.view_id = extension.view_id;
+        layer.temporal_id = extension.temporal_id;
+        layer.priority_id = extension.priority_id;
+        layer.anchor_pic_flag = extension.anchor_pic_flag;
+        layer.inter_view_flag = extension.inter_view_flag;
+    }
+    return layer;
+}
+
+struct ORV_UTILS_V4_HIDDEN access_units::state : unit_sink {
+    bool base_alone = false;
+    stream units;
+    kept_units kept; // of the parts of `current`, of those of `waiting`, then what the stream keeps back
+    access_unit current;
+    std::vector<access_unit_part> waiting; // behind the picture: the next access unit's, unless its picture goes on
+    std::uint64_t count = 0;
+    bool any_slice = false;                          // in `current`
+    bool ended = false;                              // with an end of sequence: an end of stream alone may follow
+    first_slice_key first;                           // of its primary coded picture
+    std::vector<std::unique_ptr<nal_unit>> contents; // of the parts, in their order
+    std::size_t contents_used = 0;
+    seq_parameter_set_data own_sps; // its SPS and PPS, when the stream replaces them before it is handed on
+    pic_parameter_set_rbsp own_pps;
+    access_unit_sink* to = nullptr;
+
+    void push(const unit_place& place, bool bytes_stay);
+    void flush();
+    bool keep(const unit_place& place, bool bytes_stay);
+    void keep_parameter_sets();
+    void take(const unit_reading& reading) override;
+    void take_primary(const unit_reading& reading, const slice_header& header);
+    void take_other_slice(const unit_reading& reading, unit_role role);
+    void tell_picture(const unit_reading& reading);
+    void join_waiting();
+    access_unit_part part_of(const unit_reading& reading, unit_role role);
+    bool is_new(const unit_reading& reading, unit_role role) const;
+    const nal_unit* keep_content(const nal_unit& unit);
+    void complete();
+    void begin_with_waiting();
+};
+
+access_units::access_units(bool base_alone) : s(std::make_unique<state>())
+{
+    s->base_alone = base_alone;
+}
+access_units::~access_units() = default;
+access_units::access_units(access_units&&) noexcept = default;
+access_units& access_units::operator=(access_units&&) noexcept = default;
+
+const parameter_sets& access_units::sets() const noexcept
+{
+    return s->units.sets();
+}
+
+void access_units::push(const unit_place& unit, access_unit_sink& to, bool bytes_stay)
+{
+    s->to = &to;
+    s->push(unit, bytes_stay);
+}
+
+void access_units::flush(access_unit_sink& to)
+{
+    s->to = &to;
+    s->flush();
+}
+
+void access_units::state::push(const unit_place& place, bool bytes_stay)
+{
+    const unsigned type = place.size == 0 ? 0 : place.bytes[0] & 0x1F;
+    if (base_alone && is_of_layers(type))
+        return;
+    if (ended && type != 11)
+        complete();
+    if (!keep(place, bytes_stay)) {
+        current.findings.add(picture_finding::limit_reached);
+        flush();
+        if (!keep(place, bytes_stay))
+            return current.findings.add(picture_finding::limit_reached);
+    }
+    if (type == 7 || type == 8)
+        keep_parameter_sets();
+    units.push(place, *this);
+}
+
+void access_units::state::flush()
+{
+    units.flush(*this);
+    complete();
+    complete();
+}
+
+bool access_units::state::keep(const unit_place& place, bool bytes_stay)
+{
+    if (kept.size() == most_units || place.size > most_bytes - kept.copied())
+        return false;
+    return room_for(current.parts, kept.size() + 1) && room_for(waiting, kept.size() + 1) &&
+           kept.push(place, bytes_stay);
+}
+
+// Parameter sets that come now may replace those of the current picture.
+void access_units::state::keep_parameter_sets()
+{
+    if (current.sps != nullptr && current.sps != &own_sps) {
+        own_sps = *current.sps;
+        current.sps = &own_sps;
+    }
+    if (current.pps != nullptr && current.pps != &own_pps) {
+        own_pps = *current.pps;
+        current.pps = &own_pps;
+    }
+}
+
+void access_units::state::take(const unit_reading& reading)
+{
+    const unit_role role = role_of(reading.unit);
+    const slice_header* const header = role == unit_role::primary ? slice_header_of(reading.unit) : nullptr;
+    if (header != nullptr)
+        return take_primary(reading, *header);
+    if (is_slice(role))
+        return take_other_slice(reading, role);
+
+    const unsigned type = reading.unit.header.nal_unit_type;
+    if (role == unit_role::delimiter && any_slice)
+        complete();
+    if (role == unit_role::end && !waiting.empty())
+        complete();
+    if (!waiting.empty() || (any_slice && begins_another(type)))
+        return waiting.push_back(part_of(reading, role));
+    if (role == unit_role::delimiter && !current.parts.empty())
+        current.findings.add(picture_finding::unit_out_of_place);
+    current.parts.push_back(part_of(reading, role));
+    ended = type == 10;
+    if (type == 11)
+        complete();
+}
+
+void access_units::state::take_primary(const unit_reading& reading, const slice_header& header)
+{
+    const first_slice_key key = key_of(reading, header);
+    const bool goes_on = current.header != nullptr && !begins_picture(first, key);
+    if (goes_on)
+        join_waiting();
+    else if (any_slice)
+        complete();
+    current.parts.push_back(part_of(reading, unit_role::primary));
+    any_slice = true;
+    current.slice_kinds |= static_cast<std::uint8_t>(1U << static_cast<unsigned>(header.kind()));
+    if (goes_on && (first.whole || !key.whole))
+        return;
+    first = key;
+    tell_picture(reading);
+}
+
+// Slices that follow the primary coded picture, and partitions B and C.
+void access_units::state::take_other_slice(const unit_reading& reading, unit_role role)
+{
+    const bool prefixes_alone = std::all_of(waiting.begin(), waiting.end(),
+                                            [](const access_unit_part& p) { return p.role == unit_role::prefix; });
+    if (prefixes_alone || role == unit_role::primary)
+        join_waiting();
+    else
+        complete();
+    current.parts.push_back(part_of(reading, role));
+    any_slice = true;
+}
+
+// The parts that wait stand within the access unit. Prefix units belong there.
+void access_units::state::join_waiting()
+{
+    for (const access_unit_part& part : waiting) {
+        if (part.role != unit_role::prefix)
+            current.findings.add(picture_finding::unit_out_of_place);
+        current.parts.push_back(part);
+    }
+    waiting.clear();
+}
+
+void access_units::state::tell_picture(const unit_reading& reading)
+{
+    const nal_unit* content = current.parts.back().content;
+    if (content == nullptr) // a damaged slice stands before it
+        content = current.parts.back().content = keep_content(reading.unit);
+    current.header = content == nullptr ? nullptr : slice_header_of(*content);
+    if (current.header == nullptr)
+        return current.findings.add(picture_finding::limit_reached);
+    current.whole = first.whole;
+    current.sps = reading.sps;
+    current.pps = reading.pps;
+    current.structure = structure_of(*current.header, current.sps);
+    current.nal_ref_idc = reading.unit.header.nal_ref_idc;
+    current.idr = IdrPicFlag(reading.unit.header);
+}
+
+access_unit_part access_units::state::part_of(const unit_reading& reading, unit_role role)
+{
+    access_unit_part part;
+    part.place = reading.place;
+    part.role = role;
+    part.header = reading.unit.header;
+    part.failure = reading.result.failure;
+    if ((role == unit_role::primary || role == unit_role::redundant) && !current.parts.empty() &&
+        current.parts.back().role == unit_role::prefix)
+        take_extension(part, current.parts.back().header);
+    if (contents_used < most_contents && is_new(reading, role))
+        part.content = keep_content(reading.unit);
+    if (const slice_header* const header = slice_header_of(reading.unit)) {
+        part.first_mb_in_slice = header->first_mb_in_slice;
+        part.slice_type = header->slice_type;
+        part.pic_parameter_set_id = header->pic_parameter_set_id;
+        part.redundant_pic_cnt = header->redundant_pic_cnt;
+        part.data_bit = reading.result.bits;
+    }
+    if (is_slice(role) && part.failure) {
+        const reason why = part.failure.why;
+        current.findings.add(why == reason::no_sps || why == reason::no_pps ? picture_finding::no_parameter_sets
+                                                                            : picture_finding::slice_damaged);
+    }
+    return part;
+}
+
+/// The content is kept: of all but further slices of the same kind.
+bool access_units::state::is_new(const unit_reading& reading, unit_role role) const
+{
+    return !is_slice(role) ||
+           std::none_of(current.parts.rbegin(), current.parts.rend(), [&](const access_unit_part& p) {
+               return p.role == role && same_layer(p.header, reading.unit.header);
+           });
+}
+
+/// A copy in a room that is used again, or null where a limit is reached or there is no memory.
+const nal_unit* access_units::state::keep_content(const nal_unit& unit)
+{
+    try {
+        if (contents_used == contents.size())
+            contents.push_back(std::make_unique<nal_unit>(unit));
+        else
+            *contents[contents_used] = unit;
+        return contents[contents_used++].get();
+    } catch (...) {
+        return nullptr;
+    }
+}
+
+// Hands the current access unit on; what waits begins the next one.
+void access_units::state::complete()
+{
+    if (!current.parts.empty()) {
+        for (std::size_t i = 0; i < current.parts.size(); ++i)
+            current.parts[i].place.bytes = kept.at(i);
+        if (any_slice && current.header == nullptr)
+            current.findings.add(picture_finding::no_primary_picture);
+        if (current.header != nullptr && !has_macroblock_0(current))
+            current.findings.add(picture_finding::first_slice_missing);
+        current.number = count++;
+        to->take(current);
+    }
+    begin_with_waiting();
+}
+
+void access_units::state::begin_with_waiting()
+{
+    const std::size_t of_current = static_cast<std::size_t>(
+        std::count_if(current.parts.begin(), current.parts.end(), [](const access_unit_part& p) { return p.content; }));
+    std::rotate(contents.begin(), contents.begin() + static_cast<std::ptrdiff_t>(of_current),
+                contents.begin() + static_cast<std::ptrdiff_t>(contents_used));
+    contents_used -= of_current;
+    kept.drop(current.parts.size());
+    std::vector<access_unit_part> room = std::move(current.parts);
+    room.clear();
+    current = access_unit();
+    current.parts = std::move(waiting);
+    waiting = std::move(room);
+    any_slice = false;
+    ended = false;
+}
+
+} // namespace orv_utils_v4::h264

@@ -1,0 +1,141 @@
+#include "picture_clock.h"
+
+#include <orv-utils-v4/h264_syntax/output_order.h>
+
+#include <numeric>
+
+namespace orv_utils_v4::h264 {
+
+namespace {
+
+/// The clock tick t_c in seconds (C-1); 0 : 0 where it is unknown.
+ratio tick_of(const access_unit& unit)
+{
+    if (unit.sps == nullptr)
+        return {};
+    const ratio rate = field_rate(unit.sps->vui_parameters);
+    return {rate.denominator, rate.numerator};
+}
+
+/// initial_cpb_removal_delay of the first alternative.
+std::uint32_t first_delay(const buffering_period& period)
+{
+    const auto& delays = period.nal.empty() ? period.vcl : period.nal;
+    return delays.empty() ? 0 : delays[0].initial_cpb_removal_delay;
+}
+
+exact_time reduced(std::int64_t ticks, std::uint32_t clock)
+{
+    if (clock == 0)
+        return {};
+    const std::int64_t divisor = std::gcd(ticks, std::int64_t{clock});
+    return {ticks / divisor, clock / divisor};
+}
+
+constexpr exact_time beginning = {0, 1};
+
+} // namespace
+
+std::uint8_t fields_shown(const access_unit& unit) noexcept
+{
+    constexpr std::uint8_t table_e_6[pic_timing::highest_pic_struct + 1] = {2, 1, 1, 2, 2, 3, 3, 4, 6};
+    const auto* const timing = unit.message<pic_timing>();
+    const bool told = unit.sps != nullptr && unit.sps->vui_parameters.pic_struct_present_flag && timing != nullptr &&
+                      timing->pic_struct <= pic_timing::highest_pic_struct;
+    if (told)
+        return table_e_6[timing->pic_struct];
+    return unit.field() ? 1 : 2;
+}
+
+std::int64_t unwrapped::next(std::int64_t value, unsigned bits) noexcept
+{
+    if (any && bits < 63) {
+        const std::int64_t range = std::int64_t{1} << bits;
+        const std::int64_t ahead = ((value - latest) % range + range) % range;
+        value = latest + (ahead < range / 2 ? ahead : ahead - range);
+    }
+    any = true;
+    latest = value;
+    return value;
+}
+
+void picture_clock::begin(const access_unit& unit, const timestamp* stamp, picture_times& times) noexcept
+{
+    tick = tick_of(unit);
+    reordered = unit.sps != nullptr ? most_reordered_frames(*unit.sps) : 0;
+    if (!take_hrd(unit, times) && tick.denominator != 0) {
+        const bool constant = unit.sps->vui_parameters.fixed_frame_rate_flag;
+        times.source = constant ? time_source::constant_rate : time_source::assumed_rate;
+        times.decoding = decoded;
+    }
+    take_stamp(stamp, times);
+}
+
+void picture_clock::add_second_field(const access_unit& unit, const timestamp* stamp, picture_times& times) noexcept
+{
+    picture_times of_field;
+    take_hrd(unit, of_field);
+    if (!times.presentation_stamp)
+        take_stamp(stamp, times);
+}
+
+// C.1.2: delays count from the removal of the access unit with the buffering period before; C.2.2: the output from the
+// removal.
+bool picture_clock::take_hrd(const access_unit& unit, picture_times& times) noexcept
+{
+    const auto* const timing = unit.message<pic_timing>();
+    const auto* const begun = unit.message<buffering_period>();
+    if (tick.denominator == 0 || timing == nullptr || timing_hrd(unit.sps->vui_parameters) == nullptr)
+        return false;
+    exact_time removal;
+    if (period)
+        removal = time_after(period, timing->cpb_removal_delay, tick);
+    else if (begun != nullptr)
+        removal = time_after(beginning, first_delay(*begun), {1, 90000});
+    if (begun != nullptr)
+        period = removal;
+    if (!removal)
+        return false;
+    times.source = time_source::hrd;
+    times.decoding = removal;
+    times.presentation = time_after(removal, timing->dpb_output_delay, tick);
+    return true;
+}
+
+// Where the caller has timestamps, a rate that the stream does not keep to says nothing.
+void picture_clock::take_stamp(const timestamp* stamp, picture_times& times) noexcept
+{
+    any_stamp = any_stamp || stamp != nullptr;
+    if (stamp != nullptr) {
+        times.presentation_stamp = reduced(presentation_stamps.next(stamp->presentation, stamp->bits), stamp->clock);
+        if (stamp->has_decoding)
+            times.decoding_stamp = reduced(decoding_stamps.next(stamp->decoding, stamp->bits), stamp->clock);
+    }
+    if (!any_stamp || times.source > time_source::caller)
+        return;
+    times.source = times.presentation_stamp ? time_source::caller : time_source::none;
+    times.decoding = times.decoding_stamp;
+    times.presentation = times.presentation_stamp;
+}
+
+void picture_clock::end(std::uint8_t fields, picture_times& times) noexcept
+{
+    if (tick.denominator == 0)
+        return;
+    times.duration = time_after(beginning, fields, tick);
+    decoded = time_after(decoded, fields, tick);
+    if (!shown) // a picture that waits for as many others as may be reordered is shown in time
+        shown = time_after(beginning, 2 * std::uint64_t{reordered}, tick);
+}
+
+void picture_clock::output(picture_times& times) noexcept
+{
+    if (times.source == time_source::constant_rate || times.source == time_source::assumed_rate)
+        times.presentation = shown;
+    if (times.duration)
+        shown = time_after(shown, 1,
+                           {static_cast<std::uint64_t>(times.duration.numerator),
+                            static_cast<std::uint64_t>(times.duration.denominator)});
+}
+
+} // namespace orv_utils_v4::h264
