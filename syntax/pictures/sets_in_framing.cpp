@@ -190,8 +190,12 @@ framed_size parameter_set_store::write_row(const unit_row& units, framing how, i
                                            std::size_t room) noexcept
 {
     const std::size_t slices = find_slice(units);
-    for (std::size_t i = 0; i < slices; ++i)
-        push(units[i]);
+    for (const bool pps : {false, true}) { // so that a PPS is read with its SPS, wherever that stands
+        for (std::size_t i = 0; i < slices; ++i) {
+            if ((units[i].type() == pps_type) == pps)
+                push(units[i]);
+        }
+    }
     const bool put_in = sets == in_band_sets::before_idr && has_idr_slice(units) && !carries_its_sets(units);
 
     unit_framer framer(how, out, room);

@@ -52,6 +52,28 @@ inline bytes subset_sps_bytes(std::uint32_t id = 0)
     return unit_bytes(h264::unit_of(15, subset));
 }
 
+/// An SPS of profile 244.
+inline h264::seq_parameter_set_data sps_data_with_chroma(std::uint32_t chroma_format_idc)
+{
+    h264::seq_parameter_set_data data = h264::sps_data();
+    data.profile_idc = 244;
+    data.chroma_format_idc = chroma_format_idc;
+    return data;
+}
+inline bytes sps_with_chroma(std::uint32_t chroma_format_idc)
+{
+    return sps_bytes(sps_data_with_chroma(chroma_format_idc));
+}
+/// A PPS with 8x8 lists, of which there are two, or in 4:4:4 six.
+inline bytes pps_with_lists(std::uint32_t chroma_format_idc)
+{
+    h264::pic_parameter_set_rbsp set = h264::pps_rbsp();
+    set.transform_8x8_mode_sent = set.transform_8x8_mode_flag = set.pic_scaling_matrix_present_flag = true;
+    set.second_chroma_qp_index_offset = -3;
+    const h264::small_sets sets(sps_data_with_chroma(chroma_format_idc));
+    return unit_bytes(h264::unit_of(8, set), sets.context);
+}
+
 inline std::vector<h264::unit_view> views_of(const unit_list& units)
 {
     std::vector<h264::unit_view> views;

@@ -12,10 +12,11 @@ using namespace orv_utils_v4::h264;
 using support::bytes;
 using support::copies_of;
 using support::pps_bytes;
+using support::pps_with_lists;
 using support::sps_bytes;
 using support::sps_extension_bytes;
+using support::sps_with_chroma;
 using support::subset_sps_bytes;
-using support::unit_bytes;
 using support::unit_list;
 using how = set_arrival;
 
@@ -36,27 +37,6 @@ protected:
 
     parameter_set_store store;
 };
-
-/// A PPS with 8x8 lists, of which there are six in 4:4:4; `with` is the chroma_format_idc.
-bytes pps_with_lists(std::uint32_t with)
-{
-    pic_parameter_set_rbsp pps = pps_rbsp();
-    pps.transform_8x8_mode_sent = pps.transform_8x8_mode_flag = pps.pic_scaling_matrix_present_flag = true;
-    pps.second_chroma_qp_index_offset = -3;
-    seq_parameter_set_data sps = sps_data();
-    sps.profile_idc = 244;
-    sps.chroma_format_idc = with;
-    const small_sets sets(sps);
-    return unit_bytes(unit_of(8, pps), sets.context);
-}
-
-bytes sps_with_chroma(std::uint32_t chroma_format_idc)
-{
-    seq_parameter_set_data sps = sps_data();
-    sps.profile_idc = 244;
-    sps.chroma_format_idc = chroma_format_idc;
-    return sps_bytes(sps);
-}
 
 TEST_F(ParameterSetStore, UnitsOfOtherKindsAreNoSets)
 {

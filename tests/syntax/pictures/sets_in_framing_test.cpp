@@ -4,6 +4,9 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
+#include <random>
+
 namespace {
 
 using namespace orv_utils_v4::h264;
@@ -205,6 +208,14 @@ TEST_F(SetsInFraming, ADamagedSetGivesWayToTheOneInForce)
     EXPECT_EQ(picture({damaged, slice()}, in_band_sets::before_idr), (unit_list{sps_bytes(), pps_bytes(), slice()}));
 }
 
+TEST_F(SetsInFraming, APpsBeforeItsSpsInAPictureGoesWithThat)
+{
+    push({support::sps_with_chroma(1), pps_bytes(), pps_bytes(1)});
+    const unit_list sets = {support::sps_with_chroma(3), support::pps_with_lists(3), pps_bytes(1)};
+    EXPECT_EQ(picture({sets[1], sets[0], slice(5, 1)}, in_band_sets::before_idr),
+              (unit_list{sets[0], sets[1], sets[2], slice(5, 1)}));
+}
+
 TEST_F(SetsInFraming, SetsThatTheRecordHasAreLeftOut)
 {
     const unit_list units = {delimiter, sps_bytes(), sps_extension_bytes(), pps_bytes(), message, slice(), pps_bytes()};
@@ -244,6 +255,47 @@ TEST_F(SetsInFraming, AnAccessUnitIsWrittenAsItsUnits)
     EXPECT_EQ(size.why, reason::none);
     out.resize(size.bytes);
     EXPECT_EQ(units_in(out, framing::length_4), picture(units, in_band_sets::before_idr));
+}
+
+// Units of every kind, whole, cut and made of anything, in any room.
+TEST_F(SetsInFraming, AnyUnitsAreWrittenInsideOfAnyRoom)
+{
+    std::mt19937 random(14);
+    const unit_list sound = {delimiter,          sps_bytes(),        pps_bytes(), sps_extension_bytes(),
+                             subset_sps_bytes(), pps_bytes(200, 31), slice(),     slice(1),
+                             slice(20),          slice(5, 255)};
+    std::size_t whole = 0;
+    for (int round = 0; round < 2000 && !HasFailure(); ++round) {
+        unit_list units(random() % 6);
+        std::size_t bytes_of_units = 0;
+        std::vector<std::unique_ptr<guarded_buffer>> memory;
+        std::vector<unit_view> views;
+        for (bytes& unit : units) {
+            unit = sound[random() % sound.size()];
+            if (random() % 3 == 0)
+                unit.resize(random() % (unit.size() + 1));
+            for (unsigned char& byte : unit) {
+                if (random() % 40 == 0)
+                    byte = static_cast<unsigned char>(random());
+            }
+            memory.push_back(std::make_unique<guarded_buffer>(unit));
+            views.push_back({memory.back()->begin(), memory.back()->size()});
+            bytes_of_units += 4 + unit.size();
+        }
+        const auto how = static_cast<framing>(random() % 5);
+        const auto sets = static_cast<in_band_sets>(random() % 3);
+        const std::size_t needed = store.write_picture(views.data(), views.size(), how, sets, nullptr, 0).bytes;
+        const std::size_t sets_size = write(store.all(), framing::annex_b, nullptr, 0).bytes;
+        EXPECT_LE(needed, bytes_of_units + sets_size);
+        const guarded_buffer room(random() % (needed + 2));
+        const framed_size size = store.write_picture(views.data(), views.size(), how, sets, room.begin(), room.size());
+        EXPECT_EQ(size.why, room.size() < needed ? reason::no_room : reason::none);
+        EXPECT_EQ(size.bytes, needed);
+        EXPECT_TRUE(room.surroundings_untouched());
+        whole += size.why == reason::none && needed != 0 ? 1 : 0;
+        carries_its_sets(views.data(), views.size());
+    }
+    EXPECT_GT(whole, 50U);
 }
 
 /// Pictures with their parameter sets in a record and not in the samples; then back, out of the record's bytes alone.
