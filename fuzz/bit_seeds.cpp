@@ -39,10 +39,22 @@ const seed_table programs = {
 /// Three SPSs, of which one is empty, and two PPSs.
 const bytes record = {1, 100,  0,   31, 255, 0xE3, 0, 4, 0x67, 100,  0, 31, 0,    0,   0,
                       4, 0x67, 100, 0,  31,  2,    0, 2, 0x68, 0xEE, 0, 2,  0x68, 0xEE};
+/// The parameter sets of tests/streams/intra_refresh.264, of profile 100, in a record of their own.
+const bytes whole_record = {1,  100,  0,    11,   0xFF, 0xE1, 0, 24,   0x67, 100, 0,    11, 0xAC, 0xB4,
+                            22, 0x27, 96,   0x22, 0,    0,    3, 0,    2,    0,   0,    3,  0,    0x65,
+                            30, 40,   0x55, 64,   1,    0,    6, 0x68, 0xEF, 4,   0x4B, 34, 0xC0};
 const bytes uuid = {0xDC, 0x45, 0xE9, 0xBD, 0xE6, 0xD9, 0x48, 0xB7, 0x96, 0x2C, 0xD8, 0x20, 0xD9, 0x23, 0xEE, 0xEF};
 
 /// Inputs that a line tells, as the head of each target's source does.
 const seed_table small = {
+    {"decoder_configuration",
+     {{"behind", behind({0}, behind(whole_record, {0xFD, 0xF8, 0xF8, 0, 1, 2}))},
+      {"behind_a_profile_without", {0, 1, 66, 0, 30, 0xFF, 0xE0, 0, 0xFD, 0xF8, 0xF8, 0}},
+      {"extension_without_sets", {1, 1, 244, 0, 30, 0xFD, 0xE0, 0, 0xFF, 0xFA, 0xFA, 0}},
+      {"longest_entry", {0, 1, 100, 0, 30, 0xFF, 0xE1, 0xFF, 0xFF, 0x67, 1}},
+      {"reserved_bits", {0, 1, 100, 0, 30, 3, 0, 0, 1, 0, 0, 0}},
+      {"sps_extension", behind({2}, behind(whole_record, {0xFD, 0xF8, 0xF8, 1, 0, 2, 0x6D, 0xE0}))},
+      {"too_few_sps_extensions", behind({0}, behind(whole_record, {0xFD, 0xF8, 0xF8, 255, 0, 1, 0x6D}))}}},
     {"decoder_configuration_record",
      {{"extension", behind(record, {0xFD, 0xF8, 0xF8, 0})},
       {"longest_entry", {1, 66, 0, 30, 0xFF, 0xE1, 0xFF, 0xFF, 0x67, 1}},
@@ -84,6 +96,11 @@ void add_bit_seeds(seed_table& to)
                 to[target][(what + '_').append(how)] = behind(program, data);
     for (const std::ptrdiff_t size : {5, 6, 7, 10, 20, 21, 25, 28, 29})
         to["decoder_configuration_record"]["first_" + std::to_string(size)] = {record.begin(), record.begin() + size};
+    for (std::ptrdiff_t size = 0; size <= 41; ++size)
+        to["decoder_configuration"]["first_" + std::to_string(size)] =
+            behind({0}, {whole_record.begin(), whole_record.begin() + size});
+    add_heads(to["decoder_configuration"], "whole", {0, 1, 100, 0, 11, 0xFF, 0xE1},
+              behind({whole_record.begin() + 6, whole_record.end()}, {0xFD, 0xF8, 0xF8, 0}));
     add_heads(to["nal_aud"], "delimiter", {0, 0xF0}, {0x80});
     // A unit of 17 bytes, of which 16 are shown, and fields.
     const bytes unit = stream_builder().raw({0, 20}).annexb_unit(support::sps, bytes(16, 0x5A));
