@@ -88,6 +88,9 @@ ORV_UTILS_V4_EXPORT const char* text_of(picture_finding what) noexcept;
 /// Findings, each once.
 class picture_findings {
 public:
+    /// How many kinds there are.
+    static constexpr unsigned kinds = static_cast<unsigned>(picture_finding::limit_reached) + 1;
+
     /// It is among them.
     bool has(picture_finding what) const noexcept { return (bits >> static_cast<unsigned>(what) & 1) != 0; }
     /// It is among them from now on.
