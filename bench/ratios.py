@@ -29,6 +29,7 @@ GOALS = {
     "T7 SPS with VUI and HRD": {"70": (0.77, None)},
     "T7 slice header beside its class, which stops at the lists": {"70": (0.77, None)},
     "T7 whole headers": {"large": (2, None), "8k": (2, None), "70": (2, None)},
+    "T7 pictures beside their headers": {"large": (0.67, None), "8k": (0.67, None), "70": (0.67, None)},
     "T6 to length4, copied": {"large": (2, None), "8k": (2, None), "70": (3, None)},
     "T6 to length4, rewritten": {"large": (0.9, None), "8k": (0.9, None), "70": (1.5, None)},
     "T6 to Annex B, rewritten": {"large": (0.9, None), "8k": (0.9, None), "70": (1.5, None)},

@@ -1,5 +1,6 @@
 // T7: the syntax library beside the classes of the newer interface, which read less, and beside the peers: an SPS with
-// VUI and HRD parameters, a slice header that goes little beyond the lists, and all headers of a stream whole.
+// VUI and HRD parameters, a slice header that goes little beyond the lists, all headers of a stream whole, and its
+// pictures.
 #include "syntax_samples.h"
 #include "task.h"
 
@@ -86,33 +87,67 @@ std::uint64_t parse_slice(data_set&)
     return sound;
 }
 
+bool is_counted(unsigned nal_unit_type)
+{
+    return nal_unit_type == 1 || nal_unit_type == 5 || nal_unit_type == 7 || nal_unit_type == 8;
+}
+
 /// Counts the sound parameter sets and slices.
 class sound_units : public syntax::unit_sink {
 public:
     void take(const syntax::unit_reading& reading) override
     {
-        const unsigned type = reading.unit.header.nal_unit_type;
-        const bool counted = type == 1 || type == 5 || type == 7 || type == 8;
-        sound += counted && !reading.result.failure ? 1U : 0U;
+        sound += is_counted(reading.unit.header.nal_unit_type) && !reading.result.failure ? 1U : 0U;
     }
 
     std::uint64_t sound = 0;
 };
 
-std::uint64_t read_all(data_set& set)
+/// The same out of access units.
+class sound_parts : public syntax::access_unit_sink, public syntax::picture_sink {
+public:
+    void take(const syntax::access_unit& unit) override { pictures.take(unit, *this); }
+    void access_unit_came(const syntax::access_unit& unit, const syntax::picture*) override
+    {
+        for (const syntax::access_unit_part& part : unit.parts)
+            sound += is_counted(part.header.nal_unit_type) && !part.failure ? 1U : 0U;
+    }
+
+    syntax::pictures pictures;
+    std::uint64_t sound = 0;
+};
+
+/// Gives the units of the stream, which lie in memory, to `push`.
+template <class Push>
+void push_all(const data_set& set, Push push)
 {
     constexpr std::size_t prefix_size = 4;
-    syntax::stream stream;
-    sound_units units;
     for (std::size_t at = 0; at < set.length4_size;) {
         const unsigned char* const prefix = set.length4.data() + at;
         const std::size_t size = std::size_t{prefix[0]} << 24 | std::size_t{prefix[1]} << 16 |
                                  std::size_t{prefix[2]} << 8 | std::size_t{prefix[3]};
-        stream.push({prefix + prefix_size, size, at + prefix_size, 0}, units);
+        push(syntax::unit_place{prefix + prefix_size, size, at + prefix_size, 0});
         at += prefix_size + size;
     }
+}
+
+std::uint64_t read_all(data_set& set)
+{
+    syntax::stream stream;
+    sound_units units;
+    push_all(set, [&](const syntax::unit_place& place) { stream.push(place, units); });
     stream.flush(units);
     return units.sound;
+}
+
+std::uint64_t read_pictures(data_set& set)
+{
+    syntax::access_units units;
+    sound_parts parts;
+    push_all(set, [&](const syntax::unit_place& place) { units.push(place, parts, true); });
+    units.flush(parts);
+    parts.pictures.flush(parts);
+    return parts.sound;
 }
 
 std::uint64_t repeated(const data_set&)
@@ -135,7 +170,11 @@ std::vector<task> syntax_tasks()
             {"T7 whole headers",
              [](const data_set& set) { return set.units.size(); },
              {"large", "8k", "70"},
-             std::vector<contender>{{side::ours, "syntax", read_all}} + peers::headers()}};
+             std::vector<contender>{{side::ours, "syntax", read_all}} + peers::headers()},
+            {"T7 pictures beside their headers",
+             [](const data_set& set) { return set.units.size(); },
+             {"large", "8k", "70"},
+             std::vector<contender>{{side::ours, "pictures", read_pictures}, {side::peer, "headers alone", read_all}}}};
 }
 
 } // namespace bench

@@ -26,8 +26,8 @@ std::uint32_t most_reordered_frames(const seq_parameter_set_data& sps) noexcept
 
 void output_order::end_sequence(bool discard, picture_sink& to)
 {
-    for (picture& p : waiting)
-        p.discarded = discard;
+    for (const waiting_picture& w : waiting)
+        slots[w.slot].discarded = discard;
     while (!waiting.empty())
         bump(to);
 }
@@ -35,17 +35,20 @@ void output_order::end_sequence(bool discard, picture_sink& to)
 void output_order::begin(const picture& next, const seq_parameter_set_data& sps, const reference_marking& marking,
                          picture_sink& to)
 {
-    most_reordered = most_reordered_frames(sps);
-    const std::size_t size = std::max(most_buffered_frames(sps), std::min(sps.max_num_ref_frames, most_waiting));
     at_once = mode == output_mode::when_decoded;
-    while (!at_once && fullness(marking, next.number) >= size && !waiting.empty()) {
-        const bool first = next.count.lower() < waiting[lowest()].count.lower();
-        if (next.nal_ref_idc == 0 && first)
-            at_once = true;
-        else
-            bump(to);
+    if (at_once)
+        return;
+    if (mode == output_mode::early)
+        most_reordered = most_reordered_frames(sps);
+    const std::size_t size = std::max(most_buffered_frames(sps), std::min(sps.max_num_ref_frames, most_waiting));
+    const bool no_reference = next.nal_ref_idc == 0;
+    while (!waiting.empty() && fullness(marking, next.number) >= size) {
+        at_once = no_reference && next.count.lower() < lowest()->count;
+        if (at_once)
+            return;
+        bump(to);
     }
-    at_once = at_once || (size == 0 && next.nal_ref_idc == 0);
+    at_once = size == 0 && no_reference;
 }
 
 void output_order::begin_alone() noexcept
@@ -55,43 +58,56 @@ void output_order::begin_alone() noexcept
 
 void output_order::end(const picture& complete, picture_sink& to)
 {
+    std::uint8_t slot = 0;
+    while ((used_slots >> slot & 1) != 0)
+        ++slot;
+    slots[slot] = complete;
     if (at_once)
-        return output(complete, to);
+        return output(slots[slot], to);
+    used_slots |= std::uint32_t{1} << slot;
     waiting.grow();
-    waiting.back() = complete;
+    waiting.back() = {complete.count.lower(), complete.number, slot};
     while (mode == output_mode::early && waiting.size() > most_reordered)
         bump(to);
 }
 
-/// Frame buffers that are not empty: their frames are waiting, or used for reference.
+/// Frame buffers that are not empty: their frames are used for reference, or waiting. Both lists are in decoding order.
 std::size_t output_order::fullness(const reference_marking& marking, std::uint64_t except) const noexcept
 {
-    const auto of_references = std::count_if(
-        marking.begin(), marking.end(), [&](const reference_frame& f) { return f.non_existing || f.number != except; });
-    const auto of_others =
-        std::count_if(waiting.begin(), waiting.end(), [&](const picture& p) { return !marking.uses(p.number); });
-    return static_cast<std::size_t>(of_references + of_others);
+    std::size_t full = 0;
+    const waiting_picture* w = waiting.begin();
+    for (const reference_frame& f : marking) {
+        if (f.non_existing) {
+            ++full;
+            continue;
+        }
+        for (; w != waiting.end() && w->number < f.number; ++w)
+            ++full;
+        if (w != waiting.end() && w->number == f.number)
+            ++w;
+        full += f.number != except ? 1 : 0;
+    }
+    return full + static_cast<std::size_t>(waiting.end() - w);
 }
 
 /// The picture that is output next.
-std::size_t output_order::lowest() const noexcept
+const output_order::waiting_picture* output_order::lowest() const noexcept
 {
-    const auto* const found = std::min_element(waiting.begin(), waiting.end(), [](const picture& a, const picture& b) {
-        return a.count.lower() < b.count.lower();
-    });
-    return static_cast<std::size_t>(found - waiting.begin());
+    return std::min_element(waiting.begin(), waiting.end(),
+                            [](const waiting_picture& a, const waiting_picture& b) { return a.count < b.count; });
 }
 
 void output_order::bump(picture_sink& to)
 {
-    picture* const next = waiting.begin() + lowest();
-    const picture gone = *next;
-    std::copy(next + 1, waiting.end(), next);
+    waiting_picture* const place = waiting.begin() + (lowest() - waiting.begin());
+    const waiting_picture next = *place;
+    std::copy(place + 1, waiting.end(), place);
     waiting.resize(waiting.size() - 1);
-    output(gone, to);
+    used_slots &= ~(std::uint32_t{1} << next.slot);
+    output(slots[next.slot], to);
 }
 
-void output_order::output(picture picture, picture_sink& to)
+void output_order::output(picture& picture, picture_sink& to)
 {
     picture.output_number = output_count++;
     to.output(picture);

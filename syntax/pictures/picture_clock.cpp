@@ -62,7 +62,8 @@ std::int64_t unwrapped::next(std::int64_t value, unsigned bits) noexcept
 void picture_clock::begin(const access_unit& unit, const timestamp* stamp, picture_times& times) noexcept
 {
     tick = tick_of(unit);
-    reordered = unit.sps != nullptr ? most_reordered_frames(*unit.sps) : 0;
+    if (tick.denominator != 0 && !shown) // a picture that waits for as many others as may be reordered is shown in time
+        shown = time_after(beginning, 2 * std::uint64_t{most_reordered_frames(*unit.sps)}, tick);
     if (!take_hrd(unit, times) && tick.denominator != 0) {
         const bool constant = unit.sps->vui_parameters.fixed_frame_rate_flag;
         times.source = constant ? time_source::constant_rate : time_source::assumed_rate;
@@ -122,10 +123,14 @@ void picture_clock::end(std::uint8_t fields, picture_times& times) noexcept
 {
     if (tick.denominator == 0)
         return;
-    times.duration = time_after(beginning, fields, tick);
+    if (fields != shown_fields || tick.numerator != shown_tick.numerator ||
+        tick.denominator != shown_tick.denominator) {
+        duration = time_after(beginning, fields, tick);
+        shown_fields = fields;
+        shown_tick = tick;
+    }
+    times.duration = duration;
     decoded = time_after(decoded, fields, tick);
-    if (!shown) // a picture that waits for as many others as may be reordered is shown in time
-        shown = time_after(beginning, 2 * std::uint64_t{reordered}, tick);
 }
 
 void picture_clock::output(picture_times& times) noexcept

@@ -38,7 +38,9 @@ private:
     exact_time period;           // removal of the access unit with the latest buffering period
     exact_time decoded = {0, 1}; // when the next picture is decoded, at a constant rate
     exact_time shown;            // when it is shown, likewise
-    std::uint32_t reordered = 0;
+    exact_time duration;         // of so many fields at this tick, which most pictures have in common
+    std::uint8_t shown_fields = 0;
+    ratio shown_tick;
     unwrapped decoding_stamps;
     unwrapped presentation_stamps;
     bool any_stamp = false;

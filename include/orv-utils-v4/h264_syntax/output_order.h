@@ -51,14 +51,23 @@ public:
     void end(const picture& complete, picture_sink& to);
 
 private:
+    /// A picture that waits.
+    struct waiting_picture {
+        std::int64_t count; // the lower one
+        std::uint64_t number;
+        std::uint8_t slot; // of `slots`
+    };
+
     std::size_t fullness(const reference_marking& marking, std::uint64_t except) const noexcept;
-    std::size_t lowest() const noexcept;
+    const waiting_picture* lowest() const noexcept;
     void bump(picture_sink& to);
-    void output(picture picture, picture_sink& to);
+    void output(picture& picture, picture_sink& to);
 
     output_mode mode;
-    bounded_list<picture, most_waiting + 1> waiting;
-    bool at_once = false; // the picture that has begun is not stored
+    bounded_list<waiting_picture, most_waiting + 1> waiting; // in decoding order
+    picture slots[most_waiting + 1];
+    std::uint32_t used_slots = 0; // a bit each
+    bool at_once = false;         // the picture that has begun is not stored
     std::uint32_t most_reordered = 0;
     std::uint64_t output_count = 0;
 };
