@@ -20,6 +20,14 @@ function(orv_built_quickly target)
     target_precompile_headers(${target} REUSE_FROM orv_test_support)
 endfunction()
 
+# orv_run_often(SOURCE...): these test sources run so often that making them faster is worth it. What is compiled once
+# would have to be compiled once more for them.
+function(orv_run_often)
+    if(NOT ORV_UTILS_V4_SANITIZE) # then they are anyway
+        set_source_files_properties(${ARGN} PROPERTIES COMPILE_OPTIONS -O1 SKIP_PRECOMPILE_HEADERS ON)
+    endif()
+endfunction()
+
 # orv_add_tests(NAME): the tests of a program, a suite at a time; or all in one run, where a run starts an emulator.
 function(orv_add_tests name)
     if(CMAKE_CROSSCOMPILING)

@@ -34,6 +34,16 @@ struct nal_unit {
                  slice_layer_extension_rbsp, end_of_seq_rbsp, end_of_stream_rbsp, filler_data_rbsp>
         rbsp;
 
+    /// @cond
+    // What a compiler makes of them, made once in the library: all alternatives take it long.
+    ORV_UTILS_V4_EXPORT nal_unit() noexcept;
+    ORV_UTILS_V4_EXPORT nal_unit(const nal_unit&);
+    ORV_UTILS_V4_EXPORT nal_unit(nal_unit&&) noexcept;
+    ORV_UTILS_V4_EXPORT nal_unit& operator=(const nal_unit&);
+    ORV_UTILS_V4_EXPORT nal_unit& operator=(nal_unit&&) noexcept;
+    ORV_UTILS_V4_EXPORT ~nal_unit();
+    /// @endcond
+
     friend ORV_UTILS_V4_EXPORT bool operator==(const nal_unit&, const nal_unit&);
 };
 

@@ -65,6 +65,16 @@ struct sei_message {
     sei_payload payload;            ///< the alternative that payload_type names
     std::vector<std::uint8_t> rest; ///< the bytes of the payload behind its own syntax and its alignment bits
 
+    /// @cond
+    // What a compiler makes of them, made once in the library: all alternatives take it long.
+    ORV_UTILS_V4_EXPORT sei_message() noexcept;
+    ORV_UTILS_V4_EXPORT sei_message(const sei_message&);
+    ORV_UTILS_V4_EXPORT sei_message(sei_message&&) noexcept;
+    ORV_UTILS_V4_EXPORT sei_message& operator=(const sei_message&);
+    ORV_UTILS_V4_EXPORT sei_message& operator=(sei_message&&) noexcept;
+    ORV_UTILS_V4_EXPORT ~sei_message();
+    /// @endcond
+
     friend ORV_UTILS_V4_EXPORT bool operator==(const sei_message&, const sei_message&);
 };
 
