@@ -1,6 +1,7 @@
 // Streams put together unit by unit from small sound ones, in Annex B framing.
 #pragma once
 
+#include "support/made_slice.h"
 #include "support/small_units.h"
 
 #include <cstdint>
@@ -16,6 +17,7 @@ public:
     seq_parameter_set_data& sps() { return sets.sps.seq_parameter_set_data; }
     pic_parameter_set_rbsp& pps() { return sets.pps; }
 
+    /// A slice gets a byte of data.
     made_stream& add(const nal_unit& unit)
     {
         unsigned char room[4096];
@@ -23,10 +25,19 @@ public:
         outcome result;
         if (!write(unit, sets.context, writer, result))
             throw result.failure;
+        auto written = static_cast<std::size_t>(writer.bytes());
+        const unsigned type = unit.header.nal_unit_type;
+        if ((type >= 1 && type <= 5) || type == 19 || type == 20)
+            room[written++] = 0x80;
         unsigned char framed[sizeof room * 3 / 2 + 40];
-        const std::size_t size = frame(room, writer.size(), 0, true, framed, sizeof framed);
+        const std::size_t size = frame(room, written, 0, true, framed, sizeof framed);
         bytes.insert(bytes.end(), framed, framed + size);
+        units.emplace_back(framed + 4, framed + size);
         return *this;
+    }
+    made_stream& add(const made_slice& slice)
+    {
+        return add_slice(slice.nal_unit_type, slice.nal_ref_idc, [&](slice_header& h) { h = slice.header; });
     }
     /// The SPS and the PPS.
     made_stream& add_sets() { return add(unit_of(7, sets.sps)).add(unit_of(8, sets.pps)); }
@@ -42,15 +53,16 @@ public:
     /// A unit of the type with these bytes behind its header.
     made_stream& add_bytes(unsigned nal_unit_type, const std::vector<unsigned char>& payload)
     {
-        bytes.insert(bytes.end(), {0, 0, 0, 1, static_cast<unsigned char>(nal_unit_type)});
-        bytes.insert(bytes.end(), payload.begin(), payload.end());
+        units.push_back({static_cast<unsigned char>(nal_unit_type)});
+        units.back().insert(units.back().end(), payload.begin(), payload.end());
+        bytes.insert(bytes.end(), {0, 0, 0, 1});
+        bytes.insert(bytes.end(), units.back().begin(), units.back().end());
         return *this;
     }
 
-    std::vector<unsigned char> bytes;
-
-private:
-    small_sets sets;
+    std::vector<unsigned char> bytes;              ///< framed
+    std::vector<std::vector<unsigned char>> units; ///< the same, each by itself
+    small_sets sets;                               ///< that units are written with
 };
 
 } // namespace orv_utils_v4::h264
