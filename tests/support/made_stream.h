@@ -9,6 +9,17 @@
 
 namespace orv_utils_v4::h264 {
 
+inline nal_unit_header_mvc_extension extension_of_view(std::uint16_t view_id)
+{
+    nal_unit_header_mvc_extension extension;
+    extension.view_id = view_id;
+    extension.priority_id = 5;
+    extension.temporal_id = 2;
+    extension.anchor_pic_flag = true;
+    extension.inter_view_flag = true;
+    return extension;
+}
+
 class made_stream {
 public:
     /// Slices are written with these sets, both with the id 0.
@@ -50,6 +61,46 @@ public:
         change(std::get<slice_layer_without_partitioning_rbsp>(unit.rbsp).slice_header);
         return add(unit);
     }
+    /// A subset SPS with the data of the SPS, which slices of other views stand on.
+    made_stream& add_subset_sps()
+    {
+        subset.seq_parameter_set_data = sps();
+        sets.sets.subset_sps[0] = &subset;
+        return add(unit_of(15, subset));
+    }
+    /// A slice of another view, type 20.
+    made_stream& add_view(std::uint16_t view_id, std::uint32_t first_mb_in_slice = 0)
+    {
+        slice_layer_extension_rbsp slice;
+        slice_header header;
+        header.slice_type = 7;
+        header.first_mb_in_slice = first_mb_in_slice;
+        slice.header = header;
+        nal_unit unit = unit_of(20, slice);
+        unit.header.nal_unit_header_mvc_extension = extension_of_view(view_id);
+        return add(unit);
+    }
+    /// The same slice again, of a redundant coded picture.
+    made_stream& add_redundant(made_slice slice, std::uint32_t redundant_pic_cnt)
+    {
+        slice.header.redundant_pic_cnt = redundant_pic_cnt;
+        return add(slice);
+    }
+    /// Partition A, B or C, by its type, of a slice; the last two do not have the header.
+    made_stream& add_partition(unsigned type, const slice_header& header, std::uint32_t slice_id)
+    {
+        slice_data_partition_a_layer_rbsp a;
+        a.slice_header = header;
+        a.slice_id = slice_id;
+        slice_data_partition_b_layer_rbsp b;
+        b.slice_id = slice_id;
+        slice_data_partition_c_layer_rbsp c;
+        c.slice_id = slice_id;
+        sets.context.partition_a_pps = 0;
+        if (type == 2)
+            return add(unit_of(2, a));
+        return type == 3 ? add(unit_of(3, b)) : add(unit_of(4, c));
+    }
     /// A unit of the type with these bytes behind its header.
     made_stream& add_bytes(unsigned nal_unit_type, const std::vector<unsigned char>& payload)
     {
@@ -63,6 +114,9 @@ public:
     std::vector<unsigned char> bytes;              ///< framed
     std::vector<std::vector<unsigned char>> units; ///< the same, each by itself
     small_sets sets;                               ///< that units are written with
+
+private:
+    subset_seq_parameter_set_rbsp subset;
 };
 
 } // namespace orv_utils_v4::h264
