@@ -21,7 +21,7 @@ struct picture_order_count {
     /// PicOrderCnt, (8-1).
     std::int64_t lower() const noexcept { return top < bottom ? top : bottom; }
     /// Both fit 32 bits, as the standard demands.
-    bool in_range() const noexcept;
+    ORV_UTILS_V4_EXPORT bool in_range() const noexcept;
 };
 
 /// Counts the pictures of a stream, given in decoding order. Values that only a damaged stream can have stop at the
