@@ -63,6 +63,8 @@ marking_result reference_marking::before_picture(const marked_picture& picture) 
     const std::uint64_t max = MaxFrameNum(picture.sps);
     const std::uint64_t frame_num = picture.header.frame_num;
     const std::uint64_t behind = (frame_num + max - PrevRefFrameNum % max) % max;
+    if (!any_picture) // a stream may begin anywhere
+        PrevRefFrameNum = static_cast<std::uint32_t>((frame_num + max - 1) % max);
     const bool follows = picture.idr || picture.second_field || !any_picture || behind <= 1;
     any_picture = true;
     if (follows)

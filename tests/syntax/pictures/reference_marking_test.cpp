@@ -343,4 +343,15 @@ TEST(ReferenceMarking, ThereIsNoGapBeforeTheFirstPictureAndAnIdrPicture)
     EXPECT_EQ(m.text(), "1");
 }
 
+// It follows a reference picture with the frame_num before, which is not there.
+TEST(ReferenceMarking, ThereIsNoGapBehindAFirstPictureThatIsNoReference)
+{
+    for (const std::uint32_t frame_num : {9U, 0U}) {
+        marked_frames m(4);
+        m.add(other(frame_num)).add(other(frame_num)).add(reference(frame_num));
+        EXPECT_EQ(m.last.missing, 0U);
+        EXPECT_EQ(m.text(), "2");
+    }
+}
+
 } // namespace
