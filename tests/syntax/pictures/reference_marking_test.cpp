@@ -354,4 +354,14 @@ TEST(ReferenceMarking, ThereIsNoGapBehindAFirstPictureThatIsNoReference)
     }
 }
 
+// numShortTerm and numLongTerm both count a frame with a field of each kind (8.2.5.3).
+TEST(ReferenceMarking, AFrameWithAFieldOfEachKindCountsTwiceInTheWindow)
+{
+    marked_frames m = pairs_to(1, 3);
+    m.add(with(top(reference(2)), {short_to_long(1, 0), unmark_short(3), unmark_short(4)}));
+    ASSERT_EQ(m.text(), "1btL0 2t");
+    m.add(reference(3));
+    EXPECT_EQ(m.text(), "1tL0 2t 3");
+}
+
 } // namespace
