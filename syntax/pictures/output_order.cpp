@@ -38,14 +38,15 @@ void output_order::begin(const picture& next, const seq_parameter_set_data& sps,
     most_reordered = most_reordered_frames(sps);
     const std::size_t size = std::max(most_buffered_frames(sps), std::min(sps.max_num_ref_frames, most_waiting));
     at_once = mode == output_mode::when_decoded;
-    while (!at_once && fullness(marking, next.number) >= size && !waiting.empty()) {
-        const bool first = next.count.lower() < waiting[lowest()].count.lower();
+    while (!at_once && fullness(marking, next.number) >= size) {
+        const bool first = waiting.empty() || next.count.lower() < waiting[lowest()].count.lower();
         if (next.nal_ref_idc == 0 && first)
             at_once = true;
+        else if (waiting.empty()) // more is used for reference than the buffer holds
+            return;
         else
             bump(to);
     }
-    at_once = at_once || (size == 0 && next.nal_ref_idc == 0);
 }
 
 void output_order::begin_alone() noexcept
