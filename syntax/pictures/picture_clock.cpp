@@ -49,10 +49,12 @@ std::uint8_t fields_shown(const access_unit& unit) noexcept
 
 std::int64_t unwrapped::next(std::int64_t value, unsigned bits) noexcept
 {
-    if (any && bits < 63) {
-        const std::int64_t range = std::int64_t{1} << bits;
-        const std::int64_t ahead = ((value - latest) % range + range) % range;
-        value = latest + (ahead < range / 2 ? ahead : ahead - range);
+    constexpr std::int64_t far = std::int64_t{1} << 62; // stamps of a damaged stream begin again before they overflow
+    if (bits < 62) {
+        const std::int64_t mask = (std::int64_t{1} << bits) - 1;
+        const std::int64_t ahead = ((value & mask) - (latest & mask)) & mask;
+        const bool goes_on = any && latest > -far && latest < far;
+        value = goes_on ? latest + (ahead <= mask / 2 ? ahead : ahead - mask - 1) : value & mask;
     }
     any = true;
     latest = value;

@@ -98,7 +98,16 @@ TEST(Timestamps, BeyondTheirBitsCountByTheirLowOnes)
     constexpr std::int64_t range = std::int64_t{1} << 33;
     EXPECT_EQ(stamps_without_wraps({1, range + 5, 7 - range}, 33), (times{{1, 1}, {5, 1}, {7, 1}}));
     constexpr std::int64_t highest = 9223372036854775807;
-    EXPECT_EQ(stamps_without_wraps({-1, highest}, 33), (times{{-1, 1}, {-1, 1}}));
+    EXPECT_EQ(stamps_without_wraps({-1, highest, 0}, 33), (times{{range - 1, 1}, {range - 1, 1}, {range, 1}}));
+}
+
+TEST(Timestamps, OfManyBitsDoNotOverflow)
+{
+    constexpr std::int64_t quarter = std::int64_t{1} << 59;
+    const times all = stamps_without_wraps(
+        {0, quarter, 2 * quarter, 3 * quarter, 0, quarter, 2 * quarter, 3 * quarter, 0, quarter, 2 * quarter}, 61);
+    EXPECT_EQ(all[7], (exact_time{7 * quarter, 1}));
+    EXPECT_EQ(all[9], (exact_time{quarter, 1})); // begins again
 }
 
 TEST(Timestamps, AreReducedFractionsOfTheirClock)
