@@ -126,8 +126,9 @@ void picture_clock::end(std::uint8_t fields, picture_times& times) noexcept
         return;
     times.duration = time_after(beginning, fields, tick);
     decoded = time_after(decoded, fields, tick);
-    if (!shown) // a picture that waits for as many others as may be reordered is shown in time
+    if (!any_shown) // a picture that waits for as many others as may be reordered is shown in time
         shown = time_after(beginning, 2 * std::uint64_t{reordered}, tick);
+    any_shown = true;
 }
 
 void picture_clock::output(picture_times& times) noexcept

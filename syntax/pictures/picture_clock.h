@@ -38,6 +38,7 @@ private:
     exact_time period;           // removal of the access unit with the latest buffering period
     exact_time decoded = {0, 1}; // when the next picture is decoded, at a constant rate
     exact_time shown;            // when it is shown, likewise
+    bool any_shown = false;
     std::uint32_t reordered = 0;
     unwrapped decoding_stamps;
     unwrapped presentation_stamps;

@@ -163,6 +163,24 @@ TEST(RateTimes, FollowPulldown)
     EXPECT_EQ(decoding_of(told), presentation_of(told));
 }
 
+// The common denominator of three such ticks has more than 64 bits.
+TEST(RateTimes, ThatCannotBeToldAnyMoreStayUnknown)
+{
+    timed_pictures_stream stream(1, 2147483647, false);
+    stream.add(idr(0));
+    for (const std::uint32_t time_scale : {2147483629U, 2147483587U, 50U, 50U}) {
+        stream.sps().vui_parameters.time_scale = time_scale;
+        stream.add_sets().add(idr(time_scale % 2));
+    }
+    const told_pictures told = told_of(stream.bytes);
+    const times presentation = presentation_of(told), decoding = decoding_of(told);
+    ASSERT_EQ(presentation.size(), 5U);
+    EXPECT_TRUE(presentation[1]);
+    EXPECT_TRUE(decoding[1]);
+    EXPECT_EQ(presentation[4], unknown);
+    EXPECT_EQ(decoding[4], unknown);
+}
+
 TEST(RateTimes, WithoutTimingInformationAreUnknown)
 {
     made_stream stream;
