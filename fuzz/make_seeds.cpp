@@ -18,6 +18,7 @@ try {
     fuzz::add_bit_seeds(table);
     fuzz::add_unit_seeds(table);
     fuzz::add_structure_seeds(table);
+    fuzz::add_picture_seeds(table);
     for (auto& [target, seeds] : table) {
         seeds["empty"] = {};
         const std::filesystem::path folder = std::filesystem::path(argv[1]) / target;

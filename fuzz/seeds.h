@@ -34,5 +34,6 @@ inline void add_heads(seeds& to, const std::string& name, const bytes& head, con
 void add_bit_seeds(seed_table& to);
 void add_unit_seeds(seed_table& to);
 void add_structure_seeds(seed_table& to);
+void add_picture_seeds(seed_table& to);
 
 } // namespace fuzz

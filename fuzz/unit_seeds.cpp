@@ -66,6 +66,7 @@ void add_readers(seed_table& to, unsigned char framing)
         to["unit_splitter"][name] = behind({framing, 2, 19}, stream);
         if (framing <= 2) {
             to["syntax_unit"][name] = to["syntax_identity"][name] = behind({framing}, stream);
+            to["pictures"][name] = behind({framing, 0, 3}, stream);
             to["syntax_edit"][name] = behind({0, 3, 1, 0, 0, 0, 0, 0, 0, 0, 5, framing}, stream);
         }
         to["generations_nal"][name] = behind({framing, support::sps}, stream);

@@ -41,14 +41,13 @@ void output_order::begin(const picture& next, const seq_parameter_set_data& sps,
     if (mode == output_mode::early)
         most_reordered = most_reordered_frames(sps);
     const std::size_t size = std::max(most_buffered_frames(sps), std::min(sps.max_num_ref_frames, most_waiting));
-    const bool no_reference = next.nal_ref_idc == 0;
-    while (!waiting.empty() && fullness(marking, next.number) >= size) {
-        at_once = no_reference && next.count.lower() < lowest()->count;
-        if (at_once)
+    while (fullness(marking, next.number) >= size) {
+        const bool first = waiting.empty() || next.count.lower() < lowest()->count;
+        at_once = next.nal_ref_idc == 0 && first;
+        if (at_once || waiting.empty()) // else more is used for reference than the buffer holds
             return;
         bump(to);
     }
-    at_once = size == 0 && no_reference;
 }
 
 void output_order::begin_alone() noexcept

@@ -49,10 +49,12 @@ std::uint8_t fields_shown(const access_unit& unit) noexcept
 
 std::int64_t unwrapped::next(std::int64_t value, unsigned bits) noexcept
 {
-    if (any && bits < 63) {
-        const std::int64_t range = std::int64_t{1} << bits;
-        const std::int64_t ahead = ((value - latest) % range + range) % range;
-        value = latest + (ahead < range / 2 ? ahead : ahead - range);
+    constexpr std::int64_t far = std::int64_t{1} << 62; // stamps of a damaged stream begin again before they overflow
+    if (bits < 62) {
+        const std::int64_t mask = (std::int64_t{1} << bits) - 1;
+        const std::int64_t ahead = ((value & mask) - (latest & mask)) & mask;
+        const bool goes_on = any && latest > -far && latest < far;
+        value = goes_on ? latest + (ahead <= mask / 2 ? ahead : ahead - mask - 1) : value & mask;
     }
     any = true;
     latest = value;
@@ -62,8 +64,10 @@ std::int64_t unwrapped::next(std::int64_t value, unsigned bits) noexcept
 void picture_clock::begin(const access_unit& unit, const timestamp* stamp, picture_times& times) noexcept
 {
     tick = tick_of(unit);
-    if (tick.denominator != 0 && !shown) // a picture that waits for as many others as may be reordered is shown in time
+    if (tick.denominator != 0 && !any_shown) { // one that waits for as many others as may be reordered is shown in time
         shown = time_after(beginning, 2 * std::uint64_t{most_reordered_frames(*unit.sps)}, tick);
+        any_shown = true;
+    }
     if (!take_hrd(unit, times) && tick.denominator != 0) {
         const bool constant = unit.sps->vui_parameters.fixed_frame_rate_flag;
         times.source = constant ? time_source::constant_rate : time_source::assumed_rate;

@@ -38,7 +38,8 @@ private:
     exact_time period;           // removal of the access unit with the latest buffering period
     exact_time decoded = {0, 1}; // when the next picture is decoded, at a constant rate
     exact_time shown;            // when it is shown, likewise
-    exact_time duration;         // of so many fields at this tick, which most pictures have in common
+    bool any_shown = false;
+    exact_time duration; // of so many fields at this tick, which most pictures have in common
     std::uint8_t shown_fields = 0;
     ratio shown_tick;
     unwrapped decoding_stamps;

@@ -63,6 +63,8 @@ marking_result reference_marking::before_picture(const marked_picture& picture) 
     const std::uint64_t max = MaxFrameNum(picture.sps);
     const std::uint64_t frame_num = picture.header.frame_num;
     const std::uint64_t behind = (frame_num + max - PrevRefFrameNum % max) % max;
+    if (!any_picture) // a stream may begin anywhere
+        PrevRefFrameNum = static_cast<std::uint32_t>((frame_num + max - 1) % max);
     const bool follows = picture.idr || picture.second_field || !any_picture || behind <= 1;
     any_picture = true;
     if (follows)
@@ -121,10 +123,14 @@ reference_frame& reference_marking::entry_of(const marked_picture& picture) noex
     return frames.back();
 }
 
-// The sliding window, 8.2.5.3.
+// The sliding window, 8.2.5.3. A frame with a field of each kind is in both numbers.
 void reference_marking::slide(std::uint32_t frame_num, const seq_parameter_set_data& sps) noexcept
 {
-    while (static_cast<std::uint32_t>(std::count_if(begin(), end(), marked)) >= most_frames_of(sps)) {
+    const auto numShortTerm = [&] {
+        return std::count_if(begin(), end(), [](const auto& f) { return f.short_term != 0; });
+    };
+    const auto numLongTerm = std::count_if(begin(), end(), [](const auto& f) { return f.long_term != 0; });
+    while (numShortTerm() + numLongTerm >= most_frames_of(sps)) {
         reference_frame* const oldest = oldest_short_term(frames.begin(), frames.end(), frame_num, sps);
         if (oldest == nullptr)
             return;
