@@ -81,7 +81,7 @@ std::size_t check(const std::filesystem::path& path)
     return count;
 }
 
-/// Where the texts are; script/planted-texts has others.
+/// Where the texts are; script/planted-syntax has others.
 std::filesystem::path texts()
 {
     const char* const elsewhere = std::getenv("ORV_TEST_TEXTS");
