@@ -74,6 +74,19 @@ TEST(AccessUnitParts, WithoutAPrimarySliceTellNoPicture)
     EXPECT_TRUE(told.all[1].unit.findings.empty());
 }
 
+// What begins an access unit ends the one before, whatever slices follow (7.4.1.2.3).
+TEST(AccessUnitParts, OtherSlicesBehindUnitsOfTheNextOneAreThatOnes)
+{
+    rich_stream stream;
+    stream.add(reference(1)).add_bytes(6, {0x80}).add_view(1).add(reference(2)).add_subset_sps();
+    stream.add_redundant(reference(2), 1);
+    const told_access_units told(stream);
+    ASSERT_EQ(told.types(), "7 8 15 1|6 20|1|15 1");
+    EXPECT_TRUE(told.all[1].has(picture_finding::no_primary_picture));
+    EXPECT_TRUE(told.all[3].has(picture_finding::no_primary_picture));
+    EXPECT_FALSE(told.findings().has(picture_finding::unit_out_of_place));
+}
+
 TEST(AccessUnitParts, PartitionsBelongToTheirPicture)
 {
     rich_stream stream;
@@ -248,6 +261,13 @@ TEST(AccessUnitParts, WithoutParameterSetsBeginWithMacroblock0)
         EXPECT_FALSE(unit.unit.whole);
         EXPECT_FALSE(unit.sps);
     }
+}
+
+TEST(AccessUnitParts, WithoutParameterSetsAndTheirFirstSliceEndBeforeMacroblock0)
+{
+    made_stream stream;
+    stream.add(from_macroblock(reference(1), 2)).add(from_macroblock(reference(1), 4)).add(reference(2));
+    EXPECT_EQ(told_access_units(stream).types(), "1 1|1");
 }
 
 TEST(AccessUnitParts, ADamagedSliceIsAFindingAndTheNextOneTellsThePicture)
