@@ -100,12 +100,17 @@ struct options {
     std::size_t growth;
 };
 
-std::string in_one(const bytes& stream, const units_of& split, const options& o)
+/// In pieces of a block that stays.
+std::string in_place(const bytes& stream, const units_of& split, options o)
 {
     const exact_block block(stream);
     checked_pictures sink(split.units, o.mode);
     picture_reader reader(o.how, o.mode);
-    reader.push(block.begin(), block.size(), sink, {nullptr, true});
+    for (std::size_t at = 0; at < block.size(); o.piece += o.growth) {
+        const std::size_t size = std::min(o.piece, block.size() - at);
+        reader.push(block.begin() + at, size, sink, {nullptr, true});
+        at += size;
+    }
     reader.flush(sink);
     return sink.all();
 }
@@ -140,9 +145,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::size_t pieces = in.byte();
     const bytes stream = in.rest();
     const options o = {how, mode, 1 + pieces % 32, pieces / 32};
-
     const units_of split(how, stream);
-    expect(in_one(stream, split, o) == in_pieces(stream, split, o, false), "pieces give what the whole gives");
+    const std::string whole = in_place(stream, split, {how, mode, stream.size(), 0});
+    expect(in_place(stream, split, o) == whole, "pieces that stay give what the whole gives");
+    expect(in_pieces(stream, split, o, false) == whole, "pieces give what the whole gives");
     in_pieces(stream, split, o, true);
     return 0;
 }

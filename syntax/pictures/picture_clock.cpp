@@ -28,7 +28,7 @@ exact_time reduced(std::int64_t ticks, std::uint32_t clock)
 {
     if (clock == 0)
         return {};
-    const std::int64_t divisor = std::gcd(ticks, std::int64_t{clock});
+    const std::int64_t divisor = std::gcd(ticks % clock, std::int64_t{clock}); // of -2^63 there is no magnitude
     return {ticks / divisor, clock / divisor};
 }
 

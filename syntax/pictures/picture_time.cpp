@@ -36,7 +36,7 @@ exact_time time_after(exact_time start, std::uint64_t count, ratio unit) noexcep
         return {};
     const bool negative = start.numerator < 0;
     std::uint64_t before =
-        negative ? 0 - static_cast<std::uint64_t>(start.numerator) : static_cast<std::uint64_t>(start.numerator);
+        negative ? static_cast<std::uint64_t>(-(start.numerator + 1)) + 1 : static_cast<std::uint64_t>(start.numerator);
     if (!multiply(before, of_unit / shared, before) || (!negative && added > most - before))
         return {};
     const std::int64_t sum = static_cast<std::int64_t>(added) +

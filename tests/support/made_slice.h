@@ -44,6 +44,12 @@ inline made_slice other(std::uint32_t frame_num, std::uint32_t pic_order_cnt_lsb
     return slice;
 }
 
+inline made_slice from_macroblock(made_slice slice, std::uint32_t first_mb_in_slice)
+{
+    slice.header.first_mb_in_slice = first_mb_in_slice;
+    return slice;
+}
+
 inline made_slice top(made_slice slice)
 {
     slice.header.field_pic_flag = true;

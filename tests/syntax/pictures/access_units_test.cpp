@@ -263,6 +263,16 @@ TEST(AccessUnits, EndWithTheEndsOfSequenceAndStream)
     EXPECT_FALSE(told.all[2].unit.ends_sequence());
 }
 
+TEST(AccessUnits, AnEndBehindUnitsOfTheNextOneClosesThat)
+{
+    for (const unsigned end : {10U, 11U}) {
+        made_stream stream;
+        stream.add_sets().add(idr(1)).add_bytes(16, payload).add_bytes(end, {}).add(idr(1));
+        const std::string e = std::to_string(end);
+        EXPECT_EQ(told_access_units(stream).types(), "7 8 5|16 " + e + "|5");
+    }
+}
+
 TEST(AccessUnits, WithoutSlicesAreHandedOnToo)
 {
     made_stream stream;

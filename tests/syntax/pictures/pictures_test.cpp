@@ -265,6 +265,28 @@ TEST(Pictures, AnAccessUnitWithoutAPictureIsOfNone)
     EXPECT_TRUE(told.decoding_order.empty());
 }
 
+TEST(Pictures, OfPiecesThatStayAreThoseOfTheWhole)
+{
+    count_stream stream;
+    stream.add(idr())
+        .add(reference(1, 8))
+        .add_bytes(12, {0xFF, 0xFF, 0x80})
+        .add(top(other(2, 2)))
+        .add(bottom(other(2, 3)));
+    const told_pictures whole = told_of(stream);
+    for (std::size_t size = 1; size < stream.bytes.size(); ++size) {
+        told_pictures told;
+        picture_reader reader(framing::annex_b);
+        for (std::size_t at = 0; at < stream.bytes.size(); at += size)
+            reader.push(&stream.bytes[at], std::min(size, stream.bytes.size() - at), told, {nullptr, true});
+        reader.flush(told);
+        EXPECT_EQ(told.lines(), whole.lines());
+        ASSERT_EQ(told.access_units.size(), whole.access_units.size());
+        for (std::size_t i = 0; i < told.access_units.size(); ++i)
+            EXPECT_EQ(told.access_units[i].units, whole.access_units[i].units) << size;
+    }
+}
+
 TEST(Pictures, MarkingTellsTheReferencesByNow)
 {
     class sink : public access_unit_sink {
