@@ -289,7 +289,8 @@ void access_units::state::take_primary(const unit_reading& reading, const slice_
         complete();
     current.parts.push_back(part_of(reading, unit_role::primary));
     any_slice = true;
-    current.slice_kinds |= static_cast<std::uint8_t>(1U << static_cast<unsigned>(header.kind()));
+    if (key.whole)
+        current.slice_kinds |= static_cast<std::uint8_t>(1U << static_cast<unsigned>(header.kind()));
     if (goes_on && (first.whole || !key.whole))
         return;
     first = key;

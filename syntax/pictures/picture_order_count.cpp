@@ -84,7 +84,7 @@ picture_order_count picture_order_counter::next(const seq_parameter_set_data& sp
     else if (sps.pic_order_cnt_type == 1)
         count = type_1(sps, header, nal_ref_idc);
     else
-        count = type_2(header, nal_ref_idc);
+        count = idr ? picture_order_count() : type_2(header, nal_ref_idc);
 
     const bool operation_5 = nal_ref_idc != 0 && has_operation_5(header);
     previous_frame_num = operation_5 ? 0 : header.frame_num;

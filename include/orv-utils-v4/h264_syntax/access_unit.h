@@ -117,7 +117,7 @@ struct access_unit {
     picture_structure structure = picture_structure::frame;
     std::uint8_t nal_ref_idc = 0; ///< not 0: it is a reference picture
     bool idr = false;             ///< IdrPicFlag
-    std::uint8_t slice_kinds = 0; ///< of its primary slices: bit 1 << slice_kind
+    std::uint8_t slice_kinds = 0; ///< of its primary slices whose headers were read: bit 1 << slice_kind
 
     picture_findings findings;
 
@@ -161,7 +161,8 @@ protected:
 };
 
 /// Puts the units of a stream together to access units. One is handed on when it is known to be complete: with the
-/// first slice of the next primary coded picture, a delimiter, the end of a sequence or of the stream, or a flush.
+/// first slice of the next primary coded picture, a delimiter, an end of stream, the unit behind an end of sequence, or
+/// a flush.
 class ORV_UTILS_V4_EXPORT access_units {
 public:
     /// The most units of an access unit; with the next one it is handed on, and another one begins.

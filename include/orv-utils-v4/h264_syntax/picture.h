@@ -28,8 +28,8 @@ struct picture {
     bool recovery_point = false;   ///< it has a recovery point message: decoding may begin there (clause D.2.8)
     bool discarded = false;        ///< no_output_of_prior_pics_flag of the next IDR picture: not output by a decoder
     std::uint64_t sequence = 0;    ///< pictures with a lower one are output before it
-    bool has_count = false;          ///< `count` is known: its header was read, and its SPS is there
-    picture_order_count count;       ///< within its sequence; a lower one is output before it
+    bool has_count = false;        ///< `count` is known: its header was read, and its SPS is there
+    picture_order_count count;     ///< within its sequence; a lower one is output before it
     std::uint8_t fields_shown = 2; ///< how long it is shown, in fields: 1 to 6 (Table D-1, DeltaTfiDivisor)
     picture_times times;
     unsigned clock_count = 0;        ///< timestamps of clocks that it has
@@ -40,8 +40,8 @@ struct picture {
     bool lone_field() const noexcept { return structure >= picture_structure::top_field && !both_fields; }
 };
 
-/// How long the picture of an access unit is shown, in fields: 1 to 6 (Table D-1, Table E-6); by pic_struct, or else 2 of
-/// a frame and 1 of a field.
+/// How long the picture of an access unit is shown, in fields: 1 to 6 (Table D-1, Table E-6); by pic_struct, or else 2
+/// of a frame and 1 of a field.
 ORV_UTILS_V4_EXPORT std::uint8_t fields_shown(const access_unit& unit) noexcept;
 
 /// Who takes the pictures. What it throws goes through the class that calls it, which may be pushed no further then.
