@@ -7,12 +7,18 @@
 
 namespace orv_utils_v4::h264 {
 
+namespace {
+
+constexpr std::uint32_t most_frames = output_order::most_waiting; // a name that is no symbol
+
+} // namespace
+
 std::uint32_t most_buffered_frames(const seq_parameter_set_data& sps) noexcept
 {
     const vui_parameters& vui = sps.vui_parameters;
     const std::uint32_t frames =
         vui.bitstream_restriction_flag ? vui.max_dec_frame_buffering : inferred_reorder_frames(sps);
-    return std::min(frames, reference_marking::most_frames);
+    return std::min(frames, most_frames);
 }
 
 std::uint32_t most_reordered_frames(const seq_parameter_set_data& sps) noexcept
@@ -20,7 +26,7 @@ std::uint32_t most_reordered_frames(const seq_parameter_set_data& sps) noexcept
     if (sps.pic_order_cnt_type == 2)
         return 0;
     const vui_parameters& vui = sps.vui_parameters;
-    return vui.bitstream_restriction_flag ? std::min(vui.max_num_reorder_frames, output_order::most_waiting)
+    return vui.bitstream_restriction_flag ? std::min(vui.max_num_reorder_frames, most_frames)
                                           : most_buffered_frames(sps);
 }
 
@@ -40,7 +46,7 @@ void output_order::begin(const picture& next, const seq_parameter_set_data& sps,
         return;
     if (mode == output_mode::early)
         most_reordered = most_reordered_frames(sps);
-    const std::size_t size = std::max(most_buffered_frames(sps), std::min(sps.max_num_ref_frames, most_waiting));
+    const std::size_t size = std::max(most_buffered_frames(sps), std::min(sps.max_num_ref_frames, most_frames));
     while (fullness(marking, next.number) >= size) {
         const bool first = waiting.empty() || next.count.lower() < lowest()->count;
         at_once = next.nal_ref_idc == 0 && first;

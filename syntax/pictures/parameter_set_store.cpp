@@ -65,17 +65,17 @@ parameter_set_store::kept_set* parameter_set_store::slot_of(unsigned type, std::
     return type == sps_type ? &spss[id] : type == subset_sps_type ? &subset_spss[id] : &sps_extensions[id];
 }
 
-set_arrival parameter_set_store::push(const unit_view& pushed) noexcept
+set_arrival parameter_set_store::push(const unit_view& unit) noexcept
 {
-    const unit_view unit = without_zeros(pushed);
-    if (!is_kept_set(unit.type()))
+    const unit_view set = without_zeros(unit);
+    if (!is_kept_set(set.type()))
         return set_arrival::no_set;
-    if (unit.size > stream::most_parameter_set_bytes)
+    if (set.size > stream::most_parameter_set_bytes)
         return set_arrival::too_long;
-    if ((unit.bytes[0] & 0x80) != 0) // forbidden_zero_bit
+    if ((set.bytes[0] & 0x80) != 0) // forbidden_zero_bit
         return set_arrival::damaged;
     try {
-        return keep(unit);
+        return keep(set);
     } catch (...) {
         return set_arrival::no_memory;
     }

@@ -120,8 +120,8 @@ picture_order_count picture_order_counter::type_0(const seq_parameter_set_data& 
 picture_order_count picture_order_counter::type_1(const seq_parameter_set_data& sps, const slice_header& header,
                                                   unsigned nal_ref_idc) const noexcept
 {
-    const std::uint32_t cycle =
-        std::min(sps.num_ref_frames_in_pic_order_cnt_cycle, seq_parameter_set_data::most_frames_in_cycle);
+    constexpr std::uint32_t most = seq_parameter_set_data::most_frames_in_cycle;
+    const std::uint32_t cycle = std::min(sps.num_ref_frames_in_pic_order_cnt_cycle, most);
     std::int64_t absFrameNum = cycle != 0 ? sum(FrameNumOffset, header.frame_num) : 0;
     if (nal_ref_idc == 0 && absFrameNum > 0)
         --absFrameNum;

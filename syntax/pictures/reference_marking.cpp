@@ -21,7 +21,8 @@ std::uint8_t fields_of(const slice_header& header)
 
 std::uint32_t most_frames_of(const seq_parameter_set_data& sps)
 {
-    return std::clamp(sps.max_num_ref_frames, std::uint32_t{1}, reference_marking::most_frames);
+    constexpr std::uint32_t most = reference_marking::most_frames;
+    return std::clamp(sps.max_num_ref_frames, std::uint32_t{1}, most);
 }
 
 /// FrameNumWrap (8-27).
