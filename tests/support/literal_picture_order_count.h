@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 namespace literal {
@@ -37,7 +38,7 @@ struct counts {
 
 class picture_order_count {
 public:
-    explicit picture_order_count(const counted_sequence& of) : sps(of) {}
+    explicit picture_order_count(counted_sequence of) : sps(std::move(of)) {}
 
     /// Of the next picture, before operation 5 takes effect; a field has one of the two.
     counts next(const counted_picture& picture)
@@ -103,7 +104,7 @@ private:
         return c;
     }
 
-    std::int64_t next_FrameNumOffset(const counted_picture& picture)
+    std::int64_t next_FrameNumOffset(const counted_picture& picture) const
     {
         const std::int64_t prevFrameNumOffset = previous.operation_5 ? 0 : FrameNumOffset;
         const std::int64_t prevFrameNum = previous.operation_5 ? 0 : previous.frame_num;

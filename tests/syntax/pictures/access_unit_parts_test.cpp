@@ -61,7 +61,7 @@ TEST(AccessUnitParts, WithoutAPrimarySliceTellNoPicture)
     stream.add_redundant(reference(1), 1).add(reference(2)).add_view(1).add_bytes(9, {0xF0}).add_view(1);
     const told_access_units told(stream);
     ASSERT_EQ(told.types(), "7 8 15 1|1 20|9 20");
-    for (const std::size_t i : {0, 2}) {
+    for (const std::size_t i : {0U, 2U}) {
         EXPECT_FALSE(told.all[i].header);
         EXPECT_TRUE(told.all[i].has(picture_finding::no_primary_picture));
     }
@@ -146,7 +146,7 @@ TEST(AccessUnitParts, APrefixTellsTheLayerOfTheSliceBehindIt)
     ASSERT_EQ(told.types(), "7 8 15 14 1 14 1|14 1 1");
     EXPECT_TRUE(told.findings().empty());
     const auto& first = told.all[0].unit.parts;
-    for (const std::size_t i : {4, 6}) {
+    for (const std::size_t i : {4U, 6U}) {
         EXPECT_TRUE(first[i].prefixed);
         EXPECT_EQ(layer_of(first[i]).temporal_id, 3);
         EXPECT_EQ(layer_of(first[i]).priority_id, 9);

@@ -122,7 +122,7 @@ TEST(DecoderConfiguration, BytesBehindTheExtensionAreTold)
 TEST(DecoderConfiguration, ReservedBitsArePassedOverAndWrittenAsOnes)
 {
     bytes in = whole;
-    for (const std::size_t at : {4, 5, 22, 23, 24})
+    for (const std::size_t at : {4U, 5U, 22U, 23U, 24U})
         in[at] = static_cast<unsigned char>(in[at] & (at == 5 ? 0x1F : at < 23 ? 0x03 : 0x07));
     record x;
     ASSERT_TRUE(read(x, in.data(), in.size()).sound());

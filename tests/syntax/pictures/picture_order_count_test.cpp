@@ -224,7 +224,7 @@ public:
 private:
     int between(int low, int high)
     {
-        return low + static_cast<int>(pick(random, static_cast<std::size_t>(high - low + 1)));
+        return low + static_cast<int>(pick(random, static_cast<std::size_t>(high - low) + 1));
     }
     void choose_counts()
     {
