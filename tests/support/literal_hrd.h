@@ -5,7 +5,7 @@
 
 namespace literal {
 
-/// One specification, every length another.
+/// One schedule, every length another.
 inline lines hrd_of_one()
 {
     return {{"cpb_cnt_minus1", ue, 0},

@@ -11,7 +11,7 @@
 
 namespace orv_utils_v4::h264 {
 
-/// The first delays of one alternative specification in buffering_period(), in units of a 90 kHz clock.
+/// The first delays of one schedule in buffering_period(), in units of a 90 kHz clock.
 struct initial_cpb_removal {
     std::uint32_t initial_cpb_removal_delay;
     std::uint32_t initial_cpb_removal_delay_offset;
