@@ -249,9 +249,14 @@ void access_units::state::keep_parameter_sets()
         own_sps = *current.sps;
         current.sps = &own_sps;
     }
-    if (current.pps != nullptr && current.pps != &own_pps) {
+    if (current.pps == nullptr || current.pps == &own_pps)
+        return;
+    try {
         own_pps = *current.pps;
         current.pps = &own_pps;
+    } catch (...) { // no memory for its slice groups
+        current.pps = nullptr;
+        current.findings.add(picture_finding::limit_reached);
     }
 }
 

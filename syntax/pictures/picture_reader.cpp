@@ -70,7 +70,10 @@ void picture_reader::state::keep_stamp(const timestamp& stamp)
 {
     if (stamps.size() == most_stamps)
         stamps.erase(stamps.begin());
-    stamps.push_back({pushed, pushed + piece_size, stamp});
+    try {
+        stamps.push_back({pushed, pushed + piece_size, stamp});
+    } catch (...) { // no memory: its access unit goes without
+    }
 }
 
 void picture_reader::state::unit(const split_unit& unit)

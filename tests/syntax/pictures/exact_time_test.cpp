@@ -1,19 +1,9 @@
 // Exact times, the clock of a day, and wraps of timestamps.
-#include <orv-utils-v4/h264_syntax/picture_time.h>
+#include "support/shown_time.h"
 
 #include <gtest/gtest.h>
 
 #include <limits>
-#include <ostream>
-
-namespace orv_utils_v4::h264 {
-
-static std::ostream& operator<<(std::ostream& out, const exact_time& t)
-{
-    return out << t.numerator << '/' << t.denominator;
-}
-
-} // namespace orv_utils_v4::h264
 
 namespace {
 

@@ -1,19 +1,9 @@
 // Timestamps of the caller: whose they are, their wraps, and when they count.
+#include "support/shown_time.h"
 #include "support/timed_pictures.h"
 #include "support/told_pictures.h"
 
 #include <gtest/gtest.h>
-
-#include <ostream>
-
-namespace orv_utils_v4::h264 {
-
-static std::ostream& operator<<(std::ostream& out, const exact_time& t)
-{
-    return out << t.numerator << '/' << t.denominator;
-}
-
-} // namespace orv_utils_v4::h264
 
 namespace {
 

@@ -1,19 +1,9 @@
-// Times of pictures: from HRD parameters (clauses C.1.2 and C.2.2), from a rate, from timestamps of the caller.
+// Times of pictures: from HRD parameters (clauses C.1.2 and C.2.2) and from a rate.
+#include "support/shown_time.h"
 #include "support/timed_pictures.h"
 #include "support/told_pictures.h"
 
 #include <gtest/gtest.h>
-
-#include <ostream>
-
-namespace orv_utils_v4::h264 {
-
-static std::ostream& operator<<(std::ostream& out, const exact_time& t)
-{
-    return out << t.numerator << '/' << t.denominator;
-}
-
-} // namespace orv_utils_v4::h264
 
 namespace {
 
