@@ -138,6 +138,8 @@ const unsigned char* unit_splitter::take_prefixed(const unsigned char* at, const
 void unit_splitter::hold(const unsigned char* at, const unsigned char* fence)
 {
     const auto size = static_cast<std::size_t>(fence - at);
+    if (held_size == 0 && size != 0)
+        header = *at;
     held_size += size;
     dropped = dropped || length > most || (held_size > most && held_size - most > longest_look_back);
     if (!dropped) {
@@ -177,7 +179,8 @@ void unit_splitter::hand_on(const unsigned char* bytes, std::size_t size, bool c
     in_unit = false;
     any_unit = true;
     if (lost || whole > most || stated > most)
-        to.gap({split_gap_reason::too_large, unit_offset - framing_size, framing_size + whole});
+        to.gap({split_gap_reason::too_large, unit_offset - framing_size, framing_size + whole, stated,
+                lost ? header : size == 0 ? static_cast<unsigned char>(0) : bytes[0]});
     else if (whole == 0)
         to.gap({split_gap_reason::no_header, unit_offset - framing_size, framing_size});
     else

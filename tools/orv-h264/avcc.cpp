@@ -71,7 +71,7 @@ public:
         unsigned char* const fence = record.data() + record.size();
         const bool whole = h264_AVCDecoderConfigurationRecord_parse(&r, record.data(), fence) == 0;
         show_all(r, whole);
-        if (options.json)
+        if (options.format == output_format::json)
             print_json(object);
         return problems.status();
     }
@@ -152,7 +152,7 @@ private:
         for (const std::string& problem : problems_of(walked))
             complain(entry, problem);
         const shown_unit shown = {where, nal, rbsp_size, &walked};
-        if (options.json)
+        if (options.format == output_format::json)
             object[list].push_back(unit_json(shown));
         else
             printer.print(shown);
@@ -163,14 +163,14 @@ private:
         if (rest.empty())
             return;
         object["extension"] = hex_digits(rest);
-        if (!options.json)
+        if (options.format != output_format::json)
             fmt::print("extension {}\n", hex_start(rest));
     }
 
     void show(const char* name, std::uint64_t value)
     {
         object[name] = value;
-        if (!options.json)
+        if (options.format != output_format::json)
             fmt::print("{} {}\n", name, value);
     }
 

@@ -2,14 +2,15 @@
 #pragma once
 
 #include "exit_status.h"
+#include "output_format.h"
 
 #include <string>
 
 namespace orv_h264 {
 
 struct avcc_options {
-    std::string path;  ///< - is the standard input
-    bool json = false; ///< for programs
+    std::string path; ///< - is the standard input
+    output_format format = output_format::text;
 };
 
 /// Prints the members of the record and the fields of its parameter sets to the standard output, and what is wrong to

@@ -24,19 +24,20 @@ namespace orv_h264 {
 
 namespace {
 
-using brenik::h2645_common_nalfmt;
+namespace h264 = orv_utils_v4::h264;
 
-const std::map<std::string, h2645_common_nalfmt>& framings()
+const std::map<std::string, h264::framing>& framings()
 {
-    static const std::map<std::string, h2645_common_nalfmt> by_name = {
-        {"annexb", brenik::nalfmt_annexb},   {"length1", brenik::nalfmt_length1}, {"length2", brenik::nalfmt_length2},
-        {"length3", brenik::nalfmt_length3}, {"length4", brenik::nalfmt_length4},
+    static const std::map<std::string, h264::framing> by_name = {
+        {"annexb", h264::framing::annex_b},   {"length1", h264::framing::length_1},
+        {"length2", h264::framing::length_2}, {"length3", h264::framing::length_3},
+        {"length4", h264::framing::length_4},
     };
     return by_name;
 }
 
 CLI::Option* add_framing(CLI::App& app, const char* name, const char* description,
-                         const std::function<void(h2645_common_nalfmt)>& take)
+                         const std::function<void(h264::framing)>& take)
 {
     return app
         .add_option_function<std::string>(
@@ -96,7 +97,7 @@ void add_stream(CLI::App& app, const char* name, stream_options& options)
     add_file(app, name, options.path, "The stream; - is the standard input");
     add_framing(app, "--format",
                 "The framing: annexb, length1, length2, length3 or length4; without it, Annex B is recognised",
-                [&options](h2645_common_nalfmt framing) { options.format = framing; });
+                [&options](h264::framing framing) { options.format = framing; });
     app.add_option("--max-unit", options.max_unit,
                    "Report a unit longer than this instead of reading it; K, M and G are powers of 1024")
         ->transform(size_in_bytes)
@@ -104,9 +105,28 @@ void add_stream(CLI::App& app, const char* name, stream_options& options)
         ->default_str("64M");
 }
 
-void add_json(CLI::App& app, bool& json, const char* description)
+/// "A line for each frame, tab-separated".
+std::string describe_rows(const char* rows, const char* separator)
 {
-    app.add_flag("--json", json, description);
+    return std::string(rows) + ", " + separator + "-separated";
+}
+
+/// Adds --json, --csv and --tsv, which stand alone.
+void add_format(CLI::App& app, output_format& format, const char* json, const char* rows)
+{
+    const std::pair<const char*, output_format> formats[] = {
+        {"--json", output_format::json}, {"--csv", output_format::csv}, {"--tsv", output_format::tsv}};
+    for (const auto& [name, value] : formats)
+        app.add_flag_callback(
+            name,
+            [&format, name = name, value = value] {
+                if (format != output_format::text)
+                    throw CLI::ValidationError(name, "one of --json, --csv and --tsv is enough");
+                format = value;
+            },
+            value == output_format::json  ? std::string(json)
+            : value == output_format::csv ? describe_rows(rows, "comma")
+                                          : describe_rows(rows, "tab"));
 }
 
 constexpr const char* json_lines = "Print JSON instead, an object a line";
@@ -167,11 +187,10 @@ void command_line::add_inspect()
             },
             "Show these NAL unit types only, for example 7,8 or 1-5")
         ->type_name("TYPES");
-    add_json(inspection, inspect_chosen.json, json_lines);
-    inspection.add_flag("--tsv", inspect_chosen.tsv, "A line for each syntax element, tab-separated");
+    add_format(inspection, inspect_chosen.format, json_lines, "A line for each syntax element");
     inspection.parse_complete_callback([this] {
-        if (inspect_chosen.tsv && (inspect_chosen.json || inspect_chosen.nals))
-            throw CLI::ValidationError("--tsv", "not together with --json or --nals");
+        if (is_table(inspect_chosen.format) && inspect_chosen.nals)
+            throw CLI::ValidationError("--nals", "not together with --csv or --tsv");
     });
     inspection.footer(std::string(help_texts::inspect) + help_texts::exit_statuses);
     run_with(inspection, inspect, inspect_chosen);
@@ -183,7 +202,7 @@ void command_line::add_frames()
     add_stream(table, "FILE", frames_chosen.stream);
     table.add_flag("--split-fields", frames_chosen.split_fields, "Show each field of a frame by itself");
     add_limit(table, frames_chosen.limit, "Stop after N frames");
-    add_json(table, frames_chosen.json, json_lines);
+    add_format(table, frames_chosen.format, json_lines, "A line for each frame");
     table.footer(std::string(help_texts::frames) + help_texts::exit_statuses);
     run_with(table, frames, frames_chosen);
 }
@@ -192,7 +211,7 @@ void command_line::add_info()
 {
     CLI::App& summary = *app.add_subcommand("info", "Tell what a stream is");
     add_stream(summary, "FILE", info_chosen.stream);
-    add_json(summary, info_chosen.json, json_object);
+    add_format(summary, info_chosen.format, json_object, "A line for each fact");
     summary.footer(std::string(help_texts::info) + help_texts::exit_statuses);
     run_with(summary, info, info_chosen);
 }
@@ -203,7 +222,7 @@ void command_line::add_convert()
     add_stream(conversion, "IN", convert_chosen.stream);
     add_file(conversion, "OUT", convert_chosen.out, "Where it goes; - is the standard output");
     add_framing(conversion, "--to", "The framing to write: annexb, length1, length2, length3 or length4",
-                [this](h2645_common_nalfmt framing) { convert_chosen.to = framing; })
+                [this](h264::framing framing) { convert_chosen.to = framing; })
         ->required();
     conversion.footer(std::string(help_texts::convert) + help_texts::exit_statuses);
     run_with(conversion, convert, convert_chosen);
@@ -213,7 +232,7 @@ void command_line::add_avcc()
 {
     CLI::App& record = *app.add_subcommand("avcc", "Show an AVC decoder configuration record");
     add_file(record, "FILE", avcc_chosen.path, "The record; - is the standard input");
-    add_json(record, avcc_chosen.json, json_object);
+    add_format(record, avcc_chosen.format, json_object, "A line for each fact");
     record.footer(std::string(help_texts::avcc) + help_texts::exit_statuses);
     run_with(record, avcc, avcc_chosen);
 }

@@ -29,7 +29,7 @@ bool ends_conversion(const gap& g)
 
 class conversion {
 public:
-    conversion(stream_input& from, brenik::h2645_common_nalfmt to, output_file& into)
+    conversion(stream_input& from, h264::framing to, output_file& into)
         : input(from), framing(to), output(into), problems(from.name()), shown_progress(from.size())
     {
     }
@@ -52,12 +52,12 @@ private:
         const std::size_t room = brenik::h264_nal_writer::recommended_output_size(rbsp.size()) + 1; // for the 03
         if (out.size() < filled + room)
             out.resize(filled + room);
-        brenik::h264_nal_writer writer(out.data(), out.data() + filled, out.data() + out.size(), framing);
+        brenik::h264_nal_writer writer(out.data(), out.data() + filled, out.data() + out.size(), nalfmt_of(framing));
         if (writer.block_encode(rbsp.data(), rbsp.size(), nal, zero_bytes(u)) == 0 || !end_unit(writer, rbsp))
             stop(exit_usage_or_io, u.offset,
                  fmt::format("unit of {} bytes does not fit behind a length of {} byte{}", u.length,
                              prefix_size_of(framing), prefix_size_of(framing) == 1 ? "" : "s"));
-        if (framing == brenik::nalfmt_annexb && zeros_at_end(rbsp) % 2 != 0)
+        if (framing == h264::framing::annex_b && zeros_at_end(rbsp) % 2 != 0)
             complain(u.offset, "unit ends in 00, which start codes cannot carry: left out");
         filled = writer.data_length();
         if (filled >= worth_writing)
@@ -69,7 +69,7 @@ private:
     unsigned int zero_bytes(const unit& u) const
     {
         constexpr unsigned int short_start_code = 3;
-        return input.framing() == brenik::nalfmt_annexb && u.framing_size == short_start_code ? 0 : 1;
+        return input.framing() == h264::framing::annex_b && u.framing_size == short_start_code ? 0 : 1;
     }
 
     // H.264 7.4.1: no NAL unit ends in 00; behind cabac_zero_words stands 03. The writer adds it in Annex B alone.
@@ -77,7 +77,7 @@ private:
     bool end_unit(brenik::h264_nal_writer& writer, rbsp_bytes rbsp)
     {
         const std::size_t zeros = zeros_at_end(rbsp);
-        if (framing == brenik::nalfmt_annexb || zeros == 0 || zeros % 2 != 0)
+        if (framing == h264::framing::annex_b || zeros == 0 || zeros % 2 != 0)
             return true;
         *writer.write++ = 3;
         unsigned char* const prefix = out.data() + filled;
@@ -114,7 +114,7 @@ private:
     static constexpr std::size_t worth_writing = std::size_t{256} * 1024;
 
     stream_input& input;
-    brenik::h2645_common_nalfmt framing;
+    h264::framing framing;
     output_file& output;
     complaints problems;
     progress shown_progress;

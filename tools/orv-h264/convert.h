@@ -11,7 +11,7 @@ namespace orv_h264 {
 struct convert_options {
     stream_options stream;
     std::string out; ///< - is the standard output
-    brenik::h2645_common_nalfmt to = brenik::nalfmt_annexb;
+    h264::framing to = h264::framing::annex_b;
 };
 
 /// Writes the units of the stream to `out`, which is there whole or not at all. Throws refusal for an input that is not

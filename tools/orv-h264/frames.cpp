@@ -2,6 +2,7 @@
 
 #include "frame_finder.h"
 #include "frame_totals.h"
+#include "framing.h"
 #include "json_output.h"
 #include "messages.h"
 #include "names.h"
@@ -160,7 +161,10 @@ json totals_json(const frame_totals& totals)
 class frame_list {
 public:
     frame_list(const frames_options& chosen, stream_input& from)
-        : options(chosen), feeder(from.feeder()), problems(from.name(), chosen.json), finder(chosen.split_fields)
+        : options(chosen),
+          feeder(from.feeder()),
+          problems(from.name(), chosen.format == output_format::json),
+          finder(chosen.split_fields)
     {
     }
 
@@ -168,7 +172,7 @@ public:
     {
         while (totals.frames() < options.limit && take(feeder.next()))
             show_found();
-        if (options.json)
+        if (options.format == output_format::json)
             print_json(totals_json(totals));
         else
             print_totals(totals);
@@ -214,7 +218,7 @@ private:
 
     void show(const frame& f)
     {
-        if (options.json)
+        if (options.format == output_format::json)
             print_json(frame_json(totals.frames(), f));
         else
             print_frame(totals.frames(), f);
@@ -234,7 +238,7 @@ private:
 exit_status frames(const frames_options& options)
 {
     stream_input input(options.stream);
-    if (options.json) {
+    if (options.format == output_format::json) {
         json head = json_first_line("orv-h264/frames", input.name());
         head["framing"] = framing_name(input.framing());
         head["split_fields"] = options.split_fields;

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "exit_status.h"
+#include "output_format.h"
 #include "stream_input.h"
 
 #include <cstdint>
@@ -12,7 +13,7 @@ namespace orv_h264 {
 struct frames_options {
     stream_options stream;
     bool split_fields = false; ///< each field of a pair is a frame of its own
-    bool json = false;         ///< for programs
+    output_format format = output_format::text;
     std::uint64_t limit = std::numeric_limits<std::uint64_t>::max();
 };
 

@@ -60,7 +60,7 @@ exit_status info(const info_options& options)
 {
     stream_input input(options.stream);
     const stream_summary summary = survey(input).run();
-    if (options.json)
+    if (options.format == output_format::json)
         print_json_info(input, summary);
     else
         print_info(input, summary);

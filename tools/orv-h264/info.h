@@ -2,13 +2,14 @@
 #pragma once
 
 #include "exit_status.h"
+#include "output_format.h"
 #include "stream_input.h"
 
 namespace orv_h264 {
 
 struct info_options {
     stream_options stream;
-    bool json = false; ///< for programs
+    output_format format = output_format::text;
 };
 
 /// Prints the summary of the whole stream to the standard output. Throws as inspect() does.

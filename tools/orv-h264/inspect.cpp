@@ -1,5 +1,6 @@
 #include "inspect.h"
 
+#include "framing.h"
 #include "inspect_elements.h"
 #include "json_fields.h"
 #include "json_output.h"
@@ -19,7 +20,7 @@ namespace {
 class inspection {
 public:
     inspection(const inspect_options& chosen, stream_input& from)
-        : options(chosen), feeder(from.feeder()), problems(from.name(), chosen.json)
+        : options(chosen), feeder(from.feeder()), problems(from.name(), chosen.format == output_format::json)
     {
     }
 
@@ -54,7 +55,7 @@ private:
             return;
         ++lines;
         const shown_unit shown = {u, nal, decoder.whole(reader).size(), options.nals ? nullptr : &walked};
-        if (options.json)
+        if (options.format == output_format::json)
             print_json_unit(shown);
         else
             printer.print(shown);
@@ -85,10 +86,10 @@ private:
 
 exit_status inspect(const inspect_options& options)
 {
-    if (options.tsv)
+    if (is_table(options.format))
         return inspect_elements(options);
     stream_input input(options.stream);
-    if (options.json) {
+    if (options.format == output_format::json) {
         json head = json_first_line("orv-h264/inspect", input.name());
         head["framing"] = framing_name(input.framing());
         print_json(head);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "exit_status.h"
+#include "output_format.h"
 #include "stream_input.h"
 
 #include <bitset>
@@ -12,9 +13,8 @@ namespace orv_h264 {
 
 struct inspect_options {
     stream_options stream;
-    bool nals = false; ///< units only, without their fields
-    bool json = false; ///< for programs
-    bool tsv = false;  ///< a line for each syntax element
+    bool nals = false;                          ///< units only, without their fields
+    output_format format = output_format::text; ///< a table has a line for each syntax element
     std::uint64_t limit = std::numeric_limits<std::uint64_t>::max();
     std::bitset<32> only = std::bitset<32>().set(); ///< the NAL unit types shown
 };

@@ -1,9 +1,8 @@
 #include "inspect_elements.h"
 
 #include "element_rows.h"
-#include "framing.h"
+#include "loss_texts.h"
 #include "messages.h"
-#include "piece_feeder.h"
 #include "standard_output.h"
 
 #include <orv-utils-v4/h264_syntax.h>
@@ -16,24 +15,6 @@
 namespace orv_h264 {
 
 namespace {
-
-const char* describe(h264::split_gap_reason reason)
-{
-    using h264::split_gap_reason;
-    switch (reason) {
-    case split_gap_reason::before_first_unit:
-        return "bytes before the first start code";
-    case split_gap_reason::between_units:
-        return "bytes behind a place where the unit's decoding stops";
-    case split_gap_reason::no_header:
-        return "start code or length prefix without a unit";
-    case split_gap_reason::too_large:
-        return "unit longer than the limit";
-    case split_gap_reason::cut_prefix:
-        return "input ends inside a length prefix";
-    }
-    return "";
-}
 
 /// What stands behind the last element, where it is wrong; "" where it is not.
 std::string_view describe(h264::ending ending)
@@ -49,20 +30,13 @@ class element_inspection : public h264::split_sink, public h264::unit_sink {
 public:
     element_inspection(const inspect_options& chosen, const std::string& name) : options(chosen), problems(name) {}
 
-    exit_status run(input_window& window)
+    exit_status run(stream_input& input)
     {
         rows.text = element_rows::head;
-        h264::unit_splitter splitter(
-            static_cast<h264::framing>(prefix_size_of(options.stream.format.value_or(brenik::nalfmt_annexb))),
-            options.stream.max_unit);
-        for (window.fill(1); window.size() != 0 && shown < options.limit; window.fill(1)) {
-            splitter.push(window.start(), window.size(), *this);
-            window.drop(window.size());
-        }
-        splitter.flush(*this);
+        const bool any = input.read_units(*this, [this] { return shown == options.limit; });
         stream.flush(*this);
-        if (units == 0 && shown < options.limit)
-            problems.add(window.offset(), describe(orv_h264::gap{gap_reason::no_unit, window.offset()}));
+        if (!any)
+            problems.add(input.bytes_read(), describe_no_unit(input.bytes_read()));
         write_output(rows.text);
         return problems.status();
     }
@@ -70,15 +44,14 @@ public:
     void unit(const h264::split_unit& u) override
     {
         if (u.cut)
-            problems.add(u.offset - u.framing_size,
-                         fmt::format("unit of {} bytes runs past the end of the input", u.stated_length));
+            problems.add(begin_of(u), describe_cut(u));
         stream.push({u.bytes, u.size, u.offset, units++}, *this);
     }
 
     void gap(const h264::split_gap& g) override
     {
         units += g.reason == h264::split_gap_reason::too_large ? 1 : 0;
-        problems.add(g.offset, fmt::format("{} ({} bytes)", describe(g.reason), g.size));
+        problems.add(g.offset, describe_with_size(g, options.stream.max_unit));
     }
 
     h264::visitor* before(const h264::unit_place& place) override
@@ -116,9 +89,8 @@ private:
 
 exit_status inspect_elements(const inspect_options& options)
 {
-    input_file file(options.stream.path);
-    input_window window = open_window(file, options.stream);
-    return element_inspection(options, file.name()).run(window);
+    stream_input input(options.stream);
+    return element_inspection(options, input.name()).run(input);
 }
 
 } // namespace orv_h264

@@ -66,7 +66,7 @@ std::string hex_digits(std::span<const std::uint8_t> bytes)
 
 json json_head(const char* schema, std::string_view input_name)
 {
-    constexpr int version = 1;
+    constexpr int version = 2;
     return {{"schema", schema}, {"schema_version", version}, {"file", input_name}};
 }
 

@@ -45,9 +45,9 @@ constexpr numbered_name profiles[] = {
 
 } // namespace
 
-std::string framing_name(brenik::h2645_common_nalfmt framing)
+std::string framing_name(h264::framing framing)
 {
-    return framing == brenik::nalfmt_annexb ? "annexb" : fmt::format("length{}", prefix_size_of(framing));
+    return framing == h264::framing::annex_b ? "annexb" : fmt::format("length{}", prefix_size_of(framing));
 }
 
 std::string short_unit_name(brenik::h264_nal_unit_type type)

@@ -8,9 +8,6 @@
 
 namespace orv_h264 {
 
-/// The framing as the command line has it: "annexb", "length4".
-std::string framing_name(brenik::h2645_common_nalfmt framing);
-
 /// A NAL unit type in a word, for tables: "SPS", "IDR", "slice"; "type-24" for one without a name.
 std::string short_unit_name(brenik::h264_nal_unit_type type);
 

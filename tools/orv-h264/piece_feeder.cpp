@@ -148,7 +148,7 @@ unsigned char* piece_feeder::find_annexb_unit_end()
 
 fed_item piece_feeder::next_length_prefixed()
 {
-    const unsigned int prefix_size = prefix_size_of(nal_reader.nalfmt);
+    const unsigned int prefix_size = static_cast<unsigned int>(nal_reader.nalfmt);
     take_between(window.start() + std::exchange(behind_unit, 0));
     if (open)
         return close_gap(window.offset());

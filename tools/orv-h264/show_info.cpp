@@ -1,5 +1,6 @@
 #include "show_info.h"
 
+#include "framing.h"
 #include "names.h"
 #include "printable.h"
 #include "terminal.h"

@@ -1,3 +1,4 @@
+#include "framing.h"
 #include "json_output.h"
 #include "names.h"
 #include "show_info.h"

@@ -1,5 +1,6 @@
 #include "stream_input.h"
 
+#include "framing.h"
 #include "recognise.h"
 #include "standard_output.h"
 
@@ -26,11 +27,59 @@ input_window open_window(input_file& file, const stream_options& options)
     return window;
 }
 
+namespace {
+
+/// Hands on, and knows whether there was a unit.
+class counting_sink final : public h264::split_sink {
+public:
+    explicit counting_sink(h264::split_sink& to) : next(to) {}
+
+    void unit(const h264::split_unit& unit) override
+    {
+        any = true;
+        next.unit(unit);
+    }
+    void gap(const h264::split_gap& gap) override
+    {
+        any = any || gap.reason == h264::split_gap_reason::too_large;
+        next.gap(gap);
+    }
+
+    bool any = false;
+
+private:
+    h264::split_sink& next;
+};
+
+} // namespace
+
 stream_input::stream_input(const stream_options& options)
     : file(options.path),
-      nalfmt(options.format.value_or(brenik::nalfmt_annexb)),
-      pieces(open_window(file, options), nalfmt, static_cast<std::size_t>(options.max_unit))
+      window(open_window(file, options)),
+      frames(options.format.value_or(h264::framing::annex_b)),
+      most(options.max_unit)
 {
+}
+
+bool stream_input::read_units(h264::split_sink& to, const std::function<bool()>& enough)
+{
+    counting_sink counted(to);
+    h264::unit_splitter splitter(frames, static_cast<std::size_t>(most));
+    for (window.fill(1); window.size() != 0; window.fill(1)) {
+        if (enough())
+            return true;
+        splitter.push(window.start(), window.size(), counted);
+        window.drop(window.size());
+    }
+    splitter.flush(counted);
+    return counted.any;
+}
+
+piece_feeder& stream_input::feeder()
+{
+    if (!pieces)
+        pieces.emplace(std::move(window), nalfmt_of(frames), static_cast<std::size_t>(most));
+    return *pieces;
 }
 
 } // namespace orv_h264

@@ -5,17 +5,22 @@
 #include "input_file.h"
 #include "piece_feeder.h"
 
+#include <orv-utils-v4/h264_syntax/unit_splitter.h>
+
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <stdexcept>
 #include <string>
 
 namespace orv_h264 {
 
+namespace h264 = orv_utils_v4::h264;
+
 struct stream_options {
-    std::string path;                                  ///< - is the standard input
-    std::optional<brenik::h2645_common_nalfmt> format; ///< the framing, where the user tells it
-    std::uint64_t max_unit = piece_feeder::usual_max_unit;
+    std::string path;                    ///< - is the standard input
+    std::optional<h264::framing> format; ///< where the user tells it
+    std::uint64_t max_unit = h264::unit_splitter::usual_most_bytes;
 };
 
 /// Why the tool does not go on; main() tells the user and ends with `status`.
@@ -39,13 +44,23 @@ public:
     std::uint64_t bytes_read() const noexcept { return file.bytes_read(); }
     /// The bytes of the whole input, where it is a file.
     std::optional<std::uint64_t> size() const { return file.size(); }
-    brenik::h2645_common_nalfmt framing() const noexcept { return nalfmt; }
-    piece_feeder& feeder() noexcept { return pieces; }
+    h264::framing framing() const noexcept { return frames; }
+    /// The largest unit that is read, bytes.
+    std::uint64_t max_unit() const noexcept { return most; }
+
+    /// Gives every unit and gap to `to`, in order, until the input ends or there were enough of them.
+    /// @return false when the input has ended without any unit
+    bool read_units(
+        h264::split_sink& to, const std::function<bool()>& enough = [] { return false; });
+
+    piece_feeder& feeder();
 
 private:
     input_file file;
-    brenik::h2645_common_nalfmt nalfmt;
-    piece_feeder pieces;
+    input_window window;
+    h264::framing frames;
+    std::uint64_t most;
+    std::optional<piece_feeder> pieces;
 };
 
 /// Gives every unit and gap of the stream that is left to `on_unit` and `on_gap`, in order.

@@ -38,6 +38,8 @@ struct split_gap {
     split_gap_reason reason = split_gap_reason::before_first_unit;
     std::uint64_t offset = 0;
     std::uint64_t size = 0;
+    std::uint64_t stated_length = 0; ///< too_large: the length prefix; 0 in Annex B
+    unsigned char header = 0;        ///< too_large: the header byte of the unit
 };
 
 /// Who takes the units. What it throws goes through the splitter, which may be pushed no further then.
@@ -98,6 +100,7 @@ private:
     std::uint64_t length = 0;  // of a length-prefixed unit
     unsigned prefix_bytes = 0; // of its prefix, that were read
     std::uint64_t zeros = 0;   // directly before, between units
+    unsigned char header = 0;  // the first byte of the unit that is not whole yet
     bool in_unit = false;
     bool dropped = false; // not all of the unit is held
     bool any_unit = false;
