@@ -30,7 +30,4 @@ json json_head(const char* schema, std::string_view input_name);
 /// The first of the lines of an output that has several.
 json json_first_line(const char* schema, std::string_view input_name);
 
-/// A line that says what is wrong.
-json json_problem(std::uint64_t offset, std::string_view message);
-
 } // namespace orv_h264
