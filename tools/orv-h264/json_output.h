@@ -2,6 +2,7 @@
 #pragma once
 
 #include "field_sink.h"
+#include "output_format.h" // its enumerator json comes before the type of that name
 
 #include <nlohmann/json.hpp>
 
