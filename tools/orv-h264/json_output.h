@@ -1,6 +1,8 @@
 // JSON for programs: a line an object, written as soon as it is complete. docs/schema/ describes the objects.
 #pragma once
 
+#include "output_format.h" // its enumerator json comes before the type of that name
+
 #include <nlohmann/json.hpp>
 
 #include <cstdint>
@@ -27,8 +29,5 @@ json json_head(const char* schema, std::string_view input_name);
 
 /// The first of the lines of an output that has several.
 json json_first_line(const char* schema, std::string_view input_name);
-
-/// A line that says what is wrong.
-json json_problem(std::uint64_t offset, std::string_view message);
 
 } // namespace orv_h264
