@@ -67,8 +67,12 @@ listed_unit unit_run::listed(const h264::unit_place& place) const
 
 void unit_run::complain_of(const listed_unit& unit, const h264::outcome& result)
 {
-    for (const h264::finding& finding : result.findings)
-        problems.note(unit.begin(), text_of(finding));
+    for (const h264::finding& finding : result.findings) {
+        if (finding.element.name() == std::string_view("forbidden_zero_bit")) // a network has found bits in it wrong
+            problems.add(unit.begin(), "unit whose header has the forbidden bit set");
+        else
+            problems.note(unit.begin(), text_of(finding));
+    }
     if (result.finding_count > result.findings.size())
         problems.note(unit.begin(), fmt::format("{} further values outside of their ranges",
                                                 result.finding_count - result.findings.size()));

@@ -25,7 +25,7 @@ struct listed_unit {
 
 class unit_run : h264::split_sink, h264::unit_sink {
 public:
-    unit_run(const std::string& name, bool json) : problems(name, json) {}
+    unit_run(const std::string& name, bool in_json) : problems(name, in_json) {}
     unit_run(const unit_run&) = delete;
     unit_run& operator=(const unit_run&) = delete;
     ~unit_run() override = default;
@@ -55,9 +55,9 @@ private:
     complaints problems;
     h264::stream stream;
     std::uint64_t most_bytes = 0;
-    std::uint64_t units = 0;           // all that there are
+    std::uint64_t units = 0;            // all that there are
     std::deque<unsigned> framing_sizes; // of those that the stream has not handed on, the latest last
-    std::uint64_t first_waiting = 0;   // its number
+    std::uint64_t first_waiting = 0;    // its number
 };
 
 } // namespace orv_h264
