@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <deque>
+#include <string>
 
 namespace orv_h264 {
 
@@ -43,6 +44,9 @@ protected:
     /// The unit was read; null where it is not.
     virtual void take(const listed_unit& unit, const h264::unit_reading* reading) = 0;
     virtual void take_gap(const h264::split_gap& gap) { static_cast<void>(gap); }
+
+    /// Something is wrong; with the unit, if any.
+    virtual void complain(const listed_unit* unit, std::uint64_t offset, const std::string& what, bool is_problem);
 
 private:
     void unit(const h264::split_unit& u) override;
