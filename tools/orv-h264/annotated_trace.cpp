@@ -73,6 +73,8 @@ constexpr std::string_view repeated_elements[] = {
     "sub_seq_layer_characteristics.average_bit_rate",
     "sub_seq_layer_characteristics.average_frame_rate",
     "subset_seq_parameter_set_rbsp.additional_extension2_data_flag",
+    "vsp_param.disparity_diff_oji", // its indices do not rise
+    "vsp_param.disparity_diff_wji",
 };
 
 /// Structures that one structure may have several of.
