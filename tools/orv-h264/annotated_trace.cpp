@@ -156,7 +156,8 @@ void annotated_trace::open(const char* name)
             clock = {};
         else if (inside(registered_trace::structure))
             place_of.mark();
-        if (!all && has_fixed_patterns_alone(name))
+        unopened = !all && has_fixed_patterns_alone(name);
+        if (unopened) // until one of its elements is told
             return;
         sink.open(name, inside("sei_payload") ? heading_of_message() : name);
     });
@@ -172,7 +173,7 @@ void annotated_trace::close()
             tell_clock();
         else if (inside(registered_trace::structure))
             tell_registration();
-        if (all || !has_fixed_patterns_alone(path.back()))
+        if (!std::exchange(unopened, false))
             sink.close();
         path.pop_back();
     });
@@ -191,6 +192,8 @@ void annotated_trace::element(const h264::traced_element& e)
                 first_byte->bits += e.bits;
             run.push_back(static_cast<unsigned char>(e.value));
         } else if (all || is_told(e)) {
+            if (std::exchange(unopened, false))
+                sink.open(path.back(), path.back());
             const std::string words = words_of(e);
             sink.element({e, place_of(e.bit), words, is_repeated_element(path.back(), e.name.name())});
         }

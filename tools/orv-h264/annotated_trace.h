@@ -92,6 +92,7 @@ private:
 
     annotated_sink& sink;
     bool all;
+    bool unopened = false; // the innermost structure is one of fixed patterns, and the sink does not know of it
     bool out_of_memory = false;
     std::vector<std::string_view> path; // of the structures
     place_finder place_of;
