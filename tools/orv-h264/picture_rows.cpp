@@ -1,6 +1,6 @@
 #include "picture_rows.h"
 
-#include "element_rows.h"
+#include "element_text.h"
 #include "loss_texts.h"
 #include "row_facts.h"
 
