@@ -2,7 +2,7 @@
 
 _orv_h264()
 {
-    local subcommands="info inspect frames convert avcc"
+    local subcommands="info inspect explain frames convert avcc"
     local framings="annexb length1 length2 length3 length4"
     local help="-h --help"
     local current=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD-1]} subcommand=${COMP_WORDS[1]} options
@@ -22,10 +22,11 @@ _orv_h264()
     fi
     case $subcommand in
     info) options="--format --max-unit --json" ;;
-    inspect) options="--format --max-unit --nals --limit --only --json --tsv" ;;
+    inspect) options="--format --max-unit --nals --limit --only --positions --long-names --json --csv --tsv" ;;
+    explain) options="--format --max-unit --json --csv --tsv" ;;
     frames) options="--format --max-unit --split-fields --limit --json" ;;
     convert) options="--format --max-unit --to" ;;
-    avcc) options="--json" ;;
+    avcc) options="--json --csv --tsv" ;;
     *) return ;;
     esac
     case $before in
