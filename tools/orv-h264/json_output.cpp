@@ -77,9 +77,4 @@ json json_first_line(const char* schema, std::string_view input_name)
     return line;
 }
 
-json json_problem(std::uint64_t offset, std::string_view message)
-{
-    return {{"record", "problem"}, {"offset", offset}, {"message", message}};
-}
-
 } // namespace orv_h264

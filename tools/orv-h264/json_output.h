@@ -2,6 +2,7 @@
 #pragma once
 
 #include "field_sink.h"
+#include "output_format.h" // its enumerator json comes before the type of that name
 
 #include <nlohmann/json.hpp>
 
@@ -29,8 +30,5 @@ json json_head(const char* schema, std::string_view input_name);
 
 /// The first of the lines of an output that has several.
 json json_first_line(const char* schema, std::string_view input_name);
-
-/// A line that says what is wrong.
-json json_problem(std::uint64_t offset, std::string_view message);
 
 } // namespace orv_h264

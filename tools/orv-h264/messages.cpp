@@ -26,10 +26,20 @@ void print_error(std::string_view reason)
 
 void complaints::add(std::uint64_t offset, std::string_view what)
 {
+    tell("problem", offset, what);
+    any = true;
+}
+
+void complaints::note(std::uint64_t offset, std::string_view what)
+{
+    tell("finding", offset, what);
+}
+
+void complaints::tell(const char* record, std::uint64_t offset, std::string_view what) const
+{
     print_error(fmt::format("{}: offset {}: {}", name, offset, what));
     if (also_json)
-        print_json(json_problem(offset, what));
-    any = true;
+        print_json({{"record", record}, {"offset", offset}, {"message", what}});
 }
 
 } // namespace orv_h264

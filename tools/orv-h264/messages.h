@@ -16,7 +16,7 @@ void write_message(std::string_view text);
 /// Tells "orv-h264: " and the reason, its control characters escaped.
 void print_error(std::string_view reason);
 
-/// What is wrong with one input.
+/// What is wrong with one input, and what is odd about it.
 class complaints {
 public:
     explicit complaints(std::string input_name, bool in_json = false) : name(std::move(input_name)), also_json(in_json)
@@ -26,10 +26,15 @@ public:
     /// Prints what is wrong at `offset`; where the output is JSON, a line of it says so too.
     void add(std::uint64_t offset, std::string_view what);
 
+    /// Likewise of a finding, with which reading goes on and the status stays what it is.
+    void note(std::uint64_t offset, std::string_view what);
+
     /// What the complaints make of a run that was fine otherwise.
     exit_status status() const noexcept { return any ? exit_broken_stream : exit_clean; }
 
 private:
+    void tell(const char* record, std::uint64_t offset, std::string_view what) const;
+
     std::string name;
     bool also_json;
     bool any = false;

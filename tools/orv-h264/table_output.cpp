@@ -1,0 +1,127 @@
+#include "table_output.h"
+
+#include "standard_output.h"
+
+#include <algorithm>
+#include <vector>
+
+namespace orv_h264 {
+
+namespace {
+
+std::string dumped(const json& value)
+{
+    constexpr int one_line = -1;
+    return value.dump(one_line, ' ', false, json::error_handler_t::replace);
+}
+
+std::string text_of(const json& value)
+{
+    const auto& text = value.get_ref<const std::string&>();
+    const auto is_ascii = [](char c) { return static_cast<unsigned char>(c) < 0x80; };
+    return std::all_of(text.begin(), text.end(), is_ascii) ? text : json::parse(dumped(value)).get<std::string>();
+}
+
+std::string joined(const json& array)
+{
+    std::string cell;
+    for (const json& value : array) {
+        cell += cell.empty() ? "" : " ";
+        cell += cell_of(value);
+    }
+    return cell;
+}
+
+void append_csv(std::string& out, const std::string& cell)
+{
+    if (cell.find_first_of(",\"\r\n") == std::string::npos) {
+        out += cell;
+        return;
+    }
+    out += '"';
+    for (const char c : cell)
+        out.append(c == '"' ? 2 : 1, c);
+    out += '"';
+}
+
+void append_tsv(std::string& out, const std::string& cell)
+{
+    for (const char c : cell)
+        out += c == '\t' || c == '\n' || c == '\r' ? ' ' : c;
+}
+
+void print(output_format table, const std::vector<std::string>& cells)
+{
+    std::string line;
+    append_row(line, table, cells);
+    write_output(line);
+}
+
+void tell_facts_below(const std::string& path, const json& value, const fact_sink& take)
+{
+    if (!value.is_structured() || value.empty())
+        return take(path, value);
+    if (value.is_array()) {
+        for (std::size_t i = 0; i < value.size(); ++i)
+            tell_facts_below(path + '[' + std::to_string(i) + ']', value[i], take);
+        return;
+    }
+    for (const auto& [name, member] : value.items())
+        tell_facts_below(path.empty() ? name : path + '.' + name, member, take);
+}
+
+} // namespace
+
+std::string cell_of(const json& value)
+{
+    if (value.is_null())
+        return "";
+    if (value.is_string())
+        return text_of(value);
+    if (value.is_array())
+        return joined(value);
+    if (value.is_object() && value.contains("value"))
+        return cell_of(value["value"]);
+    return dumped(value);
+}
+
+void append_row(std::string& out, output_format table, const std::vector<std::string>& cells)
+{
+    const char* between = "";
+    for (const std::string& cell : cells) {
+        out += between;
+        between = table == output_format::csv ? "," : "\t";
+        table == output_format::csv ? append_csv(out, cell) : append_tsv(out, cell);
+    }
+    out += '\n';
+}
+
+void print_column_names(output_format table, const json& object)
+{
+    std::vector<std::string> names;
+    for (const auto& [name, value] : object.items())
+        names.push_back(name);
+    print(table, names);
+}
+
+void print_row(output_format table, const json& object)
+{
+    std::vector<std::string> cells;
+    for (const json& value : object)
+        cells.push_back(cell_of(value));
+    print(table, cells);
+}
+
+void tell_facts(const json& object, const fact_sink& take)
+{
+    if (!object.empty())
+        tell_facts_below("", object, take);
+}
+
+void print_facts(output_format table, const json& object)
+{
+    print(table, {"path", "value"});
+    tell_facts(object, [table](const std::string& path, const json& value) { print(table, {path, cell_of(value)}); });
+}
+
+} // namespace orv_h264
