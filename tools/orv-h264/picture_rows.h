@@ -11,6 +11,7 @@
 #include <deque>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace orv_h264 {
@@ -116,13 +117,13 @@ public:
     void unit(const h264::split_unit& unit) override;
     void gap(const h264::split_gap& gap) override;
     /// The stream has ended, and has so many bytes. All rows that are left are told.
-    void finish(std::uint64_t end);
+    void finish(std::uint64_t stream_end);
 
 private:
     struct fed_unit {
         std::uint64_t begin; // of its framing
         std::uint64_t end;
-        std::uint64_t padding; // behind it; of the newest unit not known yet
+        std::uint64_t padding; // behind it; of the newest unit not all is known
     };
     struct waiting_row {
         picture_row row;
@@ -130,22 +131,26 @@ private:
         bool complete = false; // all fields have come
         bool settled = false;  // its output is known
     };
+    using row_place = std::deque<waiting_row>::iterator;
 
     void take(const h264::access_unit& unit) override;
     void access_unit_came(const h264::access_unit& unit, const h264::picture* of) override;
     void decoded(const h264::picture& picture) override;
     void output(const h264::picture& picture) override;
 
-    void end_unit_before(std::uint64_t offset);
+    void add_padding(std::uint64_t offset);
     waiting_row& row_of(const h264::access_unit& unit, const h264::picture& of);
     void add_units(picture_row& row, const h264::access_unit& unit);
-    void add_problems(picture_row& row, const h264::access_unit& unit);
-    void keep_problems(const h264::access_unit& unit);
-    void set_times(std::uint64_t picture, const h264::picture_times& times);
+    std::vector<row_problem> problems_of(const h264::access_unit& unit) const;
+    void keep(std::vector<row_problem> found);
+    void take_problems(picture_row& row, std::vector<row_problem> found);
+    std::pair<row_place, row_place> rows_of(std::uint64_t picture);
+    void set_times(const h264::picture& picture);
     bool next_is_ready() const;
+    bool waits_for_too_long() const;
     void tell_ready();
     void tell_next();
-    fed_unit& fed_of(const h264::access_unit_part& part) { return fed[part.place.number - first_fed]; }
+    const fed_unit& fed_of(const h264::access_unit_part& part) const { return fed[part.place.number - first_fed]; }
 
     bool split;
     std::uint64_t most_bytes;
@@ -154,9 +159,8 @@ private:
     h264::pictures pictures{h264::output_mode::early};
     std::deque<fed_unit> fed; // those that no access unit has taken yet
     std::uint64_t first_fed = 0;
-    std::uint64_t unit_end = 0;       // of the newest unit
-    std::uint64_t lost = 0;           // bytes of gaps since
-    bool end_is_open = false;         // the newest row has the newest unit
+    std::uint64_t end = 0;            // of what came last
+    bool end_is_open = false;         // more padding may come to the newest row
     std::deque<row_problem> problems; // that no row has taken yet, by offset
     std::deque<waiting_row> waiting;
     std::size_t waiting_units = 0; // theirs, and their problems
