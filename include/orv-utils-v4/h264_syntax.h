@@ -4,6 +4,7 @@
 /// parameter sets to hand out, and the decoder configuration record that has them in files.
 #pragma once
 
+#include <orv-utils-v4/h264_syntax/clauses.h>
 #include <orv-utils-v4/h264_syntax/decoder_configuration.h>
 #include <orv-utils-v4/h264_syntax/derived.h>
 #include <orv-utils-v4/h264_syntax/nal_unit.h>

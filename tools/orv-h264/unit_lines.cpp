@@ -1,0 +1,147 @@
+#include "unit_lines.h"
+
+#include "consequences.h"
+#include "element_text.h"
+#include "json_output.h"
+#include "names.h"
+#include "standard_output.h"
+#include "terminal.h"
+#include "trace_json.h"
+#include "trace_lines.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <iterator>
+#include <vector>
+
+#include <fmt/compile.h>
+#include <fmt/format.h>
+
+namespace orv_h264 {
+
+namespace {
+
+/// The bytes of a unit's RBSP, behind its header.
+class rbsp_measure {
+public:
+    std::size_t operator()(const h264::unit_place& place)
+    {
+        h264::nal_unit_header header;
+        header.nal_unit_type = place.bytes[0] & 0x1FU;
+        if (place.size > 1 && header.extended())
+            header.svc_extension_flag = header.avc_3d_extension_flag = (place.bytes[1] & 0x80U) != 0;
+        if (room.size() < place.size)
+            room.resize(place.size);
+        const std::size_t size = h264::unescape(place.bytes, place.size, room.data(), place.size);
+        return size - std::min<std::size_t>(size, header.bytes());
+    }
+
+private:
+    std::vector<unsigned char> room;
+};
+
+std::string name_of(unsigned type, bool long_names)
+{
+    const auto named = static_cast<brenik::h264_nal_unit_type>(type);
+    return long_names ? brenik::h264_nal_unit_type_to_str(named) : short_unit_name(named);
+}
+
+unsigned ref_idc_of(const listed_unit& unit)
+{
+    return unit.place.bytes[0] >> 5U & 3U;
+}
+
+class text_units final : public unit_printer {
+public:
+    explicit text_units(const unit_style& chosen) : style(chosen), lines(chosen.positions), trace(lines, chosen.positions)
+    {
+    }
+
+    h264::visitor* begin(const listed_unit& unit) override
+    {
+        begin_unit(unit, marks);
+        trace.begin(unit.place);
+        return &trace;
+    }
+
+    void end(const listed_unit& unit, const h264::unit_reading* reading) override
+    {
+        if (reading != nullptr) {
+            trace.end();
+            for (const fact& what : consequences_of(*reading))
+                lines.follows(what);
+        } else {
+            begin_unit(unit, {});
+        }
+        write_output(lines.text);
+        lines.text.clear();
+    }
+
+private:
+    void begin_unit(const listed_unit& unit, const emphasis_marks& around)
+    {
+        fmt::format_to(
+            std::back_inserter(lines.text),
+            FMT_COMPILE("{}offset {:>10}  framing {}  length {:>8}  rbsp {:>8}  nal_ref_idc {}  type {:>2}  {}{}\n"),
+            around.begin, unit.begin(), unit.framing_size, unit.place.size, rbsp_size(unit.place), ref_idc_of(unit),
+            unit.type(), name_of(unit.type(), style.long_names), around.end);
+    }
+
+    unit_style style;
+    emphasis_marks marks = marks_of(stdout, emphasis::strong);
+    rbsp_measure rbsp_size;
+    trace_lines lines;
+    annotated_trace trace;
+};
+
+class json_units final : public unit_printer {
+public:
+    explicit json_units(const unit_style& chosen)
+        : style(chosen), fields(chosen.positions), trace(fields, chosen.positions)
+    {
+    }
+
+    h264::visitor* begin(const listed_unit& unit) override
+    {
+        trace.begin(unit.place);
+        return &trace;
+    }
+
+    void end(const listed_unit& unit, const h264::unit_reading* reading) override
+    {
+        std::string line = fmt::format(
+            FMT_COMPILE("{{\"record\":\"unit\",\"number\":{},\"offset\":{},\"framing_size\":{},\"length\":{},"
+                        "\"rbsp_size\":{},\"nal_ref_idc\":{},\"nal_unit_type\":{},\"name\":{}"),
+            unit.place.number, unit.begin(), unit.framing_size, unit.place.size, rbsp_size(unit.place),
+            ref_idc_of(unit), unit.type(), json_text(name_of(unit.type(), style.long_names)));
+        line += reading == nullptr ? ",\"valid\":null,\"fields\":null}" : read_members(*reading);
+        write_output(line += '\n');
+    }
+
+private:
+    std::string read_members(const h264::unit_reading& reading)
+    {
+        trace.end();
+        for (const fact& what : consequences_of(reading))
+            fields.follows(what);
+        const h264::outcome& result = reading.result;
+        const bool valid = !result.failure && text_of(result.ending).empty();
+        return fmt::format(",\"valid\":{},\"findings\":{},\"fields\":{}}}", valid, result.finding_count, fields.take());
+    }
+
+    unit_style style;
+    rbsp_measure rbsp_size;
+    trace_json fields;
+    annotated_trace trace;
+};
+
+} // namespace
+
+std::unique_ptr<unit_printer> make_unit_printer(bool json, const unit_style& style)
+{
+    if (json)
+        return std::make_unique<json_units>(style);
+    return std::make_unique<text_units>(style);
+}
+
+} // namespace orv_h264

@@ -1,0 +1,81 @@
+#include "unit_run.h"
+
+#include "element_text.h"
+#include "loss_texts.h"
+
+#include <fmt/format.h>
+
+namespace orv_h264 {
+
+exit_status unit_run::run(stream_input& input)
+{
+    most_bytes = input.max_unit();
+    const bool any = input.read_units(*this, [this] { return enough(); });
+    stream.flush(*this);
+    if (!any)
+        problems.add(input.bytes_read(), describe_no_unit(input.bytes_read()));
+    return problems.status();
+}
+
+void unit_run::unit(const h264::split_unit& u)
+{
+    if (enough())
+        return;
+    if (u.cut)
+        problems.add(begin_of(u), describe_cut(u));
+    const h264::unit_place place = {u.bytes, u.size, u.offset, units++};
+    if (unread()) {
+        first_waiting = units;
+        return take({place, u.framing_size}, nullptr);
+    }
+    framing_sizes.push_back(u.framing_size);
+    stream.push(place, *this);
+}
+
+void unit_run::gap(const h264::split_gap& g)
+{
+    if (g.reason == h264::split_gap_reason::too_large) {
+        ++units; // it counts, and the stream must not take it for one that it holds
+        framing_sizes.push_back(0);
+    }
+    if (enough())
+        return;
+    problems.add(g.offset, describe_with_size(g, most_bytes));
+    take_gap(g);
+}
+
+h264::visitor* unit_run::before(const h264::unit_place& place)
+{
+    for (; first_waiting < place.number; ++first_waiting)
+        framing_sizes.pop_front();
+    return enough() ? nullptr : before(listed(place));
+}
+
+void unit_run::take(const h264::unit_reading& reading)
+{
+    if (enough())
+        return;
+    const listed_unit unit = listed(reading.place);
+    complain_of(unit, reading.result);
+    take(unit, &reading);
+}
+
+listed_unit unit_run::listed(const h264::unit_place& place) const
+{
+    return {place, framing_sizes[place.number - first_waiting]};
+}
+
+void unit_run::complain_of(const listed_unit& unit, const h264::outcome& result)
+{
+    for (const h264::finding& finding : result.findings)
+        problems.note(unit.begin(), text_of(finding));
+    if (result.finding_count > result.findings.size())
+        problems.note(unit.begin(), fmt::format("{} further values outside of their ranges",
+                                                result.finding_count - result.findings.size()));
+    if (result.failure)
+        problems.add(unit.begin(), text_of(result.failure));
+    else if (const std::string_view wrong = text_of(result.ending); !wrong.empty())
+        problems.add(unit.begin(), wrong);
+}
+
+} // namespace orv_h264
