@@ -105,7 +105,8 @@ TEST(Elements, UnitNumbersCountEveryUnit)
                              .annexb_unit(aud, {0x30});
     const tool_result result = run_tool({"inspect", "--tsv", "--format", "annexb", "-"}, {.piped = stream});
     EXPECT_EQ(units_of(rows_of(result.out)), (std::vector<std::string>{"0:24", "1:0", "2:9", "3:31", "4:9"}));
-    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err, "orv-h264: standard input: offset 8: unit whose header has the forbidden bit set\n");
+    EXPECT_EQ(result.status, 1);
 }
 
 TEST(Elements, OnlyAndLimitChooseUnitsAndTheNumbersStay)
@@ -151,13 +152,20 @@ TEST(Elements, AFailureIsToldWithElementBitAndReason)
     EXPECT_EQ(rows_of(sps.out).back().columns[10], "0");
 }
 
-TEST(Elements, FindingsAloneAreNoFailure)
+TEST(Elements, AFindingIsToldAndIsNoFailure)
 {
-    const bytes stream = stream_builder().annexb_unit(0x80 | aud, {0x30});
+    const bytes stream = stream_builder().annexb_unit(support::header_byte(0, 13), {0xD2, 0x80}); // aux_format_idc 4
     const tool_result result = run_tool({"inspect", "--tsv", "--format", "annexb", "-"}, {.piped = stream});
-    EXPECT_EQ(rows_of(result.out).front().columns[10], "0");
-    EXPECT_EQ(result.err, "");
+    EXPECT_EQ(result.err, "orv-h264: standard input: offset 0: aux_format_idc 4 at bit 9: outside of 0 to 3\n");
     EXPECT_EQ(result.status, 0);
+}
+
+TEST(Elements, CsvHasCommasInstead)
+{
+    const std::string path = ORV_TEST_STREAMS "/high_cqmfile.264";
+    std::string rows = run_tool({"inspect", "--tsv", path}).out;
+    std::replace(rows.begin(), rows.end(), '\t', ',');
+    EXPECT_EQ(run_tool({"inspect", "--csv", path}).out, rows);
 }
 
 TEST(Elements, WhatIsWrongBehindTheLastElementIsTold)

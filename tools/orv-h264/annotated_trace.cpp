@@ -73,6 +73,8 @@ constexpr std::string_view repeated_elements[] = {
     "sub_seq_layer_characteristics.average_bit_rate",
     "sub_seq_layer_characteristics.average_frame_rate",
     "subset_seq_parameter_set_rbsp.additional_extension2_data_flag",
+    "vsp_param.disparity_diff_oji", // its indices do not rise
+    "vsp_param.disparity_diff_wji",
 };
 
 /// Structures that one structure may have several of.
@@ -105,6 +107,11 @@ std::string scaling_list(const std::vector<std::int64_t>& deltas, std::size_t si
         list.push_back(last);
     }
     return fmt::format("{}", fmt::join(list, " "));
+}
+
+bool has_fixed_patterns_alone(std::string_view structure)
+{
+    return structure == "rbsp_trailing_bits" || structure.starts_with("slice_data");
 }
 
 } // namespace
@@ -145,6 +152,8 @@ void annotated_trace::open(const char* name)
             deltas.clear();
         else if (inside("pic_timing"))
             clock = {};
+        if (!all && has_fixed_patterns_alone(name))
+            return;
         sink.open(name, inside("sei_payload") ? heading_of_message() : name);
     });
 }
@@ -157,8 +166,9 @@ void annotated_trace::close()
             tell_scaling_list();
         else if (inside("pic_timing"))
             tell_clock();
+        if (all || !has_fixed_patterns_alone(path.back()))
+            sink.close();
         path.pop_back();
-        sink.close();
     });
 }
 
@@ -174,12 +184,19 @@ void annotated_trace::element(const h264::traced_element& e)
             else
                 first_byte->bits += e.bits;
             run.push_back(static_cast<unsigned char>(e.value));
-        } else if (all || e.how != h264::coding::f || !e.inside) {
+        } else if (all || is_told(e)) {
             const std::string words = words_of(e);
             sink.element({e, place_of(e.bit), words, is_repeated_element(path.back(), e.name.name())});
         }
         note(e);
     });
+}
+
+bool annotated_trace::is_told(const h264::traced_element& e) const
+{
+    const std::string_view name = e.name.name();
+    const bool in_heading = name == "nal_ref_idc" || name == "nal_unit_type" || inside("sei_message");
+    return !in_heading && (e.how != h264::coding::f || !e.inside);
 }
 
 void annotated_trace::tell_bytes()

@@ -53,8 +53,9 @@ public:
 
 class annotated_trace final : public h264::visitor {
 public:
-    /// Without `fixed_patterns`, elements that have one value alone (f(n)) are told where they have another one.
-    annotated_trace(annotated_sink& to, bool fixed_patterns) : sink(to), all(fixed_patterns) {}
+    /// Unless `all_elements`, those are left out that have the one value which they may have (f(n)), and those that the
+    /// line of the unit or the heading of an SEI message tells.
+    annotated_trace(annotated_sink& to, bool all_elements) : sink(to), all(all_elements) {}
 
     /// What comes is of this unit.
     void begin(const h264::unit_place& place);
@@ -77,6 +78,7 @@ private:
         }
     }
 
+    bool is_told(const h264::traced_element& element) const;
     void tell_bytes();
     void note(const h264::traced_element& element);
     std::string heading_of_message();

@@ -53,9 +53,8 @@ void add_size(std::vector<fact>& to, const h264::seq_parameter_set_data& sps)
     const h264::picture_size size = h264::cropped_size(sps);
     to.push_back(number("cropped_width", static_cast<std::int64_t>(size.width), ""));
     to.push_back(number("cropped_height", static_cast<std::int64_t>(size.height),
-                        size.width == 0
-                            ? fmt::format("coded size {}x{}, cropped to nothing", coded.width, coded.height)
-                            : fmt::format("cropped size {}x{}", size.width, size.height)));
+                        size.width == 0 ? fmt::format("coded size {}x{}, cropped to nothing", coded.width, coded.height)
+                                        : fmt::format("cropped size {}x{}", size.width, size.height)));
 }
 
 /// H.264 E.2.1 and E.2.2
@@ -63,8 +62,8 @@ void add_vui(std::vector<fact>& to, const h264::vui_parameters& vui)
 {
     if (const h264::ratio rate = h264::field_rate(vui); rate.denominator != 0)
         to.push_back(fraction("field_rate", rate,
-                              fmt::format("field rate {:.7g} Hz",
-                                          static_cast<double>(rate.numerator) / static_cast<double>(rate.denominator))));
+                              fmt::format("field rate {:.7g} Hz", static_cast<double>(rate.numerator) /
+                                                                      static_cast<double>(rate.denominator))));
     const auto add_schedules = [&](std::string_view name, std::string_view kind, const h264::hrd_parameters& hrd) {
         std::string json = "[";
         std::string text;

@@ -7,6 +7,7 @@
 #include "unit_lines.h"
 #include "unit_run.h"
 
+#include <memory>
 #include <string>
 
 namespace orv_h264 {
@@ -47,15 +48,18 @@ private:
 /// For a person, or as JSON.
 class unit_inspection final : public inspection {
 public:
-    unit_inspection(const inspect_options& options, const std::string& name)
-        : inspection(options, name), units(make_unit_printer(options.format == output_format::json,
-                                                             {options.positions, options.long_names}))
+    unit_inspection(const inspect_options& chosen, const std::string& name)
+        : inspection(chosen, name),
+          units(make_unit_printer(chosen.format == output_format::json, {chosen.positions, chosen.long_names}))
     {
     }
 
 private:
     h264::visitor* begin(const listed_unit& unit) override { return units->begin(unit); }
-    void show(const listed_unit& unit, const h264::unit_reading* reading) override { units->end(unit, reading); }
+    void show(const listed_unit& unit, const h264::unit_reading* reading) override
+    {
+        write_output(units->end(unit, reading));
+    }
 
     std::unique_ptr<unit_printer> units;
 };

@@ -190,7 +190,7 @@ std::string matrix_coefficients_name(std::uint8_t matrix_coefficients)
     return find_name(names, matrix_coefficients);
 }
 
-std::string payload_name(std::uint32_t payload_type)
+const char* payload_name(std::uint32_t payload_type)
 {
     constexpr std::uint32_t annotated_regions = 202;
     return payload_type == annotated_regions

@@ -36,7 +36,7 @@ std::string transfer_characteristics_name(std::uint8_t transfer_characteristics)
 std::string matrix_coefficients_name(std::uint8_t matrix_coefficients);
 
 /// The structure of an SEI payload type, H.264 D.1.1: "pic_timing"; "" of one without a name.
-std::string payload_name(std::uint32_t payload_type);
+const char* payload_name(std::uint32_t payload_type);
 
 /// Likewise; "payloadType 203" for one without a name.
 std::string payload_type_name(brenik::h264_nal_sei_payload_type type);

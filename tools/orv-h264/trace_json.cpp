@@ -37,7 +37,7 @@ void json_members::append(std::string_view name, std::string_view value)
 
 // The text of an array is always complete. To put an entry in, as many lists are opened again as it shares with the
 // one before.
-void json_members::put(const h264::label& at, std::string_view value)
+void json_members::put_entry(const h264::label& at, std::string_view value)
 {
     member& m = find(at.name());
     const unsigned depth = at.depth();
@@ -72,13 +72,16 @@ void json_members::append_to(std::string& text) const
     text += '}';
 }
 
-void trace_json::open(std::string_view structure, std::string_view)
+void trace_json::open(std::string_view name, std::string_view)
 {
-    inside.push_back({structure, {}, {}, {}, {}});
+    if (++depth > 1)
+        inside.push_back({name, {}, {}, {}, {}});
 }
 
 void trace_json::close()
 {
+    if (--depth == 0)
+        return;
     const std::string_view name = inside.back().name;
     const std::string object = text_of(inside.back());
     inside.pop_back();
@@ -138,7 +141,7 @@ void trace_json::put(const shown_element& shown, std::string_view value)
         else if (name.depth() == 0)
             members.put(name.name(), text);
         else
-            members.put(name, text);
+            members.put_entry(name, text);
     };
     add(to.fields, value);
     if (!shown.words.empty())

@@ -21,7 +21,7 @@ public:
     /// A value of its own.
     void put(std::string_view name, std::string_view value);
     /// The next entry of an array; entries come in the order of their indices.
-    void put(const h264::label& at, std::string_view value);
+    void put_entry(const h264::label& at, std::string_view value);
     /// The next of several without an index.
     void append(std::string_view name, std::string_view value);
 
@@ -48,13 +48,14 @@ public:
 
     explicit trace_json(bool positions) : with_positions(positions) {}
 
-    void open(std::string_view structure, std::string_view heading) override;
+    void open(std::string_view name, std::string_view heading) override;
     void close() override;
     void element(const shown_element& shown) override;
     void bytes(const shown_element& first, byte_span all) override;
     void follows(const fact& what) override;
 
-    /// The object of all that was told, which is forgotten.
+    /// The object of all that was told, which is forgotten. The outermost structures are no members of it, but what
+    /// they hold is: the unit says which ones they are.
     std::string take();
 
 private:
@@ -70,6 +71,7 @@ private:
     static std::string text_of(structure& complete);
 
     bool with_positions;
+    std::size_t depth = 0;
     std::vector<structure> inside =
         std::vector<structure>(1); // the one that is being filled, behind those that hold it
 };

@@ -4,7 +4,6 @@
 #include "element_text.h"
 #include "json_output.h"
 #include "names.h"
-#include "standard_output.h"
 #include "terminal.h"
 #include "trace_json.h"
 #include "trace_lines.h"
@@ -12,6 +11,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <iterator>
+#include <utility>
 #include <vector>
 
 #include <fmt/compile.h>
@@ -21,19 +21,14 @@ namespace orv_h264 {
 
 namespace {
 
-/// The bytes of a unit's RBSP, behind its header.
+/// The bytes behind the first header byte, emulation prevention removed.
 class rbsp_measure {
 public:
     std::size_t operator()(const h264::unit_place& place)
     {
-        h264::nal_unit_header header;
-        header.nal_unit_type = place.bytes[0] & 0x1FU;
-        if (place.size > 1 && header.extended())
-            header.svc_extension_flag = header.avc_3d_extension_flag = (place.bytes[1] & 0x80U) != 0;
         if (room.size() < place.size)
             room.resize(place.size);
-        const std::size_t size = h264::unescape(place.bytes, place.size, room.data(), place.size);
-        return size - std::min<std::size_t>(size, header.bytes());
+        return h264::unescape(place.bytes, place.size, room.data(), place.size) - 1;
     }
 
 private:
@@ -53,7 +48,8 @@ unsigned ref_idc_of(const listed_unit& unit)
 
 class text_units final : public unit_printer {
 public:
-    explicit text_units(const unit_style& chosen) : style(chosen), lines(chosen.positions), trace(lines, chosen.positions)
+    explicit text_units(const unit_style& chosen)
+        : style(chosen), lines(chosen.positions), trace(lines, chosen.positions)
     {
     }
 
@@ -64,7 +60,7 @@ public:
         return &trace;
     }
 
-    void end(const listed_unit& unit, const h264::unit_reading* reading) override
+    std::string end(const listed_unit& unit, const h264::unit_reading* reading) override
     {
         if (reading != nullptr) {
             trace.end();
@@ -73,8 +69,7 @@ public:
         } else {
             begin_unit(unit, {});
         }
-        write_output(lines.text);
-        lines.text.clear();
+        return std::exchange(lines.text, "");
     }
 
 private:
@@ -107,7 +102,7 @@ public:
         return &trace;
     }
 
-    void end(const listed_unit& unit, const h264::unit_reading* reading) override
+    std::string end(const listed_unit& unit, const h264::unit_reading* reading) override
     {
         std::string line = fmt::format(
             FMT_COMPILE("{{\"record\":\"unit\",\"number\":{},\"offset\":{},\"framing_size\":{},\"length\":{},"
@@ -115,7 +110,7 @@ public:
             unit.place.number, unit.begin(), unit.framing_size, unit.place.size, rbsp_size(unit.place),
             ref_idc_of(unit), unit.type(), json_text(name_of(unit.type(), style.long_names)));
         line += reading == nullptr ? ",\"valid\":null,\"fields\":null}" : read_members(*reading);
-        write_output(line += '\n');
+        return line += '\n';
     }
 
 private:
@@ -137,9 +132,9 @@ private:
 
 } // namespace
 
-std::unique_ptr<unit_printer> make_unit_printer(bool json, const unit_style& style)
+std::unique_ptr<unit_printer> make_unit_printer(bool as_json, const unit_style& style)
 {
-    if (json)
+    if (as_json)
         return std::make_unique<json_units>(style);
     return std::make_unique<text_units>(style);
 }

@@ -23,11 +23,11 @@ public:
 
     /// The unit is about to be read: whom its elements are told to.
     virtual h264::visitor* begin(const listed_unit& unit) = 0;
-    /// Prints the unit; `reading` is null where it was not read.
-    virtual void end(const listed_unit& unit, const h264::unit_reading* reading) = 0;
+    /// The lines of the unit, as many as have not been put out; `reading` is null where it was not read.
+    virtual std::string end(const listed_unit& unit, const h264::unit_reading* reading) = 0;
 };
 
-/// One that prints to the standard output.
-std::unique_ptr<unit_printer> make_unit_printer(bool json, const unit_style& style);
+/// One whose lines go to the standard output.
+std::unique_ptr<unit_printer> make_unit_printer(bool as_json, const unit_style& style);
 
 } // namespace orv_h264

@@ -13,7 +13,7 @@ exit_status unit_run::run(stream_input& input)
     const bool any = input.read_units(*this, [this] { return enough(); });
     stream.flush(*this);
     if (!any)
-        problems.add(input.bytes_read(), describe_no_unit(input.bytes_read()));
+        complain(nullptr, input.bytes_read(), describe_no_unit(input.bytes_read()), true);
     return problems.status();
 }
 
@@ -21,12 +21,13 @@ void unit_run::unit(const h264::split_unit& u)
 {
     if (enough())
         return;
-    if (u.cut)
-        problems.add(begin_of(u), describe_cut(u));
     const h264::unit_place place = {u.bytes, u.size, u.offset, units++};
+    const listed_unit whole = {place, u.framing_size};
+    if (u.cut)
+        complain(&whole, begin_of(u), describe_cut(u), true);
     if (unread()) {
         first_waiting = units;
-        return take({place, u.framing_size}, nullptr);
+        return take(whole, nullptr);
     }
     framing_sizes.push_back(u.framing_size);
     stream.push(place, *this);
@@ -40,7 +41,7 @@ void unit_run::gap(const h264::split_gap& g)
     }
     if (enough())
         return;
-    problems.add(g.offset, describe_with_size(g, most_bytes));
+    complain(nullptr, g.offset, describe_with_size(g, most_bytes), true);
     take_gap(g);
 }
 
@@ -67,15 +68,31 @@ listed_unit unit_run::listed(const h264::unit_place& place) const
 
 void unit_run::complain_of(const listed_unit& unit, const h264::outcome& result)
 {
-    for (const h264::finding& finding : result.findings)
-        problems.note(unit.begin(), text_of(finding));
+    const auto complain_here = [&](const std::string& what, bool is_problem) {
+        complain(&unit, unit.begin(), what, is_problem);
+    };
+    for (const h264::finding& finding : result.findings) {
+        if (finding.element.name() == std::string_view("forbidden_zero_bit")) // a network has found bits in it wrong
+            complain_here("unit whose header has the forbidden bit set", true);
+        else
+            complain_here(text_of(finding), false);
+    }
     if (result.finding_count > result.findings.size())
-        problems.note(unit.begin(), fmt::format("{} further values outside of their ranges",
-                                                result.finding_count - result.findings.size()));
+        complain_here(
+            fmt::format("{} further values outside of their ranges", result.finding_count - result.findings.size()),
+            false);
     if (result.failure)
-        problems.add(unit.begin(), text_of(result.failure));
+        complain_here(text_of(result.failure), true);
     else if (const std::string_view wrong = text_of(result.ending); !wrong.empty())
-        problems.add(unit.begin(), wrong);
+        complain_here(std::string(wrong), true);
+}
+
+void unit_run::complain(const listed_unit*, std::uint64_t offset, const std::string& what, bool is_problem)
+{
+    if (is_problem)
+        problems.add(offset, what);
+    else
+        problems.note(offset, what);
 }
 
 } // namespace orv_h264

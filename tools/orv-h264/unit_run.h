@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <deque>
+#include <string>
 
 namespace orv_h264 {
 
@@ -25,7 +26,7 @@ struct listed_unit {
 
 class unit_run : h264::split_sink, h264::unit_sink {
 public:
-    unit_run(const std::string& name, bool json) : problems(name, json) {}
+    unit_run(const std::string& name, bool in_json) : problems(name, in_json) {}
     unit_run(const unit_run&) = delete;
     unit_run& operator=(const unit_run&) = delete;
     ~unit_run() override = default;
@@ -44,6 +45,9 @@ protected:
     virtual void take(const listed_unit& unit, const h264::unit_reading* reading) = 0;
     virtual void take_gap(const h264::split_gap& gap) { static_cast<void>(gap); }
 
+    /// Something is wrong; with the unit, if any.
+    virtual void complain(const listed_unit* unit, std::uint64_t offset, const std::string& what, bool is_problem);
+
 private:
     void unit(const h264::split_unit& u) override;
     void gap(const h264::split_gap& g) override;
@@ -55,9 +59,9 @@ private:
     complaints problems;
     h264::stream stream;
     std::uint64_t most_bytes = 0;
-    std::uint64_t units = 0;           // all that there are
+    std::uint64_t units = 0;            // all that there are
     std::deque<unsigned> framing_sizes; // of those that the stream has not handed on, the latest last
-    std::uint64_t first_waiting = 0;   // its number
+    std::uint64_t first_waiting = 0;    // its number
 };
 
 } // namespace orv_h264
