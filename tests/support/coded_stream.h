@@ -13,6 +13,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <string_view>
 
 namespace support {
@@ -71,10 +72,12 @@ public:
     }
     coded_stream& end_of_sequence() { return unit(10, {}); }
 
-    /// Picture timing without delays.
+    /// Picture timing without delays and timestamps.
     coded_stream& timing(unsigned int pic_struct)
     {
-        return unit(sei, sei_rbsp({{1, {static_cast<unsigned char>(pic_struct << 4 | 8)}}}));
+        constexpr unsigned int table_d_1[] = {1, 1, 1, 2, 2, 3, 3, 2, 3}; // clock_timestamp_flags, then the bit behind
+        const unsigned int flags = pic_struct < std::size(table_d_1) ? table_d_1[pic_struct] : 0;
+        return unit(sei, sei_rbsp({{1, {static_cast<unsigned char>(pic_struct << 4 | 8 >> flags)}}}));
     }
     coded_stream& recovery_point(std::uint32_t recovery_frame_cnt)
     {

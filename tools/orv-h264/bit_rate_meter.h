@@ -1,5 +1,8 @@
-// Bit rates of a stream from the sizes and durations of its frames.
+// Bit rates of a stream from the sizes and durations of its frames. Durations add up exactly; rates are made of doubles
+// that are rounded once each.
 #pragma once
+
+#include "exact_sum.h"
 
 #include <cstdint>
 #include <optional>
@@ -8,11 +11,11 @@ namespace orv_h264 {
 
 class bit_rate_meter {
 public:
-    /// Takes the next frame; one whose duration is not known counts for nothing.
-    void add(std::uint64_t bytes, std::optional<double> seconds);
+    /// Takes the next frame; one whose duration is not known, or 0, counts for nothing.
+    void add(std::uint64_t bytes, h264::exact_time duration);
 
     /// The time that all frames take together, in decoding order.
-    double seconds() const noexcept { return time; }
+    double seconds() const noexcept { return time.value(); }
 
     /// Bits a second; nothing when no duration was known.
     std::optional<double> mean() const noexcept;
@@ -22,12 +25,9 @@ public:
     std::optional<double> peak() const noexcept;
 
 private:
-    void close_second() noexcept;
-
-    double time = 0;
-    double bits = 0;
-    double second_time = 0; // how much of the current second has gone
-    double second_bits = 0;
+    exact_sum time;
+    std::uint64_t all_bytes = 0;
+    double second_bits = 0; // of the second that goes on
     double most = 0;
     bool any_second = false;
 };

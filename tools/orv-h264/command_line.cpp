@@ -252,7 +252,9 @@ void command_line::add_frames()
 {
     CLI::App& table = *app.add_subcommand("frames", "List the frames of a stream");
     add_stream(table, "FILE", frames_chosen.stream);
-    table.add_flag("--split-fields", frames_chosen.split_fields, "Show each field of a frame by itself");
+    table.add_flag("--fields,--split-fields", frames_chosen.split_fields, "Show each field by itself");
+    table.add_flag("--output-order", frames_chosen.output_order,
+                   "Show frames in output order, not as they are decoded");
     add_limit(table, frames_chosen.limit, "Stop after N frames");
     add_format(table, frames_chosen.format, json_lines, "A line for each frame");
     table.footer(std::string(help_texts::frames) + help_texts::exit_statuses);

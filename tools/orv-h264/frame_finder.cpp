@@ -67,8 +67,10 @@ void frame_finder::access_unit_came(const h264::access_unit& unit, const h264::p
     if (point != nullptr && !to.recovery_frame_cnt)
         to.recovery_frame_cnt = point->recovery_frame_cnt;
     if (const auto rate = unit.sps == nullptr ? h264::ratio() : h264::field_rate(unit.sps->vui_parameters);
-        rate.denominator != 0)
+        rate.denominator != 0) {
         to.seconds = static_cast<double>(to.field_duration * rate.denominator) / static_cast<double>(rate.numerator);
+        to.duration = h264::time_after({0, 1}, to.field_duration, {rate.denominator, rate.numerator});
+    }
     if (of->has_count && of->count.in_range())
         to.poc =
             split && unit.structure == h264::picture_structure::bottom_field ? of->count.bottom : of->count.lower();

@@ -33,6 +33,7 @@ struct frame {
     std::uint32_t coded_pictures = 0; ///< 2 of two fields
     std::uint32_t field_duration = 0;
     std::optional<double> seconds; ///< how long it is shown, where the SPS of its slices tells the field rate
+    h264::exact_time duration;     ///< likewise
     bool idr = false;
     std::optional<std::uint32_t> recovery_frame_cnt; ///< of its first recovery point SEI message
     std::optional<std::int64_t> poc;                 ///< PicOrderCnt, where it can be told and has 32 bits

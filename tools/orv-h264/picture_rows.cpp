@@ -1,6 +1,6 @@
 #include "picture_rows.h"
 
-#include "element_rows.h"
+#include "element_text.h"
 #include "loss_texts.h"
 #include "row_facts.h"
 
@@ -41,6 +41,8 @@ void picture_rows::unit(const h264::split_unit& unit)
     fed.push_back({begin_of(unit), end, 0});
     if (unit.cut)
         problems.push_back({begin_of(unit), orv_h264::describe_cut(unit)});
+    if ((unit.bytes[0] & 0x80) != 0)
+        problems.push_back({begin_of(unit), "forbidden_zero_bit is 1", 0, true});
     constexpr bool not_copied = true; // nobody looks at the bytes of an access unit
     units.push({unit.bytes, unit.size, unit.offset, first_fed + fed.size() - 1}, *this, not_copied);
     tell_ready();

@@ -15,6 +15,11 @@ row_structure structure_of(const h264::access_unit& unit)
     return same[static_cast<std::size_t>(unit.structure)];
 }
 
+bool is_damaged_sei(const h264::access_unit_part& part)
+{
+    return part.role == h264::unit_role::sei && part.failure;
+}
+
 void add_first_field(picture_row& row, const h264::access_unit& unit)
 {
     row.structure = structure_of(unit);
@@ -25,7 +30,8 @@ void add_first_field(picture_row& row, const h264::access_unit& unit)
     if (unit.pps != nullptr)
         row.pps_id = unit.pps->pic_parameter_set_id;
     const auto* const timing = unit.message<h264::pic_timing>();
-    if (timing != nullptr && unit.sps != nullptr && unit.sps->vui_parameters.pic_struct_present_flag)
+    const bool sent = timing != nullptr && unit.sps != nullptr && unit.sps->vui_parameters.pic_struct_present_flag;
+    if (sent && std::none_of(unit.parts.begin(), unit.parts.end(), is_damaged_sei))
         row.pic_struct = timing->pic_struct;
 }
 
