@@ -11,5 +11,6 @@
 #include <orv-utils-v4/h264_syntax/parameter_set_store.h>
 #include <orv-utils-v4/h264_syntax/picture_size.h>
 #include <orv-utils-v4/h264_syntax/pictures.h>
+#include <orv-utils-v4/h264_syntax/registered_user_data.h>
 #include <orv-utils-v4/h264_syntax/stream.h>
 #include <orv-utils-v4/h264_syntax/unit_splitter.h>

@@ -211,7 +211,7 @@ TEST_F(Avcc, ManyParameterSetsAreAllShown)
 
 TEST_F(Avcc, AnInputLargerThanAnyRecordIsRefused)
 {
-    const tool_result result = run_tool({"avcc", "-"}, {.piped = bytes(std::size_t{1} << 20, 1), .repeat = 33});
+    const tool_result result = run_tool({"avcc", "-"}, {.piped = bytes(std::size_t{1} << 20, 1), .repeat = 41});
     EXPECT_EQ("", result.out);
     EXPECT_EQ("orv-h264: standard input: too large for a decoder configuration record\n", result.err);
     EXPECT_EQ(2, result.status);

@@ -113,6 +113,8 @@ std::vector<fact> of_slice(const h264::unit_reading& reading)
 
 std::vector<fact> consequences_of(const h264::unit_reading& reading)
 {
+    if (reading.result.failure)
+        return {};
     if (const auto* const sps = std::get_if<h264::seq_parameter_set_rbsp>(&reading.unit.rbsp))
         return of_sps(sps->seq_parameter_set_data);
     if (const auto* const sps = std::get_if<h264::subset_seq_parameter_set_rbsp>(&reading.unit.rbsp))

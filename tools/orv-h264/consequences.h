@@ -7,7 +7,7 @@
 
 namespace orv_h264 {
 
-/// Of parameter sets and slices; nothing of other units.
+/// Of parameter sets and slices that were read without a failure; nothing of other units.
 std::vector<fact> consequences_of(const h264::unit_reading& reading);
 
 } // namespace orv_h264
