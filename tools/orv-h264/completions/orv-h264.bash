@@ -21,7 +21,7 @@ _orv_h264()
         return
     fi
     case $subcommand in
-    info) options="--format --max-unit --json" ;;
+    info) options="--format --max-unit --json --csv --tsv" ;;
     inspect) options="--format --max-unit --nals --limit --only --json --tsv" ;;
     frames) options="--format --max-unit --split-fields --limit --json" ;;
     convert) options="--format --max-unit --to" ;;

@@ -29,6 +29,8 @@ end
 for subcommand in $of_inspect $of_frames
     complete -c orv-h264 -n $subcommand -l limit -x -d "Stop after that many"
 end
+complete -c orv-h264 -n $of_info -l csv -d "A line for each fact, comma-separated"
+complete -c orv-h264 -n $of_info -l tsv -d "A line for each fact, tab-separated"
 complete -c orv-h264 -n $of_inspect -l nals -d "Units only, without their fields"
 complete -c orv-h264 -n $of_inspect -l tsv -d "A line for each syntax element, tab-separated"
 complete -c orv-h264 -n $of_inspect -l only -x -d "Show these NAL unit types only, for example 7,8 or 1-5"
