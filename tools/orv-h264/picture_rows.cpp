@@ -58,9 +58,12 @@ void picture_rows::gap(const h264::split_gap& gap)
 
 void picture_rows::finish(std::uint64_t stream_end)
 {
+    const bool has_end = end_is_open;
     add_padding(stream_end);
     units.flush(*this);
     pictures.flush(*this);
+    if ((has_end || end_is_open) && !waiting.empty())
+        waiting.back().row.last = true;
     finished = true;
     end_is_open = false;
     tell_ready();
@@ -249,7 +252,6 @@ void picture_rows::tell_next()
     waiting.pop_front();
     waiting_units -= row.units.size() + row.problems.size();
     row.number = row_count++;
-    row.last = finished && waiting.empty();
     to.row(std::move(row));
 }
 

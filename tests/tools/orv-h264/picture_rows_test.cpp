@@ -236,6 +236,18 @@ TEST(PictureRows, PaddingBehindTheEndOfTheStreamUnitIsTheRows)
     EXPECT_TRUE(rows[1].last);
 }
 
+TEST(PictureRows, TheRowWithTheLastUnitIsTheLastOne)
+{
+    coded_stream stream;
+    stream.sets(coded_sps(false)).idr().slice(1);
+    EXPECT_TRUE(rows_of(stream).at(1).last);
+    EXPECT_TRUE(rows_of(coded_stream(stream).end_of_sequence()).at(1).last);
+    EXPECT_TRUE(rows_of(coded_stream(stream).end_of_sequence().unit(11, {})).at(1).last);
+    EXPECT_FALSE(rows_of(coded_stream(stream).aud()).at(1).last);
+    EXPECT_FALSE(rows_of(coded_stream(stream).unit(11, {}).aud()).at(1).last);
+    EXPECT_FALSE(rows_of(stream).at(0).last);
+}
+
 TEST(PictureRows, ProblemsComeWithTheRowTheyLieInOrTheNextOne)
 {
     coded_stream stream;
@@ -345,7 +357,7 @@ void expect_rows_in_order(const std::vector<picture_row>& rows, std::uint64_t st
         EXPECT_LE(row.filler, row.unit_bytes);
         EXPECT_FALSE(row.units.empty());
         EXPECT_FALSE(row.cut);
-        EXPECT_EQ(row.number + 1 == rows.size(), row.last);
+        EXPECT_TRUE(!row.last || row.number + 1 == rows.size());
     }
     EXPECT_LE(end, stream_size);
 }
