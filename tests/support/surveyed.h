@@ -28,17 +28,17 @@ inline orv_h264::stream_summary survey_of(const orv_utils_v4::h264::made_stream&
 /// 25 frames a second, fixed, and pic_struct in picture timing.
 inline orv_utils_v4::h264::seq_parameter_set_data timed_sps(std::uint8_t level_idc = 30)
 {
-    orv_utils_v4::h264::seq_parameter_set_data sps = orv_utils_v4::h264::sps_data();
-    sps.level_idc = level_idc;
-    sps.vui_parameters_present_flag = true;
-    orv_utils_v4::h264::vui_parameters& vui = sps.vui_parameters;
+    orv_utils_v4::h264::seq_parameter_set_data made = orv_utils_v4::h264::sps_data();
+    made.level_idc = level_idc;
+    made.vui_parameters_present_flag = true;
+    orv_utils_v4::h264::vui_parameters& vui = made.vui_parameters;
     vui.timing_info_present_flag = true;
     vui.num_units_in_tick = 1;
     vui.time_scale = 50;
     vui.fixed_frame_rate_flag = true;
     vui.low_delay_hrd_flag = false;
     vui.pic_struct_present_flag = true;
-    return sps;
+    return made;
 }
 
 } // namespace support

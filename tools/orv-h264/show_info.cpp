@@ -178,10 +178,9 @@ void print_sequences(const std::vector<sequence_summary>& sequences, std::uint64
 
 std::string bit_rate_text(const frame_totals& frames)
 {
-    const double mean = *frames.bit_rate().mean();
-    std::string text = fmt::format("mean {:.0f} bit/s", mean);
-    if (frames.unit_bit_rate() != mean)
-        text += fmt::format(", {:.0f} bit/s without padding", *frames.unit_bit_rate());
+    std::string text = fmt::format("mean {:.0f} bit/s", *frames.bit_rate().mean());
+    if (frames.padding() != 0)
+        text += fmt::format(" ({:.0f} bit/s without padding)", *frames.unit_bit_rate());
     if (const auto peak = frames.bit_rate().peak())
         text += fmt::format(", peak {:.0f} bit/s", *peak);
     return text;

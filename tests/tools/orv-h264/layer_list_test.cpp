@@ -52,7 +52,8 @@ subset_seq_parameter_set_rbsp scalable_sps(const std::vector<svc_vui_entry>& ent
 
 class scalable_stream : public made_stream {
 public:
-    explicit scalable_stream(subset_seq_parameter_set_rbsp subset = scalable_sps()) : subset_sps(std::move(subset))
+    explicit scalable_stream(subset_seq_parameter_set_rbsp of_layers = scalable_sps())
+        : subset_sps(std::move(of_layers))
     {
         add_sets();
         sets.sets.subset_sps[0] = &subset_sps;

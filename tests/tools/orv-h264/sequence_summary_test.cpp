@@ -176,7 +176,7 @@ TEST(SequenceSummary, WhatChangesHasAWord)
         {[](auto& sps) { sps.profile_idc = 100; }, {"profile"}},
         {[](auto& sps) { sps.level_idc = 31; }, {"level"}},
         {[](auto& sps) { sps.pic_width_in_mbs_minus1 = 8; }, {"picture size"}},
-        {[](auto& sps) { sps.frame_cropping_flag = sps.frame_crop_left_offset = 1; }, {"picture size"}},
+        {[](auto& sps) { sps.frame_cropping_flag = true, sps.frame_crop_left_offset = 1; }, {"picture size"}},
         {[](auto& sps) { sps.vui_parameters.sar_width = sps.vui_parameters.sar_height = 1; }, {"sample aspect ratio"}},
         {[](auto& sps) { sps.bit_depth_chroma_minus8 = 1; }, {"sample format"}},
         {[](auto& sps) { sps.frame_mbs_only_flag = false; }, {"picture size", "scan type"}},
@@ -202,7 +202,7 @@ TEST(SequenceSummary, WhatChangesHasAWord)
 TEST(SequenceSummary, LevelsHaveNamesAndOthersNumbers)
 {
     const std::tuple<int, int, bool, const char*> cases[] = {
-        {77, 30, false, "3"},  {77, 41, false, "4.1"}, {77, 11, true, "1b"}, {100, 9, false, "1b"},
+        {77, 30, false, "3"},   {77, 41, false, "4.1"}, {77, 11, true, "1b"},  {100, 9, false, "1b"},
         {100, 11, true, "1.1"}, {77, 0, false, "0"},    {77, 7, false, "0.7"}, {77, 255, false, "25.5"},
     };
     for (const auto& [profile_idc, level_idc, constraint_set3_flag, name] : cases) {

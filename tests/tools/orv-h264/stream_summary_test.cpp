@@ -174,7 +174,7 @@ TEST(StreamSummary, OfSetsBeforeTheFirstPictureNoneCountsAsFurther)
 {
     coded_stream stream;
     for (unsigned int i = 0; i < stream_summary::most_sequences + 5; ++i)
-        stream.set(with_level(i + 1));
+        stream.set(with_level(i + 1)).slice(i % 16); // whose PPS is missing
     EXPECT_EQ(5U, survey_of(stream).further_sequences);
     EXPECT_EQ(0U, survey_of(stream.set(pps_of(0, 0)).idr()).further_sequences);
 }
@@ -222,23 +222,28 @@ namespace {
 
 using namespace orv_utils_v4::h264;
 
-/// An IDR picture, and references whose places in output order behind it are these.
-made_stream reordered(const std::vector<std::uint32_t>& counts)
+seq_parameter_set_data reordering_sps()
 {
-    seq_parameter_set_data sps = support::timed_sps();
-    sps.pic_order_cnt_type = 0;
-    sps.log2_max_pic_order_cnt_lsb_minus4 = 4;
-    sps.log2_max_frame_num_minus4 = 4;
-    sps.max_num_ref_frames = 4;
-    sps.vui_parameters.bitstream_restriction_flag = true;
-    sps.vui_parameters.max_num_reorder_frames = 4;
-    sps.vui_parameters.max_dec_frame_buffering = 4;
-    made_stream stream(sps);
+    seq_parameter_set_data made = support::timed_sps();
+    made.pic_order_cnt_type = 0;
+    made.log2_max_pic_order_cnt_lsb_minus4 = 4;
+    made.log2_max_frame_num_minus4 = 4;
+    made.max_num_ref_frames = 4;
+    made.vui_parameters.bitstream_restriction_flag = true;
+    made.vui_parameters.max_num_reorder_frames = 4;
+    made.vui_parameters.max_dec_frame_buffering = 4;
+    return made;
+}
+
+/// Of an IDR picture, and references whose places in output order behind it are these.
+stream_summary reordered(const std::vector<std::uint32_t>& places)
+{
+    made_stream stream(reordering_sps());
     stream.add_sets().add(idr());
     std::uint32_t frame_num = 1;
-    for (const std::uint32_t count : counts)
-        stream.add(reference(frame_num++, 2 * count));
-    return stream;
+    for (const std::uint32_t place : places)
+        stream.add(reference(frame_num++, 2 * place));
+    return survey_of(stream);
 }
 
 } // namespace
@@ -248,16 +253,16 @@ TEST(StreamSummary, TheReorderDepthIsThatWhichPicturesUse)
     const std::pair<std::vector<std::uint32_t>, std::uint32_t> cases[] = {
         {{1, 2, 3}, 0}, {{2, 1, 4, 3}, 1}, {{4, 2, 1, 3}, 2}, {{4, 3, 2, 1}, 3}, {{3, 1, 2}, 1},
     };
-    for (const auto& [counts, depth] : cases) {
-        const stream_summary summary = survey_of(reordered(counts));
+    for (const auto& [places, depth] : cases) {
+        const stream_summary summary = reordered(places);
         ASSERT_EQ(1U, summary.sequences.size());
-        EXPECT_EQ(depth, summary.sequences[0].reorder_depth) << counts.front();
+        EXPECT_EQ(depth, summary.sequences[0].reorder_depth) << places.front();
     }
 }
 
 TEST(StreamSummary, LayersOfOtherStreamsAreNone)
 {
-    EXPECT_TRUE(survey_of(reordered({1, 2})).layers.layers().empty());
+    EXPECT_TRUE(reordered({1, 2}).layers.layers().empty());
 }
 
 TEST(StreamSummary, EverySecondIsHeldAgainstTheSchedules)
