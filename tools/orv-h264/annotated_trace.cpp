@@ -1,7 +1,10 @@
 #include "annotated_trace.h"
 
+#include "json_output.h"
 #include "names.h"
 #include "words.h"
+
+#include <orv-utils-v4/h264_syntax/registered_user_data.h>
 
 #include <algorithm>
 #include <iterator>
@@ -129,8 +132,7 @@ bool is_repeated_structure(std::string_view structure)
 
 void annotated_trace::begin(const h264::unit_place& place)
 {
-    raw_bytes.emplace(place.bytes, place.size);
-    offset = place.offset;
+    place_of.begin(place);
     path.clear();
     out_of_memory = false;
 }
@@ -152,7 +154,10 @@ void annotated_trace::open(const char* name)
             deltas.clear();
         else if (inside("pic_timing"))
             clock = {};
-        if (!all && has_fixed_patterns_alone(name))
+        else if (inside(registered_trace::structure))
+            place_of.mark();
+        unopened = !all && has_fixed_patterns_alone(name);
+        if (unopened) // until one of its elements is told
             return;
         sink.open(name, inside("sei_payload") ? heading_of_message() : name);
     });
@@ -166,7 +171,9 @@ void annotated_trace::close()
             tell_scaling_list();
         else if (inside("pic_timing"))
             tell_clock();
-        if (all || !has_fixed_patterns_alone(path.back()))
+        else if (inside(registered_trace::structure))
+            tell_registration();
+        if (!std::exchange(unopened, false))
             sink.close();
         path.pop_back();
     });
@@ -185,6 +192,8 @@ void annotated_trace::element(const h264::traced_element& e)
                 first_byte->bits += e.bits;
             run.push_back(static_cast<unsigned char>(e.value));
         } else if (all || is_told(e)) {
+            if (std::exchange(unopened, false))
+                sink.open(path.back(), path.back());
             const std::string words = words_of(e);
             sink.element({e, place_of(e.bit), words, is_repeated_element(path.back(), e.name.name())});
         }
@@ -206,7 +215,21 @@ void annotated_trace::tell_bytes()
     const h264::traced_element first = *std::exchange(first_byte, std::nullopt);
     const std::string words = first.bits == 8 ? words_of(first) : "";
     sink.bytes({first, place_of(first.bit), words, false}, run);
+    keep_registration(first);
     run.clear();
+}
+
+/// Keeps what tells whose the user data are.
+void annotated_trace::keep_registration(const h264::traced_element& first)
+{
+    constexpr std::size_t enough = 16;
+    if (!inside(registered_trace::structure))
+        return;
+    if (first.name.name() == std::string_view("itu_t_t35_country_code"))
+        registered = {run.front(), 0, {}};
+    else if (first.name.name() == std::string_view("itu_t_t35_payload_byte"))
+        registered.itu_t_t35_payload_byte.assign(
+            run.begin(), run.begin() + static_cast<std::ptrdiff_t>(std::min(enough, run.size())));
 }
 
 /// Keeps what something follows from.
@@ -248,9 +271,9 @@ void annotated_trace::tell_scaling_list()
     const std::string list = scaling_list(deltas, list_size);
     if (list.empty())
         return;
-    std::string json = list == "default" ? "\"default\"" : "[" + list + "]";
-    std::replace(json.begin(), json.end(), ' ', ',');
-    sink.follows({"list", std::move(json), list == "default" ? "the default list" : list});
+    std::string as_json = list == "default" ? "\"default\"" : "[" + list + "]";
+    std::replace(as_json.begin(), as_json.end(), ' ', ',');
+    sink.follows({"list", std::move(as_json), list == "default" ? "the default list" : list});
 }
 
 /// The time of day of a timestamp that tells all of it.
@@ -263,10 +286,12 @@ void annotated_trace::tell_clock()
     sink.follows({"time", fmt::format("\"{}\"", time), time});
 }
 
-/// Bits come in rising order.
-std::uint64_t annotated_trace::place_of(std::uint64_t bit)
+/// Who the user data are registered for, where it is known.
+void annotated_trace::tell_registration()
 {
-    return offset + (*raw_bytes)(bit / 8);
+    const std::string_view name = h264::registered_name(registered);
+    if (!name.empty())
+        sink.follows({"registered_for", json_text(name), fmt::format("registered for {}", name)});
 }
 
 } // namespace orv_h264

@@ -2,6 +2,8 @@
 // follows from several of them. Bytes in a row are told together.
 #pragma once
 
+#include "registered_trace.h"
+
 #include <orv-utils-v4/h264_syntax.h>
 
 #include <array>
@@ -84,21 +86,23 @@ private:
     std::string heading_of_message();
     void tell_scaling_list();
     void tell_clock();
-    std::uint64_t place_of(std::uint64_t bit);
+    void keep_registration(const h264::traced_element& first);
+    void tell_registration();
     bool inside(std::string_view structure) const { return !path.empty() && path.back() == structure; }
 
     annotated_sink& sink;
     bool all;
+    bool unopened = false; // the innermost structure is one of fixed patterns, and the sink does not know of it
     bool out_of_memory = false;
     std::vector<std::string_view> path; // of the structures
-    std::optional<h264::byte_map> raw_bytes;
-    std::uint64_t offset = 0;
+    place_finder place_of;
     std::optional<h264::traced_element> first_byte; // of the run that goes on
     std::vector<unsigned char> run;
     std::uint32_t payload_type = 0; // of the message
     std::uint32_t payload_size = 0;
     std::uint32_t ff_bytes = 0;
-    std::vector<std::int64_t> deltas; // of a scaling list
+    h264::user_data_registered_itu_t_t35 registered; // as much as its name hangs on
+    std::vector<std::int64_t> deltas;                // of a scaling list
     std::size_t list_size = 16;
     std::array<std::optional<std::int64_t>, 4> clock; // hours, minutes, seconds and frames of a timestamp
 };

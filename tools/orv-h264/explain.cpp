@@ -4,6 +4,7 @@
 #include "json_output.h"
 #include "loss_texts.h"
 #include "names.h"
+#include "registered_trace.h"
 #include "table_output.h"
 #include "unit_run.h"
 #include "words.h"
@@ -57,12 +58,16 @@ public:
 
     void begin(const h264::unit_place& place, const bit_range& wanted)
     {
-        raw_bytes.emplace(place.bytes, place.size);
-        offset = place.offset;
+        place_of.begin(place);
         bits = wanted;
     }
 
-    void open(const char* name) override { path.emplace_back(name); }
+    void open(const char* name) override
+    {
+        path.emplace_back(name);
+        if (path.back() == registered_trace::structure)
+            place_of.mark();
+    }
     void close() override { path.pop_back(); }
 
     void element(const h264::traced_element& e) override
@@ -94,15 +99,14 @@ private:
         append_value(p.value, e);
         p.words = words_of(e);
         p.range = range_text(e);
-        p.byte = offset + (*raw_bytes)(e.bit / 8);
+        p.byte = place_of(e.bit);
         p.bit = e.bit;
         p.bits = e.bits;
         p.inside = e.inside;
         return p;
     }
 
-    std::optional<h264::byte_map> raw_bytes;
-    std::uint64_t offset = 0;
+    place_finder place_of;
     bit_range bits;
     std::vector<std::string_view> path;
 };
@@ -155,7 +159,7 @@ private:
         }
         found.emplace();
         found->begin(unit.place, wanted);
-        return &*found;
+        return &source.emplace(*found);
     }
 
     void take(const listed_unit& unit, const h264::unit_reading* reading) override
@@ -342,6 +346,7 @@ private:
     json object;
     std::string what; // "" until it is found
     std::optional<element_window> found;
+    std::optional<registered_trace> source;
     bit_range wanted;
     std::uint64_t behind = 0; // the last unit before the place
     bool broken = false;

@@ -57,7 +57,7 @@ public:
     {
         begin_unit(unit, marks);
         trace.begin(unit.place);
-        return &trace;
+        return &source;
     }
 
     std::string end(const listed_unit& unit, const h264::unit_reading* reading) override
@@ -87,6 +87,7 @@ private:
     rbsp_measure rbsp_size;
     trace_lines lines;
     annotated_trace trace;
+    registered_trace source{trace};
 };
 
 class json_units final : public unit_printer {
@@ -99,7 +100,7 @@ public:
     h264::visitor* begin(const listed_unit& unit) override
     {
         trace.begin(unit.place);
-        return &trace;
+        return &source;
     }
 
     std::string end(const listed_unit& unit, const h264::unit_reading* reading) override
@@ -128,6 +129,7 @@ private:
     rbsp_measure rbsp_size;
     trace_json fields;
     annotated_trace trace;
+    registered_trace source{trace};
 };
 
 } // namespace

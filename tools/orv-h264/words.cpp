@@ -2,6 +2,8 @@
 
 #include "names.h"
 
+#include <orv-utils-v4/h264_syntax/registered_user_data.h>
+
 #include <algorithm>
 #include <span>
 
@@ -265,15 +267,44 @@ constexpr word scene_transition_type_words[] = {
     {6, "unspecified mixture of two scenes"},
 };
 
+// ATSC A/53 Part 4, Table 6.9, and CTA-708
+constexpr word user_data_type_code_words[] = {
+    {3, "cc_data"},
+    {6, "bar_data"},
+};
+
+constexpr word cc_type_words[] = {
+    {0, "CEA-608, field 1"},
+    {1, "CEA-608, field 2"},
+    {2, "CTA-708, packet goes on"},
+    {3, "CTA-708, packet begins"},
+};
+
+// SMPTE ST 2016-1, Table 1
+constexpr word active_format_words[] = {
+    {2, "box 16:9, at the top"},
+    {3, "box 14:9, at the top"},
+    {4, "box wider than 16:9"},
+    {8, "full frame"},
+    {9, "4:3"},
+    {10, "16:9"},
+    {11, "14:9"},
+    {13, "4:3 with 14:9 in the middle"},
+    {14, "16:9 with 14:9 in the middle"},
+    {15, "16:9 with 4:3 in the middle"},
+};
+
 struct element_words {
     std::string_view element;
     std::span<const word> words;
 };
 
 constexpr element_words all_words[] = {
+    {"active_format", active_format_words},
     {"aspect_ratio_idc", aspect_ratio_idc_words},
     {"blending_mode_id", blending_mode_id_words},
     {"bottom_field_flag", bottom_field_flag_words},
+    {"cc_type", cc_type_words},
     {"chroma_format_idc", chroma_format_idc_words},
     {"colour_primaries", colour_primaries_words},
     {"colour_remap_matrix_coefficients", matrix_coefficients_words},
@@ -303,6 +334,7 @@ constexpr element_words all_words[] = {
     {"slice_type", slice_type_words},
     {"tone_map_model_id", tone_map_model_id_words},
     {"transfer_characteristics", transfer_characteristics_words},
+    {"user_data_type_code", user_data_type_code_words},
     {"video_format", video_format_words},
     {"video_full_range_flag", video_full_range_flag_words},
     {"weighted_bipred_idc", weighted_bipred_idc_words},
@@ -342,6 +374,8 @@ std::string words_of(std::string_view element, std::int64_t value)
             std::find_if(found->words.begin(), found->words.end(), [value](const word& w) { return w.value == value; });
         return row == found->words.end() ? "" : row->text;
     }
+    if (element == "itu_t_t35_country_code")
+        return orv_utils_v4::h264::country_name(static_cast<std::uint8_t>(value));
     if (element == "level_idc")
         return name_of_level(value);
     if (element.starts_with("initial_cpb_removal_delay") && !element.ends_with("length_minus1"))
