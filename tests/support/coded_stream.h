@@ -15,6 +15,7 @@
 #include <cstdint>
 #include <iterator>
 #include <string_view>
+#include <utility>
 
 namespace support {
 
@@ -85,12 +86,19 @@ public:
         point.recovery_frame_cnt = recovery_frame_cnt;
         return unit(sei, sei_rbsp({{6, written_rbsp(point).made()}}));
     }
-    /// Unregistered user data, its UUID of zeros.
-    coded_stream& user_data(std::string_view text)
+    /// Unregistered user data, its UUID of zeros unless there is one.
+    coded_stream& user_data(std::string_view text, bytes uuid = bytes(16))
     {
-        bytes payload(16);
+        bytes payload = std::move(uuid);
         payload.insert(payload.end(), text.begin(), text.end());
         return unit(sei, sei_rbsp({{5, payload}}));
+    }
+
+    /// User data that an encoder is known by.
+    coded_stream& encoder(std::string_view text)
+    {
+        return user_data(text, {0xDC, 0x45, 0xE9, 0xBD, 0xE6, 0xD9, 0x48, 0xB7, 0x96, 0x2C, 0xD8, 0x20, 0xD9, 0x23, 0xEE,
+                                0xEF});
     }
 
     /// An I slice.

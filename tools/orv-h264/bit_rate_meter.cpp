@@ -5,7 +5,7 @@
 
 namespace orv_h264 {
 
-void bit_rate_meter::add(std::uint64_t bytes, h264::exact_time duration)
+void bit_rate_meter::add(std::uint64_t bytes, h264::exact_time duration, const second_sink& each)
 {
     if (!duration || duration.numerator <= 0)
         return;
@@ -21,11 +21,17 @@ void bit_rate_meter::add(std::uint64_t bytes, h264::exact_time duration)
         return;
     }
     const double rate = bits * static_cast<double>(duration.denominator) / static_cast<double>(duration.numerator);
-    most = std::max(most, second_bits + rate * (next_second - start));
+    const double complete = second_bits + rate * (next_second - start);
+    most = std::max(most, complete);
+    if (each)
+        each(complete, 1);
     any_second = true;
     const double last_second = std::floor(end);
-    if (last_second > next_second)
+    if (last_second > next_second) {
         most = std::max(most, rate);
+        if (each)
+            each(rate, static_cast<std::uint64_t>(last_second - next_second));
+    }
     second_bits = rate * (end - last_second);
 }
 

@@ -5,14 +5,19 @@
 #include "exact_sum.h"
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 
 namespace orv_h264 {
 
 class bit_rate_meter {
 public:
-    /// Takes the next frame; one whose duration is not known, or 0, counts for nothing.
-    void add(std::uint64_t bytes, h264::exact_time duration);
+    /// Takes seconds that are alike, counted from the start: the bits of each, and how many.
+    using second_sink = std::function<void(double bits, std::uint64_t count)>;
+
+    /// Takes the next frame; one whose duration is not known, or 0, counts for nothing. Seconds that it completes go to
+    /// `each`.
+    void add(std::uint64_t bytes, h264::exact_time duration, const second_sink& each = {});
 
     /// The time that all frames take together, in decoding order.
     double seconds() const noexcept { return time.value(); }

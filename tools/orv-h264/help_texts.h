@@ -67,14 +67,23 @@ Examples:
 
 constexpr const char* info =
     R"(What a stream is at a glance: profile and level, picture size and shape, scan type as its slices show it, rates,
-colour, HRD, frames, NAL units by type, the encoder, and what is wrong with it, a line for each kind of problem.
-A stream that changes its sequence parameter set is shown sequence by sequence, up to 64 of them; further ones
-are counted.
+colour, the bit rates of its HRD and how many seconds have more, frames, groups of pictures, the encoder with its
+settings, layers and views, NAL units and SEI messages by type. What cannot be read or is lost is a problem, what is
+only odd a finding: a line for each kind.
+
+A stream that changes its sequence parameter set is shown sequence by sequence, with what the one before has
+otherwise, up to 64 of them; further ones are counted. The reorder depth that pictures use, the most that come before
+one in decoding order and follow it in output order, stands beside the one that the stream promises. A group begins
+with an IDR picture or a recovery point; it is open when pictures of it are output before that one. Bit rates and the
+duration are those of the frames whose duration the stream tells.
+
+With --csv and --tsv a line is a fact: its path in the JSON object, and its value.
 
 Examples:
   orv-h264 info movie.264
   orv-h264 info --format length4 sample.bin
-  orv-h264 info --json movie.264 | jq -r '.sequences[0].codec')";
+  orv-h264 info --json movie.264 | jq -r '.sequences[0].codec'
+  orv-h264 info --tsv movie.264 | grep bit_rate)";
 
 constexpr const char* convert =
     R"(Writes every NAL unit of IN to OUT in another framing: start codes (annexb) or big-endian lengths of 1 to 4

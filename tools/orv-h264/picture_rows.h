@@ -119,6 +119,9 @@ public:
     /// The stream has ended, and has so many bytes. All rows that are left are told.
     void finish(std::uint64_t stream_end);
 
+    /// The parameter sets as they stand.
+    const h264::parameter_sets& sets() const noexcept { return units.sets(); }
+
 private:
     struct fed_unit {
         std::uint64_t begin; // of its framing
