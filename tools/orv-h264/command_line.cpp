@@ -96,7 +96,7 @@ void add_stream(CLI::App& app, const char* name, stream_options& options)
 {
     add_file(app, name, options.path, "The stream; - is the standard input");
     add_framing(app, "--format",
-                "The framing: annexb, length1, length2, length3 or length4; without it, Annex B is recognised",
+                "The framing: annexb, length1, length2, length3 or length4; without it, it is recognised",
                 [&options](h264::framing framing) { options.format = framing; });
     app.add_option("--max-unit", options.max_unit,
                    "Report a unit longer than this instead of reading it; K, M and G are powers of 1024")

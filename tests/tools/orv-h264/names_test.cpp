@@ -1,5 +1,7 @@
 #include "names.h"
 
+#include "framing.h"
+
 #include <gtest/gtest.h>
 
 #include <iterator>
@@ -128,9 +130,9 @@ TEST(Names, EveryUnitTypeHasAWord)
 
 TEST(Names, FramingsAreThoseOfTheCommandLine)
 {
-    EXPECT_EQ(orv_h264::framing_name(brenik::nalfmt_annexb), "annexb");
-    EXPECT_EQ(orv_h264::framing_name(brenik::nalfmt_length1), "length1");
-    EXPECT_EQ(orv_h264::framing_name(brenik::nalfmt_length4), "length4");
+    EXPECT_EQ(orv_h264::framing_name(orv_h264::h264::framing::annex_b), "annexb");
+    EXPECT_EQ(orv_h264::framing_name(orv_h264::h264::framing::length_1), "length1");
+    EXPECT_EQ(orv_h264::framing_name(orv_h264::h264::framing::length_4), "length4");
 }
 
 } // namespace
