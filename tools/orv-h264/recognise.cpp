@@ -86,8 +86,8 @@ bool is_length_prefixed(std::size_t prefix_size, input_window& window)
         const std::size_t length = prefixed_length(bytes, at, prefix_size);
         at += prefix_size;
         const unsigned char header = byte_of(bytes, at);
-        if (length == 0 || length > recognise_further ||
-            !(units == 0 ? may_be_first(header, length) : may_be_h264(header)))
+        const bool may_follow = prefix_size == 4 || may_be_h264(header); // four bytes tell enough of themselves
+        if (length == 0 || length > recognise_further || !(units == 0 ? may_be_first(header, length) : may_follow))
             return false;
         window.fill(at + length);
         if (holds_start_code(bytes_of(window).substr(at, length)))

@@ -198,15 +198,17 @@ TEST(Recognise, OfSeveralPrefixesThatLeadThroughFourBytesWin)
 
 TEST(Recognise, LengthPrefixesLeadToUnitsThatH264Has)
 {
-    const auto two = [](unsigned char first, unsigned char second) {
-        return kind_of(stream_builder().prefixed_unit(4, first, payload).prefixed_unit(4, second, payload).made());
+    const auto two = [](std::size_t k, unsigned char first, unsigned char second) {
+        return kind_of(stream_builder().prefixed_unit(k, first, payload).prefixed_unit(k, second, payload).made());
     };
-    EXPECT_EQ("length4", two(sps, idr_slice));
-    EXPECT_EQ("unknown", two(0x80 | sps, idr_slice)) << "forbidden bit";
-    EXPECT_EQ("unknown", two(sps, 0x80 | idr_slice));
-    EXPECT_EQ("unknown", two(0x0C, idr_slice)) << "filler data first";
-    EXPECT_EQ("unknown", two(sps, 0x1F)) << "type 31";
-    EXPECT_EQ("unknown", two(0x07, idr_slice)) << "an SPS that nothing refers to";
+    for (const std::size_t k : {1U, 2U, 3U, 4U}) {
+        EXPECT_EQ("length" + std::to_string(k), two(k, sps, idr_slice));
+        EXPECT_EQ("unknown", two(k, support::forbidden, idr_slice)) << "forbidden bit";
+        EXPECT_EQ("unknown", two(k, 0x0C, idr_slice)) << "filler data first";
+        EXPECT_EQ("unknown", two(k, 0x07, idr_slice)) << "an SPS that nothing refers to";
+        for (const unsigned char odd : bytes{0xE5, 0x1F, 0x05})
+            EXPECT_EQ(k == 4 ? "length4" : "unknown", two(k, sps, odd)) << "four bytes tell enough of themselves";
+    }
     EXPECT_EQ("unknown", kind_of(stream_builder().prefixed_unit(4, sps, payload).prefix(4, 0).made())) << "length 0";
 }
 

@@ -24,7 +24,7 @@ _orv_h264()
     info) options="--format --max-unit --json" ;;
     inspect) options="--format --max-unit --nals --limit --only --json --tsv" ;;
     frames) options="--format --max-unit --split-fields --limit --json" ;;
-    convert) options="--format --max-unit --to" ;;
+    convert) options="--format --max-unit --to --avcc --parameter-sets" ;;
     avcc) options="--json" ;;
     *) return ;;
     esac

@@ -34,3 +34,5 @@ complete -c orv-h264 -n $of_inspect -l tsv -d "A line for each syntax element, t
 complete -c orv-h264 -n $of_inspect -l only -x -d "Show these NAL unit types only, for example 7,8 or 1-5"
 complete -c orv-h264 -n $of_frames -l split-fields -d "Show each field of a frame by itself"
 complete -c orv-h264 -n $of_convert -l to -x -a $framings -d "The framing to write"
+complete -c orv-h264 -n $of_convert -l avcc -r -F -d "Write the decoder configuration record"
+complete -c orv-h264 -n $of_convert -l parameter-sets -r -F -d "Take parameter sets from a record"
