@@ -144,6 +144,15 @@ TEST_F(ConvertRecord, IsMadeAlone)
     EXPECT_EQ(std::string(wanted.begin(), wanted.end()), piped.out);
 }
 
+TEST_F(ConvertRecord, IsMadeOfUnitsThatNoOtherFramingWouldCarry)
+{
+    const bytes units = length4({{sps, real_sps}, {pps, real_pps}, {idr_slice, {0x88, 0, 0, 1, 0}}});
+    const tool_result result = run({"--avcc", avcc, "--format", "length4"}, units);
+    EXPECT_EQ("", result.err) << "they are not written";
+    EXPECT_EQ(0, result.status);
+    EXPECT_EQ(record_of(4), read_file(avcc));
+}
+
 TEST_F(ConvertRecord, OfEachRealStreamIsReadByAvcc)
 {
     for (const auto& path : support::all_annexb_files()) {

@@ -163,6 +163,8 @@ private:
 
     void write(const framed_unit& u)
     {
+        if (options.out.empty())
+            return;
         pad(u.zeros);
         // Start codes keep their size; those of a stream that had none are the long ones, which are right everywhere.
         const bool as_found = input.framing() == h264::framing::annex_b && u.framing_size != 0;
@@ -186,7 +188,7 @@ private:
     /// Zero bytes around start codes: no start code follows them in another framing.
     void pad(std::uint64_t zeros)
     {
-        if (zeros == 0)
+        if (zeros == 0 || options.out.empty())
             return;
         if (output.framing() == h264::framing::annex_b)
             return output.pad(zeros);
@@ -196,7 +198,7 @@ private:
 
     void tell_what_is_left_out()
     {
-        if (padding != 0 && !options.out.empty())
+        if (padding != 0)
             print_error(fmt::format("{}: {} byte{} of zero padding in {} place{} left out: length prefixes carry none",
                                     input.name(), padding, plural(padding), paddings, plural(paddings)));
     }
