@@ -98,7 +98,7 @@ void add_stream(CLI::App& app, const char* name, stream_options& options)
 {
     add_file(app, name, options.path, "The stream; - is the standard input");
     add_framing(app, "--format",
-                "The framing: annexb, length1, length2, length3 or length4; without it, Annex B is recognised",
+                "The framing: annexb, length1, length2, length3 or length4; without it, it is recognised",
                 [&options](h264::framing framing) { options.format = framing; });
     app.add_option("--max-unit", options.max_unit,
                    "Report a unit longer than this instead of reading it; K, M and G are powers of 1024")
@@ -129,6 +129,22 @@ void add_format(CLI::App& app, output_format& format, const char* json, const ch
             value == output_format::json  ? std::string(json)
             : value == output_format::csv ? describe_rows(rows, "comma")
                                           : describe_rows(rows, "tab"));
+}
+
+/// Throws CLI::ParseError where the options of convert do not go together.
+void check(const convert_options& chosen)
+{
+    const bool wants_stream = !chosen.out.empty() || chosen.to || chosen.avcc.empty();
+    if (wants_stream && chosen.out.empty())
+        throw CLI::RequiredError("OUT");
+    if (wants_stream && !chosen.to)
+        throw CLI::RequiredError("--to");
+    if (!chosen.avcc.empty() && chosen.to == h264::framing::length_3)
+        throw CLI::ValidationError("--avcc", "a record tells length prefixes of 1, 2 and 4 bytes, not of 3");
+    if (!chosen.avcc.empty() && chosen.avcc == chosen.out)
+        throw CLI::ValidationError("--avcc", "the record needs another place than OUT");
+    if (chosen.parameter_sets == "-" && chosen.stream.path == "-")
+        throw CLI::ValidationError("--parameter-sets", "the standard input is taken by IN");
 }
 
 constexpr const char* json_lines = "Print JSON instead, an object a line";
@@ -274,10 +290,18 @@ void command_line::add_convert()
 {
     CLI::App& conversion = *app.add_subcommand("convert", "Write a stream in another framing");
     add_stream(conversion, "IN", convert_chosen.stream);
-    add_file(conversion, "OUT", convert_chosen.out, "Where it goes; - is the standard output");
+    conversion.add_option("OUT", convert_chosen.out, "Where it goes; - is the standard output")->type_name("");
     add_framing(conversion, "--to", "The framing to write: annexb, length1, length2, length3 or length4",
-                [this](h264::framing framing) { convert_chosen.to = framing; })
-        ->required();
+                [this](h264::framing framing) { convert_chosen.to = framing; });
+    conversion
+        .add_option("--avcc", convert_chosen.avcc,
+                    "Write the decoder configuration record of the stream to FILE; OUT is not needed then")
+        ->type_name("FILE");
+    conversion
+        .add_option("--parameter-sets", convert_chosen.parameter_sets,
+                    "Take parameter sets from the record in FILE for pictures that lack them")
+        ->type_name("FILE");
+    conversion.parse_complete_callback([this] { check(convert_chosen); });
     conversion.footer(std::string(help_texts::convert) + help_texts::exit_statuses);
     run_with(conversion, convert, convert_chosen);
 }

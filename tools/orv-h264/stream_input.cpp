@@ -10,21 +10,12 @@
 
 namespace orv_h264 {
 
-input_window open_window(input_file& file, const stream_options& options)
+void refuse_other_formats(const std::string& name, const recognition& what)
 {
-    input_window window([&file](unsigned char* out, std::size_t size) {
-        flush_output(); // reading may wait
-        return file.read(out, size);
-    });
-    if (options.format)
-        return window;
-    if (const char* container = container_name(window))
+    if (what.kind == input_kind::foreign)
         throw refusal(exit_not_supported,
-                      fmt::format("{}: this is {}; take the H.264 stream out of it first", file.name(), container));
-    if (!holds_nothing(window) && !is_annexb(window))
-        throw refusal(exit_usage_or_io,
-                      fmt::format("{}: not an Annex B stream; name the framing with --format", file.name()));
-    return window;
+                      fmt::format("{}: this is {}{}", name, what.format.name,
+                                  what.format.holds ? "; take the H.264 stream out of it first" : ", not H.264"));
 }
 
 namespace {
@@ -55,10 +46,28 @@ private:
 
 stream_input::stream_input(const stream_options& options)
     : file(options.path),
-      window(open_window(file, options)),
-      frames(options.format.value_or(h264::framing::annex_b)),
+      window([this](unsigned char* out, std::size_t size) {
+          flush_output(); // reading may wait
+          return file.read(out, size);
+      }),
+      frames(options.format ? *options.format : find_framing()),
+      recognised(!options.format && frames != h264::framing::annex_b),
       most(options.max_unit)
 {
+}
+
+h264::framing stream_input::find_framing()
+{
+    const recognition what = recognise(window);
+    refuse_other_formats(file.name(), what);
+    if (what.kind == input_kind::record)
+        throw refusal(exit_usage_or_io,
+                      fmt::format("{}: this is a decoder configuration record; see orv-h264 avcc", file.name()));
+    if (what.kind == input_kind::unknown)
+        throw refusal(exit_usage_or_io,
+                      fmt::format("{}: no H.264 stream is recognised; if it is one, name its framing with --format",
+                                  file.name()));
+    return what.framing;
 }
 
 bool stream_input::read_units(h264::split_sink& to, const std::function<bool()>& enough)

@@ -4,6 +4,7 @@
 #include "exit_status.h"
 #include "input_file.h"
 #include "piece_feeder.h"
+#include "recognise.h"
 
 #include <orv-utils-v4/h264_syntax/unit_splitter.h>
 
@@ -31,13 +32,13 @@ public:
     exit_status status;
 };
 
-/// The bytes of a stream, as they come out of its file, which has to live as long. Throws as stream_input() does.
-input_window open_window(input_file& file, const stream_options& options);
+/// Throws refusal when the input that the window begins is none of H.264, but of a format that is known.
+void refuse_other_formats(const std::string& name, const recognition& what);
 
 class stream_input {
 public:
-    /// Throws std::system_error when the file cannot be read, and refusal when it holds a container, or is not told and
-    /// not recognised. An input that holds nothing passes for Annex B: its feeder says that there is no unit.
+    /// Throws std::system_error when the file cannot be read, and refusal when its framing is not told and it is
+    /// recognised as something else, or not at all. An input that holds nothing passes for Annex B without a unit.
     explicit stream_input(const stream_options& options);
 
     const std::string& name() const noexcept { return file.name(); }
@@ -45,6 +46,8 @@ public:
     /// The bytes of the whole input, where it is a file.
     std::optional<std::uint64_t> size() const { return file.size(); }
     h264::framing framing() const noexcept { return frames; }
+    /// The user did not tell the framing, and it is not the usual Annex B: its length prefixes were recognised.
+    bool framing_recognised() const noexcept { return recognised; }
     /// The largest unit that is read, bytes.
     std::uint64_t max_unit() const noexcept { return most; }
 
@@ -56,9 +59,12 @@ public:
     piece_feeder& feeder();
 
 private:
+    h264::framing find_framing();
+
     input_file file;
     input_window window;
     h264::framing frames;
+    bool recognised;
     std::uint64_t most;
     std::optional<piece_feeder> pieces;
 };

@@ -25,7 +25,7 @@ _orv_h264()
     inspect) options="--format --max-unit --nals --limit --only --positions --long-names --json --csv --tsv" ;;
     explain) options="--format --max-unit --json --csv --tsv" ;;
     frames) options="--format --max-unit --split-fields --limit --json" ;;
-    convert) options="--format --max-unit --to" ;;
+    convert) options="--format --max-unit --to --avcc --parameter-sets" ;;
     avcc) options="--json --csv --tsv" ;;
     *) return ;;
     esac

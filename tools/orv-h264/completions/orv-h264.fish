@@ -39,3 +39,5 @@ complete -c orv-h264 -n $of_inspect -l long-names -d "Name the units as H.264 do
 complete -c orv-h264 -n $of_inspect -l only -x -d "Show these NAL units only, for example 7,8 or sps,pps"
 complete -c orv-h264 -n $of_frames -l split-fields -d "Show each field of a frame by itself"
 complete -c orv-h264 -n $of_convert -l to -x -a $framings -d "The framing to write"
+complete -c orv-h264 -n $of_convert -l avcc -r -F -d "Write the decoder configuration record"
+complete -c orv-h264 -n $of_convert -l parameter-sets -r -F -d "Take parameter sets from a record"
