@@ -84,11 +84,4 @@ bool stream_input::read_units(h264::split_sink& to, const std::function<bool()>&
     return counted.any;
 }
 
-piece_feeder& stream_input::feeder()
-{
-    if (!pieces)
-        pieces.emplace(std::move(window), nalfmt_of(frames), static_cast<std::size_t>(most));
-    return *pieces;
-}
-
 } // namespace orv_h264

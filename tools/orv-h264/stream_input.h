@@ -3,7 +3,6 @@
 
 #include "exit_status.h"
 #include "input_file.h"
-#include "piece_feeder.h"
 #include "recognise.h"
 
 #include <orv-utils-v4/h264_syntax/unit_splitter.h>
@@ -56,8 +55,6 @@ public:
     bool read_units(
         h264::split_sink& to, const std::function<bool()>& enough = [] { return false; });
 
-    piece_feeder& feeder();
-
 private:
     h264::framing find_framing();
 
@@ -66,22 +63,6 @@ private:
     h264::framing frames;
     bool recognised;
     std::uint64_t most;
-    std::optional<piece_feeder> pieces;
 };
-
-/// Gives every unit and gap of the stream that is left to `on_unit` and `on_gap`, in order.
-template <typename OnUnit, typename OnGap>
-void read_all(piece_feeder& feeder, OnUnit on_unit, OnGap on_gap)
-{
-    for (;;) {
-        const fed_item item = feeder.next();
-        if (const auto* const u = std::get_if<unit>(&item))
-            on_unit(*u);
-        else if (const auto* const g = std::get_if<gap>(&item))
-            on_gap(*g);
-        else
-            return;
-    }
-}
 
 } // namespace orv_h264
