@@ -43,6 +43,10 @@ const bytes record = {1, 100,  0,   31, 255, 0xE3, 0, 4, 0x67, 100,  0, 31, 0,  
 const bytes whole_record = {1,  100,  0,    11,   0xFF, 0xE1, 0, 24,   0x67, 100, 0,    11, 0xAC, 0xB4,
                             22, 0x27, 96,   0x22, 0,    0,    3, 0,    2,    0,   0,    3,  0,    0x65,
                             30, 40,   0x55, 64,   1,    0,    6, 0x68, 0xEF, 4,   0x4B, 34, 0xC0};
+/// User data of ATSC A/53 behind the country code: two captions; bars at the sides; an active format.
+const bytes captions = {0xB5, 0, 0x31, 'G', 'A', '9', '4', 3, 0xC2, 0xFF, 0xFC, 0x94, 0x2C, 0xF9, 0x80, 0x81, 0xFF};
+const bytes bars = {0xB5, 0, 0x31, 'G', 'A', '9', '4', 6, 0x3F, 0xC0, 0xF0, 0xC6, 0x90};
+const bytes active_format = {0xB5, 0, 0x31, 'D', 'T', 'G', '1', 0x41, 0xFA};
 const bytes uuid = {0xDC, 0x45, 0xE9, 0xBD, 0xE6, 0xD9, 0x48, 0xB7, 0x96, 0x2C, 0xD8, 0x20, 0xD9, 0x23, 0xEE, 0xEF};
 
 /// Inputs that a line tells, as the head of each target's source does.
@@ -66,6 +70,13 @@ const seed_table small = {
      {{"length_above_its_prefix", stream_builder().raw({1, 0x67}).fill(255, 7)},
       {"many_zeros", stream_builder().raw({4, 0x67}).zeros(400)}}},
     {"legacy_sei", {{"cut_size", {4, 0, 0, 1, 0xFF}}, {"cut_type", {4, 0, 0, 0xFF, 0xFF}}}},
+    {"registered_user_data",
+     {{"active_format", active_format},
+      {"bars", bars},
+      {"captions", captions},
+      {"country_with_extension", behind({0xFF, 1}, captions)},
+      {"other_identifier", {0xB5, 0, 0x31, 'G', 'A', '9', '5', 3}},
+      {"other_provider", {0xB5, 0, 0x3C, 0, 1, 4, 1}}}},
     {"sei_reader",
      {{"cut_type", {0xFF, 0xFF}},
       {"cut_size", {5, 0xFF, 0xFF}},
@@ -101,6 +112,8 @@ void add_bit_seeds(seed_table& to)
             behind({0}, {whole_record.begin(), whole_record.begin() + size});
     add_heads(to["decoder_configuration"], "whole", {0, 1, 100, 0, 11, 0xFF, 0xE1},
               behind({whole_record.begin() + 6, whole_record.end()}, {0xFD, 0xF8, 0xF8, 0}));
+    for (std::ptrdiff_t size = 1; size < std::ssize(captions); ++size)
+        to["registered_user_data"]["first_" + std::to_string(size)] = {captions.begin(), captions.begin() + size};
     add_heads(to["nal_aud"], "delimiter", {0, 0xF0}, {0x80});
     // A unit of 17 bytes, of which 16 are shown, and fields.
     const bytes unit = stream_builder().raw({0, 20}).annexb_unit(support::sps, bytes(16, 0x5A));

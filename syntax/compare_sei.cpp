@@ -1,4 +1,5 @@
-// Equality of the structures of sei/.
+// Equality of the structures of sei/ and of registered user data.
+#include <orv-utils-v4/h264_syntax/registered_user_data.h>
 #include <orv-utils-v4/h264_syntax/sei/sei.h>
 
 namespace orv_utils_v4::h264 {
@@ -59,6 +60,11 @@ bool operator==(const sei_prefix_indication&, const sei_prefix_indication&) = de
 bool operator==(const ar_label_update&, const ar_label_update&) = default;
 bool operator==(const ar_object_update&, const ar_object_update&) = default;
 bool operator==(const annotated_regions&, const annotated_regions&) = default;
+bool operator==(const cc_construct&, const cc_construct&) = default;
+bool operator==(const cc_data&, const cc_data&) = default;
+bool operator==(const bar_data&, const bar_data&) = default;
+bool operator==(const afd_data&, const afd_data&) = default;
+bool operator==(const registered_user_data&, const registered_user_data&) = default;
 bool operator==(const sei_message&, const sei_message&) = default;
 bool operator==(const sei_rbsp&, const sei_rbsp&) = default;
 

@@ -81,6 +81,8 @@ public:
         u(bits, names.count, count);
         for (std::size_t i = 0; i < count && going(); ++i)
             take_unit({names.length, i}, {names.unit, i}, list);
+        if (!going() && result.units == 0)
+            result.units = count;
     }
     bool has_extension(const AVCDecoderConfigurationRecord& x) const noexcept
     {

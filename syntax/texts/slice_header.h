@@ -71,7 +71,7 @@ void code_list_modification(Coder& c, const char* flag_name, in<Coder, bool>& fl
     c.entries_end("modification_of_pic_nums_idc", list, sent);
 }
 
-// H.264 7.3.3.1 and H.7.3.3.1.1
+// H.264 7.3.3.1, ref_pic_list_modification(); H.7.3.3.1.1, ref_pic_list_mvc_modification()
 template <class Coder, class Header>
 void code(Coder& c, in<Coder, ref_pic_list_modification>& x, const Header& header, const seq_parameter_set_data& sps,
           bool mvc)
@@ -326,7 +326,8 @@ void code(Coder& c, in<Coder, slice_header>& x, const slice_context& context)
     code_end_of_slice_header(c, x, *pps, *sps);
 }
 
-// H.264 7.3.4, what slice_data() has before its macroblocks, and its forms in layers and 3D-AVC views likewise
+// What has its place before the macroblocks: H.264 7.3.4, slice_data(); G.7.3.4, slice_data_in_scalable_extension();
+// J.7.3.4, slice_data_in_3davc_extension()
 template <class Coder>
 void code_slice_data(Coder& c, const pic_parameter_set_rbsp* pps, const char* name = "slice_data")
 {

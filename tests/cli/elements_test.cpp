@@ -105,7 +105,8 @@ TEST(Elements, UnitNumbersCountEveryUnit)
                              .annexb_unit(aud, {0x30});
     const tool_result result = run_tool({"inspect", "--tsv", "--format", "annexb", "-"}, {.piped = stream});
     EXPECT_EQ(units_of(rows_of(result.out)), (std::vector<std::string>{"0:24", "1:0", "2:9", "3:31", "4:9"}));
-    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err, "orv-h264: standard input: offset 10: unit whose header has the forbidden bit set\n");
+    EXPECT_EQ(result.status, 1);
 }
 
 TEST(Elements, OnlyAndLimitChooseUnitsAndTheNumbersStay)
@@ -137,7 +138,7 @@ TEST(Elements, AFailureIsToldWithElementBitAndReason)
     const temporary_file missing(stream_builder().annexb_unit(support::idr_slice, {0xB8, 0x80}));
     const tool_result slice = run_tool({"inspect", "--tsv", missing.path()});
     EXPECT_EQ(slice.err, "orv-h264: " + missing.path() +
-                             ": offset 3: pic_parameter_set_id 0 at bit 12: names a picture parameter set which is "
+                             ": offset 0: pic_parameter_set_id 0 at bit 12: names a picture parameter set which is "
                              "missing\n");
     EXPECT_EQ(slice.status, 1);
     EXPECT_EQ(rows_of(slice.out).back().name(), "pic_parameter_set_id");
@@ -146,25 +147,32 @@ TEST(Elements, AFailureIsToldWithElementBitAndReason)
     const temporary_file cycle(stream_builder().annexb_unit(support::sps, {77, 0, 30, 0xD7, 0x00, 0x96, 0xFF}));
     const tool_result sps = run_tool({"inspect", "--tsv", cycle.path()});
     EXPECT_EQ(sps.err, "orv-h264: " + cycle.path() +
-                           ": offset 3: num_ref_frames_in_pic_order_cnt_cycle 300 at bit 40: more than 255\n");
+                           ": offset 0: num_ref_frames_in_pic_order_cnt_cycle 300 at bit 40: more than 255\n");
     EXPECT_EQ(sps.status, 1);
     EXPECT_EQ(rows_of(sps.out).back().columns[10], "0");
 }
 
-TEST(Elements, FindingsAloneAreNoFailure)
+TEST(Elements, AFindingIsToldAndIsNoFailure)
 {
-    const bytes stream = stream_builder().annexb_unit(0x80 | aud, {0x30});
+    const bytes stream = stream_builder().annexb_unit(support::header_byte(0, 13), {0x9A, 0, 0, 0x10});
     const tool_result result = run_tool({"inspect", "--tsv", "--format", "annexb", "-"}, {.piped = stream});
-    EXPECT_EQ(rows_of(result.out).front().columns[10], "0");
-    EXPECT_EQ(result.err, "");
+    EXPECT_EQ(result.err, "orv-h264: standard input: offset 0: aux_format_idc 5 at bit 9: outside of 0 to 3\n");
     EXPECT_EQ(result.status, 0);
+}
+
+TEST(Elements, CsvHasCommasInstead)
+{
+    const std::string path = ORV_TEST_STREAMS "/high_cqmfile.264";
+    std::string rows = run_tool({"inspect", "--tsv", path}).out;
+    std::replace(rows.begin(), rows.end(), '\t', ',');
+    EXPECT_EQ(run_tool({"inspect", "--csv", path}).out, rows);
 }
 
 TEST(Elements, WhatIsWrongBehindTheLastElementIsTold)
 {
     const temporary_file file(stream_builder().annexb_unit(aud, {0x30, 0x55}));
     const tool_result result = run_tool({"inspect", "--tsv", file.path()});
-    EXPECT_EQ(result.err, "orv-h264: " + file.path() + ": offset 3: bytes behind the trailing bits\n");
+    EXPECT_EQ(result.err, "orv-h264: " + file.path() + ": offset 0: bytes behind the trailing bits\n");
     EXPECT_EQ(result.status, 1);
 }
 

@@ -24,19 +24,27 @@ using support::tool_result;
 const bytes small = {0x11, 0x22, 0x33};
 constexpr unsigned char filler = support::header_byte(3, 12);
 
+/// A sound RBSP of filler data.
+bytes filler_bytes(std::size_t size)
+{
+    bytes rbsp(size, 0xFF);
+    rbsp.back() = 0x80;
+    return rbsp;
+}
+
 const bytes three_units = stream_builder()
                               .zeros(1)
                               .annexb_unit(aud, {0x50})
                               .zeros(1)
                               .annexb_unit(sps, {0x11, 0, 0, 3, 1})
-                              .annexb_unit(filler, bytes(300, 0x55));
+                              .annexb_unit(filler, filler_bytes(300));
 
 const std::string aud_line = "offset          0  framing 4  length        2  rbsp        1  nal_ref_idc 0  type  9  "
-                             "Access unit delimiter, access_unit_delimiter_rbsp()\n";
+                             "AUD\n";
 const std::string sps_line = "offset          6  framing 4  length        6  rbsp        4  nal_ref_idc 3  type  7  "
-                             "Sequence parameter set, seq_parameter_set_rbsp()\n";
+                             "SPS\n";
 const std::string filler_line = "offset         16  framing 3  length      301  rbsp      300  nal_ref_idc 3  type 12  "
-                                "Filler data, filler_data_rbsp()\n";
+                                "filler\n";
 
 TEST(Inspect, NalsShowsALineForEachUnit)
 {
@@ -49,9 +57,9 @@ TEST(Inspect, NalsShowsALineForEachUnit)
 
 TEST(Inspect, WithoutNalsTheFieldsStandUnderTheUnit)
 {
-    const temporary_file file(stream_builder().zeros(1).annexb_unit(aud, {0x50}).annexb_unit(filler, small));
+    const temporary_file file(stream_builder().zeros(1).annexb_unit(aud, {0x50}).annexb_unit(filler, filler_bytes(3)));
     const tool_result result = run_tool({"inspect", file.path()});
-    EXPECT_EQ(result.out.rfind(aud_line + "    primary_pic_type 2\noffset ", 0), 0U) << result.out;
+    EXPECT_EQ(result.out.rfind(aud_line + "    primary_pic_type 2 (I, P, B)\noffset ", 0), 0U) << result.out;
     EXPECT_EQ(result.err, "");
     EXPECT_EQ(result.status, 0);
 }
@@ -60,10 +68,22 @@ TEST(Inspect, AUnitThatDoesNotParseIsReportedAndShownAsFarAsItGoes)
 {
     const temporary_file file(three_units);
     const tool_result result = run_tool({"inspect", file.path()});
-    EXPECT_NE(result.out.find(sps_line + "    profile_idc 17\n    constraint_set0_flag 0\n"), std::string::npos);
-    EXPECT_NE(result.out.find("    level_idc 0 (0)\n" + filler_line), std::string::npos) << "reading goes on";
-    EXPECT_EQ(result.err, "orv-h264: " + file.path() +
-                              ": offset 6: malformed Exp-Golomb code at bit 39, truncated: it reads past the end\n");
+    EXPECT_NE(result.out.find(sps_line + "    seq_parameter_set_data\n        profile_idc 17\n"), std::string::npos);
+    EXPECT_NE(result.out.find("        level_idc 0 (0)\n" + filler_line), std::string::npos) << result.out;
+    EXPECT_EQ(result.err, "orv-h264: " + file.path() + ": offset 6: seq_parameter_set_id at bit 32: the unit ends\n");
+    EXPECT_EQ(result.status, 1);
+}
+
+TEST(Inspect, WhatStandsBehindAScalingListIsShownThoughTheUnitFailsLater)
+{
+    // profile_idc 100, level_idc 30, id 0, 4:2:0, 8 bits, a matrix whose first list is the default one, the others
+    // none, log2_max_frame_num_minus4 0, type 2, and the end
+    const temporary_file file(stream_builder().annexb_unit(sps, {100, 0, 30, 0xAD, 0x84, 0x40, 0x58}));
+    const tool_result result = run_tool({"inspect", file.path()});
+    EXPECT_NE(result.out.find("        scaling_list\n            delta_scale[0] -8\n            = the default list\n"),
+              std::string::npos)
+        << result.out;
+    EXPECT_NE(result.out.find("        log2_max_frame_num_minus4 "), std::string::npos) << result.out;
     EXPECT_EQ(result.status, 1);
 }
 
@@ -74,20 +94,29 @@ TEST(Inspect, ARealStreamShowsItsSliceHeadersAndSeiMessages)
     const std::string user_data =
         "    sei_message payloadType 5 (user_data_unregistered), payloadSize 680\n"
         "        uuid_iso_iec_11578 dc45e9bd-e6d9-48b7-962c-d820d923eeef (libx264 debug info)\n"
-        "        user_data \"x264 - core 164 ";
+        "        user_data_payload_byte[0] to [663] \"x264 - core 164 ";
     const std::string timing = "    sei_message payloadType 1 (pic_timing), payloadSize 1\n"
                                "        pic_struct 5 (Top field, bottom field, top field repeated, in that order)\n"
                                "        clock_timestamp_flag[0] 0\n"
                                "        clock_timestamp_flag[1] 0\n"
                                "        clock_timestamp_flag[2] 0\n";
-    const std::string slice = "slice_layer_without_partitioning_rbsp()\n"
-                              "    first_mb_in_slice 0\n"
-                              "    slice_type 7 (I)\n"
-                              "    pic_parameter_set_id 0\n"
-                              "    frame_num 0\n"
-                              "    idr_pic_id 0\n"
-                              "    pic_order_cnt_lsb 0\n"
-                              "    = IDR picture\n";
+    const std::string slice = "slice IDR\n"
+                              "    slice_header\n"
+                              "        first_mb_in_slice 0\n"
+                              "        slice_type 7 (I)\n"
+                              "        pic_parameter_set_id 0\n"
+                              "        frame_num 0\n"
+                              "        idr_pic_id 0\n"
+                              "        pic_order_cnt_lsb 0\n"
+                              "        dec_ref_pic_marking\n"
+                              "            no_output_of_prior_pics_flag 0\n"
+                              "            long_term_reference_flag 0\n"
+                              "        slice_qp_delta 0\n"
+                              "        disable_deblocking_filter_idc 0 (on)\n"
+                              "        slice_alpha_c0_offset_div2 0\n"
+                              "        slice_beta_offset_div2 0\n"
+                              "    = IDR picture\n"
+                              "    = stands on PPS 0 and SPS 0\n";
     EXPECT_NE(result.out.find(user_data), std::string::npos) << result.out;
     EXPECT_NE(result.out.find(timing), std::string::npos) << result.out;
     EXPECT_NE(result.out.find(slice), std::string::npos) << result.out;
@@ -95,37 +124,53 @@ TEST(Inspect, ARealStreamShowsItsSliceHeadersAndSeiMessages)
     EXPECT_EQ(result.status, 0);
 }
 
-TEST(Inspect, TimingThatDepartsFromTheStandardSaysSoAndIsNoProblem)
+TEST(Inspect, PositionsStandBeforeEveryElement)
 {
-    const std::string path = ORV_TEST_STREAMS "/hrd_vbr_aud.264";
-    const tool_result result = run_tool({"inspect", "--only", "6", "--limit", "3", path});
-    EXPECT_NE(result.out.find("        cpb_removal_delay 16 (read as 19 bits, in H.264 10)\n"
-                              "        = as H.264 reads it\n"
-                              "            cpb_removal_delay 0\n"
-                              "            dpb_output_delay 4\n"),
-              std::string::npos)
-        << result.out;
-    EXPECT_EQ(result.err, "");
-    EXPECT_EQ(result.status, 0);
+    const temporary_file file(three_units);
+    const tool_result result = run_tool({"inspect", "--positions", "--only", "aud", file.path()});
+    EXPECT_EQ(result.out, aud_line + "          4.0     1    forbidden_zero_bit 0\n"
+                                     "          4.1     2    nal_ref_idc 0\n"
+                                     "          4.3     5    nal_unit_type 9\n"
+                                     "          5.0     3    primary_pic_type 2 (I, P, B)\n"
+                                     "                       rbsp_trailing_bits\n"
+                                     "          5.3     1        rbsp_stop_one_bit 1\n"
+                                     "          5.4     1        rbsp_alignment_zero_bit 0\n"
+                                     "          5.5     1        rbsp_alignment_zero_bit 0\n"
+                                     "          5.6     1        rbsp_alignment_zero_bit 0\n"
+                                     "          5.7     1        rbsp_alignment_zero_bit 0\n");
+}
+
+TEST(Inspect, LongNamesOnRequest)
+{
+    const temporary_file file(three_units);
+    const tool_result result = run_tool({"inspect", "--nals", "--long-names", "--only", "7", file.path()});
+    EXPECT_NE(result.out.find("  Sequence parameter set, seq_parameter_set_rbsp()\n"), std::string::npos) << result.out;
+}
+
+TEST(Inspect, AFindingIsToldAndTheStatusStays)
+{
+    const temporary_file file(stream_builder().annexb_unit(sps, {77, 3, 30, 0xFF, 0xFF, 0xFF}));
+    const tool_result result = run_tool({"inspect", "--json", "--limit", "1", file.path()});
+    EXPECT_NE(result.err.find(": offset 0: reserved_zero_2bits 3 at bit 22: outside of 0 to 0\n"), std::string::npos);
+    EXPECT_NE(result.out.find(R"({"record":"finding","offset":0,)"), std::string::npos) << result.out;
+    const temporary_file sound(stream_builder().annexb_unit(support::header_byte(0, 24), {1}));
+    EXPECT_EQ(run_tool({"inspect", sound.path()}).status, 0);
 }
 
 TEST(Inspect, EachProblemOfAnSeiUnitIsReportedWithTheOffsetOfTheUnit)
 {
     const temporary_file file(
-        stream_builder().zeros(1).annexb_unit(aud, {0x50}).annexb_unit(6, {6, 1, 0x01, 1, 1, 0x55, 7}));
+        stream_builder().zeros(1).annexb_unit(aud, {0x50}).annexb_unit(6, {6, 1, 0x01, 1, 1, 0x55, 0x80}));
     const tool_result result = run_tool({"inspect", "--only", "9", file.path()});
-    const std::string where = "orv-h264: " + file.path() + ": offset 6: ";
-    EXPECT_EQ(result.err, where +
-                              "SEI message 0 (recovery_point): truncated: fields read past the end, 19 bits of 8\n" +
-                              where + "SEI message 1 (pic_timing): no sequence parameter set is active\n" + where +
-                              "malformed trailing bits\n");
+    EXPECT_EQ(result.err, "orv-h264: " + file.path() + ": offset 6: recovery_frame_cnt at bit 24: the payload ends\n");
     EXPECT_EQ(result.status, 1);
 }
 
 TEST(Inspect, ASliceBeforeItsParameterSetsIsReported)
 {
     const tool_result result = run_tool({"inspect", "--limit", "1", ORV_TEST_STREAMS "/broken_cut.264"});
-    EXPECT_NE(result.err.find(": offset 215: slice names picture parameter set 0, which is missing\n"),
+    EXPECT_NE(result.err.find(": offset 215: pic_parameter_set_id 0 at bit 14: names a picture parameter set which is "
+                              "missing\n"),
               std::string::npos)
         << result.err;
     EXPECT_NE(result.out.find("    pic_parameter_set_id 0\n"), std::string::npos) << result.out;
@@ -133,11 +178,19 @@ TEST(Inspect, ASliceBeforeItsParameterSetsIsReported)
     EXPECT_EQ(result.status, 1);
 }
 
+TEST(Inspect, BeyondTheLimitNothingIsReported)
+{
+    const temporary_file file(stream_builder().raw(three_units).annexb_unit(support::forbidden, small));
+    EXPECT_EQ(run_tool({"inspect", "--limit", "1", file.path()}).err, "");
+    EXPECT_EQ(run_tool({"inspect", "--limit", "1", file.path()}).status, 0);
+    EXPECT_EQ(run_tool({"inspect", file.path()}).status, 1);
+}
+
 TEST(Inspect, AProblemOfAUnitThatIsNotShownIsReportedAllTheSame)
 {
     const temporary_file file(three_units);
     const tool_result result = run_tool({"inspect", "--only", "9", file.path()});
-    EXPECT_EQ(result.out, aud_line + "    primary_pic_type 2\n");
+    EXPECT_EQ(result.out, aud_line + "    primary_pic_type 2 (I, P, B)\n");
     EXPECT_NE(result.err, "");
     EXPECT_EQ(result.status, 1);
 }
@@ -146,8 +199,8 @@ TEST(Inspect, ADelimiterWithoutTrailingBitsIsBroken)
 {
     const temporary_file file(stream_builder().annexb_unit(aud, {0x40}));
     const tool_result result = run_tool({"inspect", file.path()});
-    EXPECT_NE(result.out.find("    primary_pic_type 2\n"), std::string::npos);
-    EXPECT_EQ(result.err, "orv-h264: " + file.path() + ": offset 0: malformed trailing bits\n");
+    EXPECT_NE(result.out.find("    primary_pic_type 2 (I, P, B)\n"), std::string::npos);
+    EXPECT_EQ(result.err, "orv-h264: " + file.path() + ": offset 0: the stop bit is missing\n");
     EXPECT_EQ(result.status, 1);
 }
 
@@ -170,6 +223,8 @@ TEST(Inspect, OnlyShowsTheTypesNamedAndLimitCountsThose)
     const temporary_file file(three_units);
     EXPECT_EQ(run_tool({"inspect", "--nals", "--only", "7,12", file.path()}).out, sps_line + filler_line);
     EXPECT_EQ(run_tool({"inspect", "--nals", "--only", "6-8,12", "--limit", "1", file.path()}).out, sps_line);
+    EXPECT_EQ(run_tool({"inspect", "--nals", "--only", "sps", "--only", "filler", file.path()}).out,
+              sps_line + filler_line);
 }
 
 TEST(Inspect, FormatReadsLengthPrefixes)
@@ -236,10 +291,13 @@ TEST(Inspect, BytesOfNoUnitAreReportedAndReadingGoesOn)
 {
     const temporary_file file(stream_builder().annexb_unit(forbidden, small).annexb_unit(sps, small));
     const tool_result result = run_tool({"inspect", "--nals", file.path()});
-    EXPECT_EQ(std::count(result.out.begin(), result.out.end(), '\n'), 1);
-    EXPECT_EQ(result.err,
-              "orv-h264: " + file.path() + ": offset 0: unit whose header has the forbidden bit set (7 bytes)\n");
-    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(std::count(result.out.begin(), result.out.end(), '\n'), 2);
+    EXPECT_EQ(result.status, 0) << "units alone are not read";
+    const tool_result read = run_tool({"inspect", file.path()});
+    EXPECT_EQ(read.err.find("orv-h264: " + file.path() + ": offset 0: unit whose header has the forbidden bit set\n"),
+              0U)
+        << read.err;
+    EXPECT_EQ(read.status, 1);
 }
 
 TEST(Inspect, AUnitBeyondTheEndIsShownAsFarAsItGoesAndReported)

@@ -1,17 +1,16 @@
 #include "avcc.h"
 
+#include "element_text.h"
 #include "input_file.h"
-#include "json_fields.h"
 #include "json_output.h"
 #include "messages.h"
 #include "names.h"
-#include "rbsp_decoder.h"
-#include "show_unit.h"
 #include "stream_input.h"
-#include "stream_walker.h"
-#include "text_fields.h"
+#include "table_output.h"
+#include "trace_lines.h"
+#include "unit_lines.h"
 
-#include <orv-utils-v4/h264_legacy.h>
+#include <orv-utils-v4/h264_syntax.h>
 
 #include <algorithm>
 #include <span>
@@ -23,12 +22,8 @@ namespace orv_h264 {
 
 namespace {
 
-// ISO/IEC 14496-15, 5.2.4.1: what stands before the first parameter set, and before each of them.
-constexpr std::size_t fixed_size = 6;
-constexpr std::size_t length_size = 2;
-
-// No record is larger: 31 and 255 parameter sets of 65535 bytes each, and an extension.
-constexpr std::size_t largest_input = std::size_t{32} * 1024 * 1024;
+// No record is larger: 31, 255 and 255 parameter sets of 65535 bytes each.
+constexpr std::size_t largest_input = std::size_t{40} * 1024 * 1024;
 
 /// The record behind the size and type of a box, or all of the input where there are none.
 std::span<unsigned char> without_box_header(std::span<unsigned char> input)
@@ -39,158 +34,166 @@ std::span<unsigned char> without_box_header(std::span<unsigned char> input)
     return is_box ? input.subspan(header_size) : input;
 }
 
-json unit_json(const shown_unit& shown)
-{
-    std::string text;
-    {
-        json_fields fields(text);
-        tell_unit(fields, shown);
-    }
-    return json::parse(text);
-}
+/// What the lists are called.
+struct list_names {
+    std::string_view count;
+    std::string_view length;
+    std::string_view unit;
+    const char* member; // of JSON
+};
+constexpr list_names sps_names = {"numOfSequenceParameterSets", "sequenceParameterSetLength",
+                                  "sequenceParameterSetNALUnit", "sps"};
+constexpr list_names pps_names = {"numOfPictureParameterSets", "pictureParameterSetLength",
+                                  "pictureParameterSetNALUnit", "pps"};
+constexpr list_names sps_extension_names = {"numOfSequenceParameterSetExt", "sequenceParameterSetExtLength",
+                                            "sequenceParameterSetExtNALUnit", "sps_ext"};
 
-class record_view {
+/// Shows a record from its begin to where it fails.
+class record_view : h264::unit_sink {
 public:
     record_view(const avcc_options& chosen, const std::string& name, std::span<unsigned char> input)
         : options(chosen),
           problems(name),
           object(json_head("orv-h264/avcc", name)),
           base(input.data()),
-          record(without_box_header(input))
+          record(without_box_header(input)),
+          units(make_unit_printer(options.format != output_format::text, {}))
     {
-        for (const char* member : {"configurationVersion", "AVCProfileIndication", "profile_compatibility",
-                                   "AVCLevelIndication", "lengthSizeMinusOne", "numOfSequenceParameterSets", "sps",
-                                   "numOfPictureParameterSets", "pps", "extension"})
-            object[member] = nullptr;
-        object["problems"] = json::array();
     }
 
     exit_status run()
     {
-        h264_AVCDecoderConfigurationRecord r;
-        unsigned char* const fence = record.data() + record.size();
-        const bool whole = h264_AVCDecoderConfigurationRecord_parse(&r, record.data(), fence) == 0;
-        show_all(r, whole);
+        read_record();
+        if (!result.sound())
+            complain(record.data() + result.bytes, fmt::format("{}: {}", failing, text_of(result.why)));
+        show_members();
+        object["problems"] = complained;
         if (options.format == output_format::json)
             print_json(object);
+        else if (is_table(options.format))
+            print_facts(options.format, object);
         return problems.status();
     }
 
 private:
-    void show_all(const h264_AVCDecoderConfigurationRecord& r, bool whole)
+    /// One of another version is read as if it were of the first.
+    void read_record()
     {
-        if (record.size() < fixed_size)
-            return complain(record, fmt::format("{} bytes are too few for a record", record.size()));
-        show_head(r);
-        rest = record.subspan(fixed_size);
-        if (!take_sets("sps", r.numOfSequenceParameterSets, brenik::h264_nal_unit_type_sps))
-            return;
-        if (rest.empty())
-            return complain(rest, "the record ends before numOfPictureParameterSets");
-        const std::size_t pps_count = rest.front();
-        show("numOfPictureParameterSets", pps_count);
-        rest = rest.subspan(1);
-        if (!take_sets("pps", pps_count, brenik::h264_nal_unit_type_pps))
-            return;
-        if (!whole)
-            complain(rest, "the record ends directly behind a numOfPictureParameterSets of 0");
-        show_extension();
+        result = read(r, record.data(), record.size());
+        version = r.configurationVersion;
+        if (result.why == h264::configuration_reason::unknown_version) {
+            complain(record.data(), fmt::format("configurationVersion is {}, not 1", version));
+            record.front() = 1;
+            result = read(r, record.data(), record.size());
+        }
+        failing = result.sound() ? "" : text_of(result.element);
     }
 
-    void show_head(const h264_AVCDecoderConfigurationRecord& r)
+    void show_members()
     {
-        show("configurationVersion", r.configurationVersion);
+        show("configurationVersion", version);
         show("AVCProfileIndication", r.AVCProfileIndication);
         show("profile_compatibility", r.profile_compatibility);
         show("AVCLevelIndication", r.AVCLevelIndication);
         show("lengthSizeMinusOne", r.lengthSizeMinusOne);
-        show("numOfSequenceParameterSets", r.numOfSequenceParameterSets);
-        if (r.configurationVersion != 1)
-            complain(record, fmt::format("configurationVersion is {}, not 1", r.configurationVersion));
+        show_sets(sps_names, 7, r.sequenceParameterSetNALUnit);
+        show_sets(pps_names, 8, r.pictureParameterSetNALUnit);
+        if (r.extension_belongs() && (r.extension_present || !result.sound())) {
+            show("chroma_format", r.chroma_format);
+            show("bit_depth_luma_minus8", r.bit_depth_luma_minus8);
+            show("bit_depth_chroma_minus8", r.bit_depth_chroma_minus8);
+            show_sets(sps_extension_names, 13, r.sequenceParameterSetExtNALUnit);
+        }
+        if (r.behind.size != 0)
+            show_behind({r.behind.bytes, r.behind.size});
     }
 
-    /// False when the record ends before all of them.
-    bool take_sets(const char* list, std::size_t count, brenik::h264_nal_unit_type type)
+    /// False, and nothing more is shown, where the record fails with this element or before it.
+    bool show(std::string_view name, std::uint64_t value)
     {
-        object[list] = json::array();
-        for (std::size_t i = 0; i < count; ++i) {
-            const std::string which = fmt::format("{} {} of {}", short_unit_name(type), i + 1, count);
-            if (rest.size() < length_size) {
-                complain(rest, fmt::format("the record ends before {}", which));
-                return false;
-            }
-            const std::size_t stated = length_size + (std::size_t{rest[0]} << 8U | rest[1]);
-            const bool cut = stated > rest.size();
-            if (cut)
-                complain(rest, fmt::format("{} has {} bytes and runs past the end of the record", which,
-                                           stated - length_size));
-            take_set(list, rest.first(std::min(stated, rest.size())), type, which);
-            if (cut)
-                return false;
-            rest = rest.subspan(stated);
-        }
+        ended = ended || failing == name;
+        if (ended)
+            return false;
+        object[std::string(name)] = value;
+        if (options.format == output_format::text)
+            fmt::print("{} {}\n", name, value);
         return true;
     }
 
-    void take_set(const char* list, std::span<unsigned char> entry, brenik::h264_nal_unit_type type,
-                  const std::string& which)
+    template <class List>
+    void show_sets(const list_names& names, unsigned type, const List& sets)
     {
-        brenik::h264_nal_reader reader(brenik::nalfmt_length2);
-        reader.scan(entry.data(), entry.data() + entry.size());
-        if (!reader.found)
-            return complain(entry, fmt::format("{} is not a NAL unit", which));
-        unit where;
-        where.offset = offset_of(entry);
-        where.framing_size = length_size;
-        where.length = brenik::range_size(reader.nal_header, reader.find_unit_end());
-        const brenik::h264_nal nal = reader.nal;
-        const std::size_t rbsp_size = decoder.whole(reader).size();
-        const walked_unit walked = walker.walk(reader);
-        if (nal.nal_unit_type != type)
-            complain(entry,
-                     fmt::format("{} is a unit of type {}", which, static_cast<unsigned int>(nal.nal_unit_type)));
-        for (const std::string& problem : problems_of(walked))
-            complain(entry, problem);
-        const shown_unit shown = {where, nal, rbsp_size, &walked};
-        if (options.format == output_format::json)
-            object[list].push_back(unit_json(shown));
-        else
-            printer.print(shown);
-    }
-
-    void show_extension()
-    {
-        if (rest.empty())
+        const bool fails_here = failing.starts_with(names.unit) || failing.starts_with(names.length);
+        if (!show(names.count, fails_here ? result.units : sets.size()))
             return;
-        object["extension"] = hex_digits(rest);
-        if (options.format != output_format::json)
-            fmt::print("extension {}\n", hex_start(rest));
+        json& shown = object[names.member] = json::array();
+        for (std::size_t i = 0; i < sets.size(); ++i)
+            show_set(shown, sets[i], type, fmt::format("{}[{}]", names.unit, i));
+        const auto rest = record.subspan(result.bytes);
+        if (failing.starts_with(names.unit) && !rest.empty()) // as much as there is of it
+            show_set(shown, {rest.data(), rest.size()}, type, failing);
+        ended = ended || fails_here;
     }
 
-    void show(const char* name, std::uint64_t value)
+    void show_set(json& list, const h264::unit_view& set, unsigned type, const std::string& name)
     {
-        object[name] = value;
-        if (options.format != output_format::json)
-            fmt::print("{} {}\n", name, value);
+        if (set.size == 0)
+            return complain(set.bytes, fmt::format("{} is no NAL unit", name));
+        if (set.type() != type)
+            complain(set.bytes, fmt::format("{} is a unit of type {}", name, set.type()));
+        current = {{set.bytes, set.size, offset_of(set.bytes), number++}, 2};
+        stream.push(current.place, *this);
+        stream.flush(*this);
+        if (options.format == output_format::text)
+            fmt::print("{}", shown_unit);
+        else
+            list.push_back(json::parse(shown_unit));
     }
 
-    void complain(std::span<unsigned char> where, const std::string& what)
+    h264::visitor* before(const h264::unit_place&) override { return units->begin(current); }
+
+    void take(const h264::unit_reading& reading) override
+    {
+        for (const h264::finding& finding : reading.result.findings)
+            problems.note(current.begin(), text_of(finding));
+        if (reading.result.failure)
+            complain(current.place.bytes, text_of(reading.result.failure));
+        else if (const std::string_view wrong = text_of(reading.result.ending); !wrong.empty())
+            complain(current.place.bytes, std::string(wrong));
+        shown_unit = units->end({reading.place, current.framing_size}, &reading);
+    }
+
+    void show_behind(byte_span behind)
+    {
+        object["behind"] = hex_digits(behind);
+        if (options.format == output_format::text)
+            fmt::print("behind the record: {}\n", hex_start(behind));
+    }
+
+    void complain(const unsigned char* where, const std::string& what)
     {
         problems.add(offset_of(where), what);
-        object["problems"].push_back({{"offset", offset_of(where)}, {"message", what}});
+        complained.push_back({{"offset", offset_of(where)}, {"message", what}});
     }
 
-    std::uint64_t offset_of(std::span<unsigned char> where) const { return brenik::range_size(base, where.data()); }
+    std::uint64_t offset_of(const unsigned char* where) const { return static_cast<std::uint64_t>(where - base); }
 
     const avcc_options& options;
     complaints problems;
     json object;
+    json complained = json::array();
     unsigned char* base;
     std::span<unsigned char> record;
-    std::span<unsigned char> rest; // what has not been read
-    stream_walker walker;
-    rbsp_decoder decoder;
-    unit_printer printer;
+    h264::AVCDecoderConfigurationRecord r;
+    h264::configuration_outcome result;
+    unsigned version = 1;
+    std::string failing; // the element that the record fails with, or ""
+    bool ended = false;  // nothing behind it is shown
+    h264::stream stream;
+    std::unique_ptr<unit_printer> units;
+    listed_unit current;
+    std::uint64_t number = 0; // of units
+    std::string shown_unit;
 };
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include "avcc.h"
 #include "convert.h"
+#include "explain.h"
 #include "frames.h"
 #include "help_texts.h"
 #include "info.h"
@@ -13,6 +14,7 @@
 #include <orv-utils-v4/version.h>
 
 #include <algorithm>
+#include <charconv>
 #include <functional>
 #include <map>
 #include <stdexcept>
@@ -132,11 +134,37 @@ void add_format(CLI::App& app, output_format& format, const char* json, const ch
 constexpr const char* json_lines = "Print JSON instead, an object a line";
 constexpr const char* json_object = "Print a JSON object instead";
 
+std::uint64_t offset_of(const std::string& text)
+{
+    const bool hexadecimal = text.starts_with("0x");
+    const char* const begin = text.data() + (hexadecimal ? 2 : 0);
+    const char* const end = text.data() + text.size();
+    std::uint64_t offset = 0;
+    const auto [stop, error] = std::from_chars(begin, end, offset, hexadecimal ? 16 : 10);
+    if (error != std::errc() || stop != end)
+        throw CLI::ValidationError("OFFSET", "'" + text + "' is no offset (for example 4711 or 0x1267)");
+    return offset;
+}
+
+/// Takes OFFSET or OFFSET:BIT.
+void take_place(const std::string& text, explain_options& to)
+{
+    const std::size_t colon = text.find(':');
+    to.offset = offset_of(text.substr(0, colon));
+    if (colon == std::string::npos)
+        return;
+    const std::string bit = text.substr(colon + 1);
+    if (bit.size() != 1 || bit[0] < '0' || bit[0] > '7')
+        throw CLI::ValidationError("OFFSET", "'" + bit + "' is no bit of a byte (0 to 7)");
+    to.bit = static_cast<unsigned>(bit[0] - '0');
+}
+
 /// The subcommands, their options, and the one that was chosen.
 struct command_line {
     command_line();
 
     void add_inspect();
+    void add_explain();
     void add_frames();
     void add_info();
     void add_convert();
@@ -150,6 +178,7 @@ struct command_line {
 
     CLI::App app{"What is in an H.264 stream, without decoding a picture", "orv-h264"};
     inspect_options inspect_chosen;
+    explain_options explain_chosen;
     frames_options frames_chosen;
     info_options info_chosen;
     convert_options convert_chosen;
@@ -164,6 +193,7 @@ command_line::command_line()
     app.footer(std::string(help_texts::main) + help_texts::exit_statuses);
     add_info();
     add_inspect();
+    add_explain();
     add_frames();
     add_convert();
     add_avcc();
@@ -176,17 +206,23 @@ void command_line::add_inspect()
     inspection.add_flag("--nals", inspect_chosen.nals, "Units only, without their fields");
     add_limit(inspection, inspect_chosen.limit, "Stop after N units shown");
     inspection
-        .add_option_function<std::string>(
+        .add_option_function<std::vector<std::string>>(
             "--only",
-            [this](const std::string& text) {
+            [this](const std::vector<std::string>& lists) {
+                inspect_chosen.only.reset();
                 try {
-                    inspect_chosen.only = parse_type_set(text);
+                    for (const std::string& list : lists)
+                        inspect_chosen.only |= parse_type_set(list);
                 } catch (const std::invalid_argument& error) {
                     throw CLI::ValidationError("--only", error.what());
                 }
             },
-            "Show these NAL unit types only, for example 7,8 or 1-5")
+            "Show these NAL units only, for example 7,8 or 1-5 or sps,pps,idr; may be repeated")
+        ->allow_extra_args(false)
         ->type_name("TYPES");
+    inspection.add_flag("--positions", inspect_chosen.positions,
+                        "Show every element, with its byte, bit and number of bits before it");
+    inspection.add_flag("--long-names", inspect_chosen.long_names, "Name the units as H.264 does");
     add_format(inspection, inspect_chosen.format, json_lines, "A line for each syntax element");
     inspection.parse_complete_callback([this] {
         if (is_table(inspect_chosen.format) && inspect_chosen.nals)
@@ -194,6 +230,22 @@ void command_line::add_inspect()
     });
     inspection.footer(std::string(help_texts::inspect) + help_texts::exit_statuses);
     run_with(inspection, inspect, inspect_chosen);
+}
+
+void command_line::add_explain()
+{
+    CLI::App& explanation = *app.add_subcommand("explain", "Tell what a byte or bit of a stream belongs to");
+    add_stream(explanation, "FILE", explain_chosen.stream);
+    explanation
+        .add_option_function<std::string>(
+            "OFFSET", [this](const std::string& text) { take_place(text, explain_chosen); },
+            "The byte, counted from 0, in decimal or behind 0x in hexadecimal; with :BIT a bit of it, 0 the most "
+            "significant")
+        ->required()
+        ->type_name("");
+    add_format(explanation, explain_chosen.format, json_object, "A line for each fact");
+    explanation.footer(std::string(help_texts::explain) + help_texts::exit_statuses);
+    run_with(explanation, explain, explain_chosen);
 }
 
 void command_line::add_frames()

@@ -18,24 +18,38 @@ goes on. On a terminal they are coloured, unless the environment variable NO_COL
 
 constexpr const char* inspect =
     R"(Each line tells of one NAL unit: the byte offset of its framing, the size of the framing, its length from the
-header byte to where decoding stops, the size of its RBSP, nal_ref_idc, type and name. Without --nals, the
-fields of delimiters, parameter sets, slice headers and SEI messages stand indented below their unit, under
-their H.264 names, what they mean in brackets, and what follows from them behind =. Slice headers go as far as
-the modification of the reference picture lists. SEI payloads that are not read show their first bytes. What
-does not parse, and what belongs to no unit and is not zero padding, is reported on the standard error stream
-with its byte offset; reading goes on.
+header byte on, the bytes behind that without emulation prevention, nal_ref_idc, type and name. Without --nals, the
+syntax elements of the unit stand indented below it, under their H.264 names, what they mean in brackets, and what
+follows from them behind =. Of slices that is what stands before their data. What the line of the unit or the heading
+of an SEI message says, and fixed patterns, are elements too: --positions shows them, and where each one lies. Bytes in
+a row are one line. What does not parse shows every element that was read; what failed, values outside of their range,
+and what belongs to no unit and is not zero padding, is told on the standard error stream with its byte offset; reading
+goes on.
 
-With --tsv every syntax element of every unit is a line: the number of the unit, its type, byte and bit in the
-file, bit in the unit without emulation prevention, number of bits, descriptor, structure, name, value, and
+With --csv or --tsv every syntax element of every unit is a line: the number of the unit, its type, byte and bit in
+the file, bit in the unit without emulation prevention, number of bits, descriptor, structure, name, value, and
 whether the value is inside its range. A first line names the columns.
+
+--only takes numbers, ranges and these names: slice, idr, partition, sei, sps, pps, aud, end, filler, sps-ext, prefix,
+subset-sps, dps, auxiliary, extension.
 
 Examples:
   orv-h264 inspect movie.264
-  orv-h264 inspect --only 7,8 movie.264
-  orv-h264 inspect --only 1-5 --limit 30 movie.264
+  orv-h264 inspect --only sps,pps movie.264
+  orv-h264 inspect --only slice --limit 30 --positions movie.264
   orv-h264 inspect --tsv movie.264 | cut -f3,9,10
-  orv-h264 inspect --json movie.264 | jq 'select(.nal_unit_type == 7) | .fields.profile_idc'
+  orv-h264 inspect --json movie.264 | jq '.fields.seq_parameter_set_data.profile_idc | values'
   camera | orv-h264 inspect --nals --format annexb -)";
+
+constexpr const char* explain =
+    R"(Tells which unit, structure and syntax element the byte at OFFSET belongs to, or the one bit of it: value, meaning,
+coding, place, range and clause, and the elements around it. Outside of any header it tells what the byte is: start
+code, length prefix, emulation prevention, slice data, zero padding, or a gap.
+
+Examples:
+  orv-h264 explain movie.264 10
+  orv-h264 explain movie.264 0x2a:7
+  orv-h264 explain --json movie.264 10 | jq '.elements[].name')";
 
 constexpr const char* frames =
     R"(Each line tells of one frame: its number, the byte offset of its first unit, its size, whether decoding can

@@ -1,100 +1,107 @@
 #include "inspect.h"
 
+#include "element_rows.h"
 #include "framing.h"
-#include "inspect_elements.h"
-#include "json_fields.h"
 #include "json_output.h"
-#include "messages.h"
-#include "names.h"
-#include "show_unit.h"
 #include "standard_output.h"
-#include "stream_walker.h"
+#include "unit_lines.h"
+#include "unit_run.h"
 
+#include <memory>
 #include <string>
-#include <string_view>
 
 namespace orv_h264 {
 
 namespace {
 
-class inspection {
+/// Shows the units that are asked for.
+class inspection : public unit_run {
 public:
-    inspection(const inspect_options& chosen, stream_input& from)
-        : options(chosen), feeder(from.feeder()), problems(from.name(), chosen.format == output_format::json)
+    inspection(const inspect_options& chosen, const std::string& name)
+        : unit_run(name, chosen.format == output_format::json), options(chosen)
     {
-    }
-
-    exit_status run()
-    {
-        while (lines < options.limit) {
-            const fed_item item = feeder.next();
-            if (const auto* u = std::get_if<unit>(&item))
-                take_unit(*u);
-            else if (const auto* g = std::get_if<gap>(&item))
-                problems.add(g->offset, describe_with_size(*g));
-            else
-                break;
-        }
-        return problems.status();
     }
 
 private:
-    void take_unit(const unit& u)
+    bool enough() const override { return shown == options.limit; }
+    bool unread() const override { return options.nals; }
+
+    h264::visitor* before(const listed_unit& unit) override
     {
-        brenik::h264_nal_reader& reader = feeder.reader();
-        const brenik::h264_nal nal = reader.nal;
-        if (u.cut)
-            problems.add(u.offset, describe_cut(u));
-        walked_unit walked;
-        if (!options.nals) {
-            walked = walker.walk(reader);
-            for (const std::string& problem : problems_of(walked))
-                problems.add(u.offset, problem);
-        }
-        if (!options.only.test(nal.nal_unit_type))
+        return options.only.test(unit.type()) ? begin(unit) : nullptr;
+    }
+    void take(const listed_unit& unit, const h264::unit_reading* reading) override
+    {
+        if (!options.only.test(unit.type()))
             return;
-        ++lines;
-        const shown_unit shown = {u, nal, decoder.whole(reader).size(), options.nals ? nullptr : &walked};
-        if (options.format == output_format::json)
-            print_json_unit(shown);
-        else
-            printer.print(shown);
+        show(unit, reading);
+        ++shown;
     }
 
-    void print_json_unit(const shown_unit& shown)
-    {
-        line.clear();
-        {
-            json_fields fields(line);
-            fields.told({"record", std::string_view("unit")});
-            tell_unit(fields, shown);
-        }
-        write_output(line += '\n');
-    }
+    virtual h264::visitor* begin(const listed_unit& unit) = 0;
+    virtual void show(const listed_unit& unit, const h264::unit_reading* reading) = 0;
 
     const inspect_options& options;
-    piece_feeder& feeder;
-    complaints problems;
-    stream_walker walker;
-    rbsp_decoder decoder; // for the sizes
-    unit_printer printer;
-    std::string line; // of JSON
-    std::uint64_t lines = 0;
+    std::uint64_t shown = 0;
+};
+
+/// For a person, or as JSON.
+class unit_inspection final : public inspection {
+public:
+    unit_inspection(const inspect_options& chosen, const std::string& name)
+        : inspection(chosen, name),
+          units(make_unit_printer(chosen.format == output_format::json, {chosen.positions, chosen.long_names}))
+    {
+    }
+
+private:
+    h264::visitor* begin(const listed_unit& unit) override { return units->begin(unit); }
+    void show(const listed_unit& unit, const h264::unit_reading* reading) override
+    {
+        write_output(units->end(unit, reading));
+    }
+
+    std::unique_ptr<unit_printer> units;
+};
+
+/// As a table of all elements.
+class element_inspection final : public inspection {
+public:
+    using inspection::inspection;
+
+    exit_status run_with_head(stream_input& input, char separator)
+    {
+        rows.begin_table(separator);
+        const exit_status status = run(input);
+        write_output(rows.text);
+        return status;
+    }
+
+private:
+    h264::visitor* begin(const listed_unit& unit) override
+    {
+        rows.begin(unit.place);
+        return &rows;
+    }
+    void show(const listed_unit&, const h264::unit_reading*) override { rows.end(); }
+
+    element_rows rows;
 };
 
 } // namespace
 
 exit_status inspect(const inspect_options& options)
 {
-    if (is_table(options.format))
-        return inspect_elements(options);
     stream_input input(options.stream);
+    if (is_table(options.format))
+        return element_inspection(options, input.name())
+            .run_with_head(input, options.format == output_format::csv ? ',' : '\t');
     if (options.format == output_format::json) {
         json head = json_first_line("orv-h264/inspect", input.name());
         head["framing"] = framing_name(input.framing());
         print_json(head);
     }
-    return inspection(options, input).run();
+    return unit_inspection(options, input.name()).run(input);
 }
 
 } // namespace orv_h264

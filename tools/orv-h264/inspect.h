@@ -13,13 +13,15 @@ namespace orv_h264 {
 
 struct inspect_options {
     stream_options stream;
-    bool nals = false;                          ///< units only, without their fields
+    bool nals = false;                          ///< units only, without their elements
+    bool positions = false;                     ///< with the place of each element
+    bool long_names = false;                    ///< of units
     output_format format = output_format::text; ///< a table has a line for each syntax element
     std::uint64_t limit = std::numeric_limits<std::uint64_t>::max();
-    std::bitset<32> only = std::bitset<32>().set(); ///< the NAL unit types shown
+    std::bitset<32> only = std::bitset<32>().set(); ///< the NAL unit types that are shown
 };
 
-/// Prints a line for each NAL unit to the standard output, and what is wrong to the standard error stream.
+/// Prints what the units hold to the standard output, and what is wrong with the stream to the standard error stream.
 /// Throws refusal for an input that is not read, and std::system_error when reading or writing fails.
 exit_status inspect(const inspect_options& options);
 

@@ -24,30 +24,6 @@ bool stands_for_itself(char c)
     return c >= ' ' && c <= '~' && c != '"' && c != '\\';
 }
 
-/// Appends a value; what is not simple, as the JSON library has it.
-struct json_writer {
-    void operator()(std::uint64_t number) const { fmt::format_to(std::back_inserter(out), FMT_COMPILE("{}"), number); }
-    void operator()(std::int64_t number) const { fmt::format_to(std::back_inserter(out), FMT_COMPILE("{}"), number); }
-    void operator()(double number) const { out += text_of(number); }
-    void operator()(bool yes) const { out += yes ? "true" : "false"; }
-    void operator()(std::nullptr_t) const { out += "null"; }
-
-    void operator()(std::string_view text) const
-    {
-        if (std::all_of(text.begin(), text.end(), stands_for_itself))
-            out.append("\"").append(text) += '"';
-        else
-            out += text_of(text);
-    }
-
-    void operator()(std::span<const std::uint8_t> list) const
-    {
-        fmt::format_to(std::back_inserter(out), "[{}]", fmt::join(list, ","));
-    }
-
-    std::string& out;
-};
-
 } // namespace
 
 void print_json(const json& object)
@@ -55,9 +31,10 @@ void print_json(const json& object)
     write_output(text_of(object) + '\n');
 }
 
-void append_json(std::string& out, const field_value& value)
+std::string json_text(std::string_view text)
 {
-    std::visit(json_writer{out}, value);
+    const bool simple = std::all_of(text.begin(), text.end(), stands_for_itself);
+    return simple ? fmt::format("\"{}\"", text) : text_of(text);
 }
 
 std::string hex_digits(std::span<const std::uint8_t> bytes)

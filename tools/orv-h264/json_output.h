@@ -1,7 +1,6 @@
 // JSON for programs: a line an object, written as soon as it is complete. docs/schema/ describes the objects.
 #pragma once
 
-#include "field_sink.h"
 #include "output_format.h" // its enumerator json comes before the type of that name
 
 #include <nlohmann/json.hpp>
@@ -18,8 +17,8 @@ using json = nlohmann::ordered_json;
 /// Prints the object as one line. Bytes that are not UTF-8 become U+FFFD.
 void print_json(const json& object);
 
-/// Appends the value as print_json() would print it.
-void append_json(std::string& out, const field_value& value);
+/// The text as a JSON string.
+std::string json_text(std::string_view text);
 
 /// Two hex digits a byte.
 std::string hex_digits(std::span<const std::uint8_t> bytes);

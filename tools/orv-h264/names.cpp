@@ -57,7 +57,7 @@ std::string short_unit_name(brenik::h264_nal_unit_type type)
         {2, "partition-A"},
         {3, "partition-B"},
         {4, "partition-C"},
-        {5, "IDR"},
+        {5, "slice IDR"},
         {6, "SEI"},
         {7, "SPS"},
         {8, "PPS"},
@@ -188,6 +188,14 @@ std::string matrix_coefficients_name(std::uint8_t matrix_coefficients)
         {14, "ICtCp"},
     };
     return find_name(names, matrix_coefficients);
+}
+
+const char* payload_name(std::uint32_t payload_type)
+{
+    constexpr std::uint32_t annotated_regions = 202;
+    return payload_type == annotated_regions
+               ? "annotated_regions"
+               : brenik::h264_nal_sei_payload_type_to_str(static_cast<brenik::h264_nal_sei_payload_type>(payload_type));
 }
 
 std::string payload_type_name(brenik::h264_nal_sei_payload_type type)

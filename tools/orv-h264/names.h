@@ -35,7 +35,10 @@ std::string transfer_characteristics_name(std::uint8_t transfer_characteristics)
 /// H.264 Table E-5.
 std::string matrix_coefficients_name(std::uint8_t matrix_coefficients);
 
-/// The name of an SEI payload type, H.264 D.1.1; "payloadType 202" for one without a name.
+/// The structure of an SEI payload type, H.264 D.1.1: "pic_timing"; "" of one without a name.
+const char* payload_name(std::uint32_t payload_type);
+
+/// Likewise; "payloadType 203" for one without a name.
 std::string payload_type_name(brenik::h264_nal_sei_payload_type type);
 
 } // namespace orv_h264

@@ -27,8 +27,13 @@ void gather_output()
 
 void write_output(std::string_view text)
 {
-    if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size())
+    if (std::ferror(stdout) != 0 || std::fwrite(text.data(), 1, text.size(), stdout) != text.size())
         fail();
+}
+
+void put_output(std::string_view text) noexcept
+{
+    static_cast<void>(std::fwrite(text.data(), 1, text.size(), stdout));
 }
 
 void flush_output()

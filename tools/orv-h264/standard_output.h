@@ -12,6 +12,9 @@ void gather_output();
 /// Throws std::system_error when writing fails.
 void write_output(std::string_view text);
 
+/// Likewise, but that it fails is told by what is called next.
+void put_output(std::string_view text) noexcept;
+
 /// Writes what was gathered. Throws std::system_error when writing fails.
 void flush_output();
 

@@ -94,6 +94,8 @@ struct configuration_outcome {
     /// record takes, those beyond the room included; of another failure than no_room the offset of the element. Making:
     /// nothing.
     std::size_t bytes = 0;
+    /// Reading: of a record that ends in a list of units, how many the list shall have.
+    std::size_t units = 0;
 
     /// Nothing failed.
     bool sound() const noexcept { return why == configuration_reason::none; }

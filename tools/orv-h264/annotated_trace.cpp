@@ -1,0 +1,297 @@
+#include "annotated_trace.h"
+
+#include "json_output.h"
+#include "names.h"
+#include "words.h"
+
+#include <orv-utils-v4/h264_syntax/registered_user_data.h>
+
+#include <algorithm>
+#include <iterator>
+#include <new>
+#include <utility>
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
+namespace orv_h264 {
+
+namespace {
+
+/// Elements whose loop has no index in the standard, by structure.
+constexpr std::string_view repeated_elements[] = {
+    "annotated_regions.ar_bit_equal_to_zero",
+    "annotated_regions.ar_bounding_box_cancel_flag",
+    "annotated_regions.ar_bounding_box_height",
+    "annotated_regions.ar_bounding_box_left",
+    "annotated_regions.ar_bounding_box_top",
+    "annotated_regions.ar_bounding_box_update_flag",
+    "annotated_regions.ar_bounding_box_width",
+    "annotated_regions.ar_label",
+    "annotated_regions.ar_label_cancel_flag",
+    "annotated_regions.ar_object_cancel_flag",
+    "annotated_regions.ar_object_confidence",
+    "annotated_regions.ar_object_label_idx",
+    "annotated_regions.ar_object_label_update_flag",
+    "annotated_regions.ar_partial_object_flag",
+    "buffering_period.initial_cpb_removal_delay",
+    "buffering_period.initial_cpb_removal_delay_offset",
+    "dec_ref_base_pic_marking.difference_of_base_pic_nums_minus1",
+    "dec_ref_base_pic_marking.long_term_base_pic_num",
+    "dec_ref_base_pic_marking.memory_management_base_control_operation",
+    "dec_ref_pic_marking.difference_of_pic_nums_minus1",
+    "dec_ref_pic_marking.long_term_frame_idx",
+    "dec_ref_pic_marking.long_term_pic_num",
+    "dec_ref_pic_marking.max_long_term_frame_idx_plus1",
+    "dec_ref_pic_marking.memory_management_control_operation",
+    "depth_parameter_set_rbsp.depth_param_additional_extension_data_flag",
+    "pic_timing.cnt_dropped_flag",
+    "pic_timing.counting_type",
+    "pic_timing.ct_type",
+    "pic_timing.discontinuity_flag",
+    "pic_timing.full_timestamp_flag",
+    "pic_timing.hours_flag",
+    "pic_timing.hours_value",
+    "pic_timing.minutes_flag",
+    "pic_timing.minutes_value",
+    "pic_timing.n_frames",
+    "pic_timing.nuit_field_based_flag",
+    "pic_timing.seconds_flag",
+    "pic_timing.seconds_value",
+    "pic_timing.time_offset",
+    "prefix_nal_unit_svc.additional_prefix_nal_unit_extension_data_flag",
+    "ref_pic_list_modification.abs_diff_pic_num_minus1",
+    "ref_pic_list_modification.long_term_pic_num",
+    "ref_pic_list_modification.modification_of_pic_nums_idc",
+    "ref_pic_list_mvc_modification.abs_diff_pic_num_minus1",
+    "ref_pic_list_mvc_modification.abs_diff_view_idx_minus1",
+    "ref_pic_list_mvc_modification.long_term_pic_num",
+    "ref_pic_list_mvc_modification.modification_of_pic_nums_idc",
+    "seq_parameter_set_3davc_extension.grid_pos_x",
+    "seq_parameter_set_3davc_extension.grid_pos_y",
+    "sub_seq_characteristics.ref_sub_seq_direction",
+    "sub_seq_characteristics.ref_sub_seq_id",
+    "sub_seq_characteristics.ref_sub_seq_layer_num",
+    "sub_seq_layer_characteristics.accurate_statistics_flag",
+    "sub_seq_layer_characteristics.average_bit_rate",
+    "sub_seq_layer_characteristics.average_frame_rate",
+    "subset_seq_parameter_set_rbsp.additional_extension2_data_flag",
+    "vsp_param.disparity_diff_oji", // its indices do not rise
+    "vsp_param.disparity_diff_wji",
+};
+
+/// Structures that one structure may have several of.
+constexpr std::string_view repeated_structures[] = {
+    "3dv_acquisition_element",
+    "depth_grid_position",
+    "depth_representation_sei_element",
+    "depth_timing_offset",
+    "hrd_parameters",
+    "mvcd_op_view_info",
+    "scaling_list",
+    "sei_message",
+};
+
+/// The entries of a scaling list from its deltas, H.264 7.3.2.1.1.1.
+std::string scaling_list(const std::vector<std::int64_t>& deltas, std::size_t size)
+{
+    std::int64_t last = 8;
+    std::int64_t next = 8;
+    std::vector<std::int64_t> list;
+    for (std::size_t j = 0; j < size; ++j) {
+        if (next != 0) {
+            if (j == deltas.size())
+                return ""; // it is cut
+            next = (last + deltas[j] + 256) & 255;
+            if (j == 0 && next == 0)
+                return "default";
+        }
+        last = next == 0 ? last : next;
+        list.push_back(last);
+    }
+    return fmt::format("{}", fmt::join(list, " "));
+}
+
+bool has_fixed_patterns_alone(std::string_view structure)
+{
+    return structure == "rbsp_trailing_bits" || structure.starts_with("slice_data");
+}
+
+} // namespace
+
+bool is_repeated_element(std::string_view structure, std::string_view element)
+{
+    const std::string name = std::string(structure) + '.' + std::string(element);
+    return std::binary_search(std::begin(repeated_elements), std::end(repeated_elements), name);
+}
+
+bool is_repeated_structure(std::string_view structure)
+{
+    return std::binary_search(std::begin(repeated_structures), std::end(repeated_structures), structure);
+}
+
+void annotated_trace::begin(const h264::unit_place& place)
+{
+    place_of.begin(place);
+    path.clear();
+    out_of_memory = false;
+}
+
+void annotated_trace::end()
+{
+    if (out_of_memory)
+        throw std::bad_alloc();
+}
+
+void annotated_trace::open(const char* name)
+{
+    guarded([&] {
+        tell_bytes();
+        path.emplace_back(name);
+        if (inside("sei_message"))
+            payload_type = payload_size = ff_bytes = 0;
+        else if (inside("scaling_list"))
+            deltas.clear();
+        else if (inside("pic_timing"))
+            clock = {};
+        else if (inside(registered_trace::structure))
+            place_of.mark();
+        unopened = !all && has_fixed_patterns_alone(name);
+        if (unopened) // until one of its elements is told
+            return;
+        sink.open(name, inside("sei_payload") ? heading_of_message() : name);
+    });
+}
+
+void annotated_trace::close()
+{
+    guarded([&] {
+        tell_bytes();
+        if (inside("scaling_list"))
+            tell_scaling_list();
+        else if (inside("pic_timing"))
+            tell_clock();
+        else if (inside(registered_trace::structure))
+            tell_registration();
+        if (!std::exchange(unopened, false))
+            sink.close();
+        path.pop_back();
+    });
+}
+
+void annotated_trace::element(const h264::traced_element& e)
+{
+    guarded([&] {
+        const bool goes_on = first_byte && e.how == h264::coding::b && e.name.name() == first_byte->name.name();
+        if (!goes_on)
+            tell_bytes();
+        if (e.how == h264::coding::b) {
+            if (!goes_on)
+                first_byte = e;
+            else
+                first_byte->bits += e.bits;
+            run.push_back(static_cast<unsigned char>(e.value));
+        } else if (all || is_told(e)) {
+            if (std::exchange(unopened, false))
+                sink.open(path.back(), path.back());
+            const std::string words = words_of(e);
+            sink.element({e, place_of(e.bit), words, is_repeated_element(path.back(), e.name.name())});
+        }
+        note(e);
+    });
+}
+
+bool annotated_trace::is_told(const h264::traced_element& e) const
+{
+    const std::string_view name = e.name.name();
+    const bool in_heading = name == "nal_ref_idc" || name == "nal_unit_type" || inside("sei_message");
+    return !in_heading && (e.how != h264::coding::f || !e.inside);
+}
+
+void annotated_trace::tell_bytes()
+{
+    if (!first_byte)
+        return;
+    const h264::traced_element first = *std::exchange(first_byte, std::nullopt);
+    const std::string words = first.bits == 8 ? words_of(first) : "";
+    sink.bytes({first, place_of(first.bit), words, false}, run);
+    keep_registration(first);
+    run.clear();
+}
+
+/// Keeps what tells whose the user data are.
+void annotated_trace::keep_registration(const h264::traced_element& first)
+{
+    constexpr std::size_t enough = 16;
+    if (!inside(registered_trace::structure))
+        return;
+    if (first.name.name() == std::string_view("itu_t_t35_country_code"))
+        registered = {run.front(), 0, {}};
+    else if (first.name.name() == std::string_view("itu_t_t35_payload_byte"))
+        registered.itu_t_t35_payload_byte.assign(
+            run.begin(), run.begin() + static_cast<std::ptrdiff_t>(std::min(enough, run.size())));
+}
+
+/// Keeps what something follows from.
+void annotated_trace::note(const h264::traced_element& e)
+{
+    const std::string_view name = e.name.name();
+    if (inside("sei_message")) {
+        if (name == "ff_byte")
+            ff_bytes += 255;
+        else
+            (name == "last_payload_type_byte" ? payload_type : payload_size) =
+                std::exchange(ff_bytes, 0) + static_cast<std::uint32_t>(e.value);
+    } else if (inside("scaling_list")) {
+        deltas.push_back(e.value);
+    } else if (name.ends_with("scaling_list_present_flag")) {
+        list_size = e.name.index(0) < 6 ? 16 : 64;
+    } else if (inside("pic_timing")) {
+        if (name == "clock_timestamp_flag")
+            tell_clock();
+        constexpr std::string_view parts[] = {"hours_value", "minutes_value", "seconds_value", "n_frames"};
+        const auto* const part = std::find(std::begin(parts), std::end(parts), name);
+        if (part != std::end(parts))
+            clock[static_cast<std::size_t>(part - parts)] = e.value;
+    }
+}
+
+std::string annotated_trace::heading_of_message()
+{
+    const std::string_view name = payload_name(payload_type);
+    sink.follows({"payloadType", std::to_string(payload_type), ""});
+    sink.follows({"payloadSize", std::to_string(payload_size), ""});
+    sink.follows({"payload", name.empty() ? "null" : fmt::format("\"{}\"", name), ""});
+    return fmt::format("sei_message payloadType {}{}, payloadSize {}", payload_type,
+                       name.empty() ? "" : fmt::format(" ({})", name), payload_size);
+}
+
+void annotated_trace::tell_scaling_list()
+{
+    const std::string list = scaling_list(deltas, list_size);
+    if (list.empty())
+        return;
+    std::string as_json = list == "default" ? "\"default\"" : "[" + list + "]";
+    std::replace(as_json.begin(), as_json.end(), ' ', ',');
+    sink.follows({"list", std::move(as_json), list == "default" ? "the default list" : list});
+}
+
+/// The time of day of a timestamp that tells all of it.
+void annotated_trace::tell_clock()
+{
+    const auto [hours, minutes, seconds, frames] = std::exchange(clock, {});
+    if (!hours || !minutes || !seconds || !frames)
+        return;
+    const std::string time = fmt::format("{:02}:{:02}:{:02}:{:02}", *hours, *minutes, *seconds, *frames);
+    sink.follows({"time", fmt::format("\"{}\"", time), time});
+}
+
+/// Who the user data are registered for, where it is known.
+void annotated_trace::tell_registration()
+{
+    const std::string_view name = h264::registered_name(registered);
+    if (!name.empty())
+        sink.follows({"registered_for", json_text(name), fmt::format("registered for {}", name)});
+}
+
+} // namespace orv_h264

@@ -1,0 +1,165 @@
+#include "trace_json.h"
+
+#include "element_text.h"
+#include "json_output.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <fmt/format.h>
+
+namespace orv_h264 {
+
+json_members::member& json_members::find(std::string_view name)
+{
+    auto found = std::find_if(all.begin(), all.end(), [name](const member& m) { return m.name == name; });
+    if (found == all.end()) {
+        found = all.emplace(all.end());
+        found->name = name;
+    }
+    return *found;
+}
+
+void json_members::put(std::string_view name, std::string_view value)
+{
+    find(name).text = value;
+}
+
+void json_members::append(std::string_view name, std::string_view value)
+{
+    std::string& text = find(name).text;
+    if (text.empty())
+        text = '[';
+    else
+        text.back() = ',';
+    text.append(value) += ']';
+}
+
+// The text of an array is always complete. To put an entry in, as many lists are opened again as it shares with the
+// one before.
+void json_members::put_entry(const h264::label& at, std::string_view value)
+{
+    member& m = find(at.name());
+    const unsigned depth = at.depth();
+    unsigned shared = 0; // indices that are those of the entry before
+    if (!m.text.empty())
+        while (shared + 1 < depth && at.index(shared) + 1 == m.end[shared])
+            ++shared;
+    if (m.text.empty())
+        m.text = '[';
+    else // all of its lists are closed
+        m.text.replace(m.text.size() - (shared + 1), shared + 1, ",");
+    m.depth = depth;
+    for (unsigned i = shared; i < depth; ++i) {
+        const std::uint32_t from = i == shared ? m.end[i] : 0;
+        for (std::uint32_t missing = from; missing < at.index(i); ++missing)
+            m.text += "null,";
+        m.end[i] = at.index(i) + 1;
+        m.text += i + 1 < depth ? "[" : "";
+    }
+    m.text.append(value).append(depth, ']');
+}
+
+// The names are those of H.264, without anything to escape.
+void json_members::append_to(std::string& text) const
+{
+    text += '{';
+    const char* before = "\"";
+    for (const member& m : all) {
+        text.append(before).append(m.name).append("\":").append(m.text);
+        before = ",\"";
+    }
+    text += '}';
+}
+
+void trace_json::open(std::string_view name, std::string_view)
+{
+    if (++depth > 1)
+        inside.push_back({name, {}, {}, {}, {}});
+}
+
+void trace_json::close()
+{
+    if (--depth == 0)
+        return;
+    const std::string_view name = inside.back().name;
+    const std::string object = text_of(inside.back());
+    inside.pop_back();
+    if (is_repeated_structure(name))
+        inside.back().fields.append(name, object);
+    else
+        inside.back().fields.put(name, object);
+}
+
+std::string trace_json::text_of(structure& complete)
+{
+    for (const auto& [name, members] :
+         {std::pair("meaning", &complete.meaning), std::pair("derived", &complete.derived),
+          std::pair("positions", &complete.positions)}) {
+        std::string object;
+        members->append_to(object);
+        if (!members->empty())
+            complete.fields.put(name, object);
+    }
+    std::string text;
+    complete.fields.append_to(text);
+    return text;
+}
+
+void trace_json::element(const shown_element& shown)
+{
+    const h264::traced_element& e = shown.element;
+    std::string value;
+    if (e.how == h264::coding::st) {
+        value = json_text({reinterpret_cast<const char*>(e.bytes), e.size});
+    } else if (e.bytes != nullptr) {
+        append_hexadecimal(value += '"', e.bytes, e.size);
+        value += '"';
+    } else {
+        append_number(value, e.value);
+    }
+    put(shown, value);
+}
+
+void trace_json::bytes(const shown_element& first, byte_span all)
+{
+    std::string value = "\"";
+    append_hexadecimal(value, all.data(), std::min(all.size(), most_bytes));
+    const h264::traced_element& e = first.element;
+    h264::traced_element whole = e;
+    whole.name = e.name.name();
+    put({whole, first.byte, first.words, false}, value += '"');
+}
+
+void trace_json::put(const shown_element& shown, std::string_view value)
+{
+    structure& to = inside.back();
+    const h264::label& name = shown.element.name;
+    const auto add = [&](json_members& members, std::string_view text) {
+        if (shown.repeated || shown.element.how == h264::coding::f)
+            members.append(name.name(), text);
+        else if (name.depth() == 0)
+            members.put(name.name(), text);
+        else
+            members.put_entry(name, text);
+    };
+    add(to.fields, value);
+    if (!shown.words.empty())
+        add(to.meaning, json_text(shown.words));
+    if (with_positions)
+        add(to.positions, fmt::format("[{},{},{}]", shown.byte, shown.element.bit % 8, shown.element.bits));
+}
+
+void trace_json::follows(const fact& what)
+{
+    inside.back().derived.put(what.name, what.json);
+}
+
+std::string trace_json::take()
+{
+    std::string object = text_of(inside.front());
+    inside.assign(1, {});
+    return object;
+}
+
+} // namespace orv_h264

@@ -1,0 +1,79 @@
+// An annotated trace as a JSON object: the elements under their names in the standard, arrays in the order of their
+// indices, with null where an entry was not sent; structures as objects under their names. Behind the elements of a
+// structure, what their values mean stands in "meaning", what follows from them in "derived", and on request where they
+// lie in "positions". Written as text at once: a stream has too many elements to make a tree of each.
+#pragma once
+
+#include "annotated_trace.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace orv_h264 {
+
+/// The text of a JSON object that grows by members.
+class json_members {
+public:
+    /// A value of its own.
+    void put(std::string_view name, std::string_view value);
+    /// The next entry of an array; entries come in the order of their indices.
+    void put_entry(const h264::label& at, std::string_view value);
+    /// The next of several without an index.
+    void append(std::string_view name, std::string_view value);
+
+    bool empty() const noexcept { return all.empty(); }
+    void append_to(std::string& text) const;
+
+private:
+    struct member {
+        std::string_view name;
+        std::string text;
+        unsigned depth = 0;                    // of the array, 0 where it is none
+        std::array<std::uint32_t, 4> end = {}; // where the next entry belongs
+    };
+
+    member& find(std::string_view name);
+
+    std::vector<member> all;
+};
+
+class trace_json final : public annotated_sink {
+public:
+    /// Of a run of bytes so many are told; a sound stream has fewer in a message.
+    static constexpr std::size_t most_bytes = std::size_t{64} * 1024;
+
+    explicit trace_json(bool positions) : with_positions(positions) {}
+
+    void open(std::string_view name, std::string_view heading) override;
+    void close() override;
+    void element(const shown_element& shown) override;
+    void bytes(const shown_element& first, byte_span all) override;
+    void follows(const fact& what) override;
+
+    /// The object of all that was told, which is forgotten. The outermost structures are no members of it, but what
+    /// they hold is: the unit says which ones they are.
+    std::string take();
+
+private:
+    struct structure {
+        std::string_view name;
+        json_members fields;
+        json_members meaning;
+        json_members derived;
+        json_members positions;
+    };
+
+    void put(const shown_element& shown, std::string_view value);
+    static std::string text_of(structure& complete);
+
+    bool with_positions;
+    std::size_t depth = 0;
+    std::vector<structure> inside =
+        std::vector<structure>(1); // the one that is being filled, behind those that hold it
+};
+
+} // namespace orv_h264

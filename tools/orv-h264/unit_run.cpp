@@ -1,0 +1,102 @@
+#include "unit_run.h"
+
+#include "element_text.h"
+#include "loss_texts.h"
+
+#include <fmt/format.h>
+
+namespace orv_h264 {
+
+exit_status unit_run::run(stream_input& input)
+{
+    most_bytes = input.max_unit();
+    const bool any = input.read_units(*this, [this] { return enough(); });
+    stream.flush(*this);
+    if (!any)
+        complain(nullptr, input.bytes_read(), describe_no_unit(input.bytes_read()), true);
+    return problems.status();
+}
+
+void unit_run::unit(const h264::split_unit& u)
+{
+    if (enough())
+        return;
+    const h264::unit_place place = {u.bytes, u.size, u.offset, units++};
+    const listed_unit whole = {place, u.framing_size};
+    if (u.cut)
+        complain(&whole, begin_of(u), describe_cut(u), true);
+    if (unread()) {
+        first_waiting = units;
+        return take(whole, nullptr);
+    }
+    framing_sizes.push_back(u.framing_size);
+    stream.push(place, *this);
+}
+
+void unit_run::gap(const h264::split_gap& g)
+{
+    if (g.reason == h264::split_gap_reason::too_large) {
+        ++units; // it counts, and the stream must not take it for one that it holds
+        framing_sizes.push_back(0);
+    }
+    if (enough())
+        return;
+    complain(nullptr, g.offset, describe_with_size(g, most_bytes), true);
+    take_gap(g);
+}
+
+h264::visitor* unit_run::before(const h264::unit_place& place)
+{
+    for (; first_waiting < place.number; ++first_waiting)
+        framing_sizes.pop_front();
+    return enough() ? nullptr : before(listed(place));
+}
+
+void unit_run::take(const h264::unit_reading& reading)
+{
+    if (enough())
+        return;
+    const listed_unit unit = listed(reading.place);
+    complain_of(unit, reading.result);
+    take(unit, &reading);
+}
+
+listed_unit unit_run::listed(const h264::unit_place& place) const
+{
+    return {place, framing_sizes[place.number - first_waiting]};
+}
+
+void unit_run::complain_of(const listed_unit& unit, const h264::outcome& result)
+{
+    const auto complain_here = [&](const std::string& what, bool is_problem) {
+        complain(&unit, unit.begin(), what, is_problem);
+    };
+    for (const h264::finding& finding : result.findings) {
+        const std::string_view name = finding.element.name();
+        if (result.ending == h264::ending::no_stop_bit &&
+            (name == "rbsp_stop_one_bit" || name == "rbsp_alignment_zero_bit"))
+            continue;                     // the ending is told once
+        if (name == "forbidden_zero_bit") // a network has found bits in it wrong
+            complain_here("unit whose header has the forbidden bit set", true);
+        else
+            complain_here(text_of(finding), false);
+    }
+    if (result.finding_count > result.findings.size())
+        complain_here(
+            fmt::format("{} further values outside of their ranges", result.finding_count - result.findings.size()),
+            false);
+    if (result.failure)
+        complain_here(text_of(result.failure), true);
+    else if (const std::string_view wrong = text_of(result.ending); !wrong.empty())
+        complain_here(std::string(wrong), true);
+}
+
+void unit_run::complain(const listed_unit*, std::uint64_t offset, const std::string& what, bool is_problem)
+{
+    if (is_problem)
+        problems.add(offset, what);
+    else
+        problems.note(offset, what);
+}
+
+} // namespace orv_h264

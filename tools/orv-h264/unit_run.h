@@ -1,0 +1,67 @@
+// A run over the units of a stream, each read with the parameter sets that are active for it. What is wrong on the way
+// is complained of.
+#pragma once
+
+#include "messages.h"
+#include "stream_input.h"
+
+#include <orv-utils-v4/h264_syntax.h>
+
+#include <cstdint>
+#include <deque>
+#include <string>
+
+namespace orv_h264 {
+
+/// A unit with its framing.
+struct listed_unit {
+    h264::unit_place place;
+    unsigned framing_size = 0;
+
+    /// Where its framing begins in the stream.
+    std::uint64_t begin() const { return place.offset - framing_size; }
+    /// The five bits of nal_unit_type.
+    unsigned type() const { return place.bytes[0] & 0x1FU; }
+};
+
+class unit_run : h264::split_sink, h264::unit_sink {
+public:
+    unit_run(const std::string& name, bool in_json) : problems(name, in_json) {}
+    unit_run(const unit_run&) = delete;
+    unit_run& operator=(const unit_run&) = delete;
+    ~unit_run() override = default;
+
+    /// Reads the stream until it ends or there was enough of it.
+    exit_status run(stream_input& input);
+
+protected:
+    /// Nothing that comes is taken or complained of any more.
+    virtual bool enough() const = 0;
+    /// The unit is not read, but taken as it is.
+    virtual bool unread() const { return false; }
+    /// The unit is about to be read, its elements are told to the visitor that is returned; or null.
+    virtual h264::visitor* before(const listed_unit& unit) = 0;
+    /// The unit was read; null where it is not.
+    virtual void take(const listed_unit& unit, const h264::unit_reading* reading) = 0;
+    virtual void take_gap(const h264::split_gap& gap) { static_cast<void>(gap); }
+
+    /// Something is wrong; with the unit, if any.
+    virtual void complain(const listed_unit* unit, std::uint64_t offset, const std::string& what, bool is_problem);
+
+private:
+    void unit(const h264::split_unit& u) override;
+    void gap(const h264::split_gap& g) override;
+    h264::visitor* before(const h264::unit_place& place) override;
+    void take(const h264::unit_reading& reading) override;
+    listed_unit listed(const h264::unit_place& place) const;
+    void complain_of(const listed_unit& unit, const h264::outcome& result);
+
+    complaints problems;
+    h264::stream stream;
+    std::uint64_t most_bytes = 0;
+    std::uint64_t units = 0;            // all that there are
+    std::deque<unsigned> framing_sizes; // of those that the stream has not handed on, the latest last
+    std::uint64_t first_waiting = 0;    // its number
+};
+
+} // namespace orv_h264
