@@ -287,7 +287,7 @@ TEST(PictureRows, FindingsAreToldWithTheNumberOfThePicture)
     EXPECT_TRUE(rows[2].problems[0].finding);
 }
 
-TEST(PictureRows, AForbiddenBitIsAFinding)
+TEST(PictureRows, AForbiddenBitIsAProblem)
 {
     coded_stream stream;
     stream.sets(coded_sps(false)).idr();
@@ -297,8 +297,8 @@ TEST(PictureRows, AForbiddenBitIsAFinding)
     ASSERT_EQ(1U, rows.size());
     ASSERT_EQ(1U, rows[0].problems.size());
     EXPECT_EQ(stream.last(), rows[0].problems[0].offset);
-    EXPECT_EQ("forbidden_zero_bit is 1", rows[0].problems[0].message);
-    EXPECT_TRUE(rows[0].problems[0].finding);
+    EXPECT_EQ("unit whose header has the forbidden bit set", rows[0].problems[0].message);
+    EXPECT_FALSE(rows[0].problems[0].finding);
 }
 
 TEST(PictureRows, ProblemsWithoutEndDoNotWaitForARow)
