@@ -12,7 +12,7 @@ inline orv_h264::stream_summary survey_of(const std::vector<unsigned char>& anne
 {
     namespace h264 = orv_utils_v4::h264;
     constexpr std::size_t most = h264::unit_splitter::usual_most_bytes;
-    orv_h264::stream_survey survey(most);
+    orv_h264::stream_survey survey(h264::framing::annex_b, most);
     h264::unit_splitter splitter(h264::framing::annex_b, most);
     splitter.push(annex_b.data(), annex_b.size(), survey);
     splitter.flush(survey);

@@ -10,7 +10,7 @@ namespace orv_h264 {
 exit_status info(const info_options& options)
 {
     stream_input input(options.stream);
-    stream_survey survey(input.max_unit());
+    stream_survey survey(input.framing(), input.max_unit());
     const bool any = input.read_units(survey);
     survey.finish(input.bytes_read());
     stream_summary& summary = survey.summary;

@@ -141,11 +141,13 @@ void stream_survey::row(picture_row&& row)
         sequence.offset = row.offset;
 }
 
+// Start codes and zero bytes belong to the bit stream of a NAL HRD (clause C.1); length prefixes do not.
 void stream_survey::add_seconds(const picture_row& row, const coded_picture& of)
 {
+    const std::uint64_t nal_bytes = row.unit_bytes + row.padding - prefix_size * row.units.size();
     sequence_summary* const sequence =
         of.sequence < summary.sequences.size() ? &summary.sequences[of.sequence] : nullptr;
-    nal_rate.add(row.unit_bytes + row.padding, row.duration, [&](double bits, std::uint64_t count) {
+    nal_rate.add(nal_bytes, row.duration, [&](double bits, std::uint64_t count) {
         if (sequence != nullptr)
             sequence->nal_seconds.add(sequence->sps.vui_parameters.nal_hrd_parameters, bits, count);
     });

@@ -3,6 +3,7 @@
 
 #include "encoder_text.h"
 #include "frame_totals.h"
+#include "framing.h"
 #include "group_counter.h"
 #include "layer_list.h"
 #include "picture_rows.h"
@@ -46,7 +47,10 @@ std::optional<std::uint64_t> bit_rate_of(const layer_summary& layer, const frame
 class stream_survey final : public h264::split_sink, row_sink {
 public:
     /// `most_unit_bytes` is the limit of the splitter.
-    explicit stream_survey(std::uint64_t most_unit_bytes) : rows(false, most_unit_bytes, *this) {}
+    stream_survey(h264::framing framing, std::uint64_t most_unit_bytes)
+        : prefix_size(prefix_size_of(framing)), rows(false, most_unit_bytes, *this)
+    {
+    }
 
     void unit(const h264::split_unit& unit) override;
     void gap(const h264::split_gap& gap) override;
@@ -73,6 +77,7 @@ private:
     void find_encoder(const h264::access_unit& unit);
     void add_seconds(const picture_row& row, const coded_picture& of);
 
+    unsigned prefix_size;
     picture_rows rows;
     std::size_t current = 0;                                  // of the sequences
     std::optional<h264::seq_parameter_set_data> last_further; // of the further sequence counted last
