@@ -42,11 +42,7 @@ void picture_rows::unit(const h264::split_unit& unit)
     if (unit.cut)
         problems.push_back({begin_of(unit), orv_h264::describe_cut(unit)});
     if ((unit.bytes[0] & 0x80) != 0)
-<<<<<<< HEAD
-        problems.push_back({begin_of(unit), "unit whose header has the forbidden bit set"});
-=======
         problems.push_back({begin_of(unit), "unit whose header has the forbidden bit set", 0, false});
->>>>>>> h-info
     constexpr bool not_copied = true; // nobody looks at the bytes of an access unit
     units.push({unit.bytes, unit.size, unit.offset, first_fed + fed.size() - 1}, *this, not_copied);
     tell_ready();
