@@ -363,7 +363,7 @@ TEST(Info, LayersHaveALineEach)
     const unsigned char prefix = support::header_byte(0, 14);
     coded_stream stream;
     stream.sets(coded_sps(false));
-    for (const unsigned char temporal_id : {0, 1, 1}) {
+    for (const unsigned temporal_id : {0U, 1U, 1U}) {
         stream.unit(prefix, {0x80, 0x80, static_cast<unsigned char>(temporal_id << 5 | 7)});
         stream.slice(0).aud();
     }
