@@ -8,6 +8,7 @@
 #include "info.h"
 #include "inspect.h"
 #include "messages.h"
+#include "standard_output.h"
 #include "type_set.h"
 #include "usage_error.h"
 
@@ -19,6 +20,8 @@
 #include <map>
 #include <stdexcept>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include <CLI/CLI.hpp>
 
@@ -185,6 +188,8 @@ struct command_line {
     void add_info();
     void add_convert();
     void add_avcc();
+    void add_help();
+    exit_status print_help();
 
     template <typename Options>
     void run_with(CLI::App& subcommand, exit_status (*command)(const Options&), const Options& options)
@@ -199,12 +204,13 @@ struct command_line {
     info_options info_chosen;
     convert_options convert_chosen;
     avcc_options avcc_chosen;
+    std::string help_wanted; // of this subcommand
     std::function<exit_status()> chosen;
 };
 
 command_line::command_line()
 {
-    app.set_version_flag("--version", "orv-h264 " ORV_UTILS_V4_VERSION, "Print the version and exit");
+    app.set_version_flag("-V,--version", "orv-h264 " ORV_UTILS_V4_VERSION, "Print the version and exit");
     app.require_subcommand(1);
     app.footer(std::string(help_texts::main) + help_texts::exit_statuses);
     add_info();
@@ -213,6 +219,7 @@ command_line::command_line()
     add_frames();
     add_convert();
     add_avcc();
+    add_help();
 }
 
 void command_line::add_inspect()
@@ -315,13 +322,38 @@ void command_line::add_avcc()
     run_with(record, avcc, avcc_chosen);
 }
 
+void command_line::add_help()
+{
+    CLI::App& help = *app.add_subcommand("help", "Print the help of the tool, or of a subcommand");
+    help.add_option("SUBCOMMAND", help_wanted, "Whose help; that of the tool without it")->type_name("");
+    help.footer(std::string(help_texts::help) + help_texts::exit_statuses);
+    help.callback([this] { chosen = [this] { return print_help(); }; });
+}
+
+exit_status command_line::print_help()
+{
+    const std::vector<CLI::App*> named =
+        app.get_subcommands([this](CLI::App* subcommand) { return subcommand->get_name() == help_wanted; });
+    if (named.empty() && !help_wanted.empty())
+        throw refusal(exit_usage_or_io,
+                      describe_unknown_subcommand(app, help_wanted) + "; see " + app.get_name() + " --help");
+    const CLI::App* const subcommand = named.empty() ? &app : named.front();
+    const std::string name = app.get_name() + (help_wanted.empty() ? "" : " " + help_wanted);
+    write_output(app.get_formatter()->make_help(subcommand, name, CLI::AppFormatMode::Normal));
+    return exit_clean;
+}
+
 } // namespace
 
 exit_status run_command_line(int argc, char** argv)
 {
     command_line line;
+    std::vector<std::string> words(argv + std::min(argc, 1), argv + argc);
+    if (words.size() > 1 && words[0] == "help" && !words[1].starts_with('-'))
+        words.insert(words.begin() + 1, "--"); // the parser would go on with the subcommand
+    std::reverse(words.begin(), words.end());  // as it wants them
     try {
-        line.app.parse(argc, argv);
+        line.app.parse(std::move(words));
     } catch (const CLI::ParseError& error) {
         if (error.get_exit_code() == 0) // --help and --version
             return static_cast<exit_status>(line.app.exit(error));

@@ -116,4 +116,11 @@ Examples:
   orv-h264 avcc extradata.bin
   orv-h264 avcc --json extradata.bin | jq .lengthSizeMinusOne)";
 
+constexpr const char* help =
+    R"(The same as --help, of the tool or behind a subcommand.
+
+Examples:
+  orv-h264 help
+  orv-h264 help convert)";
+
 } // namespace orv_h264::help_texts

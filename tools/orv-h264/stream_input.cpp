@@ -20,26 +20,31 @@ void refuse_other_formats(const std::string& name, const recognition& what)
 
 namespace {
 
-/// Hands on, and knows whether there was a unit.
+/// Hands on until there is enough, and knows whether there was a unit.
 class counting_sink final : public h264::split_sink {
 public:
-    explicit counting_sink(h264::split_sink& to) : next(to) {}
+    counting_sink(h264::split_sink& to, const std::function<bool()>& enough) : next(to), is_enough(enough) {}
 
     void unit(const h264::split_unit& unit) override
     {
         any = true;
-        next.unit(unit);
+        if (!done())
+            next.unit(unit);
     }
     void gap(const h264::split_gap& gap) override
     {
         any = any || gap.reason == h264::split_gap_reason::too_large;
-        next.gap(gap);
+        if (!done())
+            next.gap(gap);
     }
+    bool done() { return stopped = stopped || is_enough(); }
 
     bool any = false;
 
 private:
     h264::split_sink& next;
+    const std::function<bool()>& is_enough;
+    bool stopped = false;
 };
 
 } // namespace
@@ -72,10 +77,10 @@ h264::framing stream_input::find_framing()
 
 bool stream_input::read_units(h264::split_sink& to, const std::function<bool()>& enough)
 {
-    counting_sink counted(to);
+    counting_sink counted(to, enough);
     h264::unit_splitter splitter(frames, static_cast<std::size_t>(most));
     for (window.fill(1); window.size() != 0; window.fill(1)) {
-        if (enough())
+        if (counted.done())
             return true;
         splitter.push(window.start(), window.size(), counted);
         window.drop(window.size());

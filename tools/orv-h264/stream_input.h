@@ -50,7 +50,7 @@ public:
     /// The largest unit that is read, bytes.
     std::uint64_t max_unit() const noexcept { return most; }
 
-    /// Gives every unit and gap to `to`, in order, until the input ends or there were enough of them.
+    /// Gives every unit and gap to `to`, in order, until the input ends or there were enough of them: none behind.
     /// @return false when the input has ended without any unit
     bool read_units(
         h264::split_sink& to, const std::function<bool()>& enough = [] { return false; });

@@ -2,7 +2,7 @@
 
 _orv_h264()
 {
-    local subcommands="info inspect explain frames convert avcc"
+    local subcommands="info inspect explain frames convert avcc help"
     local framings="annexb length1 length2 length3 length4"
     local help="-h --help"
     local current=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD-1]} subcommand=${COMP_WORDS[1]} options
@@ -16,7 +16,7 @@ _orv_h264()
 
     COMPREPLY=()
     if ((COMP_CWORD == 1)); then
-        [[ $current != -* ]] || subcommands="$help --version"
+        [[ $current != -* ]] || subcommands="$help -V --version"
         mapfile -t COMPREPLY < <(compgen -W "$subcommands" -- "$current")
         return
     fi
@@ -27,8 +27,13 @@ _orv_h264()
     frames) options="--format --max-unit --split-fields --limit --json" ;;
     convert) options="--format --max-unit --to --avcc --parameter-sets" ;;
     avcc) options="--json --csv --tsv" ;;
+    help) options="" ;;
     *) return ;;
     esac
+    if [[ $subcommand == help && $current != -* ]]; then
+        mapfile -t COMPREPLY < <(compgen -W "$subcommands" -- "$current")
+        return
+    fi
     case $before in
     --format | --to)
         [[ " $options " != *" $before "* ]] || mapfile -t COMPREPLY < <(compgen -W "$framings" -- "$current")

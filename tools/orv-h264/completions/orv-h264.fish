@@ -1,6 +1,6 @@
 # Completion of orv-h264 for fish.
 
-set -l subcommands info inspect explain frames convert avcc
+set -l subcommands info inspect explain frames convert avcc help
 set -l none "not __fish_seen_subcommand_from $subcommands"
 set -l framings "annexb length1 length2 length3 length4"
 
@@ -11,8 +11,10 @@ complete -c orv-h264 -n $none -a explain -d "Tell what a byte or bit of a stream
 complete -c orv-h264 -n $none -a frames -d "List the frames of a stream"
 complete -c orv-h264 -n $none -a convert -d "Write a stream in another framing"
 complete -c orv-h264 -n $none -a avcc -d "Show an AVC decoder configuration record"
+complete -c orv-h264 -n $none -a help -d "Print the help of the tool, or of a subcommand"
+complete -c orv-h264 -n "__fish_seen_subcommand_from help" -f -a "$subcommands"
 complete -c orv-h264 -s h -l help -d "Print help and exit"
-complete -c orv-h264 -n $none -l version -d "Print the version and exit"
+complete -c orv-h264 -n $none -s V -l version -d "Print the version and exit"
 
 set -l of_info "__fish_seen_subcommand_from info"
 set -l of_inspect "__fish_seen_subcommand_from inspect"
