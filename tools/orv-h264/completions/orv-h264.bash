@@ -23,7 +23,7 @@ _orv_h264()
     case $subcommand in
     info) options="--format --max-unit --json" ;;
     inspect) options="--format --max-unit --nals --limit --only --json --tsv" ;;
-    frames) options="--format --max-unit --split-fields --limit --json" ;;
+    frames) options="--format --max-unit --fields --split-fields --output-order --limit --json --csv --tsv" ;;
     convert) options="--format --max-unit --to" ;;
     avcc) options="--json" ;;
     *) return ;;
