@@ -62,11 +62,11 @@ TEST(Frames, ShowsALineForEachFrameAndAClosingOne)
     EXPECT_EQ(
         heading +
             "      0        0            0        141  IDR         I      frame           0       0    3     0.000000"
-            "       2  AUD SPS PPS IDR\n"
+            "       2  AUD, SPS, PPS, slice IDR\n"
             "      1        1          141        117  -           I,P    frame           1       2    2     0.040000"
-            "       2  AUD slice*2\n"
+            "       2  AUD, slice*2\n"
             "      2        2          258         70  recovery 5  I      frame           2       4    2     0.080000"
-            "       2  AUD SEI slice filler*2  (last)\n"
+            "       2  AUD, SEI, slice, filler*2  (last)\n"
             "3 frames, 2 of them key frames, 328 bytes, 30 of filler, 0.120000 s, mean 21867 bit/s\n",
         result.out);
     EXPECT_EQ("", result.err);
@@ -181,7 +181,7 @@ TEST(Frames, WithoutAFieldRateThereAreNoSeconds)
 {
     const temporary_file file(coded_stream().sets(coded_sps(false, false)).idr());
     const std::string out = run_tool({"frames", file.path()}).out;
-    EXPECT_NE(std::string::npos, out.find("           -       2  SPS PPS IDR  (last)\n")) << out;
+    EXPECT_NE(std::string::npos, out.find("           -       2  SPS, PPS, slice IDR  (last)\n")) << out;
     EXPECT_NE(std::string::npos, out.find(" bytes, bit rate unknown\n")) << out;
     const auto objects = lines_of(run_tool({"frames", "--json", file.path()}).out);
     for (const char* name : {"pts", "dts", "duration"})
@@ -460,7 +460,7 @@ TEST(Frames, AUnitAboveMaxUnitBelongsToNoFrame)
     EXPECT_NE(std::string::npos, result.err.find("offset " + std::to_string(large) +
                                                  ": unit of type 1 longer than the limit of 2048 bytes"))
         << result.err;
-    EXPECT_NE(std::string::npos, result.out.find("SPS PPS IDR\n      1        1         3046 ")) << result.out;
+    EXPECT_NE(std::string::npos, result.out.find("SPS, PPS, slice IDR\n      1        1         3046 ")) << result.out;
     EXPECT_EQ(1, result.status);
 }
 
@@ -541,10 +541,10 @@ TEST(Frames, OfCountlessRunsOfUnitsTheFirst64AreShown)
     EXPECT_EQ(std::string::npos, all_out.find("...")) << all_out;
     const temporary_file more(frame_of_runs(65));
     const std::string out = run_tool({"frames", more.path()}).out;
-    EXPECT_NE(std::string::npos, out.find(" type-0 filler ...  (last)\n")) << out;
-    std::string shown = out.substr(out.find(" SPS PPS"));
-    shown.resize(shown.find(" ..."));
-    EXPECT_EQ(64, std::count(shown.begin(), shown.end(), ' '));
+    EXPECT_NE(std::string::npos, out.find(" type-0, filler, ...  (last)\n")) << out;
+    std::string shown = out.substr(out.find(" SPS, PPS"));
+    shown.resize(shown.find("..."));
+    EXPECT_EQ(64, std::count(shown.begin(), shown.end(), ','));
     EXPECT_EQ(65U, lines_of(run_tool({"frames", "--json", more.path()}).out).at(1)["nal_unit_types"].size());
 }
 

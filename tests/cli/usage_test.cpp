@@ -20,12 +20,27 @@ struct wrong_usage {
 const wrong_usage wrong_usages[] = {
     {{}, "a subcommand is required; see orv-h264 --help"},
     {{"frobnicate"}, "there is no subcommand frobnicate; see orv-h264 --help"},
-    {{"frobnicate", "--json", "-"}, "there is no option --json; see orv-h264 --help"},
+    {{"frobnicate", "--json", "-"}, "there is no subcommand frobnicate; see orv-h264 --help"},
+    {{"insp", "-"}, "there is no subcommand insp (inspect?); see orv-h264 --help"},
+    {{"information"}, "there is no subcommand information (info?); see orv-h264 --help"},
+    {{ORV_TEST_STREAMS "/pulldown32.264"},
+     "there is no subcommand " ORV_TEST_STREAMS "/pulldown32.264; info tells what a file is; see orv-h264 --help"},
     {{"--frobnicate"}, "there is no option --frobnicate; see orv-h264 --help"},
+    {{"--to", "annexb"}, "--to has to stand behind a subcommand that has it (convert); see orv-h264 --help"},
+    {{"--split-fields", "frobnicate"},
+     "--split-fields has to stand behind a subcommand that has it (frames); see orv-h264 --help"},
+    {{"help", "frobnicate"}, "there is no subcommand frobnicate; see orv-h264 --help"},
+    {{"help", "info", "inspect"}, "inspect is one argument too many; see orv-h264 help --help"},
     {{"info"}, "FILE is required; see orv-h264 info --help"},
     {{"info", "--frobnicate", "-"}, "info has no option --frobnicate; see orv-h264 info --help"},
     {{"info", "--frobnicate"}, "info has no option --frobnicate; see orv-h264 info --help"},
-    {{"info", "--to", "annexb", "-"}, "info has no option --to; see orv-h264 info --help"},
+    {{"info", "--to", "annexb", "-"}, "info has no option --to (an option of convert); see orv-h264 info --help"},
+    {{"convert", "-", "--split-fields", "-"},
+     "convert has no option --split-fields (an option of frames); see orv-h264 convert --help"},
+    {{"--split-fields", "info", "-"},
+     "info has no option --split-fields (an option of frames); see orv-h264 info --help"},
+    {{"info", "--version"}, "--version stands alone, without info; see orv-h264 info --help"},
+    {{"info", "-", "-V"}, "-V stands alone, without info; see orv-h264 info --help"},
     {{"info", "-", "more"}, "more is one argument too many; see orv-h264 info --help"},
     {{"inspect", "--limit"}, "--limit needs a value; see orv-h264 inspect --help"},
     {{"info", "--format"}, "--format needs a value; see orv-h264 info --help"},
@@ -85,6 +100,25 @@ TEST(Usage, HelpComesWithoutWhatIsRequired)
             EXPECT_EQ(result.err, "");
             EXPECT_EQ(result.status, 0);
         }
+}
+
+TEST(Usage, HelpIsASubcommandToo)
+{
+    EXPECT_EQ(run_tool({"--help"}).out, run_tool({"help"}).out);
+    for (const char* subcommand : {"info", "inspect", "frames", "convert", "avcc", "help"}) {
+        const tool_result result = run_tool({"help", subcommand});
+        EXPECT_EQ(run_tool({subcommand, "--help"}).out, result.out);
+        EXPECT_EQ(result.err, "");
+        EXPECT_EQ(result.status, 0);
+    }
+}
+
+TEST(Usage, TheVersionHasAShortOption)
+{
+    const tool_result result = run_tool({"-V"});
+    EXPECT_EQ("orv-h264 " ORV_TEST_VERSION "\n", result.out);
+    EXPECT_EQ(run_tool({"--version"}).out, result.out);
+    EXPECT_EQ(0, result.status);
 }
 
 TEST(Usage, ASizeMayHaveASuffix)

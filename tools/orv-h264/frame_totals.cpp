@@ -24,17 +24,6 @@ void frame_totals::add(const picture_row& row)
     timed_unit_bytes += row.duration ? row.unit_bytes : 0;
 }
 
-void frame_totals::add(const frame& f)
-{
-    picture_row row;
-    row.picture = row_count;
-    row.idr = f.key();
-    row.coded_pictures = f.coded_pictures;
-    row.size = row.unit_bytes = f.size;
-    row.duration = f.duration;
-    add(row);
-}
-
 void frame_totals::add_key()
 {
     const std::uint64_t place = picture_count - 1;

@@ -2,7 +2,6 @@
 #pragma once
 
 #include "bit_rate_meter.h"
-#include "frame_finder.h"
 #include "picture_rows.h"
 
 #include <cstdint>
@@ -14,7 +13,6 @@ class frame_totals {
 public:
     /// Takes the next row; two fields of a picture come one after the other.
     void add(const picture_row& row);
-    void add(const frame& f);
 
     /// Rows: frames, or fields.
     std::uint64_t frames() const noexcept { return row_count; }

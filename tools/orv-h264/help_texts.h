@@ -87,16 +87,25 @@ Examples:
 
 constexpr const char* convert =
     R"(Writes every NAL unit of IN to OUT in another framing: start codes (annexb) or big-endian lengths of 1 to 4
-bytes, as MP4 and Matroska have them. Payloads stay what they are; emulation-prevention bytes are written anew.
+bytes, as MP4 and Matroska have them. Units keep their bytes. From annexb to annexb start codes keep their size,
+and zero padding stays; lengths carry no padding, and what is left out is told. Behind lengths a unit may hold
+what start codes cannot carry: a start code inside gets an emulation-prevention byte and is told, zeros at the
+end get the byte 03, a lone zero is left out and told. A unit with its forbidden bit set is carried and told.
 OUT appears when it is complete, and replaces what was there; - is the standard output. A unit that cannot be
-carried (longer than its prefix can tell, larger than --max-unit, its forbidden bit set) stops the conversion,
-and OUT is left as it was; so does an input without any unit. Bytes that belong to no unit are reported and
-left out.
+carried (longer than its prefix can tell, larger than --max-unit) stops the conversion, and OUT is left as it
+was; so does an input without any unit. Bytes that belong to no unit are reported and left out.
+
+--avcc writes the decoder configuration record (ISO/IEC 14496-15, the payload of the box avcC) of the parameter
+sets of IN, with the length of --to, or of 4 bytes. --parameter-sets reads such a record, or a whole box, and puts
+the parameter sets in force before the first picture and each IDR picture that does not carry its own.
 
 Examples:
   orv-h264 convert movie.264 movie.avc --to length4
-  orv-h264 convert movie.avc movie.264 --format length4 --to annexb
-  orv-h264 convert movie.264 - --to length4 | muxer)";
+  orv-h264 convert movie.avc movie.264 --to annexb
+  orv-h264 convert movie.264 - --to length4 | muxer
+  orv-h264 convert movie.264 movie.avc --to length4 --avcc extradata.bin
+  orv-h264 convert movie.264 --avcc extradata.bin
+  orv-h264 convert sample.bin movie.264 --to annexb --parameter-sets extradata.bin)";
 
 constexpr const char* avcc =
     R"(FILE holds an AVC decoder configuration record (ISO/IEC 14496-15), the payload of the box avcC of an MP4 file or
@@ -106,5 +115,12 @@ members of the record and the fields of its parameter sets.
 Examples:
   orv-h264 avcc extradata.bin
   orv-h264 avcc --json extradata.bin | jq .lengthSizeMinusOne)";
+
+constexpr const char* help =
+    R"(The same as --help, of the tool or behind a subcommand.
+
+Examples:
+  orv-h264 help
+  orv-h264 help convert)";
 
 } // namespace orv_h264::help_texts

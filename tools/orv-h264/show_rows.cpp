@@ -68,12 +68,12 @@ std::string units_text(const picture_row& row)
     const std::vector<unit_run> runs = unit_runs(row);
     std::string text;
     for (std::size_t i = 0; i < std::min(runs.size(), most_shown); ++i) {
-        text += text.empty() ? "" : " ";
+        text += text.empty() ? "" : ", ";
         text += short_unit_name(static_cast<brenik::h264_nal_unit_type>(runs[i].type));
         if (runs[i].count > 1)
             text += fmt::format("*{}", runs[i].count);
     }
-    return runs.size() > most_shown ? text + " ..." : text;
+    return runs.size() > most_shown ? text + ", ..." : text;
 }
 
 std::string layer_text(const row_layer& layer)
