@@ -25,10 +25,8 @@ void unit_run::unit(const h264::split_unit& u)
     const listed_unit whole = {place, u.framing_size};
     if (u.cut)
         complain(&whole, begin_of(u), describe_cut(u), true);
-    if (unread()) {
-        first_waiting = units;
+    if (unread())
         return take(whole, nullptr);
-    }
     framing_sizes.push_back(u.framing_size);
     stream.push(place, *this);
 }

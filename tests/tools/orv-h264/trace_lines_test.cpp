@@ -142,10 +142,6 @@ TEST(TraceLines, ARunHasItsFirstAndLastIndexAndOneByteIsANumber)
 {
     EXPECT_EQ(line_of_bytes({200}), "    x[1] 200\n");
     EXPECT_EQ(line_of_bytes({200, 1}), "    x[1] to [2] c8 01\n");
-    const std::vector<unsigned char> two = {1, 2};
-    trace_lines lines(false);
-    lines.bytes(shown(told::b("x", 1)), {two.data(), two.size()});
-    EXPECT_EQ(lines.text, "    x 01 02\n") << "without an index";
 }
 
 TEST(TraceLines, BytesThatAreTextAreShownAsText)
