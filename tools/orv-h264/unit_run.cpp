@@ -31,8 +31,11 @@ void unit_run::unit(const h264::split_unit& u)
     const listed_unit whole = {place, u.framing_size};
     if (u.cut)
         complain(&whole, begin_of(u), describe_cut(u), true);
-    if (unread())
+    if (unread()) {
+        if ((u.bytes[0] & 0x80U) != 0)
+            complain(&whole, begin_of(u), forbidden_bit, true);
         return take(whole, nullptr);
+    }
     framing_sizes.push_back(u.framing_size);
     stream.push(place, *this);
 }
