@@ -153,7 +153,7 @@ TEST(Inspect, AFindingIsToldAndTheStatusStays)
     const tool_result result = run_tool({"inspect", "--json", "--limit", "1", file.path()});
     EXPECT_NE(result.err.find(": offset 0: reserved_zero_2bits 3 at bit 22: outside of 0 to 0\n"), std::string::npos);
     EXPECT_NE(result.out.find(R"({"record":"finding","offset":0,)"), std::string::npos) << result.out;
-    const temporary_file sound(stream_builder().annexb_unit(support::header_byte(0, 24), {1}));
+    const temporary_file sound(stream_builder().annexb_unit(aud, {0x30}).annexb_unit(support::header_byte(0, 24), {1}));
     EXPECT_EQ(run_tool({"inspect", sound.path()}).status, 0);
 }
 

@@ -63,9 +63,10 @@ INSTANTIATE_TEST_SUITE_P(Subcommands, RecognitionOfStreams, testing::Values("ins
 
 TEST_P(Recognition, NamesOtherFormatsAndRefusesThemWithStatus3)
 {
-    expect_refused(hevc, 3, "this is HEVC video, not H.264");
+    const std::string advice = GetParam() == "avcc" ? "" : "; if it is, name its framing with --format";
+    expect_refused(hevc, 3, "this is HEVC video, not H.264" + advice);
     expect_refused(mp4, 3, "this is MP4; take the H.264 stream out of it first");
-    expect_refused({'f', 'L', 'a', 'C', 0, 0, 0, 34}, 3, "this is FLAC audio, not H.264");
+    expect_refused({'f', 'L', 'a', 'C', 0, 0, 0, 34}, 3, "this is FLAC audio, not H.264" + advice);
 }
 
 TEST_P(RecognitionOfStreams, TheFramingThatIsToldIsTaken)
@@ -80,7 +81,7 @@ TEST_P(RecognitionOfStreams, TheFramingThatIsToldIsTaken)
 
 TEST_P(RecognitionOfStreams, ARecordIsForAvcc)
 {
-    expect_refused(record, 2, "this is a decoder configuration record; see orv-h264 avcc");
+    expect_refused(record, 2, "this is a decoder configuration record, no stream; orv-h264 avcc shows it");
 }
 
 TEST_P(RecognitionOfStreams, WhatIsNotRecognisedMayBeTold)

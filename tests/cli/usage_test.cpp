@@ -45,7 +45,6 @@ const wrong_usage wrong_usages[] = {
     {{"inspect", "--limit"}, "--limit needs a value; see orv-h264 inspect --help"},
     {{"info", "--format"}, "--format needs a value; see orv-h264 info --help"},
     {{"inspect", "--limit", "3", "--limit", "4", "-"}, "--limit is given more than once; see orv-h264 inspect --help"},
-    {{"inspect", "--only", "7", "--only=8", "-"}, "--only is given more than once; see orv-h264 inspect --help"},
     {{"info", "--max-unit", "1K", "--max-unit", "1K", "-"},
      "--max-unit is given more than once; see orv-h264 info --help"},
     {{"info", "--format", "annexb", "-", "--format", "annexb"},
@@ -62,7 +61,9 @@ const wrong_usage wrong_usages[] = {
     {{"inspect", "--limit", "-1", "-"}, "--limit: '-1' is no number; see orv-h264 inspect --help"},
     {{"inspect", "--limit", "0x10", "-"}, "--limit: '0x10' is no number; see orv-h264 inspect --help"},
     {{"frames", "--limit", "many", "-"}, "--limit: 'many' is no number; see orv-h264 frames --help"},
-    {{"inspect", "--only", "32", "-"}, "--only: '32' is no NAL unit type (0 to 31); see orv-h264 inspect --help"},
+    {{"inspect", "--only", "32", "-"},
+     "--only: '32' is no NAL unit type (0 to 31, or one of slice, idr, partition, sei, sps, pps, aud, end, filler, "
+     "sps-ext, prefix, subset-sps, dps, auxiliary, extension); see orv-h264 inspect --help"},
     {{"inspect", "--max-unit", "x", "-"},
      "--max-unit: 'x' is no size (for example 500000, 64M or 1G); see orv-h264 inspect --help"},
     {{"inspect", "--max-unit", "-5", "-"},

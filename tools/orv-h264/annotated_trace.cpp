@@ -79,6 +79,7 @@ constexpr std::string_view repeated_elements[] = {
     "vsp_param.disparity_diff_oji", // its indices do not rise
     "vsp_param.disparity_diff_wji",
 };
+static_assert(std::is_sorted(std::begin(repeated_elements), std::end(repeated_elements)));
 
 /// Structures that one structure may have several of.
 constexpr std::string_view repeated_structures[] = {
@@ -91,6 +92,7 @@ constexpr std::string_view repeated_structures[] = {
     "scaling_list",
     "sei_message",
 };
+static_assert(std::is_sorted(std::begin(repeated_structures), std::end(repeated_structures)));
 
 /// The entries of a scaling list from its deltas, H.264 7.3.2.1.1.1.
 std::string scaling_list(const std::vector<std::int64_t>& deltas, std::size_t size)
@@ -114,7 +116,7 @@ std::string scaling_list(const std::vector<std::int64_t>& deltas, std::size_t si
 
 bool has_fixed_patterns_alone(std::string_view structure)
 {
-    return structure == "rbsp_trailing_bits" || structure.starts_with("slice_data");
+    return structure == "rbsp_trailing_bits" || structure == "slice_data" || structure.starts_with("slice_data_in_");
 }
 
 } // namespace
@@ -134,6 +136,8 @@ void annotated_trace::begin(const h264::unit_place& place)
 {
     place_of.begin(place);
     path.clear();
+    first_byte.reset();
+    run.clear();
     out_of_memory = false;
 }
 
@@ -153,9 +157,9 @@ void annotated_trace::open(const char* name)
         else if (inside("scaling_list"))
             deltas.clear();
         else if (inside("pic_timing"))
-            clock = {};
+            clocks.clear();
         else if (inside(registered_trace::structure))
-            place_of.mark();
+            begin_registered();
         unopened = !all && has_fixed_patterns_alone(name);
         if (unopened) // until one of its elements is told
             return;
@@ -170,7 +174,7 @@ void annotated_trace::close()
         if (inside("scaling_list"))
             tell_scaling_list();
         else if (inside("pic_timing"))
-            tell_clock();
+            tell_clocks();
         else if (inside(registered_trace::structure))
             tell_registration();
         if (!std::exchange(unopened, false))
@@ -219,6 +223,12 @@ void annotated_trace::tell_bytes()
     run.clear();
 }
 
+void annotated_trace::begin_registered()
+{
+    place_of.mark();
+    registered = {};
+}
+
 /// Keeps what tells whose the user data are.
 void annotated_trace::keep_registration(const h264::traced_element& first)
 {
@@ -226,7 +236,7 @@ void annotated_trace::keep_registration(const h264::traced_element& first)
     if (!inside(registered_trace::structure))
         return;
     if (first.name.name() == std::string_view("itu_t_t35_country_code"))
-        registered = {run.front(), 0, {}};
+        registered.itu_t_t35_country_code = run.front();
     else if (first.name.name() == std::string_view("itu_t_t35_payload_byte"))
         registered.itu_t_t35_payload_byte.assign(
             run.begin(), run.begin() + static_cast<std::ptrdiff_t>(std::min(enough, run.size())));
@@ -247,12 +257,12 @@ void annotated_trace::note(const h264::traced_element& e)
     } else if (name.ends_with("scaling_list_present_flag")) {
         list_size = e.name.index(0) < 6 ? 16 : 64;
     } else if (inside("pic_timing")) {
-        if (name == "clock_timestamp_flag")
-            tell_clock();
         constexpr std::string_view parts[] = {"hours_value", "minutes_value", "seconds_value", "n_frames"};
         const auto* const part = std::find(std::begin(parts), std::end(parts), name);
-        if (part != std::end(parts))
-            clock[static_cast<std::size_t>(part - parts)] = e.value;
+        if (name == "clock_timestamp_flag")
+            clocks.emplace_back();
+        else if (part != std::end(parts) && !clocks.empty())
+            clocks.back()[static_cast<std::size_t>(part - parts)] = e.value;
     }
 }
 
@@ -276,14 +286,20 @@ void annotated_trace::tell_scaling_list()
     sink.follows({"list", std::move(as_json), list == "default" ? "the default list" : list});
 }
 
-/// The time of day of a timestamp that tells all of it.
-void annotated_trace::tell_clock()
+/// The times of day of the timestamps; null of one that does not tell all of it.
+void annotated_trace::tell_clocks()
 {
-    const auto [hours, minutes, seconds, frames] = std::exchange(clock, {});
-    if (!hours || !minutes || !seconds || !frames)
-        return;
-    const std::string time = fmt::format("{:02}:{:02}:{:02}:{:02}", *hours, *minutes, *seconds, *frames);
-    sink.follows({"time", fmt::format("\"{}\"", time), time});
+    std::string as_json;
+    std::string text;
+    for (const auto& [hours, minutes, seconds, frames] : clocks) {
+        const bool whole = hours && minutes && seconds && frames;
+        const std::string time =
+            whole ? fmt::format("{:02}:{:02}:{:02}:{:02}", *hours, *minutes, *seconds, *frames) : "";
+        as_json += (as_json.empty() ? "" : ",") + (whole ? '"' + time + '"' : "null");
+        text += (text.empty() || !whole ? "" : ", ") + time;
+    }
+    if (!text.empty())
+        sink.follows({"time", '[' + as_json + ']', text});
 }
 
 /// Who the user data are registered for, where it is known.

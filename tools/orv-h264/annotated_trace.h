@@ -85,7 +85,8 @@ private:
     void note(const h264::traced_element& element);
     std::string heading_of_message();
     void tell_scaling_list();
-    void tell_clock();
+    void tell_clocks();
+    void begin_registered();
     void keep_registration(const h264::traced_element& first);
     void tell_registration();
     bool inside(std::string_view structure) const { return !path.empty() && path.back() == structure; }
@@ -104,7 +105,7 @@ private:
     h264::user_data_registered_itu_t_t35 registered; // as much as its name hangs on
     std::vector<std::int64_t> deltas;                // of a scaling list
     std::size_t list_size = 16;
-    std::array<std::optional<std::int64_t>, 4> clock; // hours, minutes, seconds and frames of a timestamp
+    std::vector<std::array<std::optional<std::int64_t>, 4>> clocks; // hours, minutes, seconds, frames of timestamps
 };
 
 /// The structure may have several elements of the name, and no index in the standard tells them apart.

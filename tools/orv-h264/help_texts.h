@@ -52,17 +52,29 @@ Examples:
   orv-h264 explain --json movie.264 10 | jq '.elements[].name')";
 
 constexpr const char* frames =
-    R"(Each line tells of one frame: its number, the byte offset of its first unit, its size, whether decoding can
-begin there (IDR, or a recovery point SEI message), the types of its slices, how many fields long it is shown,
-the same in seconds where the parameter sets tell the field rate, and the units that it holds. The closing line
-adds up. A frame is a picture with the units that lead to it, as H.264 7.4.1.2.4 tells pictures apart; what holds
-no slice is no frame. Frames stand in decoding order; --json also has their number in output order and their
-picture order count. The two fields of a frame stay together unless --split-fields is given. The last frame ends
-with the input. The peak bit rate is that of the fullest second, counted from the start.
+    R"(Each line tells of one picture: its number in decoding order, its place in output order, the byte offset of its
+first unit, its size, whether decoding can begin there (IDR, or a recovery point SEI message with its count), the
+types of its slices, its structure (frame, MBAFF, top, bottom, or fields for two of them), frame_num, picture
+order count, nal_ref_idc, when it is shown in seconds, for how many fields, its units, and the layers or views
+where there are any. The closing line adds up what is shown. A picture is told from the next one as H.264
+7.4.1.2.4 says, with the units that lead to it; what holds no slice is no frame.
+
+The size goes to the end of the last unit. Zero bytes that belong to no unit, between its units and behind them,
+are padding; filler data units and the payloads of filler payload messages are filler, which is part of the size.
+Times come from buffering periods and picture timing, or else from the rate that the parameter sets tell. The
+mean bit rate is that of units and padding over the time of the frames that are timed; the peak is that of the
+fullest second, counted from the start. Where the place in output order comes only behind 1,024 later pictures,
+it is not told.
+
+--fields makes each field a line; key pictures are counted as pictures all the same. --json has more: exact
+times, decoding times and where they come from, padding and filler, pic_struct, ids of parameter sets. --csv and
+--tsv have the members of the JSON objects as columns.
 
 Examples:
   orv-h264 frames movie.264
-  orv-h264 frames --split-fields interlaced.264
+  orv-h264 frames --output-order --limit 20 movie.264
+  orv-h264 frames --fields interlaced.264
+  orv-h264 frames --csv movie.264 | cut -d, -f2,4,5
   orv-h264 frames --json movie.264 | jq 'select(.key == true) | .offset')";
 
 constexpr const char* info =

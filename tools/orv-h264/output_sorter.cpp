@@ -27,8 +27,6 @@ void output_sorter::give_lowest()
 {
     const auto lowest = held.begin();
     next = lowest->first + 1;
-    if (lowest->first == latest)
-        latest.reset();
     for (const picture_row& row : lowest->second) {
         held_units -= row.units.size() + row.problems.size();
         to(row);

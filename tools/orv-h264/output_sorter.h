@@ -34,7 +34,7 @@ private:
     std::size_t held_rows = 0;
     std::size_t held_units = 0; // theirs, and their problems
     std::uint64_t next = 0;
-    std::optional<std::uint64_t> latest; // where the latest row is held: what comes may stand behind it
+    std::optional<std::uint64_t> latest; // output number: what comes may belong to it
 };
 
 } // namespace orv_h264

@@ -10,12 +10,13 @@
 
 namespace orv_h264 {
 
-void refuse_other_formats(const std::string& name, const recognition& what)
+void refuse_other_formats(const std::string& name, const recognition& what, const char* advice)
 {
-    if (what.kind == input_kind::foreign)
-        throw refusal(exit_not_supported,
-                      fmt::format("{}: this is {}{}", name, what.format.name,
-                                  what.format.holds ? "; take the H.264 stream out of it first" : ", not H.264"));
+    if (what.kind != input_kind::foreign)
+        return;
+    const std::string next =
+        what.format.holds ? "; take the H.264 stream out of it first" : fmt::format(", not H.264{}", advice);
+    throw refusal(exit_not_supported, fmt::format("{}: this is {}{}", name, what.format.name, next));
 }
 
 namespace {
@@ -64,10 +65,11 @@ stream_input::stream_input(const stream_options& options)
 h264::framing stream_input::find_framing()
 {
     const recognition what = recognise(window);
-    refuse_other_formats(file.name(), what);
+    refuse_other_formats(file.name(), what, "; if it is, name its framing with --format");
     if (what.kind == input_kind::record)
-        throw refusal(exit_usage_or_io,
-                      fmt::format("{}: this is a decoder configuration record; see orv-h264 avcc", file.name()));
+        throw refusal(
+            exit_usage_or_io,
+            fmt::format("{}: this is a decoder configuration record, no stream; orv-h264 avcc shows it", file.name()));
     if (what.kind == input_kind::unknown)
         throw refusal(exit_usage_or_io,
                       fmt::format("{}: no H.264 stream is recognised; if it is one, name its framing with --format",

@@ -31,8 +31,8 @@ public:
     exit_status status;
 };
 
-/// Throws refusal when the input that the window begins is none of H.264, but of a format that is known.
-void refuse_other_formats(const std::string& name, const recognition& what);
+/// Throws refusal when an input is of another format that is known. `advice` says what to do where that is wrong.
+void refuse_other_formats(const std::string& name, const recognition& what, const char* advice = "");
 
 class stream_input {
 public:

@@ -49,7 +49,6 @@ void json_members::put_entry(const h264::label& at, std::string_view value)
         m.text = '[';
     else // all of its lists are closed
         m.text.replace(m.text.size() - (shared + 1), shared + 1, ",");
-    m.depth = depth;
     for (unsigned i = shared; i < depth; ++i) {
         const std::uint32_t from = i == shared ? m.end[i] : 0;
         for (std::uint32_t missing = from; missing < at.index(i); ++missing)

@@ -32,8 +32,7 @@ private:
     struct member {
         std::string_view name;
         std::string text;
-        unsigned depth = 0;                    // of the array, 0 where it is none
-        std::array<std::uint32_t, 4> end = {}; // where the next entry belongs
+        std::array<std::uint32_t, 4> end = {}; // of an array: where its next entry belongs
     };
 
     member& find(std::string_view name);

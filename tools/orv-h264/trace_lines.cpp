@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <optional>
 
 #include <fmt/compile.h>
 #include <fmt/format.h>
@@ -18,22 +19,22 @@ namespace {
 constexpr std::size_t most_hex_bytes = 16;
 constexpr std::size_t most_text_bytes = 1024;
 
-/// What the bytes say where they are text (the zero that ends a string aside), or "".
-std::string_view text_in(byte_span bytes)
+/// What the bytes say where they are text, the zero that ends a string aside.
+std::optional<std::string_view> text_in(byte_span bytes)
 {
     const byte_span string = bytes.first(bytes.size() - (!bytes.empty() && bytes.back() == 0 ? 1 : 0));
     const auto stands_for_itself = [](unsigned char c) { return c >= ' ' && c <= '~'; };
     if (!std::all_of(string.begin(), string.end(), stands_for_itself))
-        return "";
-    return {reinterpret_cast<const char*>(string.data()), string.size()};
+        return std::nullopt;
+    return std::string_view(reinterpret_cast<const char*>(string.data()), string.size());
 }
 
 std::string shown_bytes(byte_span bytes)
 {
-    const std::string_view text = text_in(bytes);
-    if (text.empty())
+    const std::optional<std::string_view> text = text_in(bytes);
+    if (!text)
         return hex_start(bytes);
-    return fmt::format("\"{}\"{}", text.substr(0, most_text_bytes), text.size() > most_text_bytes ? " ..." : "");
+    return fmt::format("\"{}\"{}", text->substr(0, most_text_bytes), text->size() > most_text_bytes ? " ..." : "");
 }
 
 /// 8-4-4-4-12 hex digits.

@@ -37,7 +37,7 @@ public:
 protected:
     /// Nothing that comes is taken or complained of any more.
     virtual bool enough() const = 0;
-    /// The unit is not read, but taken as it is.
+    /// Units are not read, but taken as they are: all of them or none.
     virtual bool unread() const { return false; }
     /// The unit is about to be read, its elements are told to the visitor that is returned; or null.
     virtual h264::visitor* before(const listed_unit& unit) = 0;

@@ -8,7 +8,6 @@
 #include <span>
 
 #include <fmt/format.h>
-#include <fmt/ranges.h>
 
 namespace orv_h264 {
 
@@ -339,6 +338,7 @@ constexpr element_words all_words[] = {
     {"video_full_range_flag", video_full_range_flag_words},
     {"weighted_bipred_idc", weighted_bipred_idc_words},
 };
+static_assert(std::ranges::is_sorted(all_words, {}, &element_words::element));
 
 std::string in_seconds(std::int64_t ticks_90khz)
 {
@@ -366,12 +366,9 @@ std::string words_of_bytes(const orv_utils_v4::h264::traced_element& e)
 
 std::string words_of(std::string_view element, std::int64_t value)
 {
-    const auto* const found =
-        std::lower_bound(std::begin(all_words), std::end(all_words), element,
-                         [](const element_words& row, std::string_view name) { return row.element < name; });
+    const auto* const found = std::ranges::lower_bound(all_words, element, {}, &element_words::element);
     if (found != std::end(all_words) && found->element == element) {
-        const auto row =
-            std::find_if(found->words.begin(), found->words.end(), [value](const word& w) { return w.value == value; });
+        const auto row = std::ranges::find(found->words, value, &word::value);
         return row == found->words.end() ? "" : row->text;
     }
     if (element == "itu_t_t35_country_code")
@@ -381,6 +378,14 @@ std::string words_of(std::string_view element, std::int64_t value)
     if (element.starts_with("initial_cpb_removal_delay") && !element.ends_with("length_minus1"))
         return in_seconds(value);
     return "";
+}
+
+std::vector<std::string_view> elements_with_words()
+{
+    std::vector<std::string_view> elements;
+    for (const element_words& row : all_words)
+        elements.push_back(row.element);
+    return elements;
 }
 
 std::string words_of(const orv_utils_v4::h264::traced_element& e)

@@ -123,7 +123,7 @@ TEST(Names, EveryUnitTypeHasAWord)
     for (unsigned int type = 0; type < 32; ++type)
         words.insert(orv_h264::short_unit_name(static_cast<brenik::h264_nal_unit_type>(type)));
     EXPECT_EQ(words.size(), 32U) << "each another";
-    EXPECT_TRUE(words.contains("IDR"));
+    EXPECT_TRUE(words.contains("slice IDR"));
     EXPECT_TRUE(words.contains("SPS"));
     EXPECT_TRUE(words.contains("type-24"));
 }

@@ -97,6 +97,22 @@ TEST(OutputSorter, WhatNeverComesIsNotWaitedForBeyondTheBound)
         EXPECT_EQ(i, all[i]);
 }
 
+TEST(OutputSorter, RowsThatAreGoneCountNoMore)
+{
+    sorted_rows rows;
+    constexpr std::uint64_t pairs = 2 * output_sorter::most_held_rows;
+    for (std::uint64_t i = 0; i < pairs; ++i) {
+        rows.add(2 * i + 1, 2 * i, output_sorter::most_held_units / 100);
+        rows.add(2 * i, 2 * i + 1);
+    }
+    const numbers all = rows.finish();
+    ASSERT_EQ(2 * pairs, all.size());
+    for (std::uint64_t i = 0; i < pairs; ++i) {
+        EXPECT_EQ(2 * i + 1, all[2 * i]);
+        EXPECT_EQ(2 * i, all[2 * i + 1]);
+    }
+}
+
 TEST(OutputSorter, UnitsOfRowsThatAreHeldAreBounded)
 {
     sorted_rows rows;

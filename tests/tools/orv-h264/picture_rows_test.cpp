@@ -183,6 +183,25 @@ TEST(PictureRows, UnitsOfRowsThatWaitAreBounded)
     EXPECT_LT(units, picture_rows::most_waiting_units + 30000);
 }
 
+TEST(PictureRows, UnitsOfRowsThatAreToldCountNoMore)
+{
+    coded_stream stream;
+    stream.sets(counted_sps());
+    add_counted(stream, 0, 0, support::idr_slice);
+    for (std::uint32_t i = 0; i < 30; ++i) {
+        add_counted(stream, (i + 1) % 16, 4 * (i + 1) % 16, 0x41);
+        add_counted(stream, (i + 2) % 16, (4 * i + 2) % 16, 0x01);
+        for (std::size_t k = 0; k < picture_rows::most_waiting_units / 25; ++k)
+            stream.filler(1);
+    }
+    const auto rows = rows_of(stream);
+    ASSERT_EQ(61U, rows.size());
+    for (const picture_row& row : rows)
+        EXPECT_FALSE(row.given_up) << row.number;
+    EXPECT_EQ(60U, rows[59].output_number);
+    EXPECT_EQ(59U, rows[60].output_number);
+}
+
 TEST(PictureRows, ARowOfTooManyUnitsIsCut)
 {
     coded_stream stream;
@@ -270,6 +289,7 @@ TEST(PictureRows, ProblemsComeWithTheRowTheyLieInOrTheNextOne)
     EXPECT_EQ(0U, rows[1].problems[1].bytes);
     ASSERT_EQ(1U, told.left.size());
     EXPECT_EQ(3 + last, told.left[0].offset);
+    EXPECT_EQ(0U, rows[0].padding) << "what is lost is no padding";
     for (const auto& row : rows)
         for (const auto& problem : row.problems)
             EXPECT_FALSE(problem.finding) << problem.message;

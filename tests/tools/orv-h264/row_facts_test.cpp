@@ -212,3 +212,27 @@ TEST(RowFacts, LayersAreToldOnceEachAndTheBaseWithThem)
         EXPECT_EQ(views[i], rows[0].layers[i].what.view_id);
     }
 }
+
+TEST(RowFacts, ABaseLayerOfWhichNothingTellsIsOneOfTheOthersKind)
+{
+    using namespace orv_utils_v4::h264;
+    made_stream stream;
+    stream.add_sets().add_subset_sps().add(idr());
+    slice_layer_extension_rbsp slice;
+    slice_header_in_scalable_extension header;
+    header.slice_type = 7;
+    slice.header = header;
+    nal_unit unit = unit_of(20, slice);
+    unit.header.svc_extension_flag = true;
+    unit.header.nal_unit_header_svc_extension.dependency_id = 1;
+    unit.header.nal_unit_header_svc_extension.quality_id = 2;
+    unit.header.nal_unit_header_svc_extension.idr_flag = true;
+    const auto rows = support::rows_of(stream.add(unit).bytes);
+    ASSERT_EQ(1U, rows.size());
+    ASSERT_EQ(2U, rows[0].layers.size());
+    for (std::uint8_t i = 0; i < 2; ++i) {
+        EXPECT_TRUE(rows[0].layers[i].scalable);
+        EXPECT_EQ(i, rows[0].layers[i].what.dependency_id);
+        EXPECT_EQ(2 * i, rows[0].layers[i].what.quality_id);
+    }
+}

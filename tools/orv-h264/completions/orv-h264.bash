@@ -24,7 +24,7 @@ _orv_h264()
     info) options="--format --max-unit --json" ;;
     inspect) options="--format --max-unit --nals --limit --only --positions --long-names --json --csv --tsv" ;;
     explain) options="--format --max-unit --json --csv --tsv" ;;
-    frames) options="--format --max-unit --split-fields --limit --json" ;;
+    frames) options="--format --max-unit --fields --split-fields --output-order --limit --json --csv --tsv" ;;
     convert) options="--format --max-unit --to --avcc --parameter-sets" ;;
     avcc) options="--json --csv --tsv" ;;
     help) options="" ;;
