@@ -129,7 +129,7 @@ public:
         if (what.empty())
             take_end(input);
         object["what"] = what;
-        tell(input);
+        tell();
         return broken ? exit_broken_stream : exit_clean;
     }
 
@@ -150,7 +150,7 @@ private:
         }
         add_unit(unit);
         if (options.offset < unit.place.offset) {
-            what = unit.place.bytes == nullptr ? "" : framing_text(unit);
+            what = framing_text(unit);
             return nullptr;
         }
         if (!find_bits(unit.place)) {
@@ -218,7 +218,7 @@ private:
         if (result.failure)
             return fmt::format("not read: {}", text_of(result.failure));
         if (!is_slice(unit.type()))
-            return std::holds_alternative<std::monostate>(reading.unit.rbsp) && unit.type() != 0
+            return std::holds_alternative<std::monostate>(reading.unit.rbsp)
                        ? "payload of a unit type without a syntax in H.264"
                        : "bytes behind the trailing bits";
         const unsigned char* const end = unit.place.bytes + unit.place.size;
@@ -281,7 +281,7 @@ private:
         object["zeros_to"] = input.bytes_read();
     }
 
-    void tell(const stream_input&)
+    void tell()
     {
         if (options.format == output_format::json)
             print_json(object);

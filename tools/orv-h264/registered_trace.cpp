@@ -32,32 +32,29 @@ private:
 
 void registered_trace::open(const char* name)
 {
-    if (name == std::string_view(structure)) {
+    inside = name == std::string_view(structure); // which has no other in it
+    if (inside) {
         data = {};
-        first_bit.reset();
         whole = true;
-        depth = 1;
-    } else if (depth > 0) {
-        ++depth;
     }
     listener.open(name);
 }
 
 void registered_trace::close()
 {
-    if (depth == 1 && first_bit && whole) {
+    if (inside && whole) {
         h264::registered_user_data read;
         h264::outcome result;
-        moved_elements moved(listener, *first_bit);
+        moved_elements moved(listener, first_bit);
         trace_registered_user_data(read, data, result, moved);
     }
-    depth -= depth > 0 ? 1 : 0;
+    inside = false;
     listener.close();
 }
 
 void registered_trace::element(const h264::traced_element& e)
 {
-    if (depth == 1)
+    if (inside)
         keep(e);
     listener.element(e);
 }

@@ -26,10 +26,10 @@ private:
     void keep(const h264::traced_element& element) noexcept;
 
     h264::visitor& listener;
-    std::optional<std::uint64_t> first_bit; // of the user data that are open
-    unsigned depth = 0;                     // of the structures in it
+    bool inside = false;         // of user data
+    std::uint64_t first_bit = 0; // of their country code
     h264::user_data_registered_itu_t_t35 data;
-    bool whole = false; // all of its bytes are kept
+    bool whole = false; // all of their bytes are kept
 };
 
 /// Where bits lie in the file, asked for in rising order; or going back to a mark.
