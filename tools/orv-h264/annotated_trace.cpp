@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <new>
 #include <utility>
 
 #include <fmt/format.h>
@@ -138,13 +137,12 @@ void annotated_trace::begin(const h264::unit_place& place)
     path.clear();
     first_byte.reset();
     run.clear();
-    out_of_memory = false;
+    guarded = {};
 }
 
 void annotated_trace::end()
 {
-    if (out_of_memory)
-        throw std::bad_alloc();
+    guarded.check();
 }
 
 void annotated_trace::open(const char* name)

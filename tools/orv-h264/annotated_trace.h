@@ -2,6 +2,7 @@
 // follows from several of them. Bytes in a row are told together.
 #pragma once
 
+#include "memory_guard.h"
 #include "registered_trace.h"
 
 #include <orv-utils-v4/h264_syntax.h>
@@ -9,7 +10,6 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <new>
 #include <optional>
 #include <span>
 #include <string>
@@ -69,17 +69,6 @@ public:
     void element(const h264::traced_element& element) override;
 
 private:
-    template <class Do>
-    void guarded(Do what) noexcept
-    {
-        try {
-            if (!out_of_memory)
-                what();
-        } catch (const std::bad_alloc&) {
-            out_of_memory = true;
-        }
-    }
-
     bool is_told(const h264::traced_element& element) const;
     void tell_bytes();
     void note(const h264::traced_element& element);
@@ -93,7 +82,7 @@ private:
 
     annotated_sink& sink;
     bool all;
-    bool out_of_memory = false;
+    memory_guard guarded;
     std::vector<std::string_view> path; // of the structures
     place_finder place_of;
     std::optional<h264::traced_element> first_byte; // of the run that goes on
