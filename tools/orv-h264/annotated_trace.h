@@ -96,10 +96,4 @@ private:
     std::vector<std::array<std::optional<std::int64_t>, 4>> clocks; // hours, minutes, seconds, frames of timestamps
 };
 
-/// The structure may have several elements of the name, and no index in the standard tells them apart.
-bool is_repeated_element(std::string_view structure, std::string_view element);
-
-/// A structure may have several of this name in it.
-bool is_repeated_structure(std::string_view structure);
-
 } // namespace orv_h264
