@@ -1,7 +1,7 @@
 // Prints the JSON schema of what units hold, as the texts of the syntax library make it: units of every kind are made
 // up and traced until nothing new comes. What the tool knows of elements without an index of their own is held against
 // the same units: its output hangs on it.
-#include "annotated_trace.h"
+#include "repeated_names.h"
 #include "support/unit_maker.h"
 
 #include <algorithm>

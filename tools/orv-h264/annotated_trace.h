@@ -2,6 +2,7 @@
 // follows from several of them. Bytes in a row are told together.
 #pragma once
 
+#include "memory_guard.h"
 #include "registered_trace.h"
 
 #include <orv-utils-v4/h264_syntax.h>
@@ -9,7 +10,6 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <new>
 #include <optional>
 #include <span>
 #include <string>
@@ -69,17 +69,6 @@ public:
     void element(const h264::traced_element& element) override;
 
 private:
-    template <class Do>
-    void guarded(Do what) noexcept
-    {
-        try {
-            if (!out_of_memory)
-                what();
-        } catch (const std::bad_alloc&) {
-            out_of_memory = true;
-        }
-    }
-
     bool is_told(const h264::traced_element& element) const;
     void tell_bytes();
     void note(const h264::traced_element& element);
@@ -94,7 +83,7 @@ private:
     annotated_sink& sink;
     bool all;
     bool unopened = false; // the innermost structure is one of fixed patterns, and the sink does not know of it
-    bool out_of_memory = false;
+    memory_guard guarded;
     std::vector<std::string_view> path; // of the structures
     place_finder place_of;
     std::optional<h264::traced_element> first_byte; // of the run that goes on
@@ -107,11 +96,5 @@ private:
     std::size_t list_size = 16;
     std::vector<std::array<std::optional<std::int64_t>, 4>> clocks; // hours, minutes, seconds, frames of timestamps
 };
-
-/// The structure may have several elements of the name, and no index in the standard tells them apart.
-bool is_repeated_element(std::string_view structure, std::string_view element);
-
-/// A structure may have several of this name in it.
-bool is_repeated_structure(std::string_view structure);
 
 } // namespace orv_h264

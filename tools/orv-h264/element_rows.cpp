@@ -4,7 +4,6 @@
 #include "standard_output.h"
 
 #include <algorithm>
-#include <new>
 
 namespace orv_h264 {
 
@@ -29,9 +28,11 @@ void element_rows::begin(const h264::unit_place& place)
 
 void element_rows::open(const char* name)
 {
-    if (!path.empty())
-        path += '.';
-    path += name;
+    guarded([&] {
+        if (!path.empty())
+            path += '.';
+        path += name;
+    });
 }
 
 void element_rows::close()
@@ -42,8 +43,7 @@ void element_rows::close()
 
 void element_rows::end()
 {
-    if (out_of_memory)
-        throw std::bad_alloc();
+    guarded.check();
 }
 
 void element_rows::element(const h264::traced_element& e)
@@ -53,11 +53,7 @@ void element_rows::element(const h264::traced_element& e)
         put_output(text);
         text.clear();
     }
-    try {
-        add_row(e);
-    } catch (const std::bad_alloc&) {
-        out_of_memory = true;
-    }
+    guarded([&] { add_row(e); });
 }
 
 void element_rows::add_row(const h264::traced_element& e)

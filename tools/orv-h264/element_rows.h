@@ -1,6 +1,8 @@
 // The elements of a unit as lines of columns.
 #pragma once
 
+#include "memory_guard.h"
+
 #include <orv-utils-v4/h264_syntax.h>
 
 #include <cstddef>
@@ -34,7 +36,7 @@ private:
     void add_row(const h264::traced_element& element);
 
     char tab = '\t';
-    bool out_of_memory = false;
+    memory_guard guarded;
     std::optional<h264::byte_map> raw_bytes;
     std::string unit_columns; // what all lines of the unit begin with
     std::string path;         // of the structures

@@ -3,6 +3,7 @@
 #include "element_text.h"
 #include "json_output.h"
 #include "loss_texts.h"
+#include "memory_guard.h"
 #include "names.h"
 #include "registered_trace.h"
 #include "table_output.h"
@@ -62,15 +63,32 @@ public:
         bits = wanted;
     }
 
+    /// Throws std::bad_alloc when memory ran out on the way.
+    void end() const { guarded.check(); }
+
     void open(const char* name) override
     {
-        path.emplace_back(name);
-        if (path.back() == registered_trace::structure)
-            place_of.mark();
+        guarded([&] {
+            path.emplace_back(name);
+            if (path.back() == registered_trace::structure)
+                place_of.mark();
+        });
     }
-    void close() override { path.pop_back(); }
-
+    void close() override
+    {
+        guarded([&] { path.pop_back(); });
+    }
     void element(const h264::traced_element& e) override
+    {
+        guarded([&] { add(e); });
+    }
+
+    std::deque<placed_element> before;
+    std::vector<placed_element> hits;
+    std::vector<placed_element> after;
+
+private:
+    void add(const h264::traced_element& e)
     {
         if (e.bit > bits.last) {
             if (after.size() < most_around)
@@ -84,11 +102,6 @@ public:
         }
     }
 
-    std::deque<placed_element> before;
-    std::vector<placed_element> hits;
-    std::vector<placed_element> after;
-
-private:
     placed_element placed(const h264::traced_element& e)
     {
         placed_element p;
@@ -106,6 +119,7 @@ private:
         return p;
     }
 
+    memory_guard guarded;
     place_finder place_of;
     bit_range bits;
     std::vector<std::string_view> path;
@@ -166,6 +180,7 @@ private:
     {
         if (!found)
             return;
+        found->end();
         const bool read = !found->hits.empty();
         what = read ? "syntax element" : unread_text(unit, *reading);
         if (read)

@@ -2,6 +2,7 @@
 
 #include "element_text.h"
 #include "json_output.h"
+#include "repeated_names.h"
 
 #include <algorithm>
 #include <utility>

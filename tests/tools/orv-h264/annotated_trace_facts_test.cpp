@@ -87,10 +87,10 @@ TEST(AnnotatedTraceFacts, FromTheSeventhFlagOnListsHave64Entries)
     noted_trace t;
     t.trace.open("seq_parameter_set_data");
     tell_list(t.trace, 6, {0, -8});
-    tell_list(t.trace, 5, {0, -8});
+    tell_list(t.trace, 5, {1, -9});
     t.trace.element(told::u(1, {"pic_scaling_list_present_flag", 11}, 1));
-    tell_list(t.trace, {0, -8});
-    EXPECT_EQ(facts_of(t), (lines{json_list(64, "8"), json_list(16, "8"), json_list(64, "8")}));
+    tell_list(t.trace, {2, -10});
+    EXPECT_EQ(facts_of(t), (lines{json_list(64, "8"), json_list(16, "9"), json_list(64, "10")}));
 }
 
 TEST(AnnotatedTraceFacts, NothingIsSaidOfAListThatIsCut)

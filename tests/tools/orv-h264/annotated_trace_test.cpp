@@ -81,7 +81,8 @@ TEST(AnnotatedTrace, StructuresOfFixedPatternsAloneAreHiddenAndWhatIsWrongInThem
         t.trace.element(told::f("bit", 1, 0));
         t.trace.close();
         t.trace.close();
-        EXPECT_EQ(t.notes.lines, (lines{"x {", "bit 1", "}"})) << name;
+        EXPECT_EQ(t.notes.lines, (lines{"x {", std::string(name) + " {", "bit 1", "}", "}"}))
+            << name;
     }
     noted_trace all(true);
     all.trace.open("rbsp_trailing_bits");
@@ -241,23 +242,6 @@ TEST(AnnotatedTrace, ARunOfAUnitThatFoundNoMemoryIsNotToldInTheNext)
     trace.element(told::b("payload_byte", 2));
     trace.close();
     EXPECT_EQ(sink.lines, (lines{"x {", "payload_byte: 1 bytes"}));
-}
-
-TEST(AnnotatedTrace, RepeatedElementsAreKnownByTheirStructure)
-{
-    EXPECT_TRUE(orv_h264::is_repeated_element("annotated_regions", "ar_bit_equal_to_zero"));
-    EXPECT_TRUE(orv_h264::is_repeated_element("pic_timing", "hours_value"));
-    EXPECT_TRUE(orv_h264::is_repeated_element("vsp_param", "disparity_diff_wji"));
-    EXPECT_FALSE(orv_h264::is_repeated_element("pic_timing", "clock_timestamp_flag"));
-    EXPECT_FALSE(orv_h264::is_repeated_element("buffering_period", "hours_value"));
-    EXPECT_FALSE(orv_h264::is_repeated_element("", ""));
-}
-
-TEST(AnnotatedTrace, RepeatedStructuresAreKnown)
-{
-    EXPECT_TRUE(orv_h264::is_repeated_structure("3dv_acquisition_element"));
-    EXPECT_TRUE(orv_h264::is_repeated_structure("sei_message"));
-    EXPECT_FALSE(orv_h264::is_repeated_structure("sei_payload"));
 }
 
 } // namespace
