@@ -349,6 +349,9 @@ access_unit_part access_units::state::part_of(const unit_reading& reading, unit_
     part.role = role;
     part.header = reading.unit.header;
     part.failure = reading.result.failure;
+    part.ending = reading.result.ending;
+    part.finding_count = reading.result.finding_count;
+    part.first_finding = reading.result.findings.empty() ? finding() : reading.result.findings[0];
     if ((role == unit_role::primary || role == unit_role::redundant) && !current.parts.empty() &&
         current.parts.back().role == unit_role::prefix)
         take_extension(part, current.parts.back().header);

@@ -13,6 +13,13 @@ namespace orv_h264 {
 
 namespace {
 
+/// The first value outside of its range, and how many there are.
+std::string text_of_findings(const h264::access_unit_part& part)
+{
+    const std::string first = text_of(part.first_finding);
+    return part.finding_count == 1 ? first : fmt::format("{}, and {} further values", first, part.finding_count - 1);
+}
+
 bool is_before(const row_problem& a, const row_problem& b)
 {
     return a.offset < b.offset;
@@ -132,13 +139,21 @@ void picture_rows::add_units(picture_row& row, const h264::access_unit& unit)
     end_is_open = unit.parts.back().place.number + 1 == first_fed + fed.size();
 }
 
-/// Failures of its units; what is odd about an access unit without a picture.
+/// Failures of its units, wrong endings and values outside of their ranges; what is odd about an access unit without a
+/// picture.
 std::vector<row_problem> picture_rows::problems_of(const h264::access_unit& unit) const
 {
     std::vector<row_problem> found;
-    for (const h264::access_unit_part& part : unit.parts)
+    for (const h264::access_unit_part& part : unit.parts) {
+        const bool forbidden_bit_alone = // which unit() tells
+            part.finding_count == 1 && part.first_finding.element.name() == std::string_view("forbidden_zero_bit");
+        if (part.finding_count > 0 && !forbidden_bit_alone)
+            found.push_back({fed_of(part).begin, text_of_findings(part), 0, true});
         if (part.failure)
             found.push_back({fed_of(part).begin, text_of(part.failure)});
+        else if (const std::string_view wrong = text_of(part.ending); !wrong.empty())
+            found.push_back({fed_of(part).begin, std::string(wrong)});
+    }
     if (unit.header == nullptr)
         for (std::string& text : texts_of(unit.findings))
             found.push_back({fed_of(unit.parts.front()).begin, std::move(text), 0, true});

@@ -30,7 +30,10 @@ struct access_unit_part {
     unit_place place; ///< its bytes are valid as long as the access unit
     unit_role role = unit_role::other;
     nal_unit_header header;
-    h264::failure failure; ///< of its reading
+    h264::failure failure;                       ///< of its reading
+    h264::ending ending = h264::ending::unknown; ///< what it ends with
+    std::size_t finding_count = 0;               ///< values outside of their ranges
+    finding first_finding;                       ///< of these, where there are any
     /// What it holds. Null of slices but the first one of each role, dependency and view, and where a limit is reached.
     const nal_unit* content = nullptr;
     /// Of a slice whose header tells them, as in slice_header.
