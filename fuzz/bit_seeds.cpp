@@ -88,12 +88,6 @@ const seed_table small = {
      {{"known_then_other", stream_builder().raw({17}).raw(uuid).raw({1}).raw(bytes(16, 9))},
       {"known_then_short", stream_builder().raw({16}).raw(uuid).raw(bytes(15, 9))},
       {"short_then_known", stream_builder().raw({15}).raw(bytes(15, 9)).raw(uuid)}}},
-    {"stream_walker",
-     {{"delimiter", {9, 0, 1, 0xF0}},
-      {"payloads", stream_builder().raw({6, 0, 29, 5, 18}).raw(uuid).raw({'a', 'b', 4, 1, 0xB5, 200, 0, 6, 1, 0xC4})},
-      {"payloads_that_fail", {6, 0, 15, 1, 1, 0, 0, 1, 0x28, 5, 1, 1, 2, 3, 0x80, 0x40, 0x80}},
-      {"sei_without_end", {6, 0, 6, 5, 0xFF, 0xFF, 16, 1, 2}},
-      {"slice_without_sets", {0x41, 0, 2, 0x88, 0x84}}}},
 };
 
 } // namespace

@@ -195,36 +195,6 @@ inline std::vector<sample> generations_samples()
             {{{3}, 1, written_rbsp(other_widths)}, picture, timing}};
 }
 
-inline part unit(unsigned char header, const element_writer& rbsp)
-{
-    return {{header}, 2, rbsp};
-}
-
-inline std::vector<sample> walker_samples()
-{
-    support::sps_description seq;
-    seq.log2_max_frame_num_minus4 = 5;
-    seq.log2_max_pic_order_cnt_lsb_minus4 = 2;
-    seq.vui = support::full_vui();
-    support::slice_header_description slice = support::slice_of_type(6);
-    slice.frame_num_width = 9;
-    slice.pic_order_cnt_lsb = 45;
-    slice.pic_order_cnt_lsb_width = 6;
-    support::slice_header_description long_slice = slice;
-    long_slice.ref_pic_list_modification_l0.steps->resize(80, {0, 65535});
-    support::slice_header_description idr = slice;
-    idr.slice_type = 7;
-    idr.idr_pic_id = 1;
-    const part sps = unit(support::sps, written_rbsp(seq));
-    const part pps = unit(support::pps, written_rbsp(support::pps_description()));
-    return {{sps, pps, {{0x41, 1, 44}, 0, written_rbsp(slice), bytes(300, 0x55)}},
-            {sps, pps, unit(0x41, written_rbsp(long_slice))},
-            {sps, pps, unit(0x65, written_rbsp(idr))},
-            {sps, {{6, 0, 33, 1, 30}, 0, written(support::full_pic_timing()), {0x80}}},
-            {unit(support::sps, written_rbsp(support::full_sps())),
-             unit(support::pps, written_rbsp(support::full_pps(3)))}};
-}
-
 /// By their targets.
 inline const std::map<std::string, std::vector<sample> (*)()>& sample_makers()
 {
@@ -242,7 +212,6 @@ inline const std::map<std::string, std::vector<sample> (*)()>& sample_makers()
         {"sei_pan_scan_rect", pan_scan_rect_samples},
         {"sei_pic_timing", pic_timing_samples},
         {"sei_recovery_point", recovery_point_samples},
-        {"stream_walker", walker_samples},
         {"vui_parameters", vui_samples},
     };
     return makers;

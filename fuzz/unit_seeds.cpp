@@ -62,10 +62,9 @@ void add_readers(seed_table& to, unsigned char framing)
         const std::string name = "prefix" + std::to_string(framing) + "_" + what;
         to["nal_reader"][name] = behind({nalfmt, 12, 4, 0, 1, 2, 3}, stream);
         to["legacy_nal_parser"][name] = behind({framing, 64, 11}, stream);
-        to["piece_feeder"][name] = behind({static_cast<unsigned char>(nalfmt - 1), 2, 19}, stream);
         to["unit_splitter"][name] = behind({framing, 2, 19}, stream);
         if (framing <= 2) {
-            to["syntax_unit"][name] = to["syntax_identity"][name] = behind({framing}, stream);
+            to["syntax_unit"][name] = to["syntax_identity"][name] = to["shown_units"][name] = behind({framing}, stream);
             to["pictures"][name] = behind({framing, 0, 3}, stream);
             to["syntax_edit"][name] = behind({0, 3, 1, 0, 0, 0, 0, 0, 0, 0, 5, framing}, stream);
         }
@@ -151,7 +150,6 @@ void add_unit_seeds(seed_table& to)
     const bytes units = streams_in(0).at("units");
     add_heads(to["nal_reader"], "annexb", {5, 12, 0}, units);
     add_heads(to["legacy_nal_parser"], "annexb", {0, 64, 11}, units);
-    add_heads(to["piece_feeder"], "annexb", {4, 2, 19}, units);
     add_writers(to);
     add_block_twins(to["block_twins"]);
     add_frames(to);

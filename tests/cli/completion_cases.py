@@ -6,7 +6,7 @@ import tempfile
 
 import tool_help
 
-SUBCOMMANDS = ["avcc", "convert", "frames", "info", "inspect"]
+SUBCOMMANDS = ["avcc", "convert", "frames", "help", "info", "inspect"]
 FRAMINGS = ["annexb", "length1", "length2", "length3", "length4"]
 LENGTHS = FRAMINGS[1:]
 FILES = ["movie.264", "movie.avc", "sample.bin"]
@@ -34,6 +34,10 @@ CASES = [
     ("orv-h264 convert movie.264 sa", ["sample.bin"]),
     ("orv-h264 convert --to length4 s", ["sample.bin"]),
     ("orv-h264 avcc s", ["sample.bin"]),
+    ("orv-h264 convert movie.264 --avcc s", ["sample.bin"]),
+    ("orv-h264 convert movie.264 --parameter-sets s", ["sample.bin"]),
+    ("orv-h264 help ", SUBCOMMANDS),
+    ("orv-h264 help co", ["convert"]),
 ]
 
 

@@ -7,6 +7,7 @@
 #include <nlohmann/json.hpp>
 
 #include <algorithm>
+#include <cmath>
 
 namespace {
 
@@ -67,10 +68,17 @@ support::sps_description rich_sps()
     return seq;
 }
 
+/// Of a stream of less than a second.
+json schedule(std::uint64_t bit_rate, std::uint64_t cpb_size, bool cbr)
+{
+    return {{"bit_rate", bit_rate}, {"cpb_size", cpb_size}, {"cbr", cbr},
+            {"seconds", 0},         {"seconds_above", 0},   {"fullest_second", nullptr}};
+}
+
 coded_stream rich_stream()
 {
     coded_stream stream;
-    stream.aud().sets(rich_sps()).user_data("maker 7 - core 1 - more").idr();
+    stream.aud().sets(rich_sps()).encoder("maker 7 - core 1 - more - options: a=1 b=2").idr();
     stream.aud().slice(1, coded::bottom).aud().slice(1, coded::top);
     return stream.aud().slice(2, coded::frame, 40);
 }
@@ -97,6 +105,7 @@ TEST(Info, TellsWhatAStreamIs)
                   "Scan type             PAFF with MBAFF, bottom field first (2 coded fields, 2 coded frames)\n"
                   "Entropy coding        CAVLC\n"
                   "Reference frames      3\n"
+                  "Reorder depth         0 used, 0 inferred\n"
                   "Field rate            59.94006 Hz (60000/1001)\n"
                   "Frame rate            29.97003 Hz (30000/1001), fixed\n"
                   "Colour                limited range; primaries BT.2020; transfer SMPTE ST 2084 (PQ); "
@@ -106,12 +115,17 @@ TEST(Info, TellsWhatAStreamIs)
                   "VCL HRD               64 bit/s at most, buffer of 16 bits\n",
               result.out.substr(0, result.out.find("Duration")));
     EXPECT_TRUE(has(result, "Duration              0.100100 s\n")) << result.out;
-    EXPECT_TRUE(has(result, "Frames                3, 1 of them key frames\nEncoder               maker 7 - core 1\n"))
+    EXPECT_TRUE(has(result, "Frames                3, 1 of them key frames\n"
+                            "Groups                1 closed, 0 open\n"
+                            "Encoder               maker 7 - core 1\n"
+                            "Encoder settings      a=1 b=2\n"))
         << result.out;
     EXPECT_TRUE(has(result, "     units       bytes  NAL unit type\n")) << result.out;
     EXPECT_TRUE(has(result, "         4          20   9  Access unit delimiter, access_unit_delimiter_rbsp()\n"))
         << result.out;
+    EXPECT_TRUE(has(result, "\n  messages  SEI payload type\n         1    5  user_data_unregistered\n")) << result.out;
     EXPECT_FALSE(has(result, "Problems\n"));
+    EXPECT_FALSE(has(result, "Findings\n")) << result.out;
     EXPECT_EQ("", result.err);
     EXPECT_EQ(0, result.status);
 }
@@ -121,15 +135,20 @@ TEST(Info, JsonHasTheSameAsNumbers)
     const coded_stream stream = rich_stream();
     const json object = json_info(stream);
     EXPECT_EQ("orv-h264/info", object["schema"]);
-    EXPECT_EQ(1, object["schema_version"]);
+    EXPECT_EQ(2, object["schema_version"]);
     EXPECT_EQ("standard input", object["file"]);
     EXPECT_EQ("annexb", object["framing"]);
     EXPECT_EQ(stream.here(), object["size"]);
     EXPECT_EQ("maker 7 - core 1", object["encoder"]);
-    EXPECT_EQ(json::array(), object["problems"]);
+    EXPECT_EQ("a=1 b=2", object["encoder_settings"]);
+    for (const char* name : {"problems", "findings", "layers"})
+        EXPECT_EQ(json::array(), object[name]) << name;
+    EXPECT_EQ(json::array({{{"payload_type", 5}, {"name", "user_data_unregistered"}, {"messages", 1}}}), object["sei"]);
     ASSERT_EQ(1U, object["sequences"].size());
     const json& sequence = object["sequences"][0];
     const json expected = {
+        {"offset", 0},
+        {"changes", json::array()},
         {"codec", "avc1.7A0029"},
         {"profile_idc", 122},
         {"profile", "High 4:2:2"},
@@ -145,23 +164,25 @@ TEST(Info, JsonHasTheSameAsNumbers)
         {"bit_depth_chroma", 9},
         {"scan_type", "PAFF with MBAFF"},
         {"top_field_first", false},
+        {"pictures", 3},
         {"frame_pictures", 0},
         {"mbaff_pictures", 2},
         {"field_pictures", 2},
         {"cabac", false},
         {"cavlc", true},
         {"max_num_ref_frames", 3},
+        {"reorder_depth", 0},
+        {"max_num_reorder_frames", 0},
+        {"max_num_reorder_frames_sent", false},
         {"field_rate", {{"numerator", 60000}, {"denominator", 1001}, {"value", 60000.0 / 1001}}},
         {"frame_rate", {{"numerator", 30000}, {"denominator", 1001}, {"value", 30000.0 / 1001}}},
         {"fixed_frame_rate", true},
-        {"nal_hrd",
-         {{{"bit_rate", 64000}, {"cpb_size", 8000}, {"cbr", false}},
-          {{"bit_rate", 128000}, {"cpb_size", 16000}, {"cbr", true}}}},
-        {"vcl_hrd", json::array({{{"bit_rate", 64}, {"cpb_size", 16}, {"cbr", false}}})},
+        {"nal_hrd", {schedule(64000, 8000, false), schedule(128000, 16000, true)}},
+        {"vcl_hrd", json::array({schedule(64, 16, false)})},
     };
     for (const auto& [name, value] : expected.items())
         EXPECT_EQ(value, sequence[name]) << name;
-    EXPECT_EQ(expected.size() + 2, sequence.size()) << "and offset and colour";
+    EXPECT_EQ(expected.size() + 1, sequence.size()) << "and colour";
     const json& colour = sequence["colour"];
     EXPECT_EQ(false, colour["full_range"]);
     EXPECT_EQ("BT.2020", colour["primaries"]);
@@ -173,9 +194,11 @@ TEST(Info, JsonHasTheSameAsNumbers)
     const json& frames = object["frames"];
     EXPECT_EQ(3, frames["count"]);
     EXPECT_EQ(1, frames["key_frames"]);
+    EXPECT_EQ(3, frames["pictures"]);
     EXPECT_EQ(4, frames["coded_pictures"]);
+    EXPECT_EQ(3, frames["timed_frames"]);
     EXPECT_EQ(nullptr, frames["key_frame_distance"]);
-    EXPECT_NEAR(0.1001, frames["seconds"], 1e-12);
+    EXPECT_EQ(0.1001, frames["seconds"]);
     EXPECT_EQ(nullptr, frames["peak_bit_rate"]);
     EXPECT_EQ(5U, object["nal_units"].size() - 1) << "types 1, 5, 6, 7, 8, 9";
 }
@@ -184,8 +207,9 @@ TEST(Info, WhatIsNotToldHasNoRowAndIsNull)
 {
     const coded_stream stream = coded_stream().sets(coded_sps(false, false)).idr();
     const tool_result result = info(stream);
-    for (const char* label : {"Sample aspect ratio", "Field rate", "Frame rate", "Colour", "NAL HRD", "VCL HRD",
-                              "Duration", "Bit rate", "Key-frame distance", "Encoder"})
+    for (const char* label :
+         {"Sample aspect ratio", "Field rate", "Frame rate", "Colour", "NAL HRD", "VCL HRD", "Duration", "Bit rate",
+          "Key-frame distance", "Encoder", "Recovery points", "Changes", "  pictures", "  messages"})
         EXPECT_FALSE(has(result, label)) << label;
     EXPECT_TRUE(has(result, "Scan type             progressive\n"));
     EXPECT_TRUE(has(result, "Bit depth             8 bits\n"));
@@ -196,6 +220,8 @@ TEST(Info, WhatIsNotToldHasNoRowAndIsNull)
     for (const char* name : {"seconds", "mean_bit_rate", "peak_bit_rate", "key_frame_distance"})
         EXPECT_EQ(nullptr, object["frames"][name]) << name;
     EXPECT_EQ(nullptr, object["encoder"]);
+    EXPECT_EQ(nullptr, object["encoder_settings"]);
+    EXPECT_EQ(nullptr, object["groups"]["recovery_frame_cnt_min"]);
 }
 
 TEST(Info, ARateThatVariesAndARangeAlone)
@@ -233,13 +259,15 @@ TEST(Info, AStreamThatChangesItsSpsIsShownSequenceBySequence)
     support::sps_description other = coded_sps(false);
     other.level_idc = 40;
     coded_stream stream;
-    stream.sets(coded_sps(false)).idr().slice(1).sets(other);
+    stream.sets(coded_sps(false)).idr().slice(1);
     const std::string offset = std::to_string(stream.here());
-    stream.idr().slice(1);
+    stream.sets(other).idr().slice(1);
     const tool_result result = info(stream);
     EXPECT_NE(std::string::npos, result.out.find("\n\nSequence 1 of 2, from offset ")) << result.out;
-    EXPECT_TRUE(
-        has(result, "\nSequence 2 of 2, from offset " + offset + ", 2 pictures\nCodec string          avc1.4D0028\n"));
+    EXPECT_TRUE(has(result, "\nSequence 2 of 2, from offset " + offset +
+                                ", 2 pictures\nChanges               level\nCodec string          avc1.4D0028\n"))
+        << result.out;
+    EXPECT_EQ(json::array({"level"}), json_info(stream)["sequences"][1]["changes"]);
     EXPECT_TRUE(has(result, "\nAll sequences\nDuration              0.160000 s\n")) << result.out;
     EXPECT_TRUE(has(result, "Key-frame distance    2 to 2 frames, mean 2\n"));
     EXPECT_EQ((json{{"min", 2}, {"max", 2}, {"mean", 2.0}}), json_info(stream)["frames"]["key_frame_distance"]);
@@ -277,32 +305,125 @@ TEST(Info, ProblemsAreMergedByKindWithFirstOffsetAndCount)
 {
     coded_stream stream;
     stream.slice(1).slice(2);
-    const std::string last = std::to_string(stream.here());
+    const std::size_t last = 7 + stream.here();
     stream.slice(3).sets(coded_sps(false)).idr();
-    bytes broken = support::stream_builder().junk(7).raw(stream);
-    const temporary_file file(broken);
+    const temporary_file file(support::stream_builder().junk(7).raw(stream));
     const tool_result result = run_tool({"info", "--format", "annexb", file.path()});
-    EXPECT_TRUE(has(result, "\nProblems\noffset 0: bytes before the first start code, 7 bytes\n"
-                            "offset 7: slice names picture parameter set 0, which is missing (3 times, the last at "
-                            "offset " +
-                                std::to_string(std::stoul(last) + 7) + ")\n"))
+    const std::string missing = "pic_parameter_set_id 0 at bit 16: names a picture parameter set which is missing";
+    EXPECT_TRUE(has(result, "\nProblems\noffset 0: bytes before the first start code, 7 bytes\noffset 7: " + missing +
+                                " (3 times, the last at offset " + std::to_string(last) + ")\n"))
         << result.out;
     EXPECT_EQ("", result.err);
     EXPECT_EQ(1, result.status);
     const tool_result as_json = run_tool({"info", "--json", "--format", "annexb", file.path()});
-    const json problems = json::parse(as_json.out)["problems"];
-    EXPECT_EQ(json::array({{{"message", "bytes before the first start code"},
-                            {"first_offset", 0},
-                            {"last_offset", 0},
-                            {"count", 1},
-                            {"bytes", 7}},
-                           {{"message", "slice names picture parameter set 0, which is missing"},
-                            {"first_offset", 7},
-                            {"last_offset", std::stoul(last) + 7},
-                            {"count", 3},
-                            {"bytes", 0}}}),
-              problems);
+    const auto problem = [](const std::string& message, std::size_t first, std::size_t last_one, int count, int bytes) {
+        return json{{"message", message},
+                    {"first_offset", first},
+                    {"last_offset", last_one},
+                    {"count", count},
+                    {"bytes", bytes}};
+    };
+    EXPECT_EQ(json::array({problem("bytes before the first start code", 0, 0, 1, 7), problem(missing, 7, last, 3, 0)}),
+              json::parse(as_json.out)["problems"]);
     EXPECT_EQ(1, as_json.status);
+}
+
+TEST(Info, FindingsAreToldApartAndLeaveTheStatus)
+{
+    const coded_stream stream = coded_stream().sets(coded_sps(false)).idr().slice(5);
+    const tool_result result = info(stream);
+    EXPECT_NE(std::string::npos, result.out.find("\n\nFindings\noffset ")) << result.out;
+    EXPECT_FALSE(has(result, "Problems\n"));
+    EXPECT_EQ("", result.err);
+    EXPECT_EQ(0, result.status);
+    const json object = json_info(stream);
+    EXPECT_EQ(1U, object["findings"].size());
+    EXPECT_EQ(json::array(), object["problems"]);
+}
+
+TEST(Info, RecoveryPointsAndGroupsAreTold)
+{
+    coded_stream stream;
+    stream.sets(coded_sps(false)).idr().recovery_point(0).slice(1).recovery_point(7).slice(2);
+    const tool_result result = info(stream);
+    EXPECT_TRUE(has(result, "Groups                2 closed, 0 open, 1 from a gradual refresh\n"
+                            "Recovery points       2, recovery_frame_cnt 0 to 7\n"))
+        << result.out;
+    EXPECT_EQ((json{{"closed", 2},
+                    {"open", 0},
+                    {"gradual", 1},
+                    {"recovery_points", 2},
+                    {"recovery_frame_cnt_min", 0},
+                    {"recovery_frame_cnt_max", 7}}),
+              json_info(stream)["groups"]);
+}
+
+TEST(Info, LayersHaveALineEach)
+{
+    const unsigned char prefix = support::header_byte(0, 14);
+    coded_stream stream;
+    stream.sets(coded_sps(false));
+    for (const unsigned temporal_id : {0U, 1U, 1U}) {
+        stream.unit(prefix, {0x80, 0x80, static_cast<unsigned char>(temporal_id << 5 | 7)});
+        stream.slice(0).aud();
+    }
+    const json layers = json_info(stream)["layers"];
+    ASSERT_EQ(2U, layers.size());
+    EXPECT_EQ(1, layers[1]["temporal_id"]);
+    EXPECT_EQ(nullptr, layers[1]["view_id"]);
+    EXPECT_EQ(2, layers[1]["pictures"]);
+    EXPECT_EQ(4, layers[1]["units"]);
+    EXPECT_EQ("3", layers[1]["level"]);
+    EXPECT_EQ(25, layers[1]["frame_rate"]["value"]);
+    const std::uint64_t bytes = layers[1]["bytes"];
+    EXPECT_EQ(2 * layers[0]["bytes"].get<std::uint64_t>(), bytes);
+    EXPECT_EQ(std::llround(8 * static_cast<double>(bytes) / 0.12), layers[1]["bit_rate"]);
+    const tool_result result = info(stream);
+    EXPECT_NE(std::string::npos, result.out.find("  D0 Q0 T1: Main, level 3, 176x144, 25 Hz\n")) << result.out;
+}
+
+TEST(Info, LongSettingsAreShortenedInTextAlone)
+{
+    const std::string settings(200, 's');
+    const coded_stream stream = coded_stream().sets(coded_sps(false)).encoder("a - b - options: " + settings).idr();
+    EXPECT_TRUE(has(info(stream), "Encoder settings      " + settings.substr(0, 96) + " ...\n"));
+    EXPECT_EQ(settings, json_info(stream)["encoder_settings"]);
+}
+
+TEST(Info, PaddingMakesTwoRates)
+{
+    coded_stream stream;
+    stream.sets(coded_sps(false)).idr();
+    const bytes padded = support::stream_builder().raw(stream).zeros(1000);
+    EXPECT_TRUE(has(info(padded), "Bit rate              mean " + std::to_string(200 * (stream.here() + 1000)) +
+                                      " bit/s (" + std::to_string(200 * stream.here()) + " bit/s without padding)\n"))
+        << info(padded).out;
+    const json frames = json_info(padded)["frames"];
+    EXPECT_EQ(1000, frames["padding"]);
+    EXPECT_EQ(200 * stream.here(), frames["unit_bit_rate"]);
+}
+
+TEST(Info, TheDurationIsOfWhatIsTimed)
+{
+    coded_stream stream;
+    stream.sets(coded_sps(false)).idr().slice(1).sets(coded_sps(false, false)).idr();
+    EXPECT_TRUE(has(info(stream), "Duration              0.080000 s, that of 2 of the 3 frames\n")) << info(stream).out;
+    EXPECT_EQ(2, json_info(stream)["frames"]["timed_frames"]);
+}
+
+TEST(Info, TablesHaveALineForEachFact)
+{
+    const coded_stream stream = rich_stream();
+    for (const auto& [option, separator] : {std::pair("--csv", ","), std::pair("--tsv", "\t")}) {
+        const tool_result result = run_tool({"info", option, "-"}, {.piped = stream});
+        EXPECT_EQ(0, result.status);
+        for (const auto& [path, value] : {std::pair("path", "value"), std::pair("sequences[0].size.width", "160"),
+                                          std::pair("frames.pictures", "3"), std::pair("encoder_settings", "a=1 b=2"),
+                                          std::pair("sequences[0].fixed_frame_rate", "true")})
+            EXPECT_NE(std::string::npos,
+                      ("\n" + result.out).find("\n" + (path + (separator + std::string(value))) + "\n"))
+                << path << result.out;
+    }
 }
 
 TEST(Info, AUnitThatTheInputCutsIsAProblem)
@@ -347,7 +468,7 @@ TEST(Info, HelpNamesEveryOptionAndTheExitStatus)
 {
     const tool_result result = run_tool({"info", "--help"});
     EXPECT_EQ(0, result.status);
-    for (const char* word : {"FILE", "--format", "--max-unit", "--json", "Examples:", "Exit status:"})
+    for (const char* word : {"FILE", "--format", "--max-unit", "--json", "--csv", "--tsv", "Examples:", "Exit status:"})
         EXPECT_NE(std::string::npos, result.out.find(word)) << word;
 }
 
@@ -366,12 +487,12 @@ TEST(Info, LongInputIsReadInBoundedMemory)
 TEST(Info, AFrameWithoutEndIsAProblemAndNoMore)
 {
     coded_stream stream;
-    stream.slice(3);
+    stream.sets(coded_sps(false)).slice(3);
     while (stream.here() < std::size_t{1} << 20)
         stream.filler(1);
     const tool_result result = run_tool({"info", "--format", "annexb", "-"},
                                         {.piped = stream, .repeat = 24, .max_memory = std::size_t{160} << 20});
-    EXPECT_TRUE(has(result, "offset 0: frame without an end in ")) << result.out << result.err;
+    EXPECT_NE(std::string::npos, result.out.find("\nProblems\n")) << result.out << result.err;
     EXPECT_EQ(1, result.status);
 }
 #endif
@@ -405,9 +526,11 @@ TEST_P(InfoStream, FramesAreThoseThatFramesShows)
     const json summary = json::parse(lines.substr(lines.rfind('\n', lines.size() - 2) + 1));
     const json& frames = object["frames"];
     EXPECT_EQ(summary["frames"], frames["count"]);
-    for (const char* name :
-         {"key_frames", "joined_frames", "coded_pictures", "seconds", "mean_bit_rate", "peak_bit_rate"})
-        EXPECT_EQ(summary[name], frames[name]) << name;
+    for (const auto& [name, value] : summary.items()) {
+        if (name != "record" && name != "frames") {
+            EXPECT_EQ(value, frames[name]) << name;
+        }
+    }
     std::size_t units = 0;
     for (const json& type : object["nal_units"])
         units += type["units"].get<std::size_t>();

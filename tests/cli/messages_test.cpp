@@ -66,7 +66,8 @@ TEST(Messages, ControlCharactersOfANameAreEscaped)
     EXPECT_NE(std::string::npos, result.out.find(folder.path(shown) + "\nFraming")) << result.out;
     EXPECT_EQ("orv-h264: " + folder.path(shown) + ": offset 0: bytes before the first start code (5 bytes)\n",
               run_tool({"inspect", "--nals", "--format", "annexb", path}).err);
-    EXPECT_EQ("orv-h264: " + folder.path(shown) + ": not an Annex B stream; name the framing with --format\n",
+    EXPECT_EQ("orv-h264: " + folder.path(shown) +
+                  ": no H.264 stream is recognised; if it is one, name its framing with --format\n",
               run_tool({"info", folder.write(hostile, bytes(9, 1))}).err);
     EXPECT_EQ("orv-h264: " + shown + ": No such file or directory\n", run_tool({"info", hostile}).err);
 }

@@ -107,8 +107,8 @@ TEST(NoUnitMessages, AreWholeLinesOfTheirOwn)
     EXPECT_EQ("orv-h264: standard input: offset 0: bytes before the first start code (3 bytes)\n"
               "orv-h264: standard input: offset 3: no NAL unit found\n",
               run_tool({"inspect", "--tsv", "-"}, {.piped = bytes{'a', 'b', 'c'}}).err);
-    EXPECT_EQ("orv-h264: standard input: offset 0: length prefix of 0 (4 bytes)\n"
-              "orv-h264: standard input: offset 4: input ends inside a length prefix or right behind it (4 bytes)\n"
+    EXPECT_EQ("orv-h264: standard input: offset 0: start code or length prefix without a unit (4 bytes)\n"
+              "orv-h264: standard input: offset 4: start code or length prefix without a unit (4 bytes)\n"
               "orv-h264: standard input: offset 8: no NAL unit found\n",
               run_tool({"inspect", "--format", "length4", "-"}, {.piped = bytes(8)}).err);
     EXPECT_EQ("orv-h264: standard input: offset 0: no NAL unit found: the input is empty; conversion stopped\n",

@@ -20,17 +20,31 @@ struct wrong_usage {
 const wrong_usage wrong_usages[] = {
     {{}, "a subcommand is required; see orv-h264 --help"},
     {{"frobnicate"}, "there is no subcommand frobnicate; see orv-h264 --help"},
-    {{"frobnicate", "--json", "-"}, "there is no option --json; see orv-h264 --help"},
+    {{"frobnicate", "--json", "-"}, "there is no subcommand frobnicate; see orv-h264 --help"},
+    {{"insp", "-"}, "there is no subcommand insp (inspect?); see orv-h264 --help"},
+    {{"information"}, "there is no subcommand information (info?); see orv-h264 --help"},
+    {{ORV_TEST_STREAMS "/pulldown32.264"},
+     "there is no subcommand " ORV_TEST_STREAMS "/pulldown32.264; info tells what a file is; see orv-h264 --help"},
     {{"--frobnicate"}, "there is no option --frobnicate; see orv-h264 --help"},
+    {{"--to", "annexb"}, "--to has to stand behind a subcommand that has it (convert); see orv-h264 --help"},
+    {{"--split-fields", "frobnicate"},
+     "--split-fields has to stand behind a subcommand that has it (frames); see orv-h264 --help"},
+    {{"help", "frobnicate"}, "there is no subcommand frobnicate; see orv-h264 --help"},
+    {{"help", "info", "inspect"}, "inspect is one argument too many; see orv-h264 help --help"},
     {{"info"}, "FILE is required; see orv-h264 info --help"},
     {{"info", "--frobnicate", "-"}, "info has no option --frobnicate; see orv-h264 info --help"},
     {{"info", "--frobnicate"}, "info has no option --frobnicate; see orv-h264 info --help"},
-    {{"info", "--to", "annexb", "-"}, "info has no option --to; see orv-h264 info --help"},
+    {{"info", "--to", "annexb", "-"}, "info has no option --to (an option of convert); see orv-h264 info --help"},
+    {{"convert", "-", "--split-fields", "-"},
+     "convert has no option --split-fields (an option of frames); see orv-h264 convert --help"},
+    {{"--split-fields", "info", "-"},
+     "info has no option --split-fields (an option of frames); see orv-h264 info --help"},
+    {{"info", "--version"}, "--version stands alone, without info; see orv-h264 info --help"},
+    {{"info", "-", "-V"}, "-V stands alone, without info; see orv-h264 info --help"},
     {{"info", "-", "more"}, "more is one argument too many; see orv-h264 info --help"},
     {{"inspect", "--limit"}, "--limit needs a value; see orv-h264 inspect --help"},
     {{"info", "--format"}, "--format needs a value; see orv-h264 info --help"},
     {{"inspect", "--limit", "3", "--limit", "4", "-"}, "--limit is given more than once; see orv-h264 inspect --help"},
-    {{"inspect", "--only", "7", "--only=8", "-"}, "--only is given more than once; see orv-h264 inspect --help"},
     {{"info", "--max-unit", "1K", "--max-unit", "1K", "-"},
      "--max-unit is given more than once; see orv-h264 info --help"},
     {{"info", "--format", "annexb", "-", "--format", "annexb"},
@@ -47,7 +61,9 @@ const wrong_usage wrong_usages[] = {
     {{"inspect", "--limit", "-1", "-"}, "--limit: '-1' is no number; see orv-h264 inspect --help"},
     {{"inspect", "--limit", "0x10", "-"}, "--limit: '0x10' is no number; see orv-h264 inspect --help"},
     {{"frames", "--limit", "many", "-"}, "--limit: 'many' is no number; see orv-h264 frames --help"},
-    {{"inspect", "--only", "32", "-"}, "--only: '32' is no NAL unit type (0 to 31); see orv-h264 inspect --help"},
+    {{"inspect", "--only", "32", "-"},
+     "--only: '32' is no NAL unit type (0 to 31, or one of slice, idr, partition, sei, sps, pps, aud, end, filler, "
+     "sps-ext, prefix, subset-sps, dps, auxiliary, extension); see orv-h264 inspect --help"},
     {{"inspect", "--max-unit", "x", "-"},
      "--max-unit: 'x' is no size (for example 500000, 64M or 1G); see orv-h264 inspect --help"},
     {{"inspect", "--max-unit", "-5", "-"},
@@ -85,6 +101,25 @@ TEST(Usage, HelpComesWithoutWhatIsRequired)
             EXPECT_EQ(result.err, "");
             EXPECT_EQ(result.status, 0);
         }
+}
+
+TEST(Usage, HelpIsASubcommandToo)
+{
+    EXPECT_EQ(run_tool({"--help"}).out, run_tool({"help"}).out);
+    for (const char* subcommand : {"info", "inspect", "frames", "convert", "avcc", "help"}) {
+        const tool_result result = run_tool({"help", subcommand});
+        EXPECT_EQ(run_tool({subcommand, "--help"}).out, result.out);
+        EXPECT_EQ(result.err, "");
+        EXPECT_EQ(result.status, 0);
+    }
+}
+
+TEST(Usage, TheVersionHasAShortOption)
+{
+    const tool_result result = run_tool({"-V"});
+    EXPECT_EQ("orv-h264 " ORV_TEST_VERSION "\n", result.out);
+    EXPECT_EQ(run_tool({"--version"}).out, result.out);
+    EXPECT_EQ(0, result.status);
 }
 
 TEST(Usage, ASizeMayHaveASuffix)

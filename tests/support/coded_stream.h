@@ -13,7 +13,9 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <string_view>
+#include <utility>
 
 namespace support {
 
@@ -71,10 +73,12 @@ public:
     }
     coded_stream& end_of_sequence() { return unit(10, {}); }
 
-    /// Picture timing without delays.
+    /// Picture timing without delays and timestamps.
     coded_stream& timing(unsigned int pic_struct)
     {
-        return unit(sei, sei_rbsp({{1, {static_cast<unsigned char>(pic_struct << 4 | 8)}}}));
+        constexpr unsigned int table_d_1[] = {1, 1, 1, 2, 2, 3, 3, 2, 3}; // clock_timestamp_flags, then the bit behind
+        const unsigned int flags = pic_struct < std::size(table_d_1) ? table_d_1[pic_struct] : 0;
+        return unit(sei, sei_rbsp({{1, {static_cast<unsigned char>(pic_struct << 4 | 8 >> flags)}}}));
     }
     coded_stream& recovery_point(std::uint32_t recovery_frame_cnt)
     {
@@ -82,12 +86,19 @@ public:
         point.recovery_frame_cnt = recovery_frame_cnt;
         return unit(sei, sei_rbsp({{6, written_rbsp(point).made()}}));
     }
-    /// Unregistered user data, its UUID of zeros.
-    coded_stream& user_data(std::string_view text)
+    /// Unregistered user data, its UUID of zeros unless there is one.
+    coded_stream& user_data(std::string_view text, bytes uuid = bytes(16))
     {
-        bytes payload(16);
+        bytes payload = std::move(uuid);
         payload.insert(payload.end(), text.begin(), text.end());
         return unit(sei, sei_rbsp({{5, payload}}));
+    }
+
+    /// User data that an encoder is known by.
+    coded_stream& encoder(std::string_view text)
+    {
+        return user_data(text, {0xDC, 0x45, 0xE9, 0xBD, 0xE6, 0xD9, 0x48, 0xB7, 0x96, 0x2C, 0xD8, 0x20, 0xD9, 0x23, 0xEE,
+                                0xEF});
     }
 
     /// An I slice.

@@ -230,6 +230,25 @@ TEST(Derived, MaxFrameNumAndTheLengthsFollowTheirLogarithms)
     EXPECT_EQ(frame_num_bits(sps), std::uint64_t{0xFFFFFFFE} + 4);
 }
 
+TEST(Derived, TheRateAndTheSizeOfAScheduleAreScaledAndDoNotWrap)
+{
+    hrd_parameters hrd;
+    hrd.cpb_cnt_minus1 = 1;
+    hrd.bit_rate_scale = 2;
+    hrd.cpb_size_scale = 3;
+    hrd.bit_rate_value_minus1[0] = 999;
+    hrd.cpb_size_value_minus1[0] = 499;
+    hrd.bit_rate_value_minus1[1] = hrd.cpb_size_value_minus1[1] = 0xFFFFFFFE;
+    EXPECT_EQ(schedule_count(hrd), 2U);
+    EXPECT_EQ(BitRate(hrd, 0), 256000U);
+    EXPECT_EQ(CpbSize(hrd, 0), 64000U);
+    hrd.bit_rate_scale = hrd.cpb_size_scale = 15;
+    EXPECT_EQ(BitRate(hrd, 1), std::uint64_t{0xFFFFFFFF} << 21);
+    EXPECT_EQ(CpbSize(hrd, 1), std::uint64_t{0xFFFFFFFF} << 19);
+    hrd.cpb_cnt_minus1 = 0xFFFFFFFF;
+    EXPECT_EQ(schedule_count(hrd), 32U) << "no more than there is room for";
+}
+
 TEST(Derived, TimingTakesTheNalHrdBeforeThatOfTheVcl)
 {
     vui_parameters vui;

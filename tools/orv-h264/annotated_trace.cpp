@@ -72,7 +72,8 @@ void annotated_trace::open(const char* name)
             clocks.clear();
         else if (inside(registered_trace::structure))
             begin_registered();
-        if (!all && has_fixed_patterns_alone(name))
+        unopened = !all && has_fixed_patterns_alone(name);
+        if (unopened) // until one of its elements is told
             return;
         sink.open(name, inside("sei_payload") ? heading_of_message() : name);
     });
@@ -88,7 +89,7 @@ void annotated_trace::close()
             tell_clocks();
         else if (inside(registered_trace::structure))
             tell_registration();
-        if (all || !has_fixed_patterns_alone(path.back()))
+        if (!std::exchange(unopened, false))
             sink.close();
         path.pop_back();
     });
@@ -107,6 +108,8 @@ void annotated_trace::element(const h264::traced_element& e)
                 first_byte->bits += e.bits;
             run.push_back(static_cast<unsigned char>(e.value));
         } else if (all || is_told(e)) {
+            if (std::exchange(unopened, false))
+                sink.open(path.back(), path.back());
             const std::string words = words_of(e);
             sink.element({e, place_of(e.bit), words, is_repeated_element(path.back(), e.name.name())});
         }

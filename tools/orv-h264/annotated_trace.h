@@ -82,6 +82,7 @@ private:
 
     annotated_sink& sink;
     bool all;
+    bool unopened = false; // the innermost structure is one of fixed patterns, and the sink does not know of it
     memory_guard guarded;
     std::vector<std::string_view> path; // of the structures
     place_finder place_of;

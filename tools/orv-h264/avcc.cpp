@@ -1,6 +1,7 @@
 #include "avcc.h"
 
 #include "element_text.h"
+#include "framing.h"
 #include "input_file.h"
 #include "json_output.h"
 #include "messages.h"
@@ -196,6 +197,17 @@ private:
     std::string shown_unit;
 };
 
+/// Throws refusal for an input that is known, and is no record.
+void refuse_streams(const std::string& name, const recognition& what)
+{
+    refuse_other_formats(name, what);
+    if (what.kind == input_kind::stream)
+        throw refusal(
+            exit_usage_or_io,
+            fmt::format("{}: this is an H.264 stream ({}), no record; orv-h264 convert --avcc makes one of it", name,
+                        framing_name(what.framing)));
+}
+
 } // namespace
 
 exit_status avcc(const avcc_options& options)
@@ -205,6 +217,7 @@ exit_status avcc(const avcc_options& options)
     window.fill(largest_input + 1);
     if (window.size() > largest_input)
         throw refusal(exit_usage_or_io, fmt::format("{}: too large for a decoder configuration record", file.name()));
+    refuse_streams(file.name(), recognise(window));
     return record_view(options, file.name(), {window.start(), window.size()}).run();
 }
 

@@ -5,50 +5,45 @@
 
 namespace orv_h264 {
 
-namespace {
-
-// What sums of durations may be off by.
-constexpr double rounding = 1e-9;
-
-} // namespace
-
-void bit_rate_meter::add(std::uint64_t bytes, std::optional<double> seconds)
+void bit_rate_meter::add(std::uint64_t bytes, h264::exact_time duration, const second_sink& each)
 {
-    if (!seconds || *seconds <= 0)
+    if (!duration || duration.numerator <= 0)
         return;
-    const double frame_bits = 8.0 * static_cast<double>(bytes);
-    const double rate = frame_bits / *seconds;
-    time += *seconds;
-    bits += frame_bits;
+    const double start = time.value();
+    time.add(duration);
+    const double end = time.value();
+    all_bytes += bytes;
 
-    const double here = std::min(*seconds, 1 - second_time);
-    second_time += here;
-    second_bits += rate * here;
-    if (second_time < 1 - rounding)
+    const double bits = 8.0 * static_cast<double>(bytes);
+    const double next_second = std::floor(start) + 1;
+    if (end < next_second) {
+        second_bits += bits;
         return;
-    close_second();
-    const double left = std::max(0.0, *seconds - here);
-    const double whole_seconds = std::floor(left + rounding);
-    if (whole_seconds >= 1)
+    }
+    const double rate = bits * static_cast<double>(duration.denominator) / static_cast<double>(duration.numerator);
+    const double complete = second_bits + rate * (next_second - start);
+    most = std::max(most, complete);
+    if (each)
+        each(complete, 1);
+    any_second = true;
+    const double last_second = std::floor(end);
+    if (last_second > next_second) {
         most = std::max(most, rate);
-    second_time = std::max(0.0, left - whole_seconds);
-    second_bits = rate * second_time;
+        if (each)
+            each(rate, static_cast<std::uint64_t>(last_second - next_second));
+    }
+    second_bits = rate * (end - last_second);
 }
 
 std::optional<double> bit_rate_meter::mean() const noexcept
 {
-    return time > 0 ? std::optional(bits / time) : std::nullopt;
+    const double seconds = time.value();
+    return seconds > 0 ? std::optional(8.0 * static_cast<double>(all_bytes) / seconds) : std::nullopt;
 }
 
 std::optional<double> bit_rate_meter::peak() const noexcept
 {
     return any_second ? std::optional(most) : std::nullopt;
-}
-
-void bit_rate_meter::close_second() noexcept
-{
-    most = std::max(most, second_bits);
-    any_second = true;
 }
 
 } // namespace orv_h264

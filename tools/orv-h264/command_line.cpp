@@ -8,6 +8,7 @@
 #include "info.h"
 #include "inspect.h"
 #include "messages.h"
+#include "standard_output.h"
 #include "type_set.h"
 #include "usage_error.h"
 
@@ -19,6 +20,8 @@
 #include <map>
 #include <stdexcept>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include <CLI/CLI.hpp>
 
@@ -98,7 +101,7 @@ void add_stream(CLI::App& app, const char* name, stream_options& options)
 {
     add_file(app, name, options.path, "The stream; - is the standard input");
     add_framing(app, "--format",
-                "The framing: annexb, length1, length2, length3 or length4; without it, Annex B is recognised",
+                "The framing: annexb, length1, length2, length3 or length4; without it, it is recognised",
                 [&options](h264::framing framing) { options.format = framing; });
     app.add_option("--max-unit", options.max_unit,
                    "Report a unit longer than this instead of reading it; K, M and G are powers of 1024")
@@ -129,6 +132,22 @@ void add_format(CLI::App& app, output_format& format, const char* json, const ch
             value == output_format::json  ? std::string(json)
             : value == output_format::csv ? describe_rows(rows, "comma")
                                           : describe_rows(rows, "tab"));
+}
+
+/// Throws CLI::ParseError where the options of convert do not go together.
+void check(const convert_options& chosen)
+{
+    const bool wants_stream = !chosen.out.empty() || chosen.to || chosen.avcc.empty();
+    if (wants_stream && chosen.out.empty())
+        throw CLI::RequiredError("OUT");
+    if (wants_stream && !chosen.to)
+        throw CLI::RequiredError("--to");
+    if (!chosen.avcc.empty() && chosen.to == h264::framing::length_3)
+        throw CLI::ValidationError("--avcc", "a record tells length prefixes of 1, 2 and 4 bytes, not of 3");
+    if (!chosen.avcc.empty() && chosen.avcc == chosen.out)
+        throw CLI::ValidationError("--avcc", "the record needs another place than OUT");
+    if (chosen.parameter_sets == "-" && chosen.stream.path == "-")
+        throw CLI::ValidationError("--parameter-sets", "the standard input is taken by IN");
 }
 
 constexpr const char* json_lines = "Print JSON instead, an object a line";
@@ -169,6 +188,8 @@ struct command_line {
     void add_info();
     void add_convert();
     void add_avcc();
+    void add_help();
+    exit_status print_help();
 
     template <typename Options>
     void run_with(CLI::App& subcommand, exit_status (*command)(const Options&), const Options& options)
@@ -183,12 +204,13 @@ struct command_line {
     info_options info_chosen;
     convert_options convert_chosen;
     avcc_options avcc_chosen;
+    std::string help_wanted; // of this subcommand
     std::function<exit_status()> chosen;
 };
 
 command_line::command_line()
 {
-    app.set_version_flag("--version", "orv-h264 " ORV_UTILS_V4_VERSION, "Print the version and exit");
+    app.set_version_flag("-V,--version", "orv-h264 " ORV_UTILS_V4_VERSION, "Print the version and exit");
     app.require_subcommand(1);
     app.footer(std::string(help_texts::main) + help_texts::exit_statuses);
     add_info();
@@ -197,6 +219,7 @@ command_line::command_line()
     add_frames();
     add_convert();
     add_avcc();
+    add_help();
 }
 
 void command_line::add_inspect()
@@ -252,7 +275,9 @@ void command_line::add_frames()
 {
     CLI::App& table = *app.add_subcommand("frames", "List the frames of a stream");
     add_stream(table, "FILE", frames_chosen.stream);
-    table.add_flag("--split-fields", frames_chosen.split_fields, "Show each field of a frame by itself");
+    table.add_flag("--fields,--split-fields", frames_chosen.split_fields, "Show each field by itself");
+    table.add_flag("--output-order", frames_chosen.output_order,
+                   "Show frames in output order, not as they are decoded");
     add_limit(table, frames_chosen.limit, "Stop after N frames");
     add_format(table, frames_chosen.format, json_lines, "A line for each frame");
     table.footer(std::string(help_texts::frames) + help_texts::exit_statuses);
@@ -272,10 +297,18 @@ void command_line::add_convert()
 {
     CLI::App& conversion = *app.add_subcommand("convert", "Write a stream in another framing");
     add_stream(conversion, "IN", convert_chosen.stream);
-    add_file(conversion, "OUT", convert_chosen.out, "Where it goes; - is the standard output");
+    conversion.add_option("OUT", convert_chosen.out, "Where it goes; - is the standard output")->type_name("");
     add_framing(conversion, "--to", "The framing to write: annexb, length1, length2, length3 or length4",
-                [this](h264::framing framing) { convert_chosen.to = framing; })
-        ->required();
+                [this](h264::framing framing) { convert_chosen.to = framing; });
+    conversion
+        .add_option("--avcc", convert_chosen.avcc,
+                    "Write the decoder configuration record of the stream to FILE; OUT is not needed then")
+        ->type_name("FILE");
+    conversion
+        .add_option("--parameter-sets", convert_chosen.parameter_sets,
+                    "Take parameter sets from the record in FILE for pictures that lack them")
+        ->type_name("FILE");
+    conversion.parse_complete_callback([this] { check(convert_chosen); });
     conversion.footer(std::string(help_texts::convert) + help_texts::exit_statuses);
     run_with(conversion, convert, convert_chosen);
 }
@@ -289,13 +322,38 @@ void command_line::add_avcc()
     run_with(record, avcc, avcc_chosen);
 }
 
+void command_line::add_help()
+{
+    CLI::App& help = *app.add_subcommand("help", "Print the help of the tool, or of a subcommand");
+    help.add_option("SUBCOMMAND", help_wanted, "Whose help; that of the tool without it")->type_name("");
+    help.footer(std::string(help_texts::help) + help_texts::exit_statuses);
+    help.callback([this] { chosen = [this] { return print_help(); }; });
+}
+
+exit_status command_line::print_help()
+{
+    const std::vector<CLI::App*> named =
+        app.get_subcommands([this](CLI::App* subcommand) { return subcommand->get_name() == help_wanted; });
+    if (named.empty() && !help_wanted.empty())
+        throw refusal(exit_usage_or_io,
+                      describe_unknown_subcommand(app, help_wanted) + "; see " + app.get_name() + " --help");
+    const CLI::App* const subcommand = named.empty() ? &app : named.front();
+    const std::string name = app.get_name() + (help_wanted.empty() ? "" : " " + help_wanted);
+    write_output(app.get_formatter()->make_help(subcommand, name, CLI::AppFormatMode::Normal));
+    return exit_clean;
+}
+
 } // namespace
 
 exit_status run_command_line(int argc, char** argv)
 {
     command_line line;
+    std::vector<std::string> words(argv + std::min(argc, 1), argv + argc);
+    if (words.size() > 1 && words[0] == "help" && !words[1].starts_with('-'))
+        words.insert(words.begin() + 1, "--"); // the parser would go on with the subcommand
+    std::reverse(words.begin(), words.end());  // as it wants them
     try {
-        line.app.parse(argc, argv);
+        line.app.parse(std::move(words));
     } catch (const CLI::ParseError& error) {
         if (error.get_exit_code() == 0) // --help and --version
             return static_cast<exit_status>(line.app.exit(error));

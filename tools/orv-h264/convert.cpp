@@ -1,12 +1,17 @@
 #include "convert.h"
 
 #include "framing.h"
+#include "loss_texts.h"
 #include "messages.h"
-#include "output_file.h"
 #include "progress.h"
-#include "rbsp_decoder.h"
+#include "record_file.h"
+#include "unit_writer.h"
+
+#include <orv-utils-v4/h264_syntax/access_unit.h>
 
 #include <algorithm>
+#include <map>
+#include <new>
 #include <vector>
 
 #include <fmt/format.h>
@@ -15,83 +20,187 @@ namespace orv_h264 {
 
 namespace {
 
-std::size_t zeros_at_end(rbsp_bytes rbsp)
+struct nobody final : h264::access_unit_sink {
+    void take(const h264::access_unit& unit) override { static_cast<void>(unit); }
+};
+
+/// A unit on its way, and what stands before it.
+struct framed_unit {
+    std::span<const unsigned char> bytes;
+    std::uint64_t begin = 0;   ///< of its framing
+    unsigned framing_size = 0; ///< 0 of a unit that was not there
+    std::uint64_t zeros = 0;   ///< between the unit before and its framing
+};
+
+const char* plural(std::uint64_t count)
 {
-    const auto last = std::find_if(rbsp.rbegin(), rbsp.rend(), [](unsigned char byte) { return byte != 0; });
-    return static_cast<std::size_t>(last - rbsp.rbegin());
+    return count == 1 ? "" : "s";
 }
 
-/// A copy without what is in the gap would be none, or there is nothing to copy.
-bool ends_conversion(const gap& g)
-{
-    return holds_a_unit(g) || g.reason == gap_reason::no_unit;
-}
-
-class conversion {
+class conversion final : public h264::split_sink, public h264::access_unit_sink {
 public:
-    conversion(stream_input& from, h264::framing to, output_file& into)
-        : input(from), framing(to), output(into), problems(from.name()), shown_progress(from.size())
+    /// Without `into` only the parameter sets are gathered.
+    conversion(const convert_options& chosen, stream_input& from, output_file* into)
+        : options(chosen),
+          input(from),
+          output(chosen.to.value_or(h264::framing::annex_b), into),
+          problems(from.name()),
+          shown_progress(from.size())
     {
+        if (options.parameter_sets.empty())
+            return;
+        read_record(options.parameter_sets, sets);
+        nobody ignores; // pictures are told apart with these sets, which belong to none
+        for (const h264::unit_view& set : sets.all())
+            pictures.push({set.bytes, set.size, 0, 0}, ignores);
+        pictures.flush(ignores);
     }
 
     exit_status run()
     {
-        read_all(
-            input.feeder(), [this](const unit& u) { take_unit(u); }, [this](const gap& g) { take_gap(g); });
-        flush();
+        const bool any = input.read_units(*this);
+        pictures.flush(*this);
+        if (!waiting.empty()) // what is not handed back could not be kept
+            throw std::bad_alloc();
+        shown_progress.clear();
+        if (!any)
+            stop(exit_broken_stream, input.bytes_read(), describe_no_unit(input.bytes_read()));
+        pad(input.bytes_read() - passed);
+        output.flush();
+        tell_what_is_left_out();
         return problems.status();
     }
 
-private:
-    void take_unit(const unit& u)
+    std::vector<unsigned char> record() const
     {
+        if (changed_sets != 0)
+            print_error(fmt::format("{}: {} parameter set{} changed in the stream; the record has the last of each id",
+                                    input.name(), changed_sets, plural(changed_sets)));
+        const h264::framing samples = output.framing();
+        return make_record(input.name(), sets, samples == h264::framing::annex_b ? 4 : prefix_size_of(samples));
+    }
+
+    void unit(const h264::split_unit& u) override
+    {
+        const std::uint64_t begin = begin_of(u);
         if (u.cut)
-            complain(u.offset, describe_cut(u));
-        const brenik::h264_nal nal = input.feeder().reader().nal;
-        const rbsp_bytes rbsp = decoder.whole(input.feeder().reader());
-        const std::size_t room = brenik::h264_nal_writer::recommended_output_size(rbsp.size()) + 1; // for the 03
-        if (out.size() < filled + room)
-            out.resize(filled + room);
-        brenik::h264_nal_writer writer(out.data(), out.data() + filled, out.data() + out.size(), nalfmt_of(framing));
-        if (writer.block_encode(rbsp.data(), rbsp.size(), nal, zero_bytes(u)) == 0 || !end_unit(writer, rbsp))
-            stop(exit_usage_or_io, u.offset,
-                 fmt::format("unit of {} bytes does not fit behind a length of {} byte{}", u.length,
-                             prefix_size_of(framing), prefix_size_of(framing) == 1 ? "" : "s"));
-        if (framing == h264::framing::annex_b && zeros_at_end(rbsp) % 2 != 0)
-            complain(u.offset, "unit ends in 00, which start codes cannot carry: left out");
-        filled = writer.data_length();
-        if (filled >= worth_writing)
-            flush();
+            complain(begin, describe_cut(u));
+        if ((u.bytes[0] & 0x80) != 0)
+            complain(begin, "unit whose header has the forbidden bit set");
+        const framed_unit framed = {{u.bytes, u.size}, begin, u.framing_size, begin - passed};
+        passed = u.offset + u.size;
         shown_progress.tell(u.offset);
+        if (options.parameter_sets.empty()) {
+            keep_set(framed);
+            return write(framed);
+        }
+        waiting.emplace(count, framed);
+        pictures.push({u.bytes, u.size, u.offset, count++}, *this);
     }
 
-    // Start codes keep their size; those of a stream that had none are the long ones, which are right everywhere.
-    unsigned int zero_bytes(const unit& u) const
+    void gap(const h264::split_gap& g) override
     {
-        constexpr unsigned int short_start_code = 3;
-        return input.framing() == h264::framing::annex_b && u.framing_size == short_start_code ? 0 : 1;
+        passed = g.offset + g.size;
+        const bool lost = g.reason == h264::split_gap_reason::too_large;
+        if (lost && g.size <= input.max_unit() && g.stated_length <= input.max_unit())
+            throw std::bad_alloc();
+        if (lost) // a copy without it would be none
+            stop(exit_broken_stream, g.offset, describe_with_size(g, input.max_unit()));
+        complain(g.offset, describe_with_size(g, input.max_unit()));
     }
 
-    // H.264 7.4.1: no NAL unit ends in 00; behind cabac_zero_words stands 03. The writer adds it in Annex B alone.
-    // False when the unit then is longer than its prefix can tell.
-    bool end_unit(brenik::h264_nal_writer& writer, rbsp_bytes rbsp)
+    void take(const h264::access_unit& picture) override
     {
-        const std::size_t zeros = zeros_at_end(rbsp);
-        if (framing == h264::framing::annex_b || zeros == 0 || zeros % 2 != 0)
-            return true;
-        *writer.write++ = 3;
-        unsigned char* const prefix = out.data() + filled;
-        for (unsigned int i = prefix_size_of(framing); i > 0; --i)
-            if (++prefix[i - 1] != 0)
-                return true;
-        return false;
+        std::vector<framed_unit> units;
+        std::vector<h264::unit_view> views;
+        for (const h264::access_unit_part& part : picture.parts) {
+            framed_unit u = waiting.at(part.place.number);
+            waiting.erase(part.place.number);
+            u.bytes = {part.place.bytes, part.place.size};
+            units.push_back(u);
+            views.push_back({part.place.bytes, part.place.size});
+            keep_set(u);
+        }
+        const bool is_picture = std::any_of(picture.parts.begin(), picture.parts.end(), is_slice);
+        const bool lacks_sets =
+            is_picture && (picture.idr || !any_picture) && !h264::carries_its_sets(views.data(), views.size());
+        any_picture = any_picture || is_picture;
+        write_picture(picture, units, lacks_sets);
     }
 
-    void take_gap(const gap& g)
+private:
+    static bool is_slice(const h264::access_unit_part& part)
     {
-        if (ends_conversion(g))
-            stop(exit_broken_stream, g.offset, describe_with_size(g));
-        complain(g.offset, describe_with_size(g));
+        return part.role >= h264::unit_role::primary && part.role <= h264::unit_role::layer;
+    }
+
+    /// With the parameter sets in force behind its delimiter, if wanted, and without its own then.
+    void write_picture(const h264::access_unit& picture, const std::vector<framed_unit>& units, bool with_sets)
+    {
+        std::size_t i = 0;
+        if (with_sets && picture.parts[0].role == h264::unit_role::delimiter)
+            write(units[i++]);
+        if (with_sets)
+            for (const h264::unit_view& set : sets.all())
+                write({{set.bytes, set.size}, units[0].begin, 0, 0});
+        for (; i < units.size(); ++i)
+            if (!with_sets || picture.parts[i].role != h264::unit_role::parameter_set)
+                write(units[i]);
+    }
+
+    void keep_set(const framed_unit& u)
+    {
+        using h264::set_arrival;
+        if (options.avcc.empty() && options.parameter_sets.empty())
+            return;
+        const set_arrival arrival = sets.push(h264::unit_view{u.bytes.data(), u.bytes.size()});
+        changed_sets += arrival == set_arrival::changed ? 1 : 0;
+        if (arrival == set_arrival::no_memory)
+            throw std::bad_alloc();
+        if (arrival == set_arrival::damaged || arrival == set_arrival::too_long)
+            complain(u.begin, "parameter set that cannot be read is not kept");
+    }
+
+    void write(const framed_unit& u)
+    {
+        if (options.out.empty())
+            return;
+        pad(u.zeros);
+        // Start codes keep their size; those of a stream that had none are the long ones, which are right everywhere.
+        const bool as_found = input.framing() == h264::framing::annex_b && u.framing_size != 0;
+        const h264::framing from = as_found ? h264::framing::annex_b : h264::framing::length_4;
+        switch (output.write(u.bytes, from, as_found ? u.framing_size : 4)) {
+        case unit_written::as_it_is:
+            return;
+        case unit_written::escaped:
+            return complain(u.begin, "start code inside the unit: an emulation-prevention byte is put into it");
+        case unit_written::shorter:
+            return complain(u.begin, "unit ends in 00, which start codes cannot carry: left out");
+        case unit_written::left_out:
+            return complain(u.begin, "unit of one byte 00, which start codes cannot carry: left out");
+        case unit_written::too_long:
+            stop(exit_usage_or_io, u.begin,
+                 fmt::format("unit of {} bytes does not fit behind a length of {} byte{}", u.bytes.size(),
+                             prefix_size_of(output.framing()), plural(prefix_size_of(output.framing()))));
+        }
+    }
+
+    /// Zero bytes around start codes: no start code follows them in another framing.
+    void pad(std::uint64_t zeros)
+    {
+        if (zeros == 0 || options.out.empty())
+            return;
+        if (output.framing() == h264::framing::annex_b)
+            return output.pad(zeros);
+        padding += zeros;
+        ++paddings;
+    }
+
+    void tell_what_is_left_out()
+    {
+        if (padding != 0)
+            print_error(fmt::format("{}: {} byte{} of zero padding in {} place{} left out: length prefixes carry none",
+                                    input.name(), padding, plural(padding), paddings, plural(paddings)));
     }
 
     void complain(std::uint64_t offset, const std::string& what)
@@ -105,22 +214,20 @@ private:
         throw refusal(status, fmt::format("{}: offset {}: {}; conversion stopped", input.name(), offset, why));
     }
 
-    void flush()
-    {
-        output.write({out.data(), filled});
-        filled = 0;
-    }
-
-    static constexpr std::size_t worth_writing = std::size_t{256} * 1024;
-
+    const convert_options& options;
     stream_input& input;
-    h264::framing framing;
-    output_file& output;
+    unit_writer output;
     complaints problems;
     progress shown_progress;
-    rbsp_decoder decoder;
-    std::vector<unsigned char> out;
-    std::size_t filled = 0; // of `out`
+    h264::parameter_set_store sets;
+    h264::access_units pictures;                  // with --parameter-sets
+    std::map<std::uint64_t, framed_unit> waiting; // for their pictures, by number
+    std::uint64_t count = 0;                      // of units
+    std::uint64_t passed = 0;                     // bytes of the input up to the end of the last unit or gap
+    std::uint64_t padding = 0;                    // bytes that are left out
+    std::uint64_t paddings = 0;                   // in so many places
+    std::uint64_t changed_sets = 0;
+    bool any_picture = false;
 };
 
 } // namespace
@@ -128,9 +235,20 @@ private:
 exit_status convert(const convert_options& options)
 {
     stream_input input(options.stream);
-    output_file output(options.out);
-    const exit_status status = conversion(input, options.to, output).run();
-    output.commit();
+    std::optional<output_file> stream; // it stays where it is: a signal removes what it has written
+    std::optional<output_file> record;
+    if (!options.out.empty())
+        stream.emplace(options.out);
+    if (!options.avcc.empty())
+        record.emplace(options.avcc);
+    conversion work(options, input, stream ? &*stream : nullptr);
+    const exit_status status = work.run();
+    if (record)
+        record->write(work.record());
+    if (stream)
+        stream->commit();
+    if (record)
+        record->commit();
     return status;
 }
 

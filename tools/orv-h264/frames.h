@@ -1,4 +1,4 @@
-// orv-h264 frames: where each frame of a stream lies, what it holds and how long it is shown.
+// orv-h264 frames: where each picture of a stream lies, what it holds, when it is decoded and shown.
 #pragma once
 
 #include "exit_status.h"
@@ -12,13 +12,14 @@ namespace orv_h264 {
 
 struct frames_options {
     stream_options stream;
-    bool split_fields = false; ///< each field of a pair is a frame of its own
+    bool split_fields = false; ///< each field is a row of its own
+    bool output_order = false; ///< rows come in output order, not in decoding order
     output_format format = output_format::text;
     std::uint64_t limit = std::numeric_limits<std::uint64_t>::max();
 };
 
-/// Prints a line for each frame and a closing one to the standard output, and what is wrong to the standard error
-/// stream. Throws as inspect() does.
+/// Prints a line for each row and, but for a table, a closing one to the standard output, and what is wrong to the
+/// standard error stream. Throws as inspect() does.
 exit_status frames(const frames_options& options);
 
 } // namespace orv_h264

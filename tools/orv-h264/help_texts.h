@@ -52,42 +52,72 @@ Examples:
   orv-h264 explain --json movie.264 10 | jq '.elements[].name')";
 
 constexpr const char* frames =
-    R"(Each line tells of one frame: its number, the byte offset of its first unit, its size, whether decoding can
-begin there (IDR, or a recovery point SEI message), the types of its slices, how many fields long it is shown,
-the same in seconds where the parameter sets tell the field rate, and the units that it holds. The closing line
-adds up. A frame is a picture with the units that lead to it, as H.264 7.4.1.2.4 tells pictures apart; what holds
-no slice is no frame. Frames stand in decoding order; --json also has their number in output order and their
-picture order count. The two fields of a frame stay together unless --split-fields is given. The last frame ends
-with the input. The peak bit rate is that of the fullest second, counted from the start.
+    R"(Each line tells of one picture: its number in decoding order, its place in output order, the byte offset of its
+first unit, its size, whether decoding can begin there (IDR, or a recovery point SEI message with its count), the
+types of its slices, its structure (frame, MBAFF, top, bottom, or fields for two of them), frame_num, picture
+order count, nal_ref_idc, when it is shown in seconds, for how many fields, its units, and the layers or views
+where there are any. The closing line adds up what is shown. A picture is told from the next one as H.264
+7.4.1.2.4 says, with the units that lead to it; what holds no slice is no frame.
+
+The size goes to the end of the last unit. Zero bytes that belong to no unit, between its units and behind them,
+are padding; filler data units and the payloads of filler payload messages are filler, which is part of the size.
+Times come from buffering periods and picture timing, or else from the rate that the parameter sets tell. The
+mean bit rate is that of units and padding over the time of the frames that are timed; the peak is that of the
+fullest second, counted from the start. Where the place in output order comes only behind 1,024 later pictures,
+it is not told.
+
+--fields makes each field a line; key pictures are counted as pictures all the same. --json has more: exact
+times, decoding times and where they come from, padding and filler, pic_struct, ids of parameter sets. --csv and
+--tsv have the members of the JSON objects as columns.
 
 Examples:
   orv-h264 frames movie.264
-  orv-h264 frames --split-fields interlaced.264
+  orv-h264 frames --output-order --limit 20 movie.264
+  orv-h264 frames --fields interlaced.264
+  orv-h264 frames --csv movie.264 | cut -d, -f2,4,5
   orv-h264 frames --json movie.264 | jq 'select(.key == true) | .offset')";
 
 constexpr const char* info =
     R"(What a stream is at a glance: profile and level, picture size and shape, scan type as its slices show it, rates,
-colour, HRD, frames, NAL units by type, the encoder, and what is wrong with it, a line for each kind of problem.
-A stream that changes its sequence parameter set is shown sequence by sequence, up to 64 of them; further ones
-are counted.
+colour, the bit rates of its HRD and how many seconds have more, frames, groups of pictures, the encoder with its
+settings, layers and views, NAL units and SEI messages by type. What cannot be read or is lost is a problem, what is
+only odd a finding: a line for each kind.
+
+A stream that changes its sequence parameter set is shown sequence by sequence, with what the one before has
+otherwise, up to 64 of them; further ones are counted. The reorder depth that pictures use, the most that come before
+one in decoding order and follow it in output order, stands beside the one that the stream promises. A group begins
+with an IDR picture or a recovery point; it is open when pictures of it are output before that one. Bit rates and the
+duration are those of the frames whose duration the stream tells.
+
+With --csv and --tsv a line is a fact: its path in the JSON object, and its value.
 
 Examples:
   orv-h264 info movie.264
   orv-h264 info --format length4 sample.bin
-  orv-h264 info --json movie.264 | jq -r '.sequences[0].codec')";
+  orv-h264 info --json movie.264 | jq -r '.sequences[0].codec'
+  orv-h264 info --tsv movie.264 | grep bit_rate)";
 
 constexpr const char* convert =
     R"(Writes every NAL unit of IN to OUT in another framing: start codes (annexb) or big-endian lengths of 1 to 4
-bytes, as MP4 and Matroska have them. Payloads stay what they are; emulation-prevention bytes are written anew.
+bytes, as MP4 and Matroska have them. Units keep their bytes. From annexb to annexb start codes keep their size,
+and zero padding stays; lengths carry no padding, and what is left out is told. Behind lengths a unit may hold
+what start codes cannot carry: a start code inside gets an emulation-prevention byte and is told, zeros at the
+end get the byte 03, a lone zero is left out and told. A unit with its forbidden bit set is carried and told.
 OUT appears when it is complete, and replaces what was there; - is the standard output. A unit that cannot be
-carried (longer than its prefix can tell, larger than --max-unit, its forbidden bit set) stops the conversion,
-and OUT is left as it was; so does an input without any unit. Bytes that belong to no unit are reported and
-left out.
+carried (longer than its prefix can tell, larger than --max-unit) stops the conversion, and OUT is left as it
+was; so does an input without any unit. Bytes that belong to no unit are reported and left out.
+
+--avcc writes the decoder configuration record (ISO/IEC 14496-15, the payload of the box avcC) of the parameter
+sets of IN, with the length of --to, or of 4 bytes. --parameter-sets reads such a record, or a whole box, and puts
+the parameter sets in force before the first picture and each IDR picture that does not carry its own.
 
 Examples:
   orv-h264 convert movie.264 movie.avc --to length4
-  orv-h264 convert movie.avc movie.264 --format length4 --to annexb
-  orv-h264 convert movie.264 - --to length4 | muxer)";
+  orv-h264 convert movie.avc movie.264 --to annexb
+  orv-h264 convert movie.264 - --to length4 | muxer
+  orv-h264 convert movie.264 movie.avc --to length4 --avcc extradata.bin
+  orv-h264 convert movie.264 --avcc extradata.bin
+  orv-h264 convert sample.bin movie.264 --to annexb --parameter-sets extradata.bin)";
 
 constexpr const char* avcc =
     R"(FILE holds an AVC decoder configuration record (ISO/IEC 14496-15), the payload of the box avcC of an MP4 file or
@@ -97,5 +127,12 @@ members of the record and the fields of its parameter sets.
 Examples:
   orv-h264 avcc extradata.bin
   orv-h264 avcc --json extradata.bin | jq .lengthSizeMinusOne)";
+
+constexpr const char* help =
+    R"(The same as --help, of the tool or behind a subcommand.
+
+Examples:
+  orv-h264 help
+  orv-h264 help convert)";
 
 } // namespace orv_h264::help_texts

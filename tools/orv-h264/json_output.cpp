@@ -3,6 +3,7 @@
 #include "standard_output.h"
 
 #include <algorithm>
+#include <cmath>
 #include <iterator>
 
 #include <fmt/compile.h>
@@ -39,6 +40,18 @@ std::string json_text(std::string_view text)
 std::string hex_digits(std::span<const std::uint8_t> bytes)
 {
     return fmt::format("{:02x}", fmt::join(bytes, ""));
+}
+
+json json_fraction(std::int64_t numerator, std::int64_t denominator)
+{
+    const double value = static_cast<double>(numerator) / static_cast<double>(denominator);
+    return {{"numerator", numerator}, {"denominator", denominator}, {"value", value}};
+}
+
+double rounded(double number, int digits)
+{
+    const double scale = std::pow(10.0, digits);
+    return std::round(number * scale) / scale;
 }
 
 json json_head(const char* schema, std::string_view input_name)

@@ -23,6 +23,12 @@ std::string json_text(std::string_view text);
 /// Two hex digits a byte.
 std::string hex_digits(std::span<const std::uint8_t> bytes);
 
+/// An exact fraction: its numerator, its denominator, and its value rounded once.
+json json_fraction(std::int64_t numerator, std::int64_t denominator);
+
+/// The number with so many digits behind the point.
+double rounded(double number, int digits);
+
 /// The members that every output begins with: the name of its schema, the version of the schema, the input's name.
 /// The version grows when members change their meaning or go; new members may come without it.
 json json_head(const char* schema, std::string_view input_name);

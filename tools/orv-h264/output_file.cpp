@@ -1,11 +1,13 @@
 #include "output_file.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <climits>
 #include <csignal>
 #include <cstdio>
 #include <filesystem>
+#include <stdexcept>
 #include <system_error>
 #include <utility>
 
@@ -20,12 +22,15 @@ namespace {
 
 constexpr std::array<int, 7> ending_signals = {SIGHUP, SIGINT, SIGPIPE, SIGQUIT, SIGTERM, SIGXCPU, SIGXFSZ};
 
-// What a signal handler removes: it can read no std::string. The tool writes one file a run.
-std::array<char, PATH_MAX> unfinished;
+// What a signal handler removes: it can read no std::string. The tool writes two files a run at the most; an empty name
+// is none.
+using file_name = std::array<char, PATH_MAX>;
+std::array<file_name, 2> unfinished;
 
 void remove_unfinished(int signal_number)
 {
-    ::unlink(unfinished.data());
+    for (const file_name& name : unfinished)
+        ::unlink(name.data());
     static_cast<void>(::signal(signal_number, SIG_DFL));
     static_cast<void>(::raise(signal_number));
 }
@@ -38,6 +43,31 @@ void handle_signals(void (*handler)(int))
         if (::sigaction(number, nullptr, &now) != 0 || now.sa_handler != SIG_IGN)
             static_cast<void>(::signal(number, handler));
     }
+}
+
+bool is_free(const file_name& name)
+{
+    return name[0] == '\0';
+}
+
+/// From now on a signal that ends the tool removes this file.
+void note_unfinished(const std::string& path)
+{
+    file_name* const name = std::find_if(unfinished.begin(), unfinished.end(), is_free);
+    if (name == unfinished.end())
+        throw std::logic_error("more files than expected");
+    path.copy(name->data() + 1, name->size() - 2, 1); // the name is whole before it is one
+    (*name)[0] = path[0];
+    handle_signals(remove_unfinished);
+}
+
+void forget_unfinished(const std::string& path)
+{
+    for (file_name& name : unfinished)
+        if (path == name.data())
+            name.fill('\0');
+    if (std::all_of(unfinished.begin(), unfinished.end(), is_free))
+        handle_signals(SIG_DFL);
 }
 
 mode_t permissions_of_a_new_file()
@@ -120,8 +150,7 @@ void output_file::open_beside(mode_t permissions)
         beside.clear();
         throw std::system_error(reason, fmt::format("{}: cannot make a file in the folder {}", shown_name, folder));
     }
-    beside.copy(unfinished.data(), unfinished.size() - 1);
-    handle_signals(remove_unfinished);
+    note_unfinished(beside);
     if (::fchmod(descriptor, permissions) != 0)
         fail();
 }
@@ -130,8 +159,10 @@ output_file::~output_file()
 {
     if (descriptor > STDOUT_FILENO)
         ::close(descriptor);
-    if (!beside.empty())
-        ::unlink(beside.c_str());
+    if (beside.empty())
+        return;
+    ::unlink(beside.c_str());
+    forget_unfinished(beside);
 }
 
 void output_file::write(std::span<const unsigned char> bytes)
@@ -152,7 +183,7 @@ void output_file::commit()
     descriptor = -1;
     if (closed != 0 || std::rename(beside.c_str(), place.c_str()) != 0)
         fail();
-    handle_signals(SIG_DFL);
+    forget_unfinished(beside);
     beside.clear();
 }
 

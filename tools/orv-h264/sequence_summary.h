@@ -1,9 +1,9 @@
 // What the pictures of one sequence parameter set are like.
 #pragma once
 
-#include "walked_unit.h"
+#include "second_rates.h"
 
-#include <orv-utils-v4/h264.h>
+#include <orv-utils-v4/h264_syntax.h>
 
 #include <cstdint>
 #include <optional>
@@ -12,70 +12,54 @@
 
 namespace orv_h264 {
 
+namespace h264 = orv_utils_v4::h264;
+
 struct sequence_summary {
-    std::uint64_t offset = 0; ///< of its first slice, or of the SPS while there is no slice at all
-    brenik::h264_nal_sps sps;
-    std::uint64_t frame_pictures = 0; ///< coded frames without macroblock-adaptive frame/field decoding
-    std::uint64_t mbaff_pictures = 0; ///< coded frames with it
-    std::uint64_t field_pictures = 0; ///< coded fields
-    bool cabac = false;               ///< some slice is CABAC coded
+    std::uint64_t offset = 0; ///< of its first picture; of the SPS's header while there is no picture at all
+    h264::seq_parameter_set_data sps;
+    std::uint64_t pictures = 0;         ///< frames, two fields, or fields whose other field is missing
+    std::uint64_t frame_pictures = 0;   ///< coded frames without macroblock-adaptive frame/field decoding
+    std::uint64_t mbaff_pictures = 0;   ///< coded frames with it
+    std::uint64_t field_pictures = 0;   ///< coded fields
+    std::uint64_t told_progressive = 0; ///< coded frames whose picture timing says that they are
+    bool cabac = false;                 ///< some slice is CABAC coded
     bool cavlc = false;
     std::optional<bool> top_field_first; ///< as picture timing or the first field tell it
+    std::uint32_t reorder_depth = 0;     ///< that the pictures use; reorder_meter tells it
+    second_rates nal_seconds;            ///< of all units, where there is a NAL HRD
+    second_rates vcl_seconds;            ///< of slices and filler data, where there is a VCL HRD
 
-    std::uint64_t pictures() const noexcept { return frame_pictures + mbaff_pictures + field_pictures; }
+    /// Takes an access unit with a primary coded picture of this parameter set.
+    void add(const h264::access_unit& unit, const h264::parameter_sets& sets);
 };
 
-/// The first slice of a primary coded picture, H.264 7.4.1.2.4.
-bool begins_picture(const brenik::h264_nal_slice_header& slice);
+/// Equal but for the id.
+bool same_sequence(const h264::seq_parameter_set_data& a, const h264::seq_parameter_set_data& b);
 
-/// Takes the slice into account; its header has been read to the end.
-void add_slice(sequence_summary& sequence, const brenik::h264_nal_slice_header& slice, const brenik::h264_nal_pps& pps);
+/// What an SPS has otherwise than the one before it, in words: "level", "picture size"; "other elements" where nothing
+/// has a word.
+std::vector<std::string> changes_between(const h264::seq_parameter_set_data& before,
+                                         const h264::seq_parameter_set_data& after);
 
-/// Takes the order of fields from picture timing, when nothing has told it before.
-void add_pic_timing(sequence_summary& sequence, const brenik::h264_nal_sei_pic_timing& timing);
-
-/// How the pictures are scanned, as their slices show it: "progressive", "interlaced", "PAFF", "MBAFF" or
-/// "PAFF with MBAFF"; "progressive frames, fields allowed" when the parameter set allows fields and there are none.
+/// How the pictures are scanned, as their slices show it: "progressive", "interlaced", "PAFF", "MBAFF" or "PAFF with
+/// MBAFF". Frames of an SPS that allows fields are progressive where picture timing says so of all of them, else
+/// "frames, fields allowed"; without pictures "fields allowed".
 std::string scan_type(const sequence_summary& sequence);
 
-/// chroma_format_idc; 1 where the profile does not send it, H.264 7.4.2.1.1.
-std::uint32_t chroma_format_of(const brenik::h264_nal_sps& sps);
+/// The level's number, H.264 A.3: "4", "3.1", "1b"; also of a level_idc that Table A-1 does not have.
+std::string level_name(const h264::seq_parameter_set_data& sps);
 
-struct fraction {
-    std::uint64_t numerator = 0;
-    std::uint64_t denominator = 1;
-
-    double value() const noexcept { return static_cast<double>(numerator) / static_cast<double>(denominator); }
-};
-
-fraction half(fraction whole);
-
-/// Fields a second, H.264 E.2.1, in lowest terms; frames come at half this rate. Nothing when it is not told, or told
-/// as 0 of a second or of a field.
-std::optional<fraction> field_rate(const brenik::h264_nal_sps& sps);
-
-/// The shape of a sample, width to height, in lowest terms; nothing when it is not told.
-std::optional<fraction> sample_aspect_ratio(const brenik::h264_nal_sps& sps);
-
-/// Luma samples.
-struct picture_size {
-    std::uint64_t width = 0;
-    std::uint64_t height = 0;
-};
-
-/// Without what is cropped; 0x0 when the cropping takes more than there is.
-picture_size cropped_size(const brenik::h264_nal_sps& sps);
+/// In lowest terms; nothing of a ratio that is not told.
+std::optional<h264::ratio> known(h264::ratio ratio);
 
 /// The cropped size with its width made that of square samples.
-picture_size display_size(const brenik::h264_nal_sps& sps);
+h264::picture_size display_size(const h264::seq_parameter_set_data& sps);
 
-/// A way that a coded picture buffer is filled, H.264 E.2.2.
-struct cpb_schedule {
-    std::uint64_t bit_rate = 0; ///< bits a second
-    std::uint64_t size = 0;     ///< bits
-    bool constant = false;      ///< the rate is constant
+/// max_num_reorder_frames, or what stands for it.
+struct promised_depth {
+    std::uint32_t frames = 0;
+    bool sent = false; ///< else it is inferred, H.264 E.2.1
 };
-
-std::vector<cpb_schedule> schedules_of(const brenik::h264_hrd_parameters& hrd);
+promised_depth promised_reorder_depth(const h264::seq_parameter_set_data& sps);
 
 } // namespace orv_h264

@@ -3,11 +3,9 @@
 #include "framing.h"
 #include "names.h"
 #include "printable.h"
-#include "terminal.h"
+#include "show_sequences.h"
 
-#include <cstdio>
-#include <numeric>
-#include <string_view>
+#include <string>
 
 #include <fmt/format.h>
 
@@ -15,162 +13,93 @@ namespace orv_h264 {
 
 namespace {
 
-constexpr int label_width = 22;
-
-void print_row(std::string_view label, std::string_view text)
+std::string or_dash(std::string name)
 {
-    if (!text.empty())
-        fmt::print("{:<{}}{}\n", label, label_width, text);
+    return name.empty() ? "-" : name;
 }
 
-void print_heading(std::string_view text)
+std::string bit_rate_text(const frame_totals& frames)
 {
-    fmt::print("\n{}\n", emphasised(stdout, emphasis::strong, text));
-}
-
-std::string ratio_text(const fraction& ratio)
-{
-    return fmt::format("{}:{}", ratio.numerator, ratio.denominator);
-}
-
-std::string rate_text(const fraction& rate)
-{
-    const std::string hertz = fmt::format("{:.7g} Hz", rate.value());
-    return rate.denominator == 1 ? hertz : fmt::format("{} ({}/{})", hertz, rate.numerator, rate.denominator);
-}
-
-std::string size_text(const picture_size& size)
-{
-    return fmt::format("{}x{}", size.width, size.height);
-}
-
-std::string or_number(const std::string& name, std::uint64_t number)
-{
-    return name.empty() ? fmt::format("unknown ({})", number) : name;
-}
-
-std::string display_text(const brenik::h264_nal_sps& sps)
-{
-    const picture_size size = cropped_size(sps);
-    const fraction sample = sample_aspect_ratio(sps).value_or(fraction{1, 1});
-    const std::uint64_t width = size.width * sample.numerator;
-    const std::uint64_t height = size.height * sample.denominator;
-    const std::uint64_t divisor = std::gcd(width, height);
-    if (divisor == 0)
-        return "";
-    return fmt::format("{} ({}:{})", size_text(display_size(sps)), width / divisor, height / divisor);
-}
-
-std::string bit_depth_text(const brenik::h264_nal_sps& sps)
-{
-    const std::uint64_t luma = std::uint64_t{sps.bit_depth_luma_minus8} + 8;
-    const std::uint64_t chroma = std::uint64_t{sps.bit_depth_chroma_minus8} + 8;
-    if (luma == chroma || chroma_format_of(sps) == 0)
-        return fmt::format("{} bits", luma);
-    return fmt::format("{} bits luma, {} bits chroma", luma, chroma);
-}
-
-std::string scan_text(const sequence_summary& sequence)
-{
-    std::string text = scan_type(sequence);
-    if (sequence.top_field_first && !sequence.sps.frame_mbs_only_flag)
-        text += *sequence.top_field_first ? ", top field first" : ", bottom field first";
-    if (sequence.field_pictures > 0)
-        text += fmt::format(" ({} coded fields, {} coded frames)", sequence.field_pictures,
-                            sequence.frame_pictures + sequence.mbaff_pictures);
+    std::string text = fmt::format("mean {:.0f} bit/s", *frames.bit_rate().mean());
+    if (frames.padding() != 0)
+        text += fmt::format(" ({:.0f} bit/s without padding)", *frames.unit_bit_rate());
+    if (const auto peak = frames.bit_rate().peak())
+        text += fmt::format(", peak {:.0f} bit/s", *peak);
     return text;
-}
-
-const char* entropy_text(const sequence_summary& sequence)
-{
-    return sequence.cabac ? (sequence.cavlc ? "CABAC and CAVLC" : "CABAC") : (sequence.cavlc ? "CAVLC" : "");
-}
-
-std::string colour_text(const brenik::h264_nal_sps& sps)
-{
-    const brenik::h264_vui_parameters& vui = sps.vui;
-    if (!sps.vui_parameters_present_flag || !vui.video_signal_type_present_flag)
-        return "";
-    std::string range = vui.video_full_range_flag ? "full range" : "limited range";
-    if (!vui.colour_description_present_flag)
-        return range;
-    return fmt::format(
-        "{}; primaries {}; transfer {}; matrix {}", range,
-        or_number(colour_primaries_name(vui.colour_primaries), vui.colour_primaries),
-        or_number(transfer_characteristics_name(vui.transfer_characteristics), vui.transfer_characteristics),
-        or_number(matrix_coefficients_name(vui.matrix_coefficients), vui.matrix_coefficients));
-}
-
-void print_hrd(const char* label, bool present, const brenik::h264_hrd_parameters& hrd)
-{
-    if (!present)
-        return;
-    for (const cpb_schedule& schedule : schedules_of(hrd))
-        print_row(label, fmt::format("{} bit/s{}, buffer of {} bits", schedule.bit_rate,
-                                     schedule.constant ? " constant" : " at most", schedule.size));
-}
-
-void print_rates(const brenik::h264_nal_sps& sps)
-{
-    const auto fields = field_rate(sps);
-    if (!fields)
-        return;
-    print_row("Field rate", rate_text(*fields));
-    print_row("Frame rate", rate_text(half(*fields)) + (sps.vui.fixed_frame_rate_flag ? ", fixed" : ", not fixed"));
-}
-
-void print_sequence(const sequence_summary& sequence)
-{
-    const brenik::h264_nal_sps& sps = sequence.sps;
-    print_row("Codec string", codec_string(sps));
-    print_row("Profile", or_number(profile_name(sps), sps.profile_idc));
-    print_row("Level", level_name(sps));
-    print_row("Picture size",
-              fmt::format("{} (coded {}x{})", size_text(cropped_size(sps)), sps.getPicWidth(), sps.getPicHeight()));
-    if (const auto shape = sample_aspect_ratio(sps))
-        print_row("Sample aspect ratio", ratio_text(*shape));
-    print_row("Display size", display_text(sps));
-    print_row("Chroma format", or_number(chroma_format_name(chroma_format_of(sps)), chroma_format_of(sps)));
-    print_row("Bit depth", bit_depth_text(sps));
-    print_row("Scan type", scan_text(sequence));
-    print_row("Entropy coding", entropy_text(sequence));
-    print_row("Reference frames", fmt::format("{}", sps.max_num_ref_frames));
-    print_rates(sps);
-    print_row("Colour", colour_text(sps));
-    if (!sps.vui_parameters_present_flag)
-        return;
-    print_hrd("NAL HRD", sps.vui.nal_hrd_parameters_present_flag, sps.vui.nal_hrd);
-    print_hrd("VCL HRD", sps.vui.vcl_hrd_parameters_present_flag, sps.vui.vcl_hrd);
-}
-
-void print_sequences(const std::vector<sequence_summary>& sequences, std::uint64_t further)
-{
-    if (sequences.size() == 1)
-        print_sequence(sequences.front());
-    else
-        for (std::size_t i = 0; i < sequences.size(); ++i) {
-            print_heading(fmt::format("Sequence {} of {}, from offset {}, {} pictures", i + 1, sequences.size(),
-                                      sequences[i].offset, sequences[i].pictures()));
-            print_sequence(sequences[i]);
-        }
-    if (sequences.size() > 1)
-        print_heading("All sequences");
-    if (further > 0)
-        print_row("Sequences", fmt::format("{} shown, {} further ones not", sequences.size(), further));
 }
 
 void print_frames(const frame_totals& frames)
 {
-    if (const auto mean = frames.bit_rate().mean()) {
-        const auto peak = frames.bit_rate().peak();
-        print_row("Duration", fmt::format("{:.6f} s", frames.bit_rate().seconds()));
-        print_row("Bit rate",
-                  fmt::format("mean {:.0f} bit/s{}", *mean, peak ? fmt::format(", peak {:.0f} bit/s", *peak) : ""));
+    if (frames.bit_rate().mean()) {
+        std::string text = fmt::format("{:.6f} s", frames.bit_rate().seconds());
+        if (frames.timed_frames() < frames.frames())
+            text += fmt::format(", that of {} of the {} frames", frames.timed_frames(), frames.frames());
+        print_row("Duration", text);
+        print_row("Bit rate", bit_rate_text(frames));
     }
-    print_row("Frames", fmt::format("{}, {} of them key frames", frames.frames(), frames.key_frames()));
+    print_row("Frames", fmt::format("{}, {} of them key frames", frames.pictures(), frames.key_frames()));
     if (const auto distance = frames.key_distance())
         print_row("Key-frame distance",
                   fmt::format("{} to {} frames, mean {:.4g}", distance->least, distance->most, distance->mean));
+}
+
+void print_groups(const group_totals& groups)
+{
+    if (groups.closed + groups.open + groups.gradual == 0)
+        return;
+    std::string text = fmt::format("{} closed, {} open", groups.closed, groups.open);
+    if (groups.gradual > 0)
+        text += fmt::format(", {} from a gradual refresh", groups.gradual);
+    print_row("Groups", text);
+    if (groups.recovery_points > 0)
+        print_row("Recovery points", fmt::format("{}, recovery_frame_cnt {} to {}", groups.recovery_points,
+                                                 groups.least_recovery_frame_cnt, groups.most_recovery_frame_cnt));
+}
+
+void print_encoder(const std::optional<encoder_text>& encoder)
+{
+    constexpr std::size_t most_settings = 96;
+    if (!encoder)
+        return;
+    print_row("Encoder", encoder->name);
+    std::string settings = encoder->settings;
+    if (settings.size() > most_settings)
+        settings.replace(most_settings, std::string::npos, " ...");
+    print_row("Encoder settings", settings);
+}
+
+std::string layer_name(const layer_summary& layer)
+{
+    const h264::slice_layer& what = layer.layer;
+    if (layer.scalable)
+        return fmt::format("D{} Q{} T{}", what.dependency_id, what.quality_id, what.temporal_id);
+    return fmt::format("view {}{}", what.view_id, what.depth ? " depth" : "");
+}
+
+std::string layer_text(const layer_summary& layer)
+{
+    if (!layer.sps)
+        return "-";
+    const h264::seq_parameter_set_data& sps = *layer.sps;
+    std::string text = fmt::format("{}, level {}, {}", or_number(h264::profile_name(sps), sps.profile_idc),
+                                   level_name(sps), size_text(h264::cropped_size(sps)));
+    return layer.frame_rate ? text + ", " + rate_text(*layer.frame_rate) : text;
+}
+
+void print_layers(const stream_summary& summary)
+{
+    const std::vector<layer_summary> layers = summary.layers.layers();
+    if (layers.empty())
+        return;
+    print_heading("  pictures       units       bytes       bit/s  layer or view");
+    for (const layer_summary& layer : layers) {
+        const auto rate = bit_rate_of(layer, summary.frames);
+        fmt::print("{:>10}  {:>10}  {:>10}  {:>10}  {}: {}\n", layer.pictures, layer.units, layer.bytes,
+                   rate ? fmt::format("{}", *rate) : "-", layer_name(layer), layer_text(layer));
+    }
+    if (summary.layers.further_units() > 0)
+        print_row("Layers",
+                  fmt::format("{} shown, {} units of further ones not", layers.size(), summary.layers.further_units()));
 }
 
 void print_types(const stream_summary& summary)
@@ -182,11 +111,24 @@ void print_types(const stream_summary& summary)
                        brenik::h264_nal_unit_type_to_str(static_cast<brenik::h264_nal_unit_type>(type)));
 }
 
-void print_problems(const std::vector<problem_kind>& kinds)
+void print_sei(const sei_counts& sei)
+{
+    if (sei.by_type().empty())
+        return;
+    print_heading("  messages  SEI payload type");
+    for (const auto& [type, count] : sei.by_type())
+        fmt::print("{:>10}  {:>3}  {}\n", count, type, or_dash(payload_name(type)));
+    if (sei.further_messages() > 0)
+        fmt::print("{:>10}  of further types\n", sei.further_messages());
+    if (sei.units_not_read() > 0)
+        fmt::print("{} SEI units are not among them\n", sei.units_not_read());
+}
+
+void print_kinds(const char* heading, const std::vector<problem_kind>& kinds)
 {
     if (kinds.empty())
         return;
-    print_heading("Problems");
+    print_heading(heading);
     for (const problem_kind& kind : kinds)
         fmt::print("{}\n", describe(kind));
 }
@@ -200,9 +142,13 @@ void print_info(const stream_input& input, const stream_summary& summary)
     print_row("Size", fmt::format("{} bytes", input.bytes_read()));
     print_sequences(summary.sequences, summary.further_sequences);
     print_frames(summary.frames);
-    print_row("Encoder", summary.encoder);
+    print_groups(summary.groups.totals());
+    print_encoder(summary.encoder);
+    print_layers(summary);
     print_types(summary);
-    print_problems(summary.problems.kinds());
+    print_sei(summary.sei);
+    print_kinds("Problems", summary.problems.kinds());
+    print_kinds("Findings", summary.findings.kinds());
 }
 
 } // namespace orv_h264

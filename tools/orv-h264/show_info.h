@@ -1,12 +1,13 @@
 // The summary of a stream, as lines for a person and as a JSON object for a program.
 #pragma once
 
+#include "json_output.h"
 #include "stream_input.h"
 #include "stream_summary.h"
 
 namespace orv_h264 {
 
 void print_info(const stream_input& input, const stream_summary& summary);
-void print_json_info(const stream_input& input, const stream_summary& summary);
+json info_json(const stream_input& input, const stream_summary& summary);
 
 } // namespace orv_h264

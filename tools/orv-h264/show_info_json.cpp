@@ -1,7 +1,8 @@
 #include "framing.h"
-#include "json_output.h"
 #include "names.h"
 #include "show_info.h"
+#include "show_rows.h"
+#include "words.h"
 
 #include <utility>
 
@@ -20,101 +21,169 @@ json or_null(const std::string& name)
     return name.empty() ? json() : json(name);
 }
 
-json json_of(const std::optional<fraction>& value)
+json json_of(const std::optional<h264::ratio>& ratio)
 {
-    if (!value)
+    if (!ratio)
         return nullptr;
-    return {{"numerator", value->numerator}, {"denominator", value->denominator}, {"value", value->value()}};
+    return json_fraction(static_cast<std::int64_t>(ratio->numerator), static_cast<std::int64_t>(ratio->denominator));
 }
 
-json json_of(const picture_size& size)
+json json_of(const h264::picture_size& size)
 {
     return {{"width", size.width}, {"height", size.height}};
 }
 
-json hrd_json(bool present, const brenik::h264_hrd_parameters& hrd)
+json hrd_json(bool present, const h264::hrd_parameters& hrd, const second_rates& rates)
 {
     if (!present)
         return nullptr;
     json schedules = json::array();
-    for (const cpb_schedule& schedule : schedules_of(hrd))
-        schedules.push_back({{"bit_rate", schedule.bit_rate}, {"cpb_size", schedule.size}, {"cbr", schedule.constant}});
+    for (std::uint32_t i = 0; i < h264::schedule_count(hrd); ++i)
+        schedules.push_back({{"bit_rate", h264::BitRate(hrd, i)},
+                             {"cpb_size", h264::CpbSize(hrd, i)},
+                             {"cbr", hrd.cbr_flag[i]},
+                             {"seconds", rates.seconds},
+                             {"seconds_above", rates.above[i]},
+                             {"fullest_second", rates.seconds > 0 ? json(rounded(rates.largest, 0)) : json()}});
     return schedules;
 }
 
-json colour_json(const brenik::h264_nal_sps& sps)
+json colour_json(const h264::vui_parameters& vui)
 {
-    const brenik::h264_vui_parameters& vui = sps.vui;
-    if (!sps.vui_parameters_present_flag || !vui.video_signal_type_present_flag)
+    if (!vui.video_signal_type_present_flag)
         return nullptr;
     const bool described = vui.colour_description_present_flag;
     const auto number = [&](std::uint8_t value) { return described ? json(value) : json(); };
-    const auto name = [&](const std::string& words) { return described ? or_null(words) : json(); };
+    const auto name = [&](const char* element, std::uint8_t value) {
+        return described ? or_null(words_of(element, value)) : json();
+    };
     return {
         {"full_range", vui.video_full_range_flag},
         {"video_format", vui.video_format},
-        {"format", vui.video_format_to_str()},
+        {"format", or_null(words_of("video_format", vui.video_format))},
         {"colour_primaries", number(vui.colour_primaries)},
-        {"primaries", name(colour_primaries_name(vui.colour_primaries))},
+        {"primaries", name("colour_primaries", vui.colour_primaries)},
         {"transfer_characteristics", number(vui.transfer_characteristics)},
-        {"transfer", name(transfer_characteristics_name(vui.transfer_characteristics))},
+        {"transfer", name("transfer_characteristics", vui.transfer_characteristics)},
         {"matrix_coefficients", number(vui.matrix_coefficients)},
-        {"matrix", name(matrix_coefficients_name(vui.matrix_coefficients))},
+        {"matrix", name("matrix_coefficients", vui.matrix_coefficients)},
     };
 }
 
-json sequence_json(const sequence_summary& sequence)
+json profile_json(const h264::seq_parameter_set_data& sps)
 {
-    const brenik::h264_nal_sps& sps = sequence.sps;
-    const bool vui = sps.vui_parameters_present_flag;
-    const auto fields = field_rate(sps);
-    return {
+    return {{"profile_idc", sps.profile_idc},
+            {"profile", or_null(std::string(h264::profile_name(sps)))},
+            {"level_idc", sps.level_idc},
+            {"level", level_name(sps)},
+            {"size", json_of(h264::cropped_size(sps))}};
+}
+
+json sequence_json(const sequence_summary& sequence, const sequence_summary* before)
+{
+    const h264::seq_parameter_set_data& sps = sequence.sps;
+    const h264::vui_parameters& vui = sps.vui_parameters;
+    const auto fields = known(h264::field_rate(vui));
+    const promised_depth promised = promised_reorder_depth(sps);
+    json object = {
         {"offset", sequence.offset},
-        {"codec", codec_string(sps)},
-        {"profile_idc", sps.profile_idc},
-        {"profile", or_null(profile_name(sps))},
-        {"level_idc", sps.level_idc},
-        {"level", level_name(sps)},
-        {"size", json_of(cropped_size(sps))},
-        {"coded_size", json_of(picture_size{sps.getPicWidth(), sps.getPicHeight()})},
+        {"changes", before != nullptr ? json(changes_between(before->sps, sps)) : json::array()},
+        {"codec", h264::codec_string(sps).data()},
+    };
+    object.update(profile_json(sps));
+    object.update({
+        {"coded_size", json_of(h264::coded_size(sps))},
         {"display_size", json_of(display_size(sps))},
-        {"sample_aspect_ratio", json_of(sample_aspect_ratio(sps))},
-        {"chroma_format_idc", chroma_format_of(sps)},
-        {"chroma_format", or_null(chroma_format_name(chroma_format_of(sps)))},
-        {"bit_depth_luma", std::uint64_t{sps.bit_depth_luma_minus8} + 8},
-        {"bit_depth_chroma", std::uint64_t{sps.bit_depth_chroma_minus8} + 8},
+        {"sample_aspect_ratio", json_of(known(h264::sample_aspect_ratio(vui)))},
+        {"chroma_format_idc", sps.chroma_format_idc},
+        {"chroma_format", or_null(words_of("chroma_format_idc", sps.chroma_format_idc))},
+        {"bit_depth_luma", h264::BitDepthY(sps)},
+        {"bit_depth_chroma", h264::BitDepthC(sps)},
         {"scan_type", scan_type(sequence)},
         {"top_field_first", or_null(sequence.top_field_first)},
+        {"pictures", sequence.pictures},
         {"frame_pictures", sequence.frame_pictures},
         {"mbaff_pictures", sequence.mbaff_pictures},
         {"field_pictures", sequence.field_pictures},
         {"cabac", sequence.cabac},
         {"cavlc", sequence.cavlc},
         {"max_num_ref_frames", sps.max_num_ref_frames},
+        {"reorder_depth", sequence.reorder_depth},
+        {"max_num_reorder_frames", promised.frames},
+        {"max_num_reorder_frames_sent", promised.sent},
         {"field_rate", json_of(fields)},
-        {"frame_rate", fields ? json_of(std::optional(half(*fields))) : json()},
-        {"fixed_frame_rate", fields ? json(static_cast<bool>(sps.vui.fixed_frame_rate_flag)) : json()},
-        {"colour", colour_json(sps)},
-        {"nal_hrd", hrd_json(vui && sps.vui.nal_hrd_parameters_present_flag, sps.vui.nal_hrd)},
-        {"vcl_hrd", hrd_json(vui && sps.vui.vcl_hrd_parameters_present_flag, sps.vui.vcl_hrd)},
-    };
+        {"frame_rate", json_of(known(h264::frame_rate(vui)))},
+        {"fixed_frame_rate", fields ? json(vui.fixed_frame_rate_flag) : json()},
+        {"colour", colour_json(vui)},
+        {"nal_hrd", hrd_json(vui.nal_hrd_parameters_present_flag, vui.nal_hrd_parameters, sequence.nal_seconds)},
+        {"vcl_hrd", hrd_json(vui.vcl_hrd_parameters_present_flag, vui.vcl_hrd_parameters, sequence.vcl_seconds)},
+    });
+    return object;
+}
+
+json sequences_json(const std::vector<sequence_summary>& sequences)
+{
+    json list = json::array();
+    const sequence_summary* before = nullptr;
+    for (const sequence_summary& sequence : sequences) {
+        list.push_back(sequence_json(sequence, before));
+        before = &sequence;
+    }
+    return list;
 }
 
 json frames_json(const frame_totals& frames)
 {
-    const bit_rate_meter& rate = frames.bit_rate();
-    json object = {{"count", frames.frames()},
-                   {"key_frames", frames.key_frames()},
-                   {"joined_frames", 0},
-                   {"pictures", frames.frames()},
-                   {"coded_pictures", frames.coded_pictures()},
-                   {"key_frame_distance", nullptr},
-                   {"seconds", rate.mean() ? json(rate.seconds()) : json()},
-                   {"mean_bit_rate", or_null(rate.mean())},
-                   {"peak_bit_rate", or_null(rate.peak())}};
+    json object = {{"count", frames.frames()}};
+    object.update(json_of(frames));
+    object.erase("record");
+    object.erase("frames");
+    object["key_frame_distance"] = nullptr;
     if (const auto distance = frames.key_distance())
-        object["key_frame_distance"] = {{"min", distance->least}, {"max", distance->most}, {"mean", distance->mean}};
+        object["key_frame_distance"] = {
+            {"min", distance->least}, {"max", distance->most}, {"mean", rounded(distance->mean, 3)}};
     return object;
+}
+
+json groups_json(const group_totals& groups)
+{
+    const bool any = groups.recovery_points > 0;
+    return {{"closed", groups.closed},
+            {"open", groups.open},
+            {"gradual", groups.gradual},
+            {"recovery_points", groups.recovery_points},
+            {"recovery_frame_cnt_min", any ? json(groups.least_recovery_frame_cnt) : json()},
+            {"recovery_frame_cnt_max", any ? json(groups.most_recovery_frame_cnt) : json()}};
+}
+
+json layer_json(const layer_summary& layer, const frame_totals& frames)
+{
+    const h264::slice_layer& what = layer.layer;
+    const auto of = [](bool said, auto value) { return said ? json(value) : json(); };
+    json object = {{"dependency_id", of(layer.scalable, what.dependency_id)},
+                   {"quality_id", of(layer.scalable, what.quality_id)},
+                   {"temporal_id", of(layer.scalable, what.temporal_id)},
+                   {"view_id", of(!layer.scalable, what.view_id)},
+                   {"depth", of(!layer.scalable, what.depth)},
+                   {"pictures", layer.pictures},
+                   {"units", layer.units},
+                   {"bytes", layer.bytes},
+                   {"bit_rate", or_null(bit_rate_of(layer, frames))}};
+    if (layer.sps)
+        object.update(profile_json(*layer.sps));
+    else
+        for (const char* name : {"profile_idc", "profile", "level_idc", "level", "size"})
+            object[name] = nullptr;
+    object["frame_rate"] = json_of(layer.frame_rate);
+    return object;
+}
+
+json layers_json(const stream_summary& summary)
+{
+    json list = json::array();
+    for (const layer_summary& layer : summary.layers.layers())
+        list.push_back(layer_json(layer, summary.frames));
+    return list;
 }
 
 json types_json(const stream_summary& summary)
@@ -126,6 +195,14 @@ json types_json(const stream_summary& summary)
                              {"name", brenik::h264_nal_unit_type_to_str(static_cast<brenik::h264_nal_unit_type>(type))},
                              {"units", count.units},
                              {"bytes", count.bytes}});
+    return types;
+}
+
+json sei_json(const sei_counts& sei)
+{
+    json types = json::array();
+    for (const auto& [type, count] : sei.by_type())
+        types.push_back({{"payload_type", type}, {"name", or_null(payload_name(type))}, {"messages", count}});
     return types;
 }
 
@@ -143,20 +220,26 @@ json problems_json(const std::vector<problem_kind>& kinds)
 
 } // namespace
 
-void print_json_info(const stream_input& input, const stream_summary& summary)
+json info_json(const stream_input& input, const stream_summary& summary)
 {
     json object = json_head("orv-h264/info", input.name());
     object["framing"] = framing_name(input.framing());
     object["size"] = input.bytes_read();
-    json& sequences = object["sequences"] = json::array();
-    for (const sequence_summary& sequence : summary.sequences)
-        sequences.push_back(sequence_json(sequence));
+    object["sequences"] = sequences_json(summary.sequences);
     object["further_sequences"] = summary.further_sequences;
     object["frames"] = frames_json(summary.frames);
+    object["groups"] = groups_json(summary.groups.totals());
+    object["layers"] = layers_json(summary);
+    object["further_layer_units"] = summary.layers.further_units();
     object["nal_units"] = types_json(summary);
-    object["encoder"] = or_null(summary.encoder);
+    object["sei"] = sei_json(summary.sei);
+    object["further_sei_messages"] = summary.sei.further_messages();
+    object["sei_units_not_read"] = summary.sei.units_not_read();
+    object["encoder"] = summary.encoder ? json(summary.encoder->name) : json();
+    object["encoder_settings"] = summary.encoder ? or_null(summary.encoder->settings) : json();
     object["problems"] = problems_json(summary.problems.kinds());
-    print_json(object);
+    object["findings"] = problems_json(summary.findings.kinds());
+    return object;
 }
 
 } // namespace orv_h264

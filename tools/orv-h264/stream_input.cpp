@@ -10,76 +10,85 @@
 
 namespace orv_h264 {
 
-input_window open_window(input_file& file, const stream_options& options)
+void refuse_other_formats(const std::string& name, const recognition& what, const char* advice)
 {
-    input_window window([&file](unsigned char* out, std::size_t size) {
-        flush_output(); // reading may wait
-        return file.read(out, size);
-    });
-    if (options.format)
-        return window;
-    if (const char* container = container_name(window))
-        throw refusal(exit_not_supported,
-                      fmt::format("{}: this is {}; take the H.264 stream out of it first", file.name(), container));
-    if (!holds_nothing(window) && !is_annexb(window))
-        throw refusal(exit_usage_or_io,
-                      fmt::format("{}: not an Annex B stream; name the framing with --format", file.name()));
-    return window;
+    if (what.kind != input_kind::foreign)
+        return;
+    const std::string next =
+        what.format.holds ? "; take the H.264 stream out of it first" : fmt::format(", not H.264{}", advice);
+    throw refusal(exit_not_supported, fmt::format("{}: this is {}{}", name, what.format.name, next));
 }
 
 namespace {
 
-/// Hands on, and knows whether there was a unit.
+/// Hands on until there is enough, and knows whether there was a unit.
 class counting_sink final : public h264::split_sink {
 public:
-    explicit counting_sink(h264::split_sink& to) : next(to) {}
+    counting_sink(h264::split_sink& to, const std::function<bool()>& enough) : next(to), is_enough(enough) {}
 
     void unit(const h264::split_unit& unit) override
     {
         any = true;
-        next.unit(unit);
+        if (!done())
+            next.unit(unit);
     }
     void gap(const h264::split_gap& gap) override
     {
         any = any || gap.reason == h264::split_gap_reason::too_large;
-        next.gap(gap);
+        if (!done())
+            next.gap(gap);
     }
+    bool done() { return stopped = stopped || is_enough(); }
 
     bool any = false;
 
 private:
     h264::split_sink& next;
+    const std::function<bool()>& is_enough;
+    bool stopped = false;
 };
 
 } // namespace
 
 stream_input::stream_input(const stream_options& options)
     : file(options.path),
-      window(open_window(file, options)),
-      frames(options.format.value_or(h264::framing::annex_b)),
+      window([this](unsigned char* out, std::size_t size) {
+          flush_output(); // reading may wait
+          return file.read(out, size);
+      }),
+      frames(options.format ? *options.format : find_framing()),
+      recognised(!options.format && frames != h264::framing::annex_b),
       most(options.max_unit)
 {
 }
 
+h264::framing stream_input::find_framing()
+{
+    const recognition what = recognise(window);
+    refuse_other_formats(file.name(), what, "; if it is, name its framing with --format");
+    if (what.kind == input_kind::record)
+        throw refusal(
+            exit_usage_or_io,
+            fmt::format("{}: this is a decoder configuration record, no stream; orv-h264 avcc shows it", file.name()));
+    if (what.kind == input_kind::unknown)
+        throw refusal(exit_usage_or_io,
+                      fmt::format("{}: no H.264 stream is recognised; if it is one, name its framing with --format",
+                                  file.name()));
+    return what.framing;
+}
+
 bool stream_input::read_units(h264::split_sink& to, const std::function<bool()>& enough)
 {
-    counting_sink counted(to);
+    counting_sink counted(to, enough);
     h264::unit_splitter splitter(frames, static_cast<std::size_t>(most));
     for (window.fill(1); window.size() != 0; window.fill(1)) {
-        if (enough())
+        if (counted.done())
             return true;
         splitter.push(window.start(), window.size(), counted);
         window.drop(window.size());
     }
     splitter.flush(counted);
     return counted.any;
-}
-
-piece_feeder& stream_input::feeder()
-{
-    if (!pieces)
-        pieces.emplace(std::move(window), nalfmt_of(frames), static_cast<std::size_t>(most));
-    return *pieces;
 }
 
 } // namespace orv_h264

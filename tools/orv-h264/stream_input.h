@@ -3,7 +3,7 @@
 
 #include "exit_status.h"
 #include "input_file.h"
-#include "piece_feeder.h"
+#include "recognise.h"
 
 #include <orv-utils-v4/h264_syntax/unit_splitter.h>
 
@@ -31,13 +31,13 @@ public:
     exit_status status;
 };
 
-/// The bytes of a stream, as they come out of its file, which has to live as long. Throws as stream_input() does.
-input_window open_window(input_file& file, const stream_options& options);
+/// Throws refusal when an input is of another format that is known. `advice` says what to do where that is wrong.
+void refuse_other_formats(const std::string& name, const recognition& what, const char* advice = "");
 
 class stream_input {
 public:
-    /// Throws std::system_error when the file cannot be read, and refusal when it holds a container, or is not told and
-    /// not recognised. An input that holds nothing passes for Annex B: its feeder says that there is no unit.
+    /// Throws std::system_error when the file cannot be read, and refusal when its framing is not told and it is
+    /// recognised as something else, or not at all. An input that holds nothing passes for Annex B without a unit.
     explicit stream_input(const stream_options& options);
 
     const std::string& name() const noexcept { return file.name(); }
@@ -45,37 +45,24 @@ public:
     /// The bytes of the whole input, where it is a file.
     std::optional<std::uint64_t> size() const { return file.size(); }
     h264::framing framing() const noexcept { return frames; }
+    /// The user did not tell the framing, and it is not the usual Annex B: its length prefixes were recognised.
+    bool framing_recognised() const noexcept { return recognised; }
     /// The largest unit that is read, bytes.
     std::uint64_t max_unit() const noexcept { return most; }
 
-    /// Gives every unit and gap to `to`, in order, until the input ends or there were enough of them.
+    /// Gives every unit and gap to `to`, in order, until the input ends or there were enough of them: none behind.
     /// @return false when the input has ended without any unit
     bool read_units(
         h264::split_sink& to, const std::function<bool()>& enough = [] { return false; });
 
-    piece_feeder& feeder();
-
 private:
+    h264::framing find_framing();
+
     input_file file;
     input_window window;
     h264::framing frames;
+    bool recognised;
     std::uint64_t most;
-    std::optional<piece_feeder> pieces;
 };
-
-/// Gives every unit and gap of the stream that is left to `on_unit` and `on_gap`, in order.
-template <typename OnUnit, typename OnGap>
-void read_all(piece_feeder& feeder, OnUnit on_unit, OnGap on_gap)
-{
-    for (;;) {
-        const fed_item item = feeder.next();
-        if (const auto* const u = std::get_if<unit>(&item))
-            on_unit(*u);
-        else if (const auto* const g = std::get_if<gap>(&item))
-            on_gap(*g);
-        else
-            return;
-    }
-}
 
 } // namespace orv_h264

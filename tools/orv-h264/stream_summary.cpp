@@ -1,120 +1,165 @@
 #include "stream_summary.h"
 
-#include "same_sequence.h"
-
 #include <algorithm>
-#include <utility>
+#include <cmath>
 
 namespace orv_h264 {
 
 namespace {
 
-/// The name and version at the start of what an encoder writes of itself: two parts of those between " - ".
-std::string encoder_name(const brenik::h264_nal_sei_user_data_unreg& user_data)
+/// Slices of all kinds and filler data: what VCL HRD parameters are about, H.264 C.1.
+bool is_of_vcl_hrd(unsigned nal_unit_type)
 {
-    constexpr std::size_t longest = 100;
-    const std::string_view bytes(reinterpret_cast<const char*>(user_data.payload),
-                                 brenik::range_size(user_data.payload, user_data.payload_fence));
-    const auto* const end = std::find_if_not(bytes.begin(), bytes.end(), [](char c) { return c >= ' ' && c <= '~'; });
-    const std::string_view text = bytes.substr(0, static_cast<std::size_t>(end - bytes.begin()));
-    const std::size_t first_dash = text.find(" - ");
-    const std::size_t second_dash =
-        first_dash == std::string_view::npos ? first_dash : text.find(" - ", first_dash + 1);
-    return std::string(text.substr(0, std::min(second_dash, longest)));
+    return (nal_unit_type >= 1 && nal_unit_type <= 5) || nal_unit_type == 12 ||
+           (nal_unit_type >= 19 && nal_unit_type <= 21);
 }
 
-bool is_read(const walked_message& message)
+std::uint64_t vcl_bytes_of(const h264::access_unit& unit)
 {
-    return message.outcome.parsed && !message.truncated;
+    std::uint64_t bytes = 0;
+    for (const h264::access_unit_part& part : unit.parts)
+        bytes += is_of_vcl_hrd(part.header.nal_unit_type) ? part.place.size : 0;
+    return bytes;
 }
 
 } // namespace
 
-void stream_summary::add(const unit& where, brenik::h264_nal nal, const walked_unit& walked)
+std::optional<std::uint64_t> bit_rate_of(const layer_summary& layer, const frame_totals& frames)
 {
-    type_count& count = types[nal.nal_unit_type];
+    const double seconds = frames.bit_rate().seconds();
+    if (seconds <= 0 || frames.timed_frames() < frames.frames())
+        return {};
+    return static_cast<std::uint64_t>(std::llround(8.0 * static_cast<double>(layer.bytes) / seconds));
+}
+
+void stream_survey::unit(const h264::split_unit& unit)
+{
+    stream_summary::type_count& count = summary.types[unit.bytes[0] & 0x1FU];
     ++count.units;
-    count.bytes += where.framing_size + where.length;
-    for (const std::string& problem : problems_of(walked))
-        problems.add(where.offset, problem);
-    if (std::holds_alternative<brenik::h264_nal_sps>(walked.syntax))
-        add_sps(where.offset, walked);
-    else if (std::holds_alternative<brenik::h264_nal_slice_header>(walked.syntax))
-        add_slice(where.offset, walked);
-    else if (const auto* const sei = std::get_if<walked_sei>(&walked.syntax))
-        add_sei(*sei);
+    count.bytes += unit.framing_size + unit.size;
+    rows.unit(unit);
 }
 
-void stream_summary::add(const frame& f)
+void stream_survey::gap(const h264::split_gap& gap)
 {
-    frames.add(f);
+    rows.gap(gap);
 }
 
-void stream_summary::add_sps(std::uint64_t offset, const walked_unit& walked)
+void stream_survey::access_unit_came(const h264::access_unit& unit)
 {
-    if (!walked.outcome.parsed)
+    add_sets(unit);
+    summary.sei.add(unit);
+    summary.layers.add(unit, rows.sets());
+    find_encoder(unit);
+    if (unit.header != nullptr)
+        add_picture(unit);
+}
+
+// Without a picture every parameter set makes a sequence; with one, those that pictures use.
+void stream_survey::add_sets(const h264::access_unit& unit)
+{
+    if (any_picture)
         return;
-    sps_changed = true;
-    if (!any_picture)
-        find_sequence(offset, std::get<brenik::h264_nal_sps>(walked.syntax));
+    for (const h264::access_unit_part& part : unit.parts)
+        if (part.content != nullptr && !part.failure)
+            if (const auto* const sps = std::get_if<h264::seq_parameter_set_rbsp>(&part.content->rbsp))
+                find_sequence(part.place.offset, sps->seq_parameter_set_data);
 }
 
-void stream_summary::add_slice(std::uint64_t offset, const walked_unit& walked)
+void stream_survey::add_picture(const h264::access_unit& unit)
 {
-    if (walked.sps == nullptr || !walked.outcome.parsed)
-        return;
-    if (!any_picture) { // parameter sets that no picture used do not count
-        sequences.clear();
-        further_sequences = 0;
-        last_further.reset();
+    if (unit.sps != nullptr) {
+        if (!any_picture) {
+            summary.sequences.clear();
+            summary.further_sequences = 0;
+            last_further.reset();
+        }
+        any_picture = true;
+        const auto first = std::find_if(unit.parts.begin(), unit.parts.end(), [](const h264::access_unit_part& part) {
+            return part.role == h264::unit_role::primary;
+        });
+        if (current >= summary.sequences.size() || !same_sequence(summary.sequences[current].sps, *unit.sps))
+            find_sequence(first->place.offset, *unit.sps);
+        if (current < summary.sequences.size())
+            summary.sequences[current].add(unit, rows.sets());
     }
-    any_picture = true;
-    if (sps_changed || sequences.empty() || walked.sps->seq_parameter_set_id != current_id)
-        find_sequence(offset, *walked.sps);
-    sps_changed = false;
-    const auto picture_timing = std::exchange(timing, std::nullopt);
-    if (current == sequences.size())
-        return;
-    if (picture_timing)
-        add_pic_timing(sequences[current], *picture_timing);
-    orv_h264::add_slice(sequences[current], std::get<brenik::h264_nal_slice_header>(walked.syntax), *walked.pps);
+    coded.push_back({unit.sps != nullptr ? current : stream_summary::most_sequences, vcl_bytes_of(unit)});
 }
 
-void stream_summary::add_sei(const walked_sei& sei)
+void stream_survey::find_encoder(const h264::access_unit& unit)
 {
-    for (const walked_message& message : sei.messages) {
-        if (!is_read(message))
-            continue;
-        if (const auto* const pic_timing = std::get_if<walked_pic_timing>(&message.syntax))
-            timing = pic_timing->standard ? pic_timing->standard->read : pic_timing->read;
-        const auto* const user_data = std::get_if<brenik::h264_nal_sei_user_data_unreg>(&message.syntax);
-        if (user_data != nullptr && encoder.empty())
-            encoder = encoder_name(*user_data);
+    for (const h264::access_unit_part& part : unit.parts) {
+        const auto* const sei = part.content != nullptr ? std::get_if<h264::sei_rbsp>(&part.content->rbsp) : nullptr;
+        for (std::size_t i = 0; sei != nullptr && i < sei->sei_messages.size() && !summary.encoder; ++i)
+            if (const auto* const data = std::get_if<h264::user_data_unregistered>(&sei->sei_messages[i].payload))
+                summary.encoder = encoder_of(*data);
     }
 }
 
 /// Makes the sequence of `sps` the current one, a new one if need be; none when there are too many.
-void stream_summary::find_sequence(std::uint64_t offset, const brenik::h264_nal_sps& sps)
+void stream_survey::find_sequence(std::uint64_t offset, const h264::seq_parameter_set_data& sps)
 {
-    const auto found = std::find_if(sequences.begin(), sequences.end(),
-                                    [&](const sequence_summary& sequence) { return same_sequence(sequence.sps, sps); });
-    current_id = sps.seq_parameter_set_id;
-    current = static_cast<std::size_t>(found - sequences.begin());
-    if (found != sequences.end())
+    std::vector<sequence_summary>& list = summary.sequences;
+    const auto found =
+        std::find_if(list.begin(), list.end(), [&](const sequence_summary& s) { return same_sequence(s.sps, sps); });
+    current = static_cast<std::size_t>(found - list.begin());
+    if (found != list.end())
         return;
-    if (sequences.size() == most_sequences)
+    if (list.size() == stream_summary::most_sequences)
         return count_further(sps);
-    sequence_summary& added = sequences.emplace_back();
+    sequence_summary& added = list.emplace_back();
     added.offset = offset;
     added.sps = sps;
 }
 
-void stream_summary::count_further(const brenik::h264_nal_sps& sps)
+void stream_survey::count_further(const h264::seq_parameter_set_data& sps)
 {
     if (last_further && same_sequence(*last_further, sps))
         return;
     last_further = sps;
-    ++further_sequences;
+    ++summary.further_sequences;
+}
+
+void stream_survey::row(picture_row&& row)
+{
+    coded_picture of = {stream_summary::most_sequences, 0};
+    for (std::uint32_t i = 0; i < row.coded_pictures && !coded.empty(); ++i) {
+        of = {coded.front().sequence, of.vcl_bytes + coded.front().vcl_bytes};
+        coded.pop_front();
+    }
+    for (const row_problem& found : row.problems)
+        problem(found);
+    summary.frames.add(row);
+    summary.groups.add(row);
+    add_seconds(row, of);
+    const std::uint32_t depth = reordering.add(row);
+    if (of.sequence >= summary.sequences.size())
+        return;
+    sequence_summary& sequence = summary.sequences[of.sequence];
+    sequence.reorder_depth = std::max(sequence.reorder_depth, depth);
+    if (sequence.pictures++ == 0)
+        sequence.offset = row.offset;
+}
+
+// Start codes and zero bytes belong to the bit stream of a NAL HRD (clause C.1); length prefixes do not.
+void stream_survey::add_seconds(const picture_row& row, const coded_picture& of)
+{
+    const std::uint64_t nal_bytes = row.unit_bytes + row.padding - prefix_size * row.units.size();
+    sequence_summary* const sequence =
+        of.sequence < summary.sequences.size() ? &summary.sequences[of.sequence] : nullptr;
+    nal_rate.add(nal_bytes, row.duration, [&](double bits, std::uint64_t count) {
+        if (sequence != nullptr)
+            sequence->nal_seconds.add(sequence->sps.vui_parameters.nal_hrd_parameters, bits, count);
+    });
+    vcl_rate.add(of.vcl_bytes, row.duration, [&](double bits, std::uint64_t count) {
+        if (sequence != nullptr)
+            sequence->vcl_seconds.add(sequence->sps.vui_parameters.vcl_hrd_parameters, bits, count);
+    });
+}
+
+void stream_survey::problem(const row_problem& problem)
+{
+    (problem.finding ? summary.findings : summary.problems).add(problem.offset, problem.message, problem.bytes);
 }
 
 } // namespace orv_h264

@@ -1,19 +1,25 @@
-// What a stream is, added up unit by unit and frame by frame, in bounded memory.
+// What a stream is, added up unit by unit and picture by picture, in bounded memory.
 #pragma once
 
+#include "encoder_text.h"
 #include "frame_totals.h"
+#include "framing.h"
+#include "group_counter.h"
+#include "layer_list.h"
+#include "picture_rows.h"
 #include "problem_list.h"
+#include "sei_counts.h"
 #include "sequence_summary.h"
 
 #include <array>
 #include <cstdint>
-#include <string>
+#include <deque>
+#include <optional>
 #include <vector>
 
 namespace orv_h264 {
 
-class stream_summary {
-public:
+struct stream_summary {
     /// The most sequences told apart: parameter sets that pictures use and that differ. Further ones are counted.
     static constexpr std::size_t most_sequences = 64;
 
@@ -22,31 +28,63 @@ public:
         std::uint64_t bytes = 0; ///< framing included
     };
 
-    /// Takes the next unit.
-    void add(const unit& where, brenik::h264_nal nal, const walked_unit& walked);
-
-    /// Takes the next frame.
-    void add(const frame& f);
-
-    problem_list problems;
+    problem_list problems;                   ///< what is lost
+    problem_list findings;                   ///< what is odd, and no more
     std::vector<sequence_summary> sequences; ///< in the order of their first pictures
     std::uint64_t further_sequences = 0;     ///< beyond most_sequences; one that comes back later counts again
-    std::array<type_count, 32> types;        ///< by nal_unit_type
+    layer_list layers;
+    std::array<type_count, 32> types; ///< by nal_unit_type
+    sei_counts sei;
     frame_totals frames;
-    std::string encoder; ///< as unregistered user data names it, or ""
+    group_counter groups;
+    std::optional<encoder_text> encoder; ///< the first that user data tells of
+};
+
+/// The bits a second of the layer's slices; nothing unless the duration of every picture is known.
+std::optional<std::uint64_t> bit_rate_of(const layer_summary& layer, const frame_totals& frames);
+
+/// Adds up the units of a stream.
+class stream_survey final : public h264::split_sink, row_sink {
+public:
+    /// `most_unit_bytes` is the limit of the splitter.
+    stream_survey(h264::framing framing, std::uint64_t most_unit_bytes)
+        : prefix_size(prefix_size_of(framing)), rows(false, most_unit_bytes, *this)
+    {
+    }
+
+    void unit(const h264::split_unit& unit) override;
+    void gap(const h264::split_gap& gap) override;
+    /// The stream has ended, and has so many bytes.
+    void finish(std::uint64_t end) { rows.finish(end); }
+
+    stream_summary summary;
 
 private:
-    void add_sps(std::uint64_t offset, const walked_unit& walked);
-    void add_slice(std::uint64_t offset, const walked_unit& walked);
-    void add_sei(const walked_sei& sei);
-    void find_sequence(std::uint64_t offset, const brenik::h264_nal_sps& sps);
-    void count_further(const brenik::h264_nal_sps& sps);
+    /// What a row needs of its access units.
+    struct coded_picture {
+        std::size_t sequence;    // its place in the list, or behind it
+        std::uint64_t vcl_bytes; // slices and filler data
+    };
 
-    std::size_t current = 0;                               // of the sequences
-    std::uint32_t current_id = 0;                          // its seq_parameter_set_id
-    std::optional<brenik::h264_nal_sps> last_further;      // the SPS of the further sequence counted last
-    std::optional<brenik::h264_nal_sei_pic_timing> timing; // of the picture that follows
-    bool sps_changed = true;                               // an SPS has come since the current sequence was found
+    void access_unit_came(const h264::access_unit& unit) override;
+    void row(picture_row&& row) override;
+    void problem(const row_problem& problem) override;
+
+    void find_sequence(std::uint64_t offset, const h264::seq_parameter_set_data& sps);
+    void count_further(const h264::seq_parameter_set_data& sps);
+    void add_sets(const h264::access_unit& unit);
+    void add_picture(const h264::access_unit& unit);
+    void find_encoder(const h264::access_unit& unit);
+    void add_seconds(const picture_row& row, const coded_picture& of);
+
+    unsigned prefix_size;
+    picture_rows rows;
+    std::size_t current = 0;                                  // of the sequences
+    std::optional<h264::seq_parameter_set_data> last_further; // of the further sequence counted last
+    std::deque<coded_picture> coded;                          // whose rows have not come yet
+    reorder_meter reordering;
+    bit_rate_meter nal_rate;
+    bit_rate_meter vcl_rate;
     bool any_picture = false;
 };
 

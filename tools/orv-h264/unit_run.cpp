@@ -7,6 +7,12 @@
 
 namespace orv_h264 {
 
+namespace {
+
+constexpr const char* forbidden_bit = "unit whose header has the forbidden bit set";
+
+} // namespace
+
 exit_status unit_run::run(stream_input& input)
 {
     most_bytes = input.max_unit();
@@ -25,8 +31,11 @@ void unit_run::unit(const h264::split_unit& u)
     const listed_unit whole = {place, u.framing_size};
     if (u.cut)
         complain(&whole, begin_of(u), describe_cut(u), true);
-    if (unread())
+    if (unread()) {
+        if ((u.bytes[0] & 0x80U) != 0)
+            complain(&whole, begin_of(u), forbidden_bit, true);
         return take(whole, nullptr);
+    }
     framing_sizes.push_back(u.framing_size);
     stream.push(place, *this);
 }
@@ -75,7 +84,7 @@ void unit_run::complain_of(const listed_unit& unit, const h264::outcome& result)
             (name == "rbsp_stop_one_bit" || name == "rbsp_alignment_zero_bit"))
             continue;                     // the ending is told once
         if (name == "forbidden_zero_bit") // a network has found bits in it wrong
-            complain_here("unit whose header has the forbidden bit set", true);
+            complain_here(forbidden_bit, true);
         else
             complain_here(text_of(finding), false);
     }

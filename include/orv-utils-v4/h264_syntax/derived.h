@@ -132,6 +132,29 @@ ORV_UTILS_V4_EXPORT std::uint64_t highest_slice_group_change_cycle(const seq_par
 ORV_UTILS_V4_EXPORT unsigned slice_group_change_cycle_bits(const seq_parameter_set_data& sps,
                                                            const pic_parameter_set_rbsp& pps) noexcept;
 
+/// How many schedules the HRD parameters have, 1 to 32.
+inline std::uint32_t schedule_count(const hrd_parameters& hrd) noexcept
+{
+    constexpr std::uint32_t most = hrd_parameters::most_specifications;
+    return hrd.cpb_cnt_minus1 < most ? hrd.cpb_cnt_minus1 + 1 : most;
+}
+
+/// BitRate[ SchedSelIdx ], bits in a second, clause E.2.2.
+/// @param hrd where bit_rate_scale fits 4 bits, as it is read
+/// @param SchedSelIdx below schedule_count()
+inline std::uint64_t BitRate(const hrd_parameters& hrd, std::uint32_t SchedSelIdx) noexcept
+{
+    return (std::uint64_t{hrd.bit_rate_value_minus1[SchedSelIdx]} + 1) << (6 + (hrd.bit_rate_scale & 15U));
+}
+
+/// CpbSize[ SchedSelIdx ], bits, clause E.2.2.
+/// @param hrd where cpb_size_scale fits 4 bits, as it is read
+/// @param SchedSelIdx below schedule_count()
+inline std::uint64_t CpbSize(const hrd_parameters& hrd, std::uint32_t SchedSelIdx) noexcept
+{
+    return (std::uint64_t{hrd.cpb_size_value_minus1[SchedSelIdx]} + 1) << (4 + (hrd.cpb_size_scale & 15U));
+}
+
 /// The HRD parameters that picture timing takes its lengths from, clause D.2.3: those for NAL, else those for VCL; null
 /// where CpbDpbDelaysPresentFlag is 0.
 ORV_UTILS_V4_EXPORT const hrd_parameters* timing_hrd(const vui_parameters& vui) noexcept;

@@ -1,334 +1,255 @@
 #include "sequence_summary.h"
 
-#include "support/coded_stream.h"
+#include "support/surveyed.h"
 
 #include <gtest/gtest.h>
 
 namespace {
 
-using brenik::h264_nal_slice_header;
+using namespace orv_utils_v4::h264;
+using orv_h264::changes_between;
 using orv_h264::sequence_summary;
+using support::survey_of;
 
-/// As a stream brings it: written and parsed.
-brenik::h264_nal_sps parsed(const support::sps_description& seq)
+/// Fields are allowed.
+seq_parameter_set_data interlaced_sps(bool mbaff = false)
 {
-    const support::bytes rbsp = support::written_rbsp(seq).made();
-    brenik::h264_nal_sps sps;
-    brenik::h2645_common_bitreader br(rbsp.data(), rbsp.data() + rbsp.size());
-    EXPECT_TRUE(sps.parse(br));
+    seq_parameter_set_data sps = support::timed_sps();
+    sps.pic_order_cnt_type = 0;
+    sps.frame_mbs_only_flag = false;
+    sps.mb_adaptive_frame_field_flag = mbaff;
     return sps;
 }
 
-sequence_summary sequence(bool fields_allowed, bool mbaff = false)
+nal_unit timing_unit(unsigned pic_struct)
 {
-    sequence_summary made;
-    made.sps.frame_mbs_only_flag = !fields_allowed;
-    made.sps.mb_adaptive_frame_field_flag = mbaff;
-    return made;
+    pic_timing timing;
+    timing.pic_struct = static_cast<std::uint8_t>(pic_struct);
+    return unit_of(6, sei_rbsp{{message_of(1, timing)}});
 }
 
-h264_nal_slice_header slice(bool field = false, bool bottom = false)
+/// The one sequence of a stream of IDR pictures, one for each letter: f a frame, t and b fields.
+sequence_summary sequence_of(const seq_parameter_set_data& sps, const std::string& pictures)
 {
-    h264_nal_slice_header header;
-    header.field_pic_flag = field;
-    header.bottom_field_flag = bottom;
-    return header;
-}
-
-struct scan_case {
-    bool fields_allowed;
-    bool mbaff;
-    int frames;
-    int fields;
-    const char* scan_type;
-};
-
-brenik::h264_nal_sei_pic_timing timing(std::uint32_t pic_struct)
-{
-    brenik::h264_nal_sei_pic_timing made;
-    made.pic_struct = static_cast<decltype(made.pic_struct)>(pic_struct);
-    return made;
+    made_stream stream(sps);
+    stream.add_sets();
+    std::uint32_t frame_num = 0;
+    for (const char c : pictures) {
+        made_slice slice = reference(c == 'b' ? frame_num : frame_num++ % 16);
+        stream.add(c == 't' ? top(slice) : c == 'b' ? bottom(slice) : slice);
+    }
+    orv_h264::stream_summary summary = survey_of(stream);
+    EXPECT_EQ(1U, summary.sequences.size());
+    return summary.sequences.at(0);
 }
 
 } // namespace
 
 TEST(SequenceSummary, ScanTypeIsThatOfTheSlices)
 {
+    struct scan_case {
+        const char* pictures;
+        bool mbaff;
+        const char* scan_type;
+        std::uint64_t frames, mbaffs, fields;
+    };
     const scan_case cases[] = {
-        {false, false, 0, 0, "progressive"},   {false, false, 3, 0, "progressive"},
-        {false, true, 3, 0, "progressive"},    {true, false, 0, 0, "fields allowed"},
-        {true, true, 0, 0, "fields allowed"},  {true, false, 3, 0, "progressive frames, fields allowed"},
-        {true, true, 3, 0, "MBAFF"},           {true, false, 0, 2, "interlaced"},
-        {true, true, 0, 2, "interlaced"},      {true, false, 1, 2, "PAFF"},
-        {true, true, 1, 2, "PAFF with MBAFF"},
+        {"ff", false, "frames, fields allowed", 2, 0, 0},
+        {"fff", true, "MBAFF", 0, 3, 0},
+        {"tt", false, "interlaced", 0, 0, 2},
+        {"tt", true, "interlaced", 0, 0, 2},
+        {"ft", false, "PAFF", 1, 0, 1},
+        {"ft", true, "PAFF with MBAFF", 0, 1, 1},
     };
     for (const scan_case& c : cases) {
-        sequence_summary made = sequence(c.fields_allowed, c.mbaff);
-        for (int i = 0; i < c.frames; ++i)
-            add_slice(made, slice(), {});
-        for (int i = 0; i < c.fields; ++i)
-            add_slice(made, slice(true), {});
-        EXPECT_EQ(c.scan_type, orv_h264::scan_type(made));
-        EXPECT_EQ(static_cast<std::uint64_t>(c.frames + c.fields), made.pictures()) << c.scan_type;
-        EXPECT_EQ(static_cast<std::uint64_t>(c.fields), made.field_pictures) << c.scan_type;
-        const bool adaptive = c.mbaff && c.fields_allowed;
-        EXPECT_EQ(static_cast<std::uint64_t>(adaptive ? c.frames : 0), made.mbaff_pictures) << c.scan_type;
-        EXPECT_EQ(static_cast<std::uint64_t>(adaptive ? 0 : c.frames), made.frame_pictures) << c.scan_type;
+        const sequence_summary made = sequence_of(interlaced_sps(c.mbaff), c.pictures);
+        EXPECT_EQ(c.scan_type, scan_type(made));
+        EXPECT_EQ(c.frames, made.frame_pictures) << c.pictures;
+        EXPECT_EQ(c.mbaffs, made.mbaff_pictures) << c.pictures;
+        EXPECT_EQ(c.fields, made.field_pictures) << c.pictures;
+    }
+    EXPECT_EQ("progressive", scan_type(sequence_of(support::timed_sps(), "f")));
+    sequence_summary none;
+    EXPECT_EQ("fields allowed", scan_type(none));
+    none.sps.frame_mbs_only_flag = true;
+    EXPECT_EQ("progressive", scan_type(none));
+}
+
+TEST(SequenceSummary, FramesAreProgressiveWherePictureTimingSaysSoOfAll)
+{
+    struct timing_case {
+        std::vector<int> pic_structs; // of the pictures; -1 is none
+        const char* scan_type;
+    };
+    const timing_case cases[] = {
+        {{0, 0, 0}, "progressive"},
+        {{0, -1, 0}, "frames, fields allowed"},
+        {{0, 3, 0}, "frames, fields allowed"},
+        {{4}, "frames, fields allowed"},
+    };
+    for (const timing_case& c : cases) {
+        made_stream stream(interlaced_sps());
+        stream.add_sets();
+        std::uint32_t frame_num = 0;
+        for (const int pic_struct : c.pic_structs) {
+            if (pic_struct >= 0)
+                stream.add(timing_unit(static_cast<unsigned>(pic_struct)));
+            stream.add(reference(frame_num++));
+        }
+        EXPECT_EQ(c.scan_type, scan_type(survey_of(stream).sequences.at(0))) << c.pic_structs.size();
     }
 }
 
-TEST(SequenceSummary, OnlyTheFirstSliceOfAPrimaryPictureCounts)
+TEST(SequenceSummary, AClockTypeTellsMoreThanPicStruct)
 {
-    sequence_summary made = sequence(true);
-    h264_nal_slice_header later = slice(true);
-    later.first_mb_in_slice = 1;
-    h264_nal_slice_header redundant = slice(true);
-    redundant.redundant_pic_cnt = 1;
-    h264_nal_slice_header plane = slice(true);
-    plane.colour_plane_id = 1;
-    for (const h264_nal_slice_header& header : {later, redundant, plane})
-        add_slice(made, header, {});
-    EXPECT_EQ(0U, made.pictures());
-    EXPECT_FALSE(made.top_field_first.has_value());
-    EXPECT_TRUE(made.cavlc) << "its entropy coding counts";
+    const std::pair<unsigned, const char*> cases[] = {
+        {0, "progressive"}, {1, "frames, fields allowed"}, {2, "frames, fields allowed"}};
+    for (const auto& [ct_type, expected] : cases) {
+        pic_timing timing;
+        timing.pic_struct = 3;
+        timing.timestamps[0].clock_timestamp_flag = true;
+        timing.timestamps[0].ct_type = static_cast<std::uint8_t>(ct_type);
+        made_stream stream(interlaced_sps());
+        stream.add_sets().add(unit_of(6, sei_rbsp{{message_of(1, timing)}})).add(idr());
+        EXPECT_EQ(expected, scan_type(survey_of(stream).sequences.at(0))) << ct_type;
+    }
+}
+
+TEST(SequenceSummary, WithoutPicStructsTimingSaysNothing)
+{
+    seq_parameter_set_data sps = timed_sps_data(0, 8);
+    sps.frame_mbs_only_flag = false;
+    made_stream stream(sps);
+    stream.add_sets().add(timing_unit(0)).add(idr());
+    EXPECT_EQ("frames, fields allowed", scan_type(survey_of(stream).sequences.at(0)));
+}
+
+TEST(SequenceSummary, PicStructsAndFirstFieldsTellTheOrder)
+{
+    for (unsigned pic_struct = 0; pic_struct <= 8; ++pic_struct) {
+        made_stream stream(interlaced_sps());
+        stream.add_sets().add(timing_unit(pic_struct)).add(idr());
+        const std::optional<bool> first = survey_of(stream).sequences.at(0).top_field_first;
+        const bool top_first = pic_struct == 3 || pic_struct == 5;
+        const bool bottom_first = pic_struct == 4 || pic_struct == 6;
+        EXPECT_EQ(top_first || bottom_first, first.has_value()) << pic_struct;
+        EXPECT_EQ(top_first, first.value_or(false)) << pic_struct;
+    }
+    EXPECT_FALSE(sequence_of(interlaced_sps(), "f").top_field_first.has_value()) << "a frame does not";
+    EXPECT_EQ(true, sequence_of(interlaced_sps(), "ft").top_field_first);
+    EXPECT_EQ(false, sequence_of(interlaced_sps(), "bt").top_field_first);
 }
 
 TEST(SequenceSummary, EntropyCodingIsWhatThePpsOfEachSliceSays)
 {
-    sequence_summary made = sequence(false);
-    brenik::h264_nal_pps pps;
-    pps.entropy_coding_mode_flag = true;
-    add_slice(made, slice(), pps);
-    EXPECT_TRUE(made.cabac);
-    EXPECT_FALSE(made.cavlc);
-    add_slice(made, slice(), {});
-    EXPECT_TRUE(made.cabac);
-    EXPECT_TRUE(made.cavlc);
+    made_stream stream;
+    stream.add_sets().add(idr());
+    EXPECT_TRUE(survey_of(stream).sequences.at(0).cavlc);
+    EXPECT_FALSE(survey_of(stream).sequences.at(0).cabac);
+    stream.pps().entropy_coding_mode_flag = true;
+    stream.add_sets().add(reference(1));
+    const sequence_summary both = survey_of(stream).sequences.at(0);
+    EXPECT_TRUE(both.cavlc);
+    EXPECT_TRUE(both.cabac);
 }
 
-TEST(SequenceSummary, TheFirstFieldTellsTheOrder)
+TEST(SequenceSummary, TheSameSetIsTheSameSequenceWhateverItsId)
 {
-    for (const bool bottom : {false, true}) {
-        sequence_summary made = sequence(true);
-        add_slice(made, slice(), {});
-        EXPECT_FALSE(made.top_field_first.has_value()) << "a frame does not";
-        add_slice(made, slice(true, bottom), {});
-        EXPECT_EQ(!bottom, made.top_field_first);
-        add_slice(made, slice(true, !bottom), {});
-        EXPECT_EQ(!bottom, made.top_field_first);
-    }
+    const seq_parameter_set_data sps = support::timed_sps();
+    seq_parameter_set_data other = sps;
+    other.seq_parameter_set_id = 31;
+    EXPECT_TRUE(orv_h264::same_sequence(sps, sps));
+    EXPECT_TRUE(orv_h264::same_sequence(sps, other));
+    other.vui_parameters.max_bits_per_mb_denom = 3;
+    EXPECT_FALSE(orv_h264::same_sequence(sps, other));
+    EXPECT_FALSE(orv_h264::same_sequence(other, sps));
+    other.seq_parameter_set_id = 0;
+    EXPECT_FALSE(orv_h264::same_sequence(sps, other));
 }
 
-TEST(SequenceSummary, PicStructsThatNameAnOrderTellIt)
+TEST(SequenceSummary, WhatChangesHasAWord)
 {
-    for (std::uint32_t pic_struct = 0; pic_struct < 16; ++pic_struct) {
-        sequence_summary made = sequence(true);
-        add_pic_timing(made, timing(pic_struct));
-        const bool top_first = pic_struct == 3 || pic_struct == 5;
-        const bool bottom_first = pic_struct == 4 || pic_struct == 6;
-        EXPECT_EQ(top_first || bottom_first, made.top_field_first.has_value()) << pic_struct;
-        if (made.top_field_first) {
-            EXPECT_EQ(top_first, *made.top_field_first) << pic_struct;
-        }
-    }
-}
-
-TEST(SequenceSummary, WhatTellsTheOrderFirstHolds)
-{
-    sequence_summary made = sequence(true);
-    add_pic_timing(made, timing(3));
-    add_pic_timing(made, timing(4));
-    add_slice(made, slice(true, true), {});
-    EXPECT_EQ(true, made.top_field_first);
-    sequence_summary other = sequence(true);
-    add_slice(other, slice(true, true), {});
-    add_pic_timing(other, timing(3));
-    EXPECT_EQ(false, other.top_field_first);
-}
-
-TEST(SequenceSummary, ChromaFormatIs420WhereTheProfileDoesNotSendIt)
-{
-    EXPECT_EQ(1U, orv_h264::chroma_format_of(parsed({})));
-    support::sps_description seq;
-    seq.profile_idc = 100;
-    seq.high_profile_syntax = true;
-    for (const std::uint32_t idc : {0U, 1U, 2U, 3U}) {
-        seq.chroma_format_idc = idc;
-        EXPECT_EQ(idc, orv_h264::chroma_format_of(parsed(seq)));
-    }
-}
-
-TEST(SequenceSummary, FieldRateIsTicksASecondInLowestTerms)
-{
-    struct rate_case {
-        std::uint32_t num_units_in_tick;
-        std::uint32_t time_scale;
-        std::uint64_t numerator;
-        std::uint64_t denominator;
+    using changer = void (*)(seq_parameter_set_data&);
+    const std::pair<changer, std::vector<std::string>> cases[] = {
+        {[](auto&) {}, {}},
+        {[](auto& sps) { sps.seq_parameter_set_id = 3; }, {}},
+        {[](auto& sps) { sps.profile_idc = 100; }, {"profile"}},
+        {[](auto& sps) { sps.level_idc = 31; }, {"level"}},
+        {[](auto& sps) { sps.pic_width_in_mbs_minus1 = 8; }, {"picture size"}},
+        {[](auto& sps) { sps.frame_cropping_flag = true, sps.frame_crop_left_offset = 1; }, {"picture size"}},
+        {[](auto& sps) { sps.vui_parameters.sar_width = sps.vui_parameters.sar_height = 1; }, {"sample aspect ratio"}},
+        {[](auto& sps) { sps.bit_depth_chroma_minus8 = 1; }, {"sample format"}},
+        {[](auto& sps) { sps.frame_mbs_only_flag = false; }, {"picture size", "scan type"}},
+        {[](auto& sps) { sps.vui_parameters.time_scale = 60; }, {"frame rate"}},
+        {[](auto& sps) { sps.vui_parameters.time_scale = sps.vui_parameters.num_units_in_tick = 0; }, {"frame rate"}},
+        {[](auto& sps) { sps.vui_parameters.matrix_coefficients = 1; }, {"colour"}},
+        {[](auto& sps) { sps.vui_parameters.nal_hrd_parameters_present_flag = true; }, {"HRD"}},
+        {[](auto& sps) { sps.max_num_ref_frames = 2; }, {"reference frames"}},
+        {[](auto& sps) { sps.pic_order_cnt_type = 0; }, {"reorder depth"}},
+        {[](auto& sps) { sps.log2_max_frame_num_minus4 = 1; }, {"other elements"}},
+        {[](auto& sps) { sps.level_idc = 31, sps.max_num_ref_frames = 2; }, {"level", "reference frames"}},
     };
-    const rate_case cases[] = {
-        {1, 50, 50, 1},
-        {1001, 60000, 60000, 1001},
-        {1000, 50000, 50, 1},
-        {2, 1, 1, 2},
-        {0xFFFFFFFF, 0xFFFFFFFE, 0xFFFFFFFE, 0xFFFFFFFF},
-    };
-    for (const rate_case& c : cases) {
-        support::sps_description seq = support::coded_sps(false);
-        seq.vui->num_units_in_tick = c.num_units_in_tick;
-        seq.vui->time_scale = c.time_scale;
-        const auto rate = orv_h264::field_rate(parsed(seq));
-        ASSERT_TRUE(rate.has_value());
-        EXPECT_EQ(c.numerator, rate->numerator);
-        EXPECT_EQ(c.denominator, rate->denominator);
+    for (const auto& [change, expected] : cases) {
+        seq_parameter_set_data after = support::timed_sps();
+        after.vui_parameters.aspect_ratio_info_present_flag = true;
+        after.vui_parameters.aspect_ratio_idc = 255;
+        const seq_parameter_set_data before = after;
+        change(after);
+        EXPECT_EQ(expected, changes_between(before, after));
     }
 }
 
-TEST(SequenceSummary, NoFieldRateIsTold)
+TEST(SequenceSummary, LevelsHaveNamesAndOthersNumbers)
 {
-    EXPECT_FALSE(orv_h264::field_rate(parsed({})).has_value()) << "no VUI";
-    support::sps_description seq = support::coded_sps(false);
-    seq.vui->timing_info_present_flag = false;
-    EXPECT_FALSE(orv_h264::field_rate(parsed(seq)).has_value());
-    seq = support::coded_sps(false);
-    seq.vui->num_units_in_tick = 0;
-    EXPECT_FALSE(orv_h264::field_rate(parsed(seq)).has_value());
-    seq = support::coded_sps(false);
-    seq.vui->time_scale = 0;
-    EXPECT_FALSE(orv_h264::field_rate(parsed(seq)).has_value());
+    const std::tuple<int, int, bool, const char*> cases[] = {
+        {77, 30, false, "3"},   {77, 41, false, "4.1"}, {77, 11, true, "1b"},  {100, 9, false, "1b"},
+        {100, 11, true, "1.1"}, {77, 0, false, "0"},    {77, 7, false, "0.7"}, {77, 255, false, "25.5"},
+    };
+    for (const auto& [profile_idc, level_idc, constraint_set3_flag, name] : cases) {
+        seq_parameter_set_data sps = sps_data();
+        sps.profile_idc = static_cast<std::uint8_t>(profile_idc);
+        sps.level_idc = static_cast<std::uint8_t>(level_idc);
+        sps.constraint_set3_flag = constraint_set3_flag;
+        EXPECT_EQ(name, orv_h264::level_name(sps)) << profile_idc;
+    }
 }
 
-TEST(SequenceSummary, ThePresenceFlagsDecideNotWhatIsLeftInTheFields)
+TEST(SequenceSummary, RatiosAreInLowestTermsAndNothingWhereTheyAreNotTold)
 {
-    brenik::h264_nal_sps sps = parsed(support::coded_sps(false));
-    sps.vui.sar_width = sps.vui.sar_height = 3;
-    sps.vui.aspect_ratio_info_present_flag = true;
-    ASSERT_TRUE(orv_h264::field_rate(sps).has_value());
-    ASSERT_TRUE(orv_h264::sample_aspect_ratio(sps).has_value());
-    sps.vui_parameters_present_flag = false;
-    EXPECT_FALSE(orv_h264::field_rate(sps).has_value());
-    EXPECT_FALSE(orv_h264::sample_aspect_ratio(sps).has_value());
-    sps.vui_parameters_present_flag = true;
-    sps.vui.timing_info_present_flag = false;
-    sps.vui.aspect_ratio_info_present_flag = false;
-    EXPECT_FALSE(orv_h264::field_rate(sps).has_value());
-    EXPECT_FALSE(orv_h264::sample_aspect_ratio(sps).has_value());
+    const auto rate = orv_h264::known({60000, 2002});
+    ASSERT_TRUE(rate.has_value());
+    EXPECT_EQ(30000U, rate->numerator);
+    EXPECT_EQ(1001U, rate->denominator);
+    EXPECT_FALSE(orv_h264::known({0, 0}).has_value());
+    EXPECT_FALSE(orv_h264::known({0, 1}).has_value());
 }
 
-TEST(SequenceSummary, HalfOfARateIsInLowestTerms)
+TEST(SequenceSummary, TheDisplaySizeHasSquareSamples)
 {
-    EXPECT_EQ(25U, orv_h264::half({50, 1}).numerator);
-    EXPECT_EQ(1U, orv_h264::half({50, 1}).denominator);
-    EXPECT_EQ(30000U, orv_h264::half({60000, 1001}).numerator);
-    EXPECT_EQ(1001U, orv_h264::half({60000, 1001}).denominator);
-    EXPECT_EQ(25U, orv_h264::half({25, 1}).numerator);
-    EXPECT_EQ(2U, orv_h264::half({25, 1}).denominator);
-    EXPECT_DOUBLE_EQ(12.5, orv_h264::half({25, 1}).value());
-}
-
-namespace {
-
-support::sps_description with_sar(unsigned int idc, unsigned int width = 0, unsigned int height = 0)
-{
-    support::sps_description seq;
-    seq.vui.emplace();
-    seq.vui->aspect_ratio_info_present_flag = true;
-    seq.vui->aspect_ratio_idc = idc;
-    seq.vui->sar_width = width;
-    seq.vui->sar_height = height;
-    return seq;
-}
-
-} // namespace
-
-TEST(SequenceSummary, SampleAspectRatioComesFromTheTableOrIsSent)
-{
-    const auto table = orv_h264::sample_aspect_ratio(parsed(with_sar(2)));
-    ASSERT_TRUE(table.has_value());
-    EXPECT_EQ(12U, table->numerator);
-    EXPECT_EQ(11U, table->denominator);
-    const auto sent = orv_h264::sample_aspect_ratio(parsed(with_sar(255, 40, 30)));
-    ASSERT_TRUE(sent.has_value());
-    EXPECT_EQ(4U, sent->numerator);
-    EXPECT_EQ(3U, sent->denominator);
-    for (const auto& seq : {with_sar(0), with_sar(17), with_sar(254), with_sar(255, 0, 1), with_sar(255, 1, 0)})
-        EXPECT_FALSE(orv_h264::sample_aspect_ratio(parsed(seq)).has_value()) << seq.vui->aspect_ratio_idc;
-}
-
-TEST(SequenceSummary, SizesAreCroppedAndMadeSquare)
-{
-    support::sps_description seq = with_sar(255, 4, 3);
-    seq.frame_cropping_flag = true;
-    seq.frame_crop_left_offset = 1;
-    seq.frame_crop_right_offset = 2;
-    seq.frame_crop_top_offset = 3;
-    seq.frame_crop_bottom_offset = 1;
-    const brenik::h264_nal_sps sps = parsed(seq);
-    EXPECT_EQ(170U, orv_h264::cropped_size(sps).width);
-    EXPECT_EQ(136U, orv_h264::cropped_size(sps).height);
-    EXPECT_EQ(227U, orv_h264::display_size(sps).width) << "170 * 4 / 3 is 226.67";
-    EXPECT_EQ(136U, orv_h264::display_size(sps).height);
-}
-
-TEST(SequenceSummary, WithoutASampleAspectRatioTheDisplaySizeIsTheCroppedSize)
-{
-    const brenik::h264_nal_sps sps = parsed({});
+    seq_parameter_set_data sps = sps_data(0, 11, 9);
     EXPECT_EQ(176U, orv_h264::display_size(sps).width);
-    EXPECT_EQ(144U, orv_h264::display_size(sps).height);
+    sps.frame_cropping_flag = true;
+    sps.frame_crop_left_offset = 1;
+    sps.frame_crop_right_offset = 2;
+    sps.frame_crop_top_offset = 7;
+    sps.vui_parameters.aspect_ratio_idc = 255;
+    sps.vui_parameters.sar_width = 4;
+    sps.vui_parameters.sar_height = 3;
+    EXPECT_EQ(227U, orv_h264::display_size(sps).width) << "170 * 4 / 3 is 226.67";
+    EXPECT_EQ(130U, orv_h264::display_size(sps).height);
+    sps.frame_crop_left_offset = 1000;
+    EXPECT_EQ(0U, orv_h264::display_size(sps).width);
 }
 
-TEST(SequenceSummary, CroppingToNothingLeaves0x0)
+TEST(SequenceSummary, TheReorderDepthIsSentOrInferred)
 {
-    struct crop_case {
-        std::uint32_t left, right, top, bottom;
-        bool nothing;
-    };
-    // 176x144, in units of 2x2.
-    const crop_case cases[] = {
-        {44, 43, 0, 0, false},
-        {44, 44, 0, 0, true},
-        {88, 0, 0, 0, true},
-        {0, 89, 0, 0, true},
-        {0, 0, 36, 35, false},
-        {0, 0, 36, 36, true},
-        {0, 0, 0, 72, true},
-        {0, 0, 73, 0, true},
-        {1, 1, 1, 1, false},
-        {200, 200, 0, 0, true},
-        {0x3FFFFFFF, 1, 0, 0, true},
-        {0x3FFFFFFF, 0x40000001, 0, 0, true},
-        {0, 0, 0x3FFFFFFF, 0x40000001, true},
-    };
-    for (const crop_case& c : cases) {
-        support::sps_description seq = with_sar(255, 4, 3);
-        seq.frame_cropping_flag = true;
-        seq.frame_crop_left_offset = c.left;
-        seq.frame_crop_right_offset = c.right;
-        seq.frame_crop_top_offset = c.top;
-        seq.frame_crop_bottom_offset = c.bottom;
-        const orv_h264::picture_size size = orv_h264::cropped_size(parsed(seq));
-        EXPECT_EQ(c.nothing, size.width == 0) << c.left << " " << c.right << " " << c.top << " " << c.bottom;
-        EXPECT_EQ(c.nothing, size.height == 0);
-        EXPECT_EQ(c.nothing, orv_h264::display_size(parsed(seq)).width == 0);
-    }
-}
-
-TEST(SequenceSummary, ASchedulesBitRateAndBufferAreScaled)
-{
-    support::hrd_description hrd;
-    hrd.bit_rate_scale = 2;
-    hrd.cpb_size_scale = 3;
-    hrd.cpbs = {{999, 499, false}, {0xFFFFFFFE, 0xFFFFFFFE, true}};
-    support::sps_description seq;
-    seq.vui.emplace();
-    seq.vui->nal_hrd = hrd;
-    const auto schedules = orv_h264::schedules_of(parsed(seq).vui.nal_hrd);
-    ASSERT_EQ(2U, schedules.size());
-    EXPECT_EQ(256000U, schedules[0].bit_rate);
-    EXPECT_EQ(64000U, schedules[0].size);
-    EXPECT_FALSE(schedules[0].constant);
-    EXPECT_EQ(std::uint64_t{0xFFFFFFFF} << 8, schedules[1].bit_rate);
-    EXPECT_EQ(std::uint64_t{0xFFFFFFFF} << 7, schedules[1].size);
-    EXPECT_TRUE(schedules[1].constant);
-    EXPECT_TRUE(orv_h264::schedules_of({}).empty());
+    seq_parameter_set_data sps = support::timed_sps();
+    EXPECT_EQ(0U, orv_h264::promised_reorder_depth(sps).frames) << "picture order count type 2";
+    sps.pic_order_cnt_type = 0;
+    EXPECT_EQ(MaxDpbFrames(sps), orv_h264::promised_reorder_depth(sps).frames);
+    EXPECT_FALSE(orv_h264::promised_reorder_depth(sps).sent);
+    sps.vui_parameters.bitstream_restriction_flag = true;
+    sps.vui_parameters.max_num_reorder_frames = 2;
+    EXPECT_EQ(2U, orv_h264::promised_reorder_depth(sps).frames);
+    EXPECT_TRUE(orv_h264::promised_reorder_depth(sps).sent);
 }

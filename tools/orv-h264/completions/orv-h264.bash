@@ -2,7 +2,7 @@
 
 _orv_h264()
 {
-    local subcommands="info inspect frames convert avcc"
+    local subcommands="info inspect explain frames convert avcc help"
     local framings="annexb length1 length2 length3 length4"
     local help="-h --help"
     local current=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD-1]} subcommand=${COMP_WORDS[1]} options
@@ -16,18 +16,24 @@ _orv_h264()
 
     COMPREPLY=()
     if ((COMP_CWORD == 1)); then
-        [[ $current != -* ]] || subcommands="$help --version"
+        [[ $current != -* ]] || subcommands="$help -V --version"
         mapfile -t COMPREPLY < <(compgen -W "$subcommands" -- "$current")
         return
     fi
     case $subcommand in
     info) options="--format --max-unit --json" ;;
-    inspect) options="--format --max-unit --nals --limit --only --json --tsv" ;;
-    frames) options="--format --max-unit --split-fields --limit --json" ;;
-    convert) options="--format --max-unit --to" ;;
-    avcc) options="--json" ;;
+    inspect) options="--format --max-unit --nals --limit --only --positions --long-names --json --csv --tsv" ;;
+    explain) options="--format --max-unit --json --csv --tsv" ;;
+    frames) options="--format --max-unit --fields --split-fields --output-order --limit --json --csv --tsv" ;;
+    convert) options="--format --max-unit --to --avcc --parameter-sets" ;;
+    avcc) options="--json --csv --tsv" ;;
+    help) options="" ;;
     *) return ;;
     esac
+    if [[ $subcommand == help && $current != -* ]]; then
+        mapfile -t COMPREPLY < <(compgen -W "$subcommands" -- "$current")
+        return
+    fi
     case $before in
     --format | --to)
         [[ " $options " != *" $before "* ]] || mapfile -t COMPREPLY < <(compgen -W "$framings" -- "$current")

@@ -1,0 +1,258 @@
+#include "picture_rows.h"
+
+#include "element_text.h"
+#include "loss_texts.h"
+#include "row_facts.h"
+
+#include <algorithm>
+#include <utility>
+
+#include <fmt/format.h>
+
+namespace orv_h264 {
+
+namespace {
+
+bool is_before(const row_problem& a, const row_problem& b)
+{
+    return a.offset < b.offset;
+}
+
+/// Seconds a field, (C-1); 0 : 0 where the SPS does not tell.
+h264::ratio tick_of(const h264::access_unit& unit)
+{
+    if (unit.sps == nullptr)
+        return {};
+    const h264::ratio rate = h264::field_rate(unit.sps->vui_parameters);
+    return {rate.denominator, rate.numerator};
+}
+
+bool is_rate(h264::time_source source)
+{
+    return source == h264::time_source::constant_rate || source == h264::time_source::assumed_rate;
+}
+
+} // namespace
+
+void picture_rows::unit(const h264::split_unit& unit)
+{
+    add_padding(begin_of(unit));
+    end = unit.offset + unit.size;
+    fed.push_back({begin_of(unit), end, 0});
+    if (unit.cut)
+        problems.push_back({begin_of(unit), orv_h264::describe_cut(unit)});
+    if ((unit.bytes[0] & 0x80) != 0)
+        problems.push_back({begin_of(unit), "unit whose header has the forbidden bit set", 0, false});
+    constexpr bool not_copied = true; // nobody looks at the bytes of an access unit
+    units.push({unit.bytes, unit.size, unit.offset, first_fed + fed.size() - 1}, *this, not_copied);
+    tell_ready();
+}
+
+void picture_rows::gap(const h264::split_gap& gap)
+{
+    add_padding(gap.offset);
+    end = gap.offset + gap.size;
+    problems.push_back({gap.offset, describe(gap, most_bytes), gap.size});
+    tell_ready();
+}
+
+void picture_rows::finish(std::uint64_t stream_end)
+{
+    const bool has_end = end_is_open;
+    add_padding(stream_end);
+    units.flush(*this);
+    pictures.flush(*this);
+    if ((has_end || end_is_open) && !waiting.empty())
+        waiting.back().row.last = true;
+    finished = true;
+    end_is_open = false;
+    tell_ready();
+    for (; !problems.empty(); problems.pop_front())
+        to.problem(problems.front());
+}
+
+// The zero bytes in front of what begins here are those of the newest unit.
+void picture_rows::add_padding(std::uint64_t offset)
+{
+    if (!fed.empty())
+        fed.back().padding += offset - end;
+    else if (end_is_open)
+        waiting.back().row.padding += offset - end;
+    end_is_open = false;
+}
+
+void picture_rows::take(const h264::access_unit& unit)
+{
+    pictures.take(unit, *this);
+    const std::uint64_t behind = unit.parts.back().place.number + 1;
+    fed.erase(fed.begin(), fed.begin() + static_cast<std::ptrdiff_t>(behind - first_fed));
+    first_fed = behind;
+}
+
+void picture_rows::access_unit_came(const h264::access_unit& unit, const h264::picture* of)
+{
+    to.access_unit_came(unit);
+    std::vector<row_problem> found = problems_of(unit);
+    if (of == nullptr)
+        return keep(std::move(found));
+    picture_row& row = row_of(unit, *of).row;
+    add_facts(row, unit);
+    add_units(row, unit);
+    if (of->has_count && of->count.in_range())
+        row.poc =
+            split && unit.structure == h264::picture_structure::bottom_field ? of->count.bottom : of->count.lower();
+    take_problems(row, std::move(found));
+    if (unit.findings.has(h264::picture_finding::limit_reached))
+        take_problems(row, {{row.offset, describe_cut(row)}});
+}
+
+picture_rows::waiting_row& picture_rows::row_of(const h264::access_unit& unit, const h264::picture& of)
+{
+    const bool second_field = !split && !waiting.empty() && waiting.back().row.picture == of.number;
+    if (second_field)
+        return waiting.back();
+    waiting_row& added = waiting.emplace_back();
+    added.row.picture = of.number;
+    added.row.offset = fed_of(unit.parts.front()).begin;
+    added.tick = tick_of(unit);
+    return added;
+}
+
+void picture_rows::add_units(picture_row& row, const h264::access_unit& unit)
+{
+    for (const h264::access_unit_part& part : unit.parts) {
+        const fed_unit& where = fed_of(part);
+        row.units.push_back(unit_of(part));
+        row.unit_bytes += where.end - where.begin;
+        row.padding += where.padding;
+        row.filler += filler_of(part, where.end - where.begin);
+    }
+    row.size = fed_of(unit.parts.back()).end - row.offset;
+    waiting_units += unit.parts.size();
+    end_is_open = unit.parts.back().place.number + 1 == first_fed + fed.size();
+}
+
+/// Failures of its units; what is odd about an access unit without a picture.
+std::vector<row_problem> picture_rows::problems_of(const h264::access_unit& unit) const
+{
+    std::vector<row_problem> found;
+    for (const h264::access_unit_part& part : unit.parts)
+        if (part.failure)
+            found.push_back({fed_of(part).begin, text_of(part.failure)});
+    if (unit.header == nullptr)
+        for (std::string& text : texts_of(unit.findings))
+            found.push_back({fed_of(unit.parts.front()).begin, std::move(text), 0, true});
+    return found;
+}
+
+void picture_rows::keep(std::vector<row_problem> found)
+{
+    problems.insert(problems.end(), std::make_move_iterator(found.begin()), std::make_move_iterator(found.end()));
+    std::stable_sort(problems.begin(), problems.end(), is_before);
+}
+
+/// Those that were found, and those that wait and lie before the end of the row.
+void picture_rows::take_problems(picture_row& row, std::vector<row_problem> found)
+{
+    const auto behind = std::find_if(problems.begin(), problems.end(),
+                                     [&](const row_problem& p) { return p.offset >= row.offset + row.size; });
+    found.insert(found.begin(), problems.begin(), behind);
+    problems.erase(problems.begin(), behind);
+    waiting_units += found.size();
+    row.problems.insert(row.problems.end(), std::make_move_iterator(found.begin()),
+                        std::make_move_iterator(found.end()));
+    std::stable_sort(row.problems.begin(), row.problems.end(), is_before);
+}
+
+void picture_rows::decoded(const h264::picture& picture)
+{
+    waiting_row* first = nullptr;
+    for (auto w = waiting.rbegin(); w != waiting.rend() && w->row.picture == picture.number; ++w) {
+        w->complete = true;
+        first = &*w;
+    }
+    std::vector<row_problem> found;
+    for (const std::string& text : texts_of(picture.findings))
+        found.push_back({first->row.offset, fmt::format("picture {}: {}", picture.number, text), 0, true});
+    take_problems(first->row, std::move(found));
+    set_times(picture);
+}
+
+void picture_rows::output(const h264::picture& picture)
+{
+    const std::uint64_t number = output_count;
+    output_count += picture.discarded ? 0 : 1;
+    for (auto [w, fence] = rows_of(picture.number); w != fence; ++w) {
+        w->settled = true;
+        if (!picture.discarded)
+            w->row.output_number = number;
+    }
+    if (!picture.discarded)
+        set_times(picture);
+}
+
+/// The rows of a picture that wait. They wait in the order of their pictures.
+std::pair<picture_rows::row_place, picture_rows::row_place> picture_rows::rows_of(std::uint64_t picture)
+{
+    const auto before = [](const waiting_row& w, std::uint64_t number) { return w.row.picture < number; };
+    const row_place first = std::lower_bound(waiting.begin(), waiting.end(), picture, before);
+    row_place fence = first;
+    while (fence != waiting.end() && fence->row.picture == picture)
+        ++fence;
+    return {first, fence};
+}
+
+/// Of two rows the one whose field is output second is shown behind the other.
+void picture_rows::set_times(const h264::picture& picture)
+{
+    const auto [first, fence] = rows_of(picture.number);
+    for (auto w = first; w != fence; ++w) {
+        w->row.time_source = picture.times.source;
+        w->row.duration = h264::time_after({0, 1}, w->row.field_duration, w->tick);
+        w->row.dts = picture.times.decoding;
+        w->row.pts = picture.times.presentation;
+    }
+    if (fence - first != 2)
+        return;
+    const row_place second = first + 1;
+    second->row.dts = is_rate(picture.times.source)
+                          ? h264::time_after(picture.times.decoding, first->row.field_duration, first->tick)
+                          : h264::exact_time();
+    const bool in_order = first->row.poc <= second->row.poc;
+    const waiting_row& shown_first = in_order ? *first : *second;
+    (in_order ? second : first)->row.pts =
+        h264::time_after(picture.times.presentation, shown_first.row.field_duration, shown_first.tick);
+}
+
+bool picture_rows::next_is_ready() const
+{
+    if (waiting.empty() || !waiting.front().complete || (end_is_open && waiting.size() == 1))
+        return false;
+    return waiting.front().settled || finished || waits_for_too_long();
+}
+
+bool picture_rows::waits_for_too_long() const
+{
+    return waiting.back().row.picture - waiting.front().row.picture >= most_waiting_pictures ||
+           waiting_units > most_waiting_units || problems.size() > most_waiting_problems;
+}
+
+void picture_rows::tell_ready()
+{
+    while (next_is_ready())
+        tell_next();
+    for (; problems.size() > most_waiting_problems; problems.pop_front())
+        to.problem(problems.front());
+}
+
+void picture_rows::tell_next()
+{
+    picture_row row = std::move(waiting.front().row);
+    row.given_up = !waiting.front().settled && !finished;
+    waiting.pop_front();
+    waiting_units -= row.units.size() + row.problems.size();
+    row.number = row_count++;
+    to.row(std::move(row));
+}
+
+} // namespace orv_h264

@@ -1,0 +1,27 @@
+// The rows of frames as text and as JSON, one by one and added up.
+#pragma once
+
+#include "frame_totals.h"
+#include "json_output.h"
+#include "picture_rows.h"
+
+#include <string>
+
+namespace orv_h264 {
+
+/// The names of the columns.
+std::string row_heading();
+
+std::string text_of(const picture_row& row);
+
+/// The closing line. With fields a row is a field.
+std::string text_of(const frame_totals& totals, bool fields);
+
+/// docs/schema/frames.schema.json describes both.
+json json_of(const picture_row& row);
+json json_of(const frame_totals& totals);
+
+/// The types of its primary slices, each once, as they come.
+std::vector<std::string> slice_types(const picture_row& row);
+
+} // namespace orv_h264
