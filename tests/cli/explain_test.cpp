@@ -88,7 +88,7 @@ TEST(Explain, UnitsOfTypesThatH264LeavesOpenHaveAPayload)
 {
     for (const unsigned char type : bytes{0, 24, 31}) {
         const temporary_file file(stream_builder().annexb_unit(type, {0xAA, 0xBB}));
-        const tool_result result = run_tool({"explain", file.path(), "5"});
+        const tool_result result = run_tool({"explain", "--format", "annexb", file.path(), "5"});
         EXPECT_NE(result.out.find("What        payload of a unit type without a syntax in H.264\n"), std::string::npos)
             << result.out;
         EXPECT_EQ(result.status, 0);

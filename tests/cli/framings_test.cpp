@@ -28,7 +28,7 @@ void drop_framing(json& object)
     static const std::set<std::string> names = {"file",          "framing",        "offset",        "framing_size",
                                                 "size",          "bytes",          "mean_bit_rate", "peak_bit_rate",
                                                 "first_offset",  "last_offset",    "unit_bytes",    "filler",
-                                                "unit_bit_rate", "fullest_second", "filler"};
+                                                "unit_bit_rate", "fullest_second", "padding"};
     if (object.is_object())
         for (const std::string& name : names)
             object.erase(name);
