@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <new>
+#include <string>
 
 namespace {
 
@@ -70,19 +71,22 @@ TEST(AnnotatedTrace, AFixedPatternIsToldWhereItIsWrongOrAskedFor)
     }
 }
 
-TEST(AnnotatedTrace, StructuresOfFixedPatternsAloneAreHiddenAndWhatIsWrongInThemIsTold)
+TEST(AnnotatedTrace, StructuresOfFixedPatternsAloneAreHiddenUnlessOneIsWrongOrAskedFor)
 {
-    for (const char* const name :
+    for (const std::string name :
          {"rbsp_trailing_bits", "slice_data", "slice_data_in_scalable_extension", "slice_data_in_3davc_extension"}) {
-        noted_trace t;
-        t.trace.open("x");
-        t.trace.open(name);
-        t.trace.element(told::f("bit", 1, 1));
-        t.trace.element(told::f("bit", 1, 0));
-        t.trace.close();
-        t.trace.close();
-        EXPECT_EQ(t.notes.lines, (lines{"x {", std::string(name) + " {", "bit 1", "}", "}"}))
-            << name;
+        for (const int last_bit : {0, 1}) {
+            noted_trace t;
+            t.trace.open("x");
+            t.trace.open(name.c_str());
+            t.trace.element(told::f("bit", 1, 1));
+            t.trace.element(told::f("bit", last_bit, 0));
+            t.trace.close();
+            t.trace.element(told::u(1, "behind", 1));
+            t.trace.close();
+            EXPECT_EQ(t.notes.lines, last_bit == 0 ? (lines{"x {", "behind 1", "}"})
+                                                   : (lines{"x {", name + " {", "bit 1", "}", "behind 1", "}"}));
+        }
     }
     noted_trace all(true);
     all.trace.open("rbsp_trailing_bits");

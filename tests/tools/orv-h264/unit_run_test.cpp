@@ -243,12 +243,12 @@ TEST(UnitRun, WithoutAUnitTheRunIsBroken)
     EXPECT_EQ(run.notes, (notes{"at 0: no NAL unit found: the input is empty"}));
 }
 
-TEST(UnitRun, UnitsThatAreNotReadAreTakenAtOnce)
+TEST(UnitRun, UnitsThatAreNotReadAreTakenAtOnceAndTheirForbiddenBitIsSeen)
 {
     noted_run run;
     run.read = false;
     const bytes stream = stream_builder().annexb_unit(support::sei, two_problems).annexb_unit(support::forbidden, {1});
-    EXPECT_EQ(status_of(run, stream), orv_h264::exit_broken_stream) << "the header is looked at";
+    EXPECT_EQ(status_of(run, stream), orv_h264::exit_broken_stream);
     EXPECT_EQ(run.notes, (notes{"0:0+3 6", "of 1 at 11: unit whose header has the forbidden bit set", "1:11+3 7"}));
 }
 
