@@ -25,10 +25,10 @@ std::vector<std::filesystem::path> sound_streams()
 /// The object without what the framing changes.
 void drop_framing(json& object)
 {
-    static const std::set<std::string> names = {"file",          "framing",        "offset",        "framing_size",
-                                                "size",          "bytes",          "mean_bit_rate", "peak_bit_rate",
-                                                "first_offset",  "last_offset",    "unit_bytes",    "filler",
-                                                "unit_bit_rate", "fullest_second", "filler"};
+    static const std::set<std::string> names = {"file",          "padding",       "framing",       "offset",
+                                                "framing_size",  "size",          "bytes",         "mean_bit_rate",
+                                                "peak_bit_rate", "first_offset",  "last_offset",   "unit_bytes",
+                                                "filler",        "unit_bit_rate", "fullest_second"};
     if (object.is_object())
         for (const std::string& name : names)
             object.erase(name);
