@@ -6,7 +6,7 @@ import tempfile
 
 import tool_help
 
-SUBCOMMANDS = ["avcc", "convert", "frames", "help", "info", "inspect"]
+SUBCOMMANDS = ["avcc", "convert", "explain", "frames", "help", "info", "inspect"]
 FRAMINGS = ["annexb", "length1", "length2", "length3", "length4"]
 LENGTHS = FRAMINGS[1:]
 FILES = ["movie.264", "movie.avc", "sample.bin"]

@@ -225,7 +225,7 @@ void print_schema()
     "flag": {"description": "u(1)", "enum": [0, 1]},
     "unsigned": {"description": "u(n), ue(v)", "type": "integer", "minimum": 0, "maximum": 9223372036854775807},
     "signed": {"description": "i(n), se(v)", "type": "integer", "minimum": -2147483648, "maximum": 2147483647},
-    "bytes": {"description": "a row of b(8), or an element of more than 64 bits: two hex digits a byte, of a row the first 65536 bytes", "type": "string", "pattern": "^([0-9a-f][0-9a-f])*$"},
+    "bytes": {"description": "a row of b(8), or an element of more than 64 bits: two hex digits a byte, of a row the first 65536 bytes; of a list the first 1048576 entries are told", "type": "string", "pattern": "^([0-9a-f][0-9a-f])*$"},
     "text": {"description": "st(v)", "type": "string"},
     "words": {"anyOf": [{"type": ["string", "null"]}, {"type": "array", "items": {"$ref": "#/$defs/words"}}]},
     "meaning": {"description": "what values mean, under the names of their elements", "type": "object", "additionalProperties": {"$ref": "#/$defs/words"}, "minProperties": 1},

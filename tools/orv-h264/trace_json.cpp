@@ -21,6 +21,12 @@ json_members::member& json_members::find(std::string_view name)
     return *found;
 }
 
+bool json_members::has_room(std::string_view name) const
+{
+    const auto found = std::find_if(all.begin(), all.end(), [name](const member& m) { return m.name == name; });
+    return found == all.end() || found->entries < most_entries;
+}
+
 void json_members::put(std::string_view name, std::string_view value)
 {
     find(name).text = value;
@@ -28,12 +34,13 @@ void json_members::put(std::string_view name, std::string_view value)
 
 void json_members::append(std::string_view name, std::string_view value)
 {
-    std::string& text = find(name).text;
-    if (text.empty())
-        text = '[';
+    member& m = find(name);
+    if (m.text.empty())
+        m.text = '[';
     else
-        text.back() = ',';
-    text.append(value) += ']';
+        m.text.back() = ',';
+    m.text.append(value) += ']';
+    ++m.entries;
 }
 
 // The text of an array is always complete. To put an entry in, as many lists are opened again as it shares with the
@@ -58,6 +65,7 @@ void json_members::put_entry(const h264::label& at, std::string_view value)
         m.text += i + 1 < depth ? "[" : "";
     }
     m.text.append(value).append(depth, ']');
+    ++m.entries;
 }
 
 // The names are those of H.264, without anything to escape.
@@ -135,6 +143,8 @@ void trace_json::put(const shown_element& shown, std::string_view value)
 {
     structure& to = inside.back();
     const h264::label& name = shown.element.name;
+    if (!to.fields.has_room(name.name()))
+        return;
     const auto add = [&](json_members& members, std::string_view text) {
         if (shown.repeated || shown.element.how == h264::coding::f)
             members.append(name.name(), text);

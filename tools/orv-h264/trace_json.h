@@ -18,6 +18,11 @@ namespace orv_h264 {
 /// The text of a JSON object that grows by members.
 class json_members {
 public:
+    /// Of a list so many entries are told; that of the largest map of slice groups is shorter.
+    static constexpr std::size_t most_entries = std::size_t{1} << 20;
+
+    /// A further entry under this name would be told.
+    bool has_room(std::string_view name) const;
     /// A value of its own.
     void put(std::string_view name, std::string_view value);
     /// The next entry of an array; entries come in the order of their indices.
@@ -33,6 +38,7 @@ private:
         std::string_view name;
         std::string text;
         std::array<std::uint32_t, 4> end = {}; // of an array: where its next entry belongs
+        std::size_t entries = 0;               // of an array
     };
 
     member& find(std::string_view name);

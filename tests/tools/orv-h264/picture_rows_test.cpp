@@ -282,10 +282,14 @@ TEST(PictureRows, ProblemsComeWithTheRowTheyLieInOrTheNextOne)
     EXPECT_EQ(0U, rows[0].problems[0].offset);
     EXPECT_EQ(3U, rows[0].problems[0].bytes);
     EXPECT_EQ("bytes before the first start code", rows[0].problems[0].message);
-    ASSERT_EQ(2U, rows[1].problems.size());
+    ASSERT_EQ(3U, rows[1].problems.size());
     EXPECT_EQ(3 + large, rows[1].problems[0].offset);
     EXPECT_EQ("unit of type 12 longer than the limit of 2048 bytes", rows[1].problems[0].message);
     EXPECT_EQ(rows[1].offset, rows[1].problems[1].offset) << "an SEI message that its unit cuts";
+    EXPECT_EQ("bit_equal_to_one 0 at bit 29: outside of 1 to 1", rows[1].problems[1].message);
+    EXPECT_TRUE(rows[1].problems[1].finding);
+    EXPECT_EQ("payload_size at bit 32: the unit ends", rows[1].problems[2].message);
+    EXPECT_FALSE(rows[1].problems[2].finding);
     EXPECT_EQ(0U, rows[1].problems[1].bytes);
     ASSERT_EQ(1U, told.left.size());
     EXPECT_EQ(3 + last, told.left[0].offset);

@@ -198,6 +198,15 @@ TEST(TraceJson, ARunOfBytesIsOneStringWithoutAnIndexAtThePlaceOfTheFirst)
                     R"("positions":{"payload_byte":[102,0,16]}})");
 }
 
+TEST(TraceJson, OfALongListTheFirstEntriesAreTold)
+{
+    const std::string text = json_of([&](trace_json& made) {
+        for (std::size_t i = 0; i <= orv_h264::json_members::most_entries; ++i)
+            made.element(shown(told::u(1, "x", 1), "", true));
+    });
+    EXPECT_EQ(text.size(), 2 * orv_h264::json_members::most_entries - 1 + std::string(R"({"x":[]})").size());
+}
+
 TEST(TraceJson, OfALongRunTheFirstBytesAreTold)
 {
     for (const std::size_t size : {trace_json::most_bytes, trace_json::most_bytes + 1}) {
