@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <iterator>
 #include <map>
 #include <set>
 #include <string>
@@ -129,6 +130,28 @@ void note_all_units()
     }
 }
 
+/// What the tool shows inside of user data registered by T.35.
+void note_registered_user_data()
+{
+    constexpr unsigned char captions[] = {0, 0x31, 'G', 'A', '9', '4', 3, 0xC1, 0xFF, 0xFC, 0x80, 0x80, 0xFF};
+    constexpr unsigned char bars[] = {0, 0x31, 'G', 'A', '9', '4', 6, 0xFF, 0xC0, 1, 0xC0, 2, 0xC0, 3, 0xC0, 4};
+    constexpr unsigned char active_format[] = {0, 0x31, 'D', 'T', 'G', '1', 0x41, 0xF8};
+    const auto note = [](const auto& bytes) {
+        const user_data_registered_itu_t_t35 data = {
+            registered_user_data::country_usa, 0, {std::begin(bytes), std::end(bytes)}};
+        registered_user_data read;
+        outcome result;
+        shape_notes notes;
+        notes.open("user_data_registered_itu_t_t35");
+        trace_registered_user_data(read, data, result, notes);
+        notes.close();
+    };
+    note(captions);
+    note(bars);
+    note(active_format);
+    shapes["user_data_registered_itu_t_t35"].outermost = false;
+}
+
 // What the tool knows
 
 bool any_wrong = false;
@@ -246,6 +269,7 @@ void print_schema()
 int main()
 {
     note_all_units();
+    note_registered_user_data();
     check_what_the_tool_knows();
     print_schema();
     return any_wrong ? 1 : 0;

@@ -21,7 +21,7 @@ _orv_h264()
         return
     fi
     case $subcommand in
-    info) options="--format --max-unit --json" ;;
+    info) options="--format --max-unit --json --csv --tsv" ;;
     inspect) options="--format --max-unit --nals --limit --only --positions --long-names --json --csv --tsv" ;;
     explain) options="--format --max-unit --json --csv --tsv" ;;
     frames) options="--format --max-unit --fields --split-fields --output-order --limit --json --csv --tsv" ;;
