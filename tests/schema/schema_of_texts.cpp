@@ -152,6 +152,15 @@ void note_registered_user_data()
     shapes["user_data_registered_itu_t_t35"].outermost = false;
 }
 
+/// What damaged units alone hold: bytes that are left over in a payload.
+void note_left_over_bytes()
+{
+    element_shape bytes;
+    bytes.kind = value_kind::bytes;
+    note_name(shapes["sei_payload"], "payload_byte");
+    shapes["sei_payload"].elements["payload_byte"] = bytes;
+}
+
 // What the tool knows
 
 bool any_wrong = false;
@@ -270,6 +279,7 @@ int main()
 {
     note_all_units();
     note_registered_user_data();
+    note_left_over_bytes();
     check_what_the_tool_knows();
     print_schema();
     return any_wrong ? 1 : 0;

@@ -21,10 +21,10 @@ json_members::member& json_members::find(std::string_view name)
     return *found;
 }
 
-bool json_members::has_room(std::string_view name) const
+std::size_t json_members::entries_of(std::string_view name) const
 {
     const auto found = std::find_if(all.begin(), all.end(), [name](const member& m) { return m.name == name; });
-    return found == all.end() || found->entries < most_entries;
+    return found == all.end() ? 0 : found->entries;
 }
 
 void json_members::put(std::string_view name, std::string_view value)
@@ -41,6 +41,12 @@ void json_members::append(std::string_view name, std::string_view value)
         m.text.back() = ',';
     m.text.append(value) += ']';
     ++m.entries;
+}
+
+void json_members::fill(std::string_view name, std::size_t entries)
+{
+    for (std::size_t missing = entries_of(name); missing < entries; ++missing)
+        append(name, "null");
 }
 
 // The text of an array is always complete. To put an entry in, as many lists are opened again as it shares with the
@@ -143,7 +149,7 @@ void trace_json::put(const shown_element& shown, std::string_view value)
 {
     structure& to = inside.back();
     const h264::label& name = shown.element.name;
-    if (!to.fields.has_room(name.name()))
+    if (to.fields.entries_of(name.name()) == json_members::most_entries)
         return;
     const auto add = [&](json_members& members, std::string_view text) {
         if (shown.repeated || shown.element.how == h264::coding::f)
@@ -154,8 +160,11 @@ void trace_json::put(const shown_element& shown, std::string_view value)
             members.put_entry(name, text);
     };
     add(to.fields, value);
-    if (!shown.words.empty())
+    if (!shown.words.empty()) {
+        if (shown.repeated) // those before it may have none
+            to.meaning.fill(name.name(), to.fields.entries_of(name.name()) - 1);
         add(to.meaning, json_text(shown.words));
+    }
     if (with_positions)
         add(to.positions, fmt::format("[{},{},{}]", shown.byte, shown.element.bit % 8, shown.element.bits));
 }

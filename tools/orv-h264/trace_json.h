@@ -21,14 +21,16 @@ public:
     /// Of a list so many entries are told; that of the largest map of slice groups is shorter.
     static constexpr std::size_t most_entries = std::size_t{1} << 20;
 
-    /// A further entry under this name would be told.
-    bool has_room(std::string_view name) const;
+    /// How many entries the array of this name has.
+    std::size_t entries_of(std::string_view name) const;
     /// A value of its own.
     void put(std::string_view name, std::string_view value);
     /// The next entry of an array; entries come in the order of their indices.
     void put_entry(const h264::label& at, std::string_view value);
     /// The next of several without an index.
     void append(std::string_view name, std::string_view value);
+    /// Nothing until there are as many entries.
+    void fill(std::string_view name, std::size_t entries);
 
     bool empty() const noexcept { return all.empty(); }
     void append_to(std::string& text) const;

@@ -198,6 +198,17 @@ TEST(TraceJson, ARunOfBytesIsOneStringWithoutAnIndexAtThePlaceOfTheFirst)
                     R"("positions":{"payload_byte":[102,0,16]}})");
 }
 
+TEST(TraceJson, WordsOfRepeatedElementsStandWhereTheirValuesDo)
+{
+    const std::string text = json_of([&](trace_json& made) {
+        made.element(shown(told::u(8, "x", 9), "", true));
+        made.element(shown(told::u(8, "x", 1), "one", true));
+        made.element(shown(told::u(8, "x", 9), "", true));
+        made.element(shown(told::u(8, "x", 2), "two", true));
+    });
+    EXPECT_EQ(text, R"({"x":[9,1,9,2],"meaning":{"x":[null,"one",null,"two"]}})");
+}
+
 TEST(TraceJson, OfALongListTheFirstEntriesAreTold)
 {
     const std::string text = json_of([&](trace_json& made) {
