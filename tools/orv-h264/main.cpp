@@ -1,5 +1,4 @@
-// orv-h264. Each subcommand is a file of its own. The library reads the syntax, but for the delays of picture timing,
-// which the standard gives other lengths (pic_timing_lengths.cpp), and the lists of a configuration record (avcc.cpp).
+// orv-h264. Each subcommand is a file of its own. The syntax library reads; the tool asks and prints.
 #include "command_line.h"
 #include "messages.h"
 #include "standard_descriptors.h"
