@@ -34,7 +34,33 @@ exact_time reduced(std::int64_t ticks, std::uint32_t clock)
 
 constexpr exact_time beginning = {0, 1};
 
+bool same(const ratio& a, const ratio& b)
+{
+    return a.numerator == b.numerator && a.denominator == b.denominator;
+}
+
 } // namespace
+
+void tick_time::add(std::uint64_t count, ratio by) noexcept
+{
+    if (!same(by, tick)) {
+        base = value();
+        ticks = 0;
+        tick = by;
+    }
+    ticks += count;
+}
+
+// From 0 on, what the count has in common with the denominator is all that can be reduced.
+exact_time tick_time::value() const noexcept
+{
+    constexpr std::uint64_t plain = std::uint64_t{1} << 31; // a product of two numbers below it fits
+    if (base.numerator != 0 || base.denominator != 1 || ticks >= plain || tick.numerator >= plain)
+        return time_after(base, ticks, tick);
+    const std::uint64_t common = std::gcd(ticks, tick.denominator);
+    return {static_cast<std::int64_t>(ticks / common * tick.numerator),
+            static_cast<std::int64_t>(tick.denominator / common)};
+}
 
 std::uint8_t fields_shown(const access_unit& unit) noexcept
 {
@@ -63,17 +89,32 @@ std::int64_t unwrapped::next(std::int64_t value, unsigned bits) noexcept
 
 void picture_clock::begin(const access_unit& unit, const timestamp* stamp, picture_times& times) noexcept
 {
-    tick = tick_of(unit);
+    set_tick(unit);
     if (tick.denominator != 0 && !any_shown) { // one that waits for as many others as may be reordered is shown in time
-        shown = time_after(beginning, 2 * std::uint64_t{most_reordered_frames(*unit.sps)}, tick);
+        shown = tick_time(beginning);
+        shown.add(2 * std::uint64_t{most_reordered_frames(*unit.sps)}, tick);
         any_shown = true;
     }
     if (!take_hrd(unit, times) && tick.denominator != 0) {
         const bool constant = unit.sps->vui_parameters.fixed_frame_rate_flag;
         times.source = constant ? time_source::constant_rate : time_source::assumed_rate;
-        times.decoding = decoded;
+        times.decoding = decoded.value();
     }
     take_stamp(stamp, times);
+}
+
+void picture_clock::set_tick(const access_unit& unit) noexcept
+{
+    const ratio now = tick_of(unit);
+    if (same(now, sent))
+        return;
+    sent = tick = now;
+    if (tick.denominator == 0)
+        return;
+    const std::uint64_t common = std::gcd(tick.numerator, tick.denominator);
+    tick = {tick.numerator / common, tick.denominator / common};
+    for (std::uint8_t fields = 0; fields <= most_fields; ++fields)
+        durations[fields] = time_after(beginning, fields, tick);
 }
 
 void picture_clock::add_second_field(const access_unit& unit, const timestamp* stamp, picture_times& times) noexcept
@@ -127,24 +168,21 @@ void picture_clock::end(std::uint8_t fields, picture_times& times) noexcept
 {
     if (tick.denominator == 0)
         return;
-    if (fields != shown_fields || tick.numerator != shown_tick.numerator ||
-        tick.denominator != shown_tick.denominator) {
-        duration = time_after(beginning, fields, tick);
-        shown_fields = fields;
-        shown_tick = tick;
-    }
-    times.duration = duration;
-    decoded = time_after(decoded, fields, tick);
+    times.duration = fields <= most_fields ? durations[fields] : time_after(beginning, fields, tick);
+    decoded.add(fields, tick);
 }
 
-void picture_clock::output(picture_times& times) noexcept
+// The rate may have changed since the picture was decoded.
+void picture_clock::output(std::uint8_t fields, picture_times& times) noexcept
 {
     if (times.source == time_source::constant_rate || times.source == time_source::assumed_rate)
-        times.presentation = shown;
-    if (times.duration)
-        shown = time_after(shown, 1,
-                           {static_cast<std::uint64_t>(times.duration.numerator),
-                            static_cast<std::uint64_t>(times.duration.denominator)});
+        times.presentation = shown.value();
+    if (tick.denominator != 0 && fields <= most_fields && times.duration == durations[fields])
+        shown.add(fields, tick);
+    else if (times.duration)
+        shown = tick_time(time_after(shown.value(), 1,
+                                     {static_cast<std::uint64_t>(times.duration.numerator),
+                                      static_cast<std::uint64_t>(times.duration.denominator)}));
 }
 
 } // namespace orv_utils_v4::h264

@@ -19,6 +19,21 @@ private:
     bool any = false;
 };
 
+/// A time that goes on by ticks: as long as they stay the same they are counted, and the fraction is made of the count.
+class tick_time {
+public:
+    explicit tick_time(exact_time start) noexcept : base(start) {}
+
+    /// `count` times `tick` later; the tick is reduced, and known.
+    void add(std::uint64_t count, ratio tick) noexcept;
+    exact_time value() const noexcept;
+
+private:
+    exact_time base;
+    std::uint64_t ticks = 0; // since then
+    ratio tick = {0, 1};
+};
+
 class picture_clock {
 public:
     /// Tells `times` of a picture that begins with this access unit, as far as decoding order tells them.
@@ -27,21 +42,23 @@ public:
     void add_second_field(const access_unit& unit, const timestamp* stamp, picture_times& times) noexcept;
     /// The picture is complete, and is shown for `fields`.
     void end(std::uint8_t fields, picture_times& times) noexcept;
-    /// The picture is the next one in output order.
-    void output(picture_times& times) noexcept;
+    /// The picture, shown for `fields`, is the next one in output order.
+    void output(std::uint8_t fields, picture_times& times) noexcept;
 
 private:
+    static constexpr std::uint8_t most_fields = 7; // of two fields with timing messages of their own there may be more
+
+    void set_tick(const access_unit& unit) noexcept;
     bool take_hrd(const access_unit& unit, picture_times& times) noexcept;
     void take_stamp(const timestamp* stamp, picture_times& times) noexcept;
 
-    ratio tick;                  // of the active SPS, in seconds
-    exact_time period;           // removal of the access unit with the latest buffering period
-    exact_time decoded = {0, 1}; // when the next picture is decoded, at a constant rate
-    exact_time shown;            // when it is shown, likewise
+    ratio sent;                // the tick of the active SPS, in seconds
+    ratio tick;                // the same, reduced
+    exact_time period;         // removal of the access unit with the latest buffering period
+    tick_time decoded{{0, 1}}; // when the next picture is decoded, at a constant rate
+    tick_time shown{{0, 0}};   // when it is shown, likewise
     bool any_shown = false;
-    exact_time duration; // of so many fields at this tick, which most pictures have in common
-    std::uint8_t shown_fields = 0;
-    ratio shown_tick;
+    exact_time durations[most_fields + 1]; // of so many ticks
     unwrapped decoding_stamps;
     unwrapped presentation_stamps;
     bool any_stamp = false;

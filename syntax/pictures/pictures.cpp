@@ -195,7 +195,7 @@ void pictures::state::close()
 void pictures::state::output(const picture& picture)
 {
     h264::picture complete = picture;
-    clock.output(complete.times);
+    clock.output(complete.fields_shown, complete.times);
     to->output(complete);
 }
 
