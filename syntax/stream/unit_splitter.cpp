@@ -180,7 +180,9 @@ void unit_splitter::hand_on(const unsigned char* bytes, std::size_t size, bool c
     any_unit = true;
     if (lost || whole > most || stated > most)
         to.gap({split_gap_reason::too_large, unit_offset - framing_size, framing_size + whole, stated,
-                lost ? header : size == 0 ? static_cast<unsigned char>(0) : bytes[0]});
+                lost        ? header
+                : size == 0 ? static_cast<unsigned char>(0)
+                            : bytes[0]});
     else if (whole == 0)
         to.gap({split_gap_reason::no_header, unit_offset - framing_size, framing_size});
     else
