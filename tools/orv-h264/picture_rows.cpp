@@ -17,7 +17,15 @@ namespace {
 std::string text_of_findings(const h264::access_unit_part& part)
 {
     const std::string first = text_of(part.first_finding);
-    return part.finding_count == 1 ? first : fmt::format("{}, and {} further values", first, part.finding_count - 1);
+    return part.finding_count == 1 ? first : fmt::format("{}, and {} more", first, part.finding_count - 1);
+}
+
+/// The forbidden bit alone, which unit() tells, or missing trailing bits, which the ending says.
+bool is_told_otherwise(const h264::access_unit_part& part)
+{
+    const std::string_view first = part.first_finding.element.name();
+    return (part.finding_count == 1 && first == "forbidden_zero_bit") ||
+           (part.ending == h264::ending::no_stop_bit && first == "rbsp_stop_one_bit");
 }
 
 bool is_before(const row_problem& a, const row_problem& b)
@@ -145,9 +153,7 @@ std::vector<row_problem> picture_rows::problems_of(const h264::access_unit& unit
 {
     std::vector<row_problem> found;
     for (const h264::access_unit_part& part : unit.parts) {
-        const bool forbidden_bit_alone = // which unit() tells
-            part.finding_count == 1 && part.first_finding.element.name() == std::string_view("forbidden_zero_bit");
-        if (part.finding_count > 0 && !forbidden_bit_alone)
+        if (part.finding_count > 0 && !is_told_otherwise(part))
             found.push_back({fed_of(part).begin, text_of_findings(part), 0, true});
         if (part.failure)
             found.push_back({fed_of(part).begin, text_of(part.failure)});

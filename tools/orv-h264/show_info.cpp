@@ -138,7 +138,7 @@ void print_kinds(const char* heading, const std::vector<problem_kind>& kinds)
 void print_info(const stream_input& input, const stream_summary& summary)
 {
     print_row("File", printable(input.name()));
-    print_row("Framing", framing_name(input.framing()));
+    print_row("Framing", framing_name(input.framing()) + (input.framing_recognised() ? ", recognised" : ""));
     print_row("Size", fmt::format("{} bytes", input.bytes_read()));
     print_sequences(summary.sequences, summary.further_sequences);
     print_frames(summary.frames);

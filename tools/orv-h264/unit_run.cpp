@@ -90,7 +90,7 @@ void unit_run::complain_of(const listed_unit& unit, const h264::outcome& result)
     }
     if (result.finding_count > result.findings.size())
         complain_here(
-            fmt::format("{} further values outside of their ranges", result.finding_count - result.findings.size()),
+            fmt::format("further values outside of their ranges: {}", result.finding_count - result.findings.size()),
             false);
     if (result.failure)
         complain_here(text_of(result.failure), true);

@@ -222,7 +222,7 @@ TEST(UnitRun, OfManyFindingsTheFirstAreToldAndTheOthersCounted)
     const bytes stream = stream_builder().start_code().raw(bytes_of(sps_unit(sps)));
     EXPECT_EQ(status_of(run, stream), orv_h264::exit_clean);
     ASSERT_EQ(run.notes.size(), 1 + outcome::most_findings + 1 + 1);
-    EXPECT_EQ(run.notes[1 + outcome::most_findings], "of 0 at 0: 16 further values outside of their ranges (finding)");
+    EXPECT_EQ(run.notes[1 + outcome::most_findings], "of 0 at 0: further values outside of their ranges: 16 (finding)");
 }
 
 TEST(UnitRun, ACutUnitIsAProblemAtItsPrefix)
