@@ -184,8 +184,8 @@ TEST(Pictures, NoOutputOfPriorPicsIsToldOfThoseThatWait)
     EXPECT_EQ(discarded, (std::vector<bool>{false, true, true, false}));
 }
 
-// Pictures 0 and 1 are long-term, and output. The frame that picture 4 infers pushes picture 2 out of the references and,
-// where the SPS allows it, out of the buffer: before picture 4 lets the long-term ones go.
+// Pictures 0 and 1 are long-term, and output. The frame that is missing before picture 4 pushes picture 2 out of the
+// references and, where the SPS allows it, out of the buffer, before picture 4 lets the long-term ones go.
 TEST(Pictures, AnInferredFrameTakesItsRoomBeforeTheMarkingOfThePictureBehindIt)
 {
     made_slice discarding = idr(1);
