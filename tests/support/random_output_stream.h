@@ -204,20 +204,23 @@ private:
             taken = {0};
             next_place = 1;
             place = 0;
-            return p.idr ? 0 : 4 * (highest_place + 1);
+            return p.idr ? 0 : 4 * (std::exchange(highest_place, 0) + 1);
         }
         if (group.empty()) { // an anchor, and what comes before it in output order
             const auto size = static_cast<std::int64_t>(in_order ? 1 + pick(pick(2) == 0 ? 1 : 4) : 1);
             for (std::int64_t i = 0; i < size; ++i)
                 group.push_back(next_place + (i + size - 1) % size);
             if (pick(2) == 0)
-                std::shuffle(group.begin() + 1, group.end(), random);
+                std::reverse(group.begin() + 1, group.end());
             next_place += size;
         }
         place = group.front();
         group.erase(group.begin());
-        while (!in_order && !taken.insert(place).second)
-            place = next_place + between(-8, 1);
+        if (!in_order) {
+            do
+                place = next_place + between(-6, 3);
+            while (!taken.insert(place).second);
+        }
         highest_place = std::max(highest_place, place);
         return 4 * place + 1;
     }
