@@ -11,6 +11,12 @@ namespace {
 
 constexpr std::uint32_t most_frames = output_order::most_waiting; // a name that is no symbol
 
+/// Frame buffers, at least as many as references need.
+std::size_t buffers_of(const seq_parameter_set_data& sps)
+{
+    return std::max(most_buffered_frames(sps), std::min(sps.max_num_ref_frames, most_frames));
+}
+
 } // namespace
 
 std::uint32_t most_buffered_frames(const seq_parameter_set_data& sps) noexcept
@@ -38,6 +44,14 @@ void output_order::end_sequence(bool discard, picture_sink& to)
         bump(to);
 }
 
+// Each of them slides the window before it is stored, so that the last one needs the most room.
+void output_order::make_room(const seq_parameter_set_data& sps, const reference_marking& marking, picture_sink& to)
+{
+    constexpr std::uint64_t no_picture = ~std::uint64_t{0};
+    while (!waiting.empty() && fullness(marking, no_picture) > buffers_of(sps))
+        bump(to);
+}
+
 void output_order::begin(const picture& next, const seq_parameter_set_data& sps, const reference_marking& marking,
                          picture_sink& to)
 {
@@ -46,7 +60,7 @@ void output_order::begin(const picture& next, const seq_parameter_set_data& sps,
         return;
     if (mode == output_mode::early)
         most_reordered = most_reordered_frames(sps);
-    const std::size_t size = std::max(most_buffered_frames(sps), std::min(sps.max_num_ref_frames, most_frames));
+    const std::size_t size = buffers_of(sps);
     while (fullness(marking, next.number) >= size) {
         const bool first = waiting.empty() || next.count.lower() < lowest()->count;
         at_once = next.nal_ref_idc == 0 && first;

@@ -146,7 +146,9 @@ void pictures::state::mark(const access_unit& unit, bool second_field)
         open.count.bottom = now.bottom;
 
     const marking_result before = marking.before_picture(marked);
-    if (before.missing != 0 && !unit.sps->gaps_in_frame_num_value_allowed_flag)
+    if (before.missing != 0 && unit.sps->gaps_in_frame_num_value_allowed_flag)
+        order.make_room(*unit.sps, marking, *this);
+    else if (before.missing != 0)
         open.findings.add(picture_finding::frame_num_gap);
     const marking_result after = marking.after_picture(marked);
     if (after.no_such_picture)

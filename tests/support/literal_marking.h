@@ -47,6 +47,12 @@ public:
     /// 8.2.5.2: frames with the values of frame_num that are left out.
     void infer_frames(const marked_picture& p)
     {
+        infer_frames(p, [](std::int64_t) {});
+    }
+    /// `each` takes each of them, by its number, before the next one is inferred.
+    template <class Each>
+    void infer_frames(const marked_picture& p, Each each)
+    {
         if (p.idr || p.second_field || p.frame_num == PrevRefFrameNum ||
             p.frame_num == (PrevRefFrameNum + 1) % MaxFrameNum)
             return;
@@ -58,6 +64,7 @@ public:
             fields.push_back({non_existing, false, UnusedShortTermFrameNum, mark::short_term});
             fields.push_back({non_existing, true, UnusedShortTermFrameNum, mark::short_term});
             PrevRefFrameNum = UnusedShortTermFrameNum;
+            each(non_existing);
         }
     }
     /// 8.2.5.1, of a picture whose operations were carried out already.
@@ -85,6 +92,9 @@ public:
         }
         PrevRefFrameNum = FrameNum;
         current_long_term = false;
+        const auto unused = std::remove_if(fields.begin(), fields.end(),
+                                           [](const field_record& f) { return f.marking == mark::unused; });
+        fields.erase(unused, fields.end());
     }
     /// 8.2.5.4
     void operate(const marked_picture& p, const operation& o)
@@ -148,6 +158,11 @@ public:
                 frames.insert(f.frame);
         return frames;
     }
+    bool uses(std::int64_t frame) const
+    {
+        return std::any_of(fields.begin(), fields.end(),
+                           [&](const field_record& f) { return f.frame == frame && f.marking != mark::unused; });
+    }
     std::size_t marked_frames(std::int64_t except = no_frame) const
     {
         std::set<std::int64_t> frames = frames_with(mark::short_term, except);
@@ -156,7 +171,7 @@ public:
     }
     static constexpr std::int64_t no_frame = INT64_MIN;
 
-    std::vector<field_record> fields; ///< in decoding order; those that are unused may stay
+    std::vector<field_record> fields; ///< in decoding order; unused ones may stay up to the next reference picture
 
 private:
     static bool first_field_of(const field_record& f, const marked_picture& p)

@@ -38,6 +38,12 @@ public:
     /// @param discard no_output_of_prior_pics_flag
     /// @param to who takes them
     void end_sequence(bool discard, picture_sink& to);
+    /// Pictures are output until there is room for the non-existing frames of a gap in frame_num that the SPS allows
+    /// (C.4.2), before begin(). For frames that are lost the clause makes no room.
+    /// @param sps active for the picture behind the gap
+    /// @param marking behind before_picture() of that picture, before after_picture()
+    /// @param to who takes them
+    void make_room(const seq_parameter_set_data& sps, const reference_marking& marking, picture_sink& to);
     /// Pictures are output until there is room for the next one (C.4.5.1 and C.4.5.2).
     /// @param next it, as far as it is known
     /// @param sps active for it

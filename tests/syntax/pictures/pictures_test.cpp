@@ -184,6 +184,25 @@ TEST(Pictures, NoOutputOfPriorPicsIsToldOfThoseThatWait)
     EXPECT_EQ(discarded, (std::vector<bool>{false, true, true, false}));
 }
 
+// Pictures 0 and 1 are long-term, and output. The frame that is missing before picture 4 pushes picture 2 out of the
+// references and, where the SPS allows it, out of the buffer, before picture 4 lets the long-term ones go.
+TEST(Pictures, AnInferredFrameTakesItsRoomBeforeTheMarkingOfThePictureBehindIt)
+{
+    made_slice discarding = idr(1);
+    discarding.header.dec_ref_pic_marking.no_output_of_prior_pics_flag = true;
+    for (const bool allowed : {true, false}) {
+        count_stream stream(3);
+        stream.sps().gaps_in_frame_num_value_allowed_flag = allowed;
+        stream.add_sets().add(idr()).add(with(reference(1, 2), {short_to_long(0, 0), current_to_long(1)}));
+        stream.add(reference(2, 6)).add(other(3, 4));
+        stream.add(with(reference(4, 8), {keep_long_below(0)})).add(discarding);
+        std::string text;
+        for (const picture& p : told_of(stream).output_order)
+            text += std::to_string(p.number) + (p.discarded ? "- " : " ");
+        EXPECT_EQ(text, allowed ? "0 1 3 2 4- 5 " : "0 1 3 2- 4- 5 ");
+    }
+}
+
 TEST(Pictures, WithoutAPlaceFollowAllThatCameBefore)
 {
     count_stream stream;
