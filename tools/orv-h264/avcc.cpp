@@ -197,11 +197,14 @@ private:
     std::string shown_unit;
 };
 
-/// Throws refusal for an input that is known, and is no record.
-void refuse_streams(const std::string& name, const recognition& what)
+/// Throws refusal for an input that is known, and is no record. A damaged record may hold what passes for a stream; it
+/// begins with its version, a stream with zeros of a start code or of a length.
+void refuse_streams(const std::string& name, const recognition& what, std::span<const unsigned char> input)
 {
+    if (!input.empty() && input[0] == 1)
+        return;
     refuse_other_formats(name, what);
-    if (what.kind == input_kind::stream)
+    if (what.kind == input_kind::stream && input.size() >= 2 && input[0] + input[1] == 0)
         throw refusal(
             exit_usage_or_io,
             fmt::format("{}: this is an H.264 stream ({}), no record; orv-h264 convert --avcc makes one of it", name,
@@ -217,7 +220,7 @@ exit_status avcc(const avcc_options& options)
     window.fill(largest_input + 1);
     if (window.size() > largest_input)
         throw refusal(exit_usage_or_io, fmt::format("{}: too large for a decoder configuration record", file.name()));
-    refuse_streams(file.name(), recognise(window));
+    refuse_streams(file.name(), recognise(window), {window.start(), window.size()});
     return record_view(options, file.name(), {window.start(), window.size()}).run();
 }
 
