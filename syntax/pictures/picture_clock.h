@@ -24,8 +24,8 @@ class tick_time {
 public:
     explicit tick_time(exact_time start) noexcept : base(start) {}
 
-    /// `count` times `tick` later; the tick is reduced, and known.
-    void add(std::uint64_t count, ratio tick) noexcept;
+    /// `count` times `by` later, a tick that is reduced, and known.
+    void add(std::uint64_t count, ratio by) noexcept;
     exact_time value() const noexcept;
 
 private:

@@ -179,10 +179,11 @@ void check_what_the_tool_knows()
             const bool known = orv_h264::is_repeated_element(structure, name);
             const bool matters = !element.fixed && element.kind != value_kind::bytes;
             expect(!matters || !(element.repeated || !element.in_order) || known,
-                   structure + "." + name + " is repeated");
+                   std::string(structure).append(".").append(name).append(" is repeated"));
         }
         for (const auto& [name, several] : shape.structures)
-            expect(!several || orv_h264::is_repeated_structure(name), structure + "." + name + " is there twice");
+            expect(!several || orv_h264::is_repeated_structure(name),
+                   std::string(structure).append(".").append(name).append(" is there twice"));
     }
 }
 
@@ -213,7 +214,7 @@ std::string schema_of(const std::string& structure, const std::string& name, con
     if (element.fixed || orv_h264::is_repeated_element(structure, name))
         return R"({"type": "array", "items": )" + schema + "}";
     for (unsigned i = 0; i < element.depth; ++i)
-        schema = R"({"type": "array", "items": {"anyOf": [)" + schema + R"(, {"type": "null"}]}})";
+        schema.insert(0, R"({"type": "array", "items": {"anyOf": [)").append(R"(, {"type": "null"}]}})");
     return schema;
 }
 
@@ -266,7 +267,7 @@ void print_schema()
     "positions": {"description": "where elements lie, under their names", "type": "object", "additionalProperties": {"$ref": "#/$defs/place"}, "minProperties": 1},)json");
     for (const auto& [name, shape] : shapes)
         print_structure(name, shape);
-    std::puts("    \"fields\": {\"anyOf\": [");
+    std::puts(R"(    "fields": {"anyOf": [)");
     for (const auto& [name, shape] : shapes)
         if (shape.outermost && name != "nal_unit")
             std::printf("      {\"$ref\": \"#/$defs/%s\"},\n", name.c_str());

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <iterator>
+#include <utility>
 #include <vector>
 
 namespace orv_utils_v4::h264 {
@@ -33,7 +34,7 @@ inline made_slice slice_of_picture(std::uint32_t n)
 /// Gives a stream a subset SPS with the id 1, and a PPS with the id 1 that slices of type 20 stand on.
 class special_layer {
 public:
-    special_layer(made_stream& stream, const subset_seq_parameter_set_rbsp& of_subset) : subset(of_subset)
+    special_layer(made_stream& stream, subset_seq_parameter_set_rbsp of_subset) : subset(std::move(of_subset))
     {
         subset.seq_parameter_set_data.seq_parameter_set_id = 1;
         stream.sets.sets.subset_sps[1] = &subset;

@@ -27,7 +27,7 @@ fact fraction(std::string_view name, h264::ratio value, std::string text)
 {
     const std::uint64_t divisor = std::gcd(value.numerator, value.denominator);
     return {name,
-            fmt::format("{{\"numerator\":{},\"denominator\":{},\"value\":{:.7g}}}", value.numerator / divisor,
+            fmt::format(R"({{"numerator":{},"denominator":{},"value":{:.7g}}})", value.numerator / divisor,
                         value.denominator / divisor,
                         static_cast<double>(value.numerator) / static_cast<double>(value.denominator)),
             std::move(text)};
@@ -67,10 +67,10 @@ void add_vui(std::vector<fact>& to, const h264::vui_parameters& vui)
     const auto add_schedules = [&](std::string_view name, std::string_view kind, const h264::hrd_parameters& hrd) {
         std::string json = "[";
         std::string text;
-        for (std::uint32_t i = 0; i <= hrd.cpb_cnt_minus1 && i < h264::hrd_parameters::most_specifications; ++i) {
-            const std::uint64_t rate = (std::uint64_t{hrd.bit_rate_value_minus1[i]} + 1) << (6 + hrd.bit_rate_scale);
-            const std::uint64_t size = (std::uint64_t{hrd.cpb_size_value_minus1[i]} + 1) << (4 + hrd.cpb_size_scale);
-            json += fmt::format("{}{{\"bit_rate\":{},\"cpb_size\":{},\"cbr\":{}}}", i == 0 ? "" : ",", rate, size,
+        for (std::uint32_t i = 0; i < h264::schedule_count(hrd); ++i) {
+            const std::uint64_t rate = h264::BitRate(hrd, i);
+            const std::uint64_t size = h264::CpbSize(hrd, i);
+            json += fmt::format(R"({}{{"bit_rate":{},"cpb_size":{},"cbr":{}}})", i == 0 ? "" : ",", rate, size,
                                 hrd.cbr_flag[i]);
             text += fmt::format("{}{} bit/s{}, buffer of {} bits", i == 0 ? "" : "; ", rate,
                                 hrd.cbr_flag[i] ? " constant" : " at most", size);

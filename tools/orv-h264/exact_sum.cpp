@@ -26,7 +26,7 @@ bool exact_sum::share_denominator(std::uint64_t other) noexcept
 {
     constexpr std::uint64_t most = std::uint64_t{1} << 62;
     const std::uint64_t factor = other / std::gcd(denominator, other);
-    if (denominator > most / factor)
+    if (factor == 0 || denominator > most / factor)
         return false;
     denominator *= factor;
     numerator *= factor;

@@ -192,6 +192,8 @@ void picture_rows::decoded(const h264::picture& picture)
         w->complete = true;
         first = &*w;
     }
+    if (first == nullptr)
+        return;
     std::vector<row_problem> found;
     for (const std::string& text : texts_of(picture.findings))
         found.push_back({first->row.offset, fmt::format("picture {}: {}", picture.number, text), 0, true});

@@ -18,7 +18,7 @@ void sei_counts::add(const h264::access_unit& unit)
 void sei_counts::add(const std::vector<h264::sei_message>& messages)
 {
     for (const h264::sei_message& message : messages) {
-        if (counts.size() < most_types || counts.count(message.payload_type) != 0)
+        if (counts.size() < most_types || counts.contains(message.payload_type))
             ++counts[message.payload_type];
         else
             ++further;

@@ -13,7 +13,7 @@ namespace orv_h264 {
 
 namespace {
 
-std::string or_dash(std::string name)
+std::string or_dash(const std::string& name)
 {
     return name.empty() ? "-" : name;
 }

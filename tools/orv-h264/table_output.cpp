@@ -63,11 +63,11 @@ void tell_facts_below(const std::string& path, const json& value, const fact_sin
         return take(path, value);
     if (value.is_array()) {
         for (std::size_t i = 0; i < value.size(); ++i)
-            tell_facts_below(path + '[' + std::to_string(i) + ']', value[i], take);
+            tell_facts_below(fmt::format("{}[{}]", path, i), value[i], take);
         return;
     }
     for (const auto& [name, member] : value.items())
-        tell_facts_below(path.empty() ? name : path + '.' + name, member, take);
+        tell_facts_below(path.empty() ? name : fmt::format("{}.{}", path, name), member, take);
 }
 
 } // namespace

@@ -18,7 +18,7 @@ public:
     /// @param positions each element has its byte, bit and width before it
     explicit trace_lines(bool positions) : with_positions(positions) {}
 
-    void open(std::string_view name, std::string_view heading) override;
+    void open(std::string_view structure, std::string_view heading) override;
     void close() override;
     void element(const shown_element& shown) override;
     void bytes(const shown_element& first, byte_span all) override;

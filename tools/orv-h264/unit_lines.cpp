@@ -105,12 +105,12 @@ public:
 
     std::string end(const listed_unit& unit, const h264::unit_reading* reading) override
     {
-        std::string line = fmt::format(
-            FMT_COMPILE("{{\"record\":\"unit\",\"number\":{},\"offset\":{},\"framing_size\":{},\"length\":{},"
-                        "\"rbsp_size\":{},\"nal_ref_idc\":{},\"nal_unit_type\":{},\"name\":{}"),
-            unit.place.number, unit.begin(), unit.framing_size, unit.place.size, rbsp_size(unit.place),
-            ref_idc_of(unit), unit.type(), json_text(name_of(unit.type(), style.long_names)));
-        line += reading == nullptr ? ",\"valid\":null,\"fields\":null}" : read_members(*reading);
+        std::string line =
+            fmt::format(FMT_COMPILE(R"({{"record":"unit","number":{},"offset":{},"framing_size":{},"length":{},)"
+                                    R"("rbsp_size":{},"nal_ref_idc":{},"nal_unit_type":{},"name":{})"),
+                        unit.place.number, unit.begin(), unit.framing_size, unit.place.size, rbsp_size(unit.place),
+                        ref_idc_of(unit), unit.type(), json_text(name_of(unit.type(), style.long_names)));
+        line += reading == nullptr ? R"(,"valid":null,"fields":null})" : read_members(*reading);
         return line += '\n';
     }
 
@@ -122,7 +122,7 @@ private:
             fields.follows(what);
         const h264::outcome& result = reading.result;
         const bool valid = !result.failure && text_of(result.ending).empty();
-        return fmt::format(",\"valid\":{},\"findings\":{},\"fields\":{}}}", valid, result.finding_count, fields.take());
+        return fmt::format(R"(,"valid":{},"findings":{},"fields":{}}})", valid, result.finding_count, fields.take());
     }
 
     unit_style style;

@@ -6,7 +6,6 @@
 
 namespace {
 
-using orv_h264::encoder_text;
 using orv_utils_v4::h264::user_data_unregistered;
 
 user_data_unregistered user_data(std::string_view text)

@@ -44,6 +44,7 @@ std::vector<std::uint32_t> depths_of(const std::vector<std::optional<std::uint64
 {
     reorder_meter meter;
     std::vector<std::uint32_t> depths;
+    depths.reserve(output_numbers.size());
     for (const auto& number : output_numbers)
         depths.push_back(meter.add(other(number)));
     return depths;

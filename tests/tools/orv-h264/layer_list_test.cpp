@@ -74,6 +74,7 @@ std::string name_of(const layer_summary& layer)
 std::vector<std::string> names_of(const std::vector<layer_summary>& layers)
 {
     std::vector<std::string> names;
+    names.reserve(layers.size());
     for (const layer_summary& layer : layers)
         names.push_back(name_of(layer));
     return names;

@@ -15,7 +15,6 @@ namespace {
 using orv_h264::picture_row;
 using orv_h264::picture_rows;
 using support::bytes;
-using support::coded;
 using support::coded_sps;
 using support::coded_stream;
 using support::rows_of;

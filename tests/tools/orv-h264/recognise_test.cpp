@@ -326,7 +326,7 @@ TEST(Recognise, ATransportStreamHasItsSyncByteInEachPacket)
     EXPECT_EQ("unknown", kind_of(packets(0, 2, 187)));
     const bytes many = packets(0, 20, 187);
     EXPECT_EQ("MPEG transport stream", kind_of(std::span(many).subspan(50))) << "from within a packet";
-    EXPECT_EQ("unknown", kind_of(std::span(many).first(7 * 188).subspan(50)));
+    EXPECT_EQ("unknown", kind_of(std::span(many).first(std::size_t{7} * 188).subspan(50)));
 }
 
 TEST(Recognise, AudioFramesAreKnownByASecondOne)

@@ -164,13 +164,13 @@ TEST(PlaceFinder, GoesBackToTheMarkAndOnFromThere)
     EXPECT_EQ(place_of(0), 50U);
     EXPECT_EQ(place_of(33), 55U);
     place_of.mark();
-    EXPECT_EQ(place_of(8 * 8 + 7), 60U);
+    EXPECT_EQ(place_of(71), 60U);
     EXPECT_EQ(place_of(32), 55U);
-    EXPECT_EQ(place_of(8 * 5), 56U);
-    EXPECT_EQ(place_of(8 * 9), 61U);
-    EXPECT_EQ(place_of(8 * 4), 55U) << "as often as one likes";
+    EXPECT_EQ(place_of(40), 56U);
+    EXPECT_EQ(place_of(72), 61U);
+    EXPECT_EQ(place_of(32), 55U) << "as often as one likes";
     place_of.begin({unit.data(), unit.size(), 0, 0});
-    EXPECT_EQ(place_of(8 * 4), 5U);
+    EXPECT_EQ(place_of(32), 5U);
 }
 
 } // namespace

@@ -9,7 +9,6 @@
 
 namespace {
 
-using orv_h264::picture_row;
 using orv_h264::row_structure;
 using orv_h264::h264::exact_time;
 using orv_h264::h264::time_source;

@@ -22,7 +22,7 @@ std::string json_of(Tell tell, bool positions = false)
     made.open("rbsp", "rbsp");
     tell(made);
     made.close();
-    const std::string text = made.take();
+    std::string text = made.take();
     EXPECT_TRUE(nlohmann::json::accept(text)) << text;
     return text;
 }
