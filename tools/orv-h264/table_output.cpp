@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <vector>
 
+#include <fmt/format.h>
+
 namespace orv_h264 {
 
 namespace {
