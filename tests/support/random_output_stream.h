@@ -131,7 +131,8 @@ private:
         s.sps.pic_height_in_map_units_minus1 = (s.sps.frame_mbs_only_flag ? level.height : level.height / 2) - 1;
         vui_parameters& vui = s.sps.vui_parameters;
         std::int64_t& size = s.model.max_dec_frame_buffering;
-        size = std::min<std::int64_t>(level.MaxDpbMbs / (level.width * level.height), 16);
+        const std::int64_t frame_size = std::int64_t{level.width} * level.height;
+        size = std::min<std::int64_t>(level.MaxDpbMbs / frame_size, 16);
         s.sps.vui_parameters_present_flag = pick(4) != 0;
         vui.bitstream_restriction_flag = s.sps.vui_parameters_present_flag && pick(5) != 0;
         if (vui.bitstream_restriction_flag) {
