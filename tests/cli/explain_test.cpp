@@ -102,6 +102,10 @@ TEST(Explain, LengthPrefixesAndGaps)
     EXPECT_NE(prefix.out.find("What        length prefix of 4 bytes\nUnit        1, "), std::string::npos)
         << prefix.out;
 
+    const std::string recognised = ORV_TEST_STREAMS "/main_bpyramid_weighted.length4";
+    const tool_result untold = run_tool({"explain", recognised, "0"});
+    EXPECT_NE(untold.out.find("What        length prefix of 4 bytes\n"), std::string::npos) << untold.out;
+
     const bytes gap = stream_builder().junk(10).annexb_unit(aud, {0x50});
     const tool_result before = run_tool({"explain", "--format", "annexb", "-", "4"}, {.piped = gap});
     EXPECT_NE(before.out.find("What        gap: bytes before the first start code (10 bytes)\n"), std::string::npos);

@@ -132,7 +132,10 @@ bool is_slice(unsigned type)
 
 class explanation final : public unit_run {
 public:
-    explanation(const explain_options& chosen, const std::string& name) : unit_run(name, false), options(chosen) {}
+    explanation(const explain_options& chosen, const stream_input& from)
+        : unit_run(from.name(), false), options(chosen), framing(from.framing())
+    {
+    }
 
     exit_status print(stream_input& input)
     {
@@ -207,7 +210,7 @@ private:
 
     std::string framing_text(const listed_unit& unit) const
     {
-        if (options.stream.format.value_or(h264::framing::annex_b) != h264::framing::annex_b)
+        if (framing != h264::framing::annex_b)
             return fmt::format("length prefix of {} bytes", unit.framing_size);
         return unit.framing_size == 4 && options.offset == unit.begin() ? "zero_byte before a start code (H.264 B.1)"
                                                                         : "start code (H.264 B.1)";
@@ -358,6 +361,7 @@ private:
     }
 
     const explain_options& options;
+    h264::framing framing;
     json object;
     std::string what; // "" until it is found
     std::optional<element_window> found;
@@ -372,7 +376,7 @@ private:
 exit_status explain(const explain_options& options)
 {
     stream_input input(options.stream);
-    return explanation(options, input.name()).print(input);
+    return explanation(options, input).print(input);
 }
 
 } // namespace orv_h264
