@@ -5,7 +5,7 @@
 #include "input_file.h"
 #include "json_output.h"
 #include "messages.h"
-#include "names.h"
+#include "record_file.h"
 #include "stream_input.h"
 #include "table_output.h"
 #include "trace_lines.h"
@@ -22,18 +22,6 @@
 namespace orv_h264 {
 
 namespace {
-
-// No record is larger: 31, 255 and 255 parameter sets of 65535 bytes each.
-constexpr std::size_t largest_input = std::size_t{40} * 1024 * 1024;
-
-/// The record behind the size and type of a box, or all of the input where there are none.
-std::span<unsigned char> without_box_header(std::span<unsigned char> input)
-{
-    constexpr std::size_t header_size = 8;
-    const std::string_view text(reinterpret_cast<const char*>(input.data()), input.size());
-    const bool is_box = text.size() >= header_size && text.substr(4, 4) == "avcC";
-    return is_box ? input.subspan(header_size) : input;
-}
 
 /// What the lists are called.
 struct list_names {
@@ -57,7 +45,7 @@ public:
           problems(name),
           object(json_head("orv-h264/avcc", name)),
           base(input.data()),
-          record(without_box_header(input)),
+          record(input.last(without_box_header(input).size())),
           units(make_unit_printer(options.format != output_format::text, {}))
     {
     }
@@ -217,8 +205,8 @@ exit_status avcc(const avcc_options& options)
 {
     input_file file(options.path);
     input_window window([&file](unsigned char* out, std::size_t size) { return file.read(out, size); });
-    window.fill(largest_input + 1);
-    if (window.size() > largest_input)
+    window.fill(largest_record + 1);
+    if (window.size() > largest_record)
         throw refusal(exit_usage_or_io, fmt::format("{}: too large for a decoder configuration record", file.name()));
     refuse_streams(file.name(), recognise(window), {window.start(), window.size()});
     return record_view(options, file.name(), {window.start(), window.size()}).run();

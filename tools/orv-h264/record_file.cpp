@@ -1,5 +1,6 @@
 #include "record_file.h"
 
+#include "element_text.h"
 #include "input_file.h"
 #include "input_window.h"
 #include "stream_input.h"
@@ -15,9 +16,7 @@ namespace {
 /// "SequenceParameterSet[1].profile_idc: another than ...".
 std::string describe(const h264::configuration_outcome& result)
 {
-    std::string element = result.element.name();
-    for (unsigned i = 0; i < result.element.depth(); ++i)
-        element += fmt::format("[{}]", result.element.index(i));
+    const std::string element = text_of(result.element);
     return fmt::format("{}{}{}", element, element.empty() ? "" : ": ", h264::text_of(result.why));
 }
 

@@ -14,7 +14,7 @@ namespace orv_h264 {
 namespace h264 = orv_utils_v4::h264;
 
 /// No record is larger: 31 and 255 parameter sets and as many extensions, of 65535 bytes each.
-constexpr std::size_t largest_record = std::size_t{64} * 1024 * 1024;
+constexpr std::size_t largest_record = std::size_t{40} * 1024 * 1024;
 
 /// The record behind the size and type of a box avcC, or all of the input where there are none.
 std::span<const unsigned char> without_box_header(std::span<const unsigned char> input);
