@@ -36,16 +36,13 @@ void unit_run::unit(const h264::split_unit& u)
             complain(&whole, begin_of(u), forbidden_bit, true);
         return take(whole, nullptr);
     }
-    framing_sizes.push_back(u.framing_size);
+    waiting.push_back(whole);
     stream.push(place, *this);
 }
 
 void unit_run::gap(const h264::split_gap& g)
 {
-    if (g.reason == h264::split_gap_reason::too_large) {
-        ++units; // it counts, and the stream must not take it for one that it holds
-        framing_sizes.push_back(0);
-    }
+    units += g.reason == h264::split_gap_reason::too_large ? 1 : 0; // it counts, though the stream does not get it
     if (enough())
         return;
     complain(nullptr, g.offset, describe_with_size(g, most_bytes), true);
@@ -54,8 +51,8 @@ void unit_run::gap(const h264::split_gap& g)
 
 h264::visitor* unit_run::before(const h264::unit_place& place)
 {
-    for (; first_waiting < place.number; ++first_waiting)
-        framing_sizes.pop_front();
+    while (waiting.front().place.number < place.number)
+        waiting.pop_front();
     return enough() ? nullptr : before(listed(place));
 }
 
@@ -64,13 +61,15 @@ void unit_run::take(const h264::unit_reading& reading)
     if (enough())
         return;
     const listed_unit unit = listed(reading.place);
+    waiting.pop_front();
     complain_of(unit, reading.result);
     take(unit, &reading);
 }
 
+/// The stream hands units on in their order. Its bytes may lie elsewhere by then.
 listed_unit unit_run::listed(const h264::unit_place& place) const
 {
-    return {place, framing_sizes[place.number - first_waiting]};
+    return {place, waiting.front().framing_size};
 }
 
 void unit_run::complain_of(const listed_unit& unit, const h264::outcome& result)

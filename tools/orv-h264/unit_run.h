@@ -59,9 +59,8 @@ private:
     complaints problems;
     h264::stream stream;
     std::uint64_t most_bytes = 0;
-    std::uint64_t units = 0;            // all that there are
-    std::deque<unsigned> framing_sizes; // of those that the stream has not handed on, the latest last
-    std::uint64_t first_waiting = 0;    // its number
+    std::uint64_t units = 0;         // all that there are
+    std::deque<listed_unit> waiting; // that the stream has not handed on
 };
 
 } // namespace orv_h264
