@@ -2,7 +2,7 @@
 
 _orv_h264()
 {
-    local subcommands="info inspect explain frames convert avcc help"
+    local subcommands="info inspect explain frames report convert avcc help"
     local framings="annexb length1 length2 length3 length4"
     local help="-h --help"
     local current=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD-1]} subcommand=${COMP_WORDS[1]} options
@@ -25,6 +25,7 @@ _orv_h264()
     inspect) options="--format --max-unit --nals --limit --only --positions --long-names --json --csv --tsv" ;;
     explain) options="--format --max-unit --json --csv --tsv" ;;
     frames) options="--format --max-unit --fields --split-fields --output-order --limit --json --csv --tsv" ;;
+    report) options="--format --max-unit -o --output" ;;
     convert) options="--format --max-unit --to --avcc --parameter-sets" ;;
     avcc) options="--json --csv --tsv" ;;
     help) options="" ;;
