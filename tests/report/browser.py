@@ -19,12 +19,15 @@ FLAGS = ["--headless", "--no-sandbox", "--disable-gpu", "--disable-quic", "--no-
          "--disable-component-update", "--disable-sync", "--disable-dev-shm-usage", "--force-device-scale-factor=1"]
 
 
+def is_there():
+    return all(shutil.which(program) for program in ("chromium", "chromedriver"))
+
+
 def require():
     """Ends the program as a skipped test where there is no browser."""
-    for program in ("chromium", "chromedriver"):
-        if not shutil.which(program):
-            print(f"skipped: there is no {program} here; script/bootstrap test installs it")
-            sys.exit(SKIPPED)
+    if not is_there():
+        print("skipped: there is no chromium with its chromedriver here; script/bootstrap test installs them")
+        sys.exit(SKIPPED)
 
 
 class Browser:

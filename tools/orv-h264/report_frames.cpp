@@ -32,6 +32,11 @@ std::optional<std::int64_t> in_parts(h264::exact_time time, std::int64_t scale)
     return time.numerator * factor;
 }
 
+json seconds_or_null(h264::exact_time time)
+{
+    return time ? json(static_cast<double>(time.numerator) / static_cast<double>(time.denominator)) : json();
+}
+
 std::int64_t common_multiple(std::int64_t a, std::int64_t b)
 {
     const std::int64_t part = b / std::gcd(a, b);
@@ -119,6 +124,9 @@ void time_columns::add(const picture_row& row)
     const std::int64_t pace = std::abs(dts_step) < most_ticks / 64 ? dts_step : 0;
     presentation.add_optional(shown ? std::optional(*shown - pts - steps * pace) : shown);
     pts = shown.value_or(pts);
+    if ((row.dts && !now) || (row.pts && !shown))
+        if (rounded.size() < most_rounded)
+            rounded.push_back({row.number, seconds_or_null(row.dts), seconds_or_null(row.pts)});
     output_number = place;
 }
 
@@ -200,6 +208,7 @@ json report_frames::take()
                     {"frame_num", frame_nums.text()}, {"poc", pocs.text()}};
     times.write(columns);
     return {{"columns", std::move(columns)},
+            {"rounded_times", times.rounded_times()},
             {"kinds", kind_list.values()},
             {"units", unit_lists.values()},
             {"layers", layer_lists.values()}};

@@ -32,11 +32,16 @@ private:
     std::vector<std::string_view> order;
 };
 
-/// Times as whole numbers of parts of a second, so many that both times of a row are whole.
+/// Times as whole numbers of parts of a second, so many that both times of a row are whole. Those for which a script
+/// has no such numbers are kept apart, rounded.
 class time_columns {
 public:
+    /// The most rows whose times are rounded; those of further ones are not told.
+    static constexpr std::size_t most_rounded = 4096;
+
     void add(const picture_row& row);
     void write(json& columns);
+    const json& rounded_times() const noexcept { return rounded; }
     std::size_t size() const noexcept { return scales.size() + decoding.size() + presentation.size(); }
 
 private:
@@ -51,6 +56,7 @@ private:
     std::int64_t dts_step = 0;
     std::int64_t pts = 0;
     std::int64_t output_number = 0;
+    json rounded = json::array(); // [row, decoding time, presentation time], in seconds
 };
 
 class report_frames {

@@ -122,6 +122,7 @@ function decode_frames(data) {
         return number;
     });
     decode_times(frames);
+    frames.rounded_times = new Map(data.frames.rounded_times.map(([row, dts, pts]) => [row, { dts, pts }]));
     frames.type = Uint8Array.from(frames.kind, kind => frames.kinds[kind].type);
     frames.key = Uint8Array.from(frames.recovery, (count, i) => !Number.isNaN(count) || frames.kinds[frames.kind[i]].idr ? 1 : 0);
     return frames;
@@ -140,6 +141,12 @@ function fraction(numerator, denominator) {
     return { numerator: numerator / divisor, denominator: denominator / divisor, value: numerator / denominator };
 }
 
+/// A time of a frame; without a numerator where a script has no number that is exact.
+function time_of(frames, i, name) {
+    const rounded = frames.rounded_times.get(i)?.[name] ?? null;
+    return rounded === null ? fraction(frames[name][i], frames.scale[i]) : { numerator: null, denominator: null, value: rounded };
+}
+
 /// All that is told of a frame, with the names that `orv-h264 frames --json` has for it.
 function frame_at(frames, i) {
     const kind = frames.kinds[frames.kind[i]];
@@ -149,8 +156,8 @@ function frame_at(frames, i) {
         size: frames.size[i], unit_bytes: frames.unit_bytes[i], padding: frames.padding[i], filler: frames.filler[i],
         key: frames.key[i] === 1, idr: kind.idr, recovery_frame_cnt: number(frames.recovery[i]),
         slice_types: kind.slice_types, structure: kind.structure, frame_num: number(frames.frame_num[i]),
-        poc: number(frames.poc[i]), nal_ref_idc: kind.nal_ref_idc, pts: fraction(frames.pts[i], frames.scale[i]),
-        dts: fraction(frames.dts[i], frames.scale[i]), time_source: kind.time_source, field_duration: kind.field_duration,
+        poc: number(frames.poc[i]), nal_ref_idc: kind.nal_ref_idc, pts: time_of(frames, i, "pts"),
+        dts: time_of(frames, i, "dts"), time_source: kind.time_source, field_duration: kind.field_duration,
         duration: kind.duration ? fraction(...kind.duration) : null, pic_struct: kind.pic_struct, sps_id: kind.sps_id,
         pps_id: kind.pps_id, layers: kind.layers, coded_pictures: kind.coded_pictures,
         nal_unit_types: kind.units.flatMap(([type, count]) => new Array(count).fill(type)), cut: kind.cut, last: kind.last,
