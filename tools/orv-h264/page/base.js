@@ -62,7 +62,8 @@ function time_text(seconds) {
     const milliseconds = Math.round(Math.abs(seconds) * 1000);
     const pad = (number, width) => String(number).padStart(width, "0");
     const minutes = Math.floor(milliseconds / 60000);
-    const rest = `${pad(Math.floor(milliseconds / 1000) % 60, 2)}.${pad(milliseconds % 1000, 3)}`;
+    const part = milliseconds % 1000;
+    const rest = pad(Math.floor(milliseconds / 1000) % 60, 2) + (part === 0 ? "" : `.${pad(part, 3)}`);
     return sign + (minutes < 60 ? `${minutes}:${rest}` : `${Math.floor(minutes / 60)}:${pad(minutes % 60, 2)}:${rest}`);
 }
 
@@ -82,7 +83,7 @@ function plural(count, one, many = one + "s") {
 function make_table(caption, columns, rows) {
     const cell = (column, row) => {
         const attributes = { class: column.number ? "number" : column.class };
-        return column.first ? make("th", { scope: "row", ...attributes }, column.text(row))
+        return column.first ? make("th", { scope: "row", class: "name", ...(column.number ? attributes : {}) }, column.text(row))
             : make("td", attributes, column.text(row));
     };
     return make("div", { class: "table-frame", tabindex: 0, role: "region", "aria-label": caption },

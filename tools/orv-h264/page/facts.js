@@ -86,7 +86,6 @@ function stream_facts(data) {
         ["Padding", frames.padding > 0 ? `${count_text(frames.padding)} bytes` : null],
         ["Filler", frames.filler > 0 ? `${count_text(frames.filler)} bytes` : null],
         ["Encoder", info.encoder],
-        ["Encoder settings", info.encoder_settings],
     ];
 }
 
@@ -139,6 +138,8 @@ function show_facts(data) {
     if (tables.length > 3)
         by_id("facts").append(make_details(plural(tables.length - 3, "further sequence"),
             make("div", { class: "fact-tables" }, tables.slice(3))));
+    if (info.encoder_settings !== null)
+        by_id("facts").append(make_details("Encoder settings", make("p", { class: "settings" }, info.encoder_settings)));
     if (info.further_sequences > 0)
         by_id("facts").append(make("p", { class: "note" }, `${plural(info.further_sequences, "further sequence")} not shown.`));
 }

@@ -30,7 +30,7 @@ function frame_facts(data, frames, number, marks) {
     const time = fraction => fraction === null ? "not told" : `${time_text(fraction.value)}`;
     const fields = kind.told ? plural(frame.field_duration, "field") : "–";
     return [
-        ["Frame", `${count_text(number)} of ${count_text(frames.count)}, from 0`],
+        ["Frame", `${count_text(number)} (of 0 to ${count_text(frames.count - 1)})`],
         ["Output", frame.output_number === null ? "not output" : count_text(frame.output_number)],
         ["Type", frame.slice_types.join(", ") || "–"],
         ["Key", key_text(frame)],
@@ -76,8 +76,8 @@ class frame_panel {
             BEHIND_TO_FRONT.filter(type => types.has(type)).map(type =>
                 legend_entry(TYPE_COLOURS[type], type === TYPE_NONE ? "no slice header" : `${TYPE_NAMES[type]} frames`)),
             make("li", {}, make("span", { class: "mark", "aria-hidden": "true" }, "▲"), "key frame"),
-            make("li", {}, make("span", { class: "line-solid", "aria-hidden": "true" }), "mean"),
-            make("li", {}, make("span", { class: "line-dotted", "aria-hidden": "true" }), "least"));
+            make("li", {}, make("span", { class: "line-solid", "aria-hidden": "true" }), "mean, from afar"),
+            make("li", {}, make("span", { class: "line-dotted", "aria-hidden": "true" }), "least, from afar"));
         const choices = this.frames ? make_choices("Order", { decoding: "decoding", output: "output" }, "decoding", value => this.set_order(value)) : null;
         return make("div", { class: "plot-head" }, choices, this.frames ? this.finder() : null, legend);
     }

@@ -154,6 +154,7 @@ class size_drawing {
         const text = theme.colour("text");
         context.font = `${11 * ratio}px system-ui, sans-serif`;
         context.textAlign = "center";
+        context.textBaseline = "bottom";
         const fence = Math.min(this.source.count, Math.ceil(plot.view[1] + 0.5));
         for (let place = Math.max(0, Math.floor(plot.view[0])); place < fence; ++place) {
             const frame = this.source.frame_of(place);
@@ -163,7 +164,7 @@ class size_drawing {
             context.fillRect(middle - this.each / 2 + gap / 2, y, this.each - gap, base - y);
             if (this.each >= 13 * ratio) {
                 context.fillStyle = text;
-                context.fillText(type[frame] === TYPE_NONE ? "–" : TYPE_NAMES[type[frame]], middle, y - 4 * ratio);
+                context.fillText(type[frame] === TYPE_NONE ? "–" : TYPE_NAMES[type[frame]], middle, y - 1 * ratio);
             }
         }
     }

@@ -6,7 +6,10 @@ const TYPE_NAMES = ["I", "P", "B", "none"];
 
 /// The numbers of a column: seven bits a byte, the lowest first; behind two equal ones how many further ones follow.
 function decode_column(text, count) {
-    const bytes = Uint8Array.from(atob(text), c => c.charCodeAt(0));
+    const plain = atob(text);
+    const bytes = new Uint8Array(plain.length);
+    for (let i = 0; i < plain.length; ++i)
+        bytes[i] = plain.charCodeAt(i);
     const numbers = new Float64Array(count);
     let at = 0;
     const next = () => {
@@ -123,8 +126,13 @@ function decode_frames(data) {
     });
     decode_times(frames);
     frames.rounded_times = new Map(data.frames.rounded_times.map(([row, dts, pts]) => [row, { dts, pts }]));
-    frames.type = Uint8Array.from(frames.kind, kind => frames.kinds[kind].type);
-    frames.key = Uint8Array.from(frames.recovery, (count, i) => !Number.isNaN(count) || frames.kinds[frames.kind[i]].idr ? 1 : 0);
+    frames.type = new Uint8Array(count);
+    frames.key = new Uint8Array(count);
+    for (let i = 0; i < count; ++i) {
+        const kind = frames.kinds[frames.kind[i]];
+        frames.type[i] = kind.type;
+        frames.key[i] = kind.idr || !Number.isNaN(frames.recovery[i]) ? 1 : 0;
+    }
     return frames;
 }
 

@@ -49,7 +49,7 @@ class wide_plot {
         });
         const texts = of => (plot, splits) => splits.map(split => of(split));
         return new uPlot({
-            width: this.width(), height: this.height, legend: { show: false }, padding: [8, 8, 0, 0],
+            width: this.width(), height: this.height, legend: { show: false }, padding: [8, 30, 0, 0],
             scales: { x: { time: false, auto: false, min: this.from, max: this.to }, y: { auto: false, min: 0, max: 1 } },
             axes: [{ ...axis(34, texts(this.x_text)), space: 80 }, { ...axis(76, texts(this.y_text)), space: 36 }],
             series: [{}, { paths: () => null, points: { show: false } }],

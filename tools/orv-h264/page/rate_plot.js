@@ -117,6 +117,7 @@ class step_plot {
             show: (x, by_key) => this.show(x, by_key),
             move: (x, key) => this.move(x, key),
         });
+        this.show(this.steps.starts[0], false);
     }
 
     set_steps(steps) {
@@ -179,6 +180,7 @@ class step_plot {
         const ratio = devicePixelRatio;
         context.font = `${11 * ratio}px system-ui, sans-serif`;
         context.textAlign = "right";
+        context.textBaseline = "bottom";
         let right = left + width - 6 * ratio;
         for (const { value, name, dash } of this.lines) {
             const y = Math.round(y_of(value));
@@ -193,9 +195,9 @@ class step_plot {
             const text_width = context.measureText(name).width;
             context.lineWidth = 3 * ratio;
             context.strokeStyle = theme.colour("halo");
-            context.strokeText(name, right, y - 4 * ratio);
+            context.strokeText(name, right, y - 2 * ratio);
             context.fillStyle = theme.colour("text");
-            context.fillText(name, right, y - 4 * ratio);
+            context.fillText(name, right, y - 2 * ratio);
             right -= text_width + 14 * ratio;
         }
     }

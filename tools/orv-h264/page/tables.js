@@ -60,7 +60,7 @@ function show_shares(data) {
     const looks = { I: "type-i", SI: "type-i", P: "type-p", SP: "type-p", B: "type-b" };
     body.append(make("div", { class: "side-by-side" },
         make_table("By NAL unit type, framing included", [
-            { head: "Type", text: row => `${row.nal_unit_type} ${row.name}`, first: true }, ...columns(info.size)], rows),
+            { head: "Type", text: row => `${row.nal_unit_type} ${row.name.replace(/, \w+\(\)$/, "")}`, first: true }, ...columns(info.size)], rows),
         data.slices.length === 0 ? null : make_table("By slice type, primary slices without framing", [
             { head: "Slices", text: row => row.type, first: true }, ...columns(slices)], data.slices.map(s => ({ ...s, look: looks[s.type] })))));
 }

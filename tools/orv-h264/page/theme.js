@@ -16,14 +16,18 @@ const theme = {
         const dark = this.dark && !this.printing;
         document.documentElement.dataset.theme = dark ? "dark" : "light";
         by_id("theme").textContent = this.dark ? "Light colours" : "Dark colours";
-        this.patterns = new Map();
+        this.patterns.clear();
+        this.colours.clear();
         for (const listener of this.listeners)
             listener();
     },
-    /// A colour of the style sheet by its name.
+    /// A colour of the style sheet by its name. Asking the style sheet takes longer than drawing does.
     colour(name) {
-        return getComputedStyle(document.documentElement).getPropertyValue(`--${name}`).trim();
+        if (!this.colours.has(name))
+            this.colours.set(name, getComputedStyle(document.documentElement).getPropertyValue(`--${name}`).trim());
+        return this.colours.get(name);
     },
+    colours: new Map(),
     patterns: new Map(),
 
     /// What frames of a type are filled with where there is room for a pattern: I plain, P hatched, B dotted.
