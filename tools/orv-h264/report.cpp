@@ -33,7 +33,7 @@ exit_status report(const report_options& options)
     output_file page(options.out);
     report_content content(input);
     const bool any = input.read_units(content);
-    content.finish(input.bytes_read());
+    content.finish(input);
     problem_list& problems = content.survey.summary.problems;
     if (!any)
         problems.add(input.bytes_read(), describe_no_unit(input.bytes_read()));

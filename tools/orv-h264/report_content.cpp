@@ -60,10 +60,17 @@ void report_content::gap(const h264::split_gap& gap)
     units.sink().gap(gap);
 }
 
-void report_content::finish(std::uint64_t end)
+void report_content::finish(const stream_input& input)
 {
-    survey.finish(end);
+    survey.finish(input.bytes_read());
     units.finish();
+    const container_stream* const container_of = input.in_container();
+    if (container_of == nullptr)
+        return;
+    survey.summary.problems.add(container_of->problems);
+    survey.summary.findings.add(container_of->findings);
+    for (const container_remark& remark : container_of->remarks())
+        add_place({remark.offset, remark.text, 0, !remark.is_problem}, nullptr);
 }
 
 void report_content::row(picture_row&& row)

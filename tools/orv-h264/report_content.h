@@ -26,13 +26,16 @@ public:
     /// Of problems so many are told one by one, and of findings.
     static constexpr std::size_t most_places = 500;
 
-    explicit report_content(const stream_input& input) : survey(input.framing(), input.max_unit(), this), units(input)
+    explicit report_content(const stream_input& input)
+        : survey(input.framing(), input.max_unit(), &input.packets(), this), units(input)
     {
+        survey.begin_with(input.record_sets());
     }
 
     void unit(const h264::split_unit& unit) override;
     void gap(const h264::split_gap& gap) override;
-    void finish(std::uint64_t end);
+    /// The stream has ended.
+    void finish(const stream_input& input);
 
     /// All of it, for the page; at the end.
     json page_data(const stream_input& input);

@@ -45,11 +45,9 @@ void for_payload_types(const unsigned char* at, const unsigned char* fence, Take
 json place_of(const listed_unit& unit)
 {
     const unsigned type = unit.type();
-    return {{"nal_unit_type", type},
-            {"name", short_unit_name(static_cast<brenik::h264_nal_unit_type>(type))},
-            {"unit", unit.place.number},
-            {"offset", unit.begin()},
-            {"size", unit.place.size}};
+    return {{"nal_unit_type", type},       {"name", short_unit_name(static_cast<brenik::h264_nal_unit_type>(type))},
+            {"unit", unit.place.number},   {"offset", unit.shown()},
+            {"in_record", unit.in_record}, {"size", unit.place.size}};
 }
 
 } // namespace

@@ -20,7 +20,8 @@ public:
     /// The most bytes of JSON that are made.
     static constexpr std::size_t most_bytes = std::size_t{192} * 1024;
 
-    explicit report_units(const stream_input& input) : unit_run(input.name(), false) {}
+    /// The parameter sets that hold before the first unit are of the stream too.
+    explicit report_units(const stream_input& input) : unit_run(input.name(), false) { begin_units(input); }
 
     h264::split_sink& sink() { return units_in(); }
     void finish() { end_units(); }

@@ -21,12 +21,12 @@ _orv_h264()
         return
     fi
     case $subcommand in
-    info) options="--format --max-unit --json --csv --tsv" ;;
-    inspect) options="--format --max-unit --nals --limit --only --positions --long-names --json --csv --tsv" ;;
-    explain) options="--format --max-unit --json --csv --tsv" ;;
-    frames) options="--format --max-unit --fields --split-fields --output-order --limit --json --csv --tsv" ;;
-    report) options="--format --max-unit -o --output" ;;
-    convert) options="--format --max-unit --to --avcc --parameter-sets" ;;
+    info) options="--format --track --max-unit --json --csv --tsv" ;;
+    inspect) options="--format --track --max-unit --nals --limit --only --positions --long-names --json --csv --tsv" ;;
+    explain) options="--format --track --max-unit --json --csv --tsv" ;;
+    frames) options="--format --track --max-unit --fields --split-fields --output-order --limit --json --csv --tsv" ;;
+    report) options="--format --track --max-unit -o --output" ;;
+    convert) options="--format --track --max-unit --to --avcc --parameter-sets" ;;
     avcc) options="--json --csv --tsv" ;;
     help) options="" ;;
     *) return ;;
@@ -40,7 +40,7 @@ _orv_h264()
         [[ " $options " != *" $before "* ]] || mapfile -t COMPREPLY < <(compgen -W "$framings" -- "$current")
         return
         ;;
-    --limit | --max-unit | --only) return ;;
+    --limit | --max-unit | --only | --track) return ;;
     esac
     if [[ $current == -* ]]; then
         mapfile -t COMPREPLY < <(compgen -W "$help $options" -- "$current")

@@ -86,7 +86,7 @@ function set_title(set) {
     const id = set.rows.find(([, name]) => name === "seq_parameter_set_id" || name === "pic_parameter_set_id");
     const times = set.count > 1 ? `, ${count_text(set.count)} times` : "";
     const own = set.name.includes("PPS") ? set.rows.find(([, name]) => name === "pic_parameter_set_id") : id;
-    return `${set.name}${own ? ` ${own[2]}` : ""}: ${count_text(set.size)} bytes, first at byte ${count_text(set.offset)}${times}`;
+    return `${set.name}${own ? ` ${own[2]}` : ""}: ${count_text(set.size)} bytes, ${set.in_record ? "in the record" : `first at byte ${count_text(set.offset)}`}${times}`;
 }
 
 function show_sets(data) {
