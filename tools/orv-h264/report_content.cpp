@@ -1,10 +1,13 @@
 #include "report_content.h"
 
+#include "container/show_container.h"
 #include "names.h"
 #include "show_info.h"
 #include "show_rows.h"
 
 #include <utility>
+
+#include <fmt/format.h>
 
 namespace orv_h264 {
 
@@ -29,10 +32,10 @@ json references_json(const stream_summary& summary)
     return list;
 }
 
-json container_json(const std::vector<container_check>& checks)
+json container_json(const std::vector<container_comparison>& checks)
 {
     json list = json::array();
-    for (const container_check& check : checks)
+    for (const container_comparison& check : checks)
         list.push_back(
             {{"what", check.what}, {"container", check.container}, {"stream", check.stream}, {"agrees", check.agrees}});
     return list;
@@ -47,6 +50,16 @@ json unit_names()
 }
 
 } // namespace
+
+report_content::report_content(const stream_input& input)
+    : survey(input.framing(), input.max_unit(), &input.packets(), this), units(input)
+{
+    survey.begin_with(input.record_sets());
+    if (const container_stream* const from = input.in_container()) {
+        survey.summary.container.emplace(from->track().tick);
+        frames.expect_packets(from->track().tick);
+    }
+}
 
 void report_content::unit(const h264::split_unit& unit)
 {
@@ -64,13 +77,30 @@ void report_content::finish(const stream_input& input)
 {
     survey.finish(input.bytes_read());
     units.finish();
-    const container_stream* const container_of = input.in_container();
-    if (container_of == nullptr)
-        return;
-    survey.summary.problems.add(container_of->problems);
-    survey.summary.findings.add(container_of->findings);
-    for (const container_remark& remark : container_of->remarks())
+    if (const container_stream* const from = input.in_container())
+        finish_container(*from);
+}
+
+void report_content::finish_container(const container_stream& from)
+{
+    stream_summary& summary = survey.summary;
+    container_check& times = *summary.container;
+    times.finish();
+    summary.problems.add(from.problems);
+    summary.findings.add(from.findings);
+    summary.findings.add(times.findings());
+    for (const container_remark& remark : from.remarks())
         add_place({remark.offset, remark.text, 0, !remark.is_problem}, nullptr);
+    container.push_back({"Pictures", fmt::format("{} packets that pictures begin in", times.packets()),
+                         fmt::format("{}", summary.frames.pictures()), times.packets() == summary.frames.pictures()});
+    if (times.keys())
+        container.push_back({"Key frames", fmt::format("{} marked", *times.keys()),
+                             fmt::format("{}", summary.frames.key_frames()),
+                             *times.keys() == summary.frames.key_frames()});
+    for (const problem_kind& kind : times.findings().kinds()) {
+        container.push_back({"Finding", describe(kind), "", false});
+        add_place({kind.first_offset, describe_without_offset(kind), 0, true}, nullptr);
+    }
 }
 
 void report_content::row(picture_row&& row)
@@ -107,6 +137,12 @@ json report_content::page_data(const stream_input& input)
     data["problems"] = problem_places;
     data["findings"] = finding_places;
     data["container"] = container_json(container);
+    data["container_facts"] = json::array();
+    if (const container_stream* const from = input.in_container()) {
+        data["container_facts"].push_back({"Container", text_of(*from)});
+        for (const auto& [name, text] : lines_of(*from, *survey.summary.container))
+            data["container_facts"].push_back({name, text});
+    }
     data["parameter_sets"] = units.parameter_sets();
     data["further_parameter_sets"] = units.further_sets();
     data["messages"] = units.messages();

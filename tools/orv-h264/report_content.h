@@ -14,7 +14,7 @@
 namespace orv_h264 {
 
 /// Something that the container of a stream says of it, beside what the stream says.
-struct container_check {
+struct container_comparison {
     std::string what; ///< "picture size", for one
     std::string container;
     std::string stream;
@@ -26,11 +26,7 @@ public:
     /// Of problems so many are told one by one, and of findings.
     static constexpr std::size_t most_places = 500;
 
-    explicit report_content(const stream_input& input)
-        : survey(input.framing(), input.max_unit(), &input.packets(), this), units(input)
-    {
-        survey.begin_with(input.record_sets());
-    }
+    explicit report_content(const stream_input& input);
 
     void unit(const h264::split_unit& unit) override;
     void gap(const h264::split_gap& gap) override;
@@ -41,12 +37,13 @@ public:
     json page_data(const stream_input& input);
 
     stream_survey survey;
-    std::vector<container_check> container; ///< the page has a section of these where there are any
+    std::vector<container_comparison> container; ///< the page has a section of these where there are any
 
 private:
     void row(picture_row&& row) override;
     void problem(const row_problem& problem) override { add_place(problem, nullptr); }
     void add_place(const row_problem& problem, const json& frame);
+    void finish_container(const container_stream& from);
 
     report_frames frames;
     report_aggregates aggregates;

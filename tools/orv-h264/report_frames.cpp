@@ -2,6 +2,7 @@
 
 #include "show_rows.h"
 
+#include <algorithm>
 #include <limits>
 #include <numeric>
 #include <utility>
@@ -143,6 +144,38 @@ void time_columns::write(json& columns)
     columns["pts"] = presentation.text();
 }
 
+void packet_columns::tick_column::add(std::optional<std::int64_t> ticks)
+{
+    const bool exact = ticks && *ticks <= most_ticks && *ticks >= -most_ticks;
+    numbers.add_optional(exact ? std::optional(*ticks - last - step) : std::nullopt);
+    if (exact) {
+        step = *ticks - last;
+        last = *ticks;
+    }
+}
+
+void packet_columns::add(const std::optional<logged_packet>& packet)
+{
+    const std::int64_t number = packet ? signed_of(packet->number) : 0;
+    numbers.add_optional(packet ? std::optional(number - last_number - 1) : std::nullopt);
+    if (!packet) // the others have no entry then
+        return;
+    last_number = number;
+    keys.add(!packet->key ? 0U : *packet->key ? 2U : 1U);
+    dts.add(packet->dts);
+    pts.add(packet->pts);
+    durations.add(static_cast<std::uint64_t>(std::clamp<std::int64_t>(packet->duration, 0, most_ticks)));
+}
+
+void packet_columns::write(json& columns)
+{
+    columns["packet"] = numbers.text();
+    columns["container_key"] = keys.text();
+    columns["container_dts"] = dts.numbers.text();
+    columns["container_pts"] = pts.numbers.text();
+    columns["container_duration"] = durations.text();
+}
+
 void report_frames::add(const picture_row& row)
 {
     if (++count > most_rows)
@@ -171,6 +204,8 @@ void report_frames::add(const picture_row& row)
     last_poc = row.poc.value_or(expected_poc);
     last_output = place;
     times.add(row);
+    if (packets)
+        packets->add(row.packet);
 }
 
 // page/frames.js has the members in the same order.
@@ -192,6 +227,7 @@ bool report_frames::has_room() const
     constexpr std::size_t around = std::size_t{420} * 1024;
     constexpr std::size_t least = std::size_t{3} * 512 * 1024;
     std::size_t bytes = times.size() + unit_lists.size() + layer_lists.size() + kind_list.size();
+    bytes += packets ? packets->size() : 0;
     for (const number_column* column : {&kinds, &pictures, &output_numbers, &offsets, &sizes, &gaps, &paddings,
                                         &fillers, &recovery, &frame_nums, &pocs})
         bytes += column->size();
@@ -207,7 +243,10 @@ json report_frames::take()
                     {"padding", paddings.text()},     {"filler", fillers.text()},   {"recovery", recovery.text()},
                     {"frame_num", frame_nums.text()}, {"poc", pocs.text()}};
     times.write(columns);
-    return {{"columns", std::move(columns)},
+    if (packets)
+        packets->write(columns);
+    return {{"tick", packets ? packets->tick_json() : json()},
+            {"columns", std::move(columns)},
             {"rounded_times", times.rounded_times()},
             {"kinds", kind_list.values()},
             {"units", unit_lists.values()},

@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -59,11 +60,43 @@ private:
     json rounded = json::array(); // [row, decoding time, presentation time], in seconds
 };
 
+/// What the packets of a container say, in its ticks.
+class packet_columns {
+public:
+    explicit packet_columns(container_ratio seconds_a_tick) : tick(seconds_a_tick) {}
+
+    void add(const std::optional<logged_packet>& packet);
+    void write(json& columns);
+    json tick_json() const { return {tick.numerator, tick.denominator}; }
+    std::size_t size() const noexcept
+    {
+        return numbers.size() + keys.size() + dts.size() + pts.size() + durations.size();
+    }
+
+private:
+    /// Ticks that go on as they did.
+    struct tick_column {
+        number_column numbers;
+        std::int64_t last = 0;
+        std::int64_t step = 0;
+
+        void add(std::optional<std::int64_t> ticks);
+        std::size_t size() const noexcept { return numbers.size(); }
+    };
+
+    container_ratio tick;
+    number_column numbers, keys, durations;
+    tick_column dts, pts;
+    std::int64_t last_number = -1;
+};
+
 class report_frames {
 public:
     /// Of a stream with more rows none is kept.
     static constexpr std::uint64_t most_rows = 1'000'000;
 
+    /// Rows have packets of a container; to be told before the first one.
+    void expect_packets(container_ratio seconds_a_tick) { packets.emplace(seconds_a_tick); }
     void add(const picture_row& row);
     /// Null where they are too many, or too unlike for the room of a page.
     json take();
@@ -75,6 +108,7 @@ private:
     std::uint64_t count = 0;
     number_column kinds, pictures, output_numbers, offsets, sizes, gaps, paddings, fillers, recovery, frame_nums, pocs;
     time_columns times;
+    std::optional<packet_columns> packets;
     // Where the row before ends with its padding, and what it has.
     std::uint64_t next_offset = 0;
     std::int64_t last_output = 0;

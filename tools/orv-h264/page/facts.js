@@ -72,7 +72,7 @@ function stream_facts(data) {
     return [
         ["File", info.file],
         ["Framing", info.framing + (data.framing_recognised ? ", recognised" : "")],
-        ["Size", `${count_text(info.size)} bytes`],
+        ["Size", `${count_text(info.size)} bytes` + (info.container ? " of the track" : "")],
         ["Duration", frames.seconds === null ? null : time_text(frames.seconds) + timed],
         ["Bit rate", frames.mean_bit_rate === null ? null : `mean ${rate_text(frames.mean_bit_rate)}${padding}` +
             (frames.peak_bit_rate === null ? "" : `, peak ${rate_text(frames.peak_bit_rate)}`)],
@@ -192,13 +192,16 @@ function show_wrong(data, show_frame) {
 
 /// What the container says beside the stream; no section where there is none.
 function show_container(data) {
-    if (data.container.length === 0)
+    if (data.container.length + data.container_facts.length === 0)
         return;
     by_id("container").hidden = false;
-    by_id("container-body").append(make_table("What the container says, and what the stream says", [
+    if (data.container_facts.length > 0)
+        by_id("container-body").append(fact_table("The container", data.container_facts));
+    if (data.container.length > 0)
+        by_id("container-body").append(make_table("What the container says, and what the stream says", [
         { head: "What", text: check => check.what, first: true },
         { head: "Container", text: check => check.container, class: "text" },
         { head: "Stream", text: check => check.stream, class: "text" },
-        { head: "", text: check => check.agrees ? "✓ agrees" : "✗ differs" },
+        { head: "", text: check => check.agrees ? "✓ agrees" : "✗ differs", class: "whole" },
     ], data.container));
 }

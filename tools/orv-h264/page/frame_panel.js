@@ -22,6 +22,19 @@ function key_text(frame) {
     return frame.recovery_frame_cnt === null ? "no" : `recovery point, ${plural(frame.recovery_frame_cnt, "frame")} later`;
 }
 
+/// What the container says of the frame.
+function container_facts(frame) {
+    if (frame.packet === undefined)
+        return [];
+    if (frame.packet === null)
+        return [["Packet", "begins in none of its own"]];
+    const time = fraction => fraction === null ? "not told" : time_text(Number(fraction.value.toFixed(6)));
+    return [
+        ["Packet", `${count_text(frame.packet)}${frame.container_key === null ? "" : frame.container_key ? ", marked as key" : ", not marked as key"}`],
+        ["Container shows it at", time(frame.container_pts)], ["Container decodes it at", time(frame.container_dts)],
+    ];
+}
+
 /// Name and text of what a frame is.
 function frame_facts(data, frames, number, marks) {
     const frame = frame_at(frames, number);
@@ -46,6 +59,7 @@ function frame_facts(data, frames, number, marks) {
         ["Shown for", frame.duration === null ? fields : `${time(frame.duration)}, ${fields}`],
         ["Time from", kind.told ? frame.time_source.replace("_", " ") : "–"],
         ["Parameter sets", kind.told ? `SPS ${frame.sps_id ?? "–"}, PPS ${frame.pps_id ?? "–"}` : "–"],
+        ...container_facts(frame),
         ["Layers", frame.layers.length > 0 ? frame.layers.slice(0, 16).map(layer_text).join(", ") : null],
         ["Units", kind.told ? units_text(frame, data.unit_names) : "not kept: the stream has too many different lists"],
         ["State", [frame.cut ? "cut: longer than is kept" : "", ...(marks.get(number) ?? [])].filter(Boolean).join("; ") || null],

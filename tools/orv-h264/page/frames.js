@@ -87,6 +87,47 @@ function decode_times(frames) {
     }
 }
 
+/// What the packets of a container say, in its ticks; only frames that begin in one have an entry.
+function decode_packets({ columns, tick }, frames) {
+    if (tick === null)
+        return;
+    frames.tick = tick;
+    let last = -1, count = 0;
+    frames.packet = each_in_turn(decode_column(columns.packet, frames.count), n => optional(n, rest => last = rest + last + 1));
+    for (let i = 0; i < frames.count; ++i)
+        count += Number.isNaN(frames.packet[i]) ? 0 : 1;
+    const spread = numbers => {
+        let next = 0;
+        return Float64Array.from(frames.packet, packet => Number.isNaN(packet) ? NaN : numbers[next++]);
+    };
+    const ticks = name => {
+        let before = 0, step = 0;
+        return spread(each_in_turn(decode_column(columns[name], count), n => optional(n, rest => {
+            const now = rest + before + step;
+            step = now - before;
+            return before = now;
+        })));
+    };
+    frames.container_key = spread(decode_column(columns.container_key, count));
+    frames.container_duration = spread(decode_column(columns.container_duration, count));
+    frames.container_dts = ticks("container_dts");
+    frames.container_pts = ticks("container_pts");
+}
+
+/// The members that a container adds.
+function packet_at(frames, i) {
+    if (!frames.tick)
+        return {};
+    const [numerator, denominator] = frames.tick;
+    const time = ticks => denominator === 0 ? null : fraction(ticks * numerator, denominator);
+    const key = frames.container_key[i];
+    return {
+        packet: Number.isNaN(frames.packet[i]) ? null : frames.packet[i], container_key: key === 1 ? false : key === 2 ? true : null,
+        container_pts: time(frames.container_pts[i]), container_dts: time(frames.container_dts[i]),
+        container_duration: frames.container_duration[i] > 0 ? time(frames.container_duration[i]) : null,
+    };
+}
+
 /// All columns as arrays; NaN where nothing is told. Times are in parts of a second, `scale` of them.
 function decode_frames(data) {
     if (data.frames === null)
@@ -125,6 +166,7 @@ function decode_frames(data) {
         return number;
     });
     decode_times(frames);
+    decode_packets(data.frames, frames);
     frames.rounded_times = new Map(data.frames.rounded_times.map(([row, dts, pts]) => [row, { dts, pts }]));
     frames.type = new Uint8Array(count);
     frames.key = new Uint8Array(count);
@@ -169,5 +211,6 @@ function frame_at(frames, i) {
         duration: kind.duration ? fraction(...kind.duration) : null, pic_struct: kind.pic_struct, sps_id: kind.sps_id,
         pps_id: kind.pps_id, layers: kind.layers, coded_pictures: kind.coded_pictures,
         nal_unit_types: kind.units.flatMap(([type, count]) => new Array(count).fill(type)), cut: kind.cut, last: kind.last,
+        ...packet_at(frames, i),
     };
 }
