@@ -108,7 +108,7 @@ std::uint64_t report_frames::kind_of(const picture_row& row)
     const std::string duration =
         row.duration ? fmt::format("[{},{}]", row.duration.numerator, row.duration.denominator) : "null";
     return kind_list.number_of(
-        fmt::format("[{},{},{},{},\"{}\",{},\"{}\",{},{},{},{},{},{},{}]", unit_lists.number_of(unit_list(row)),
+        fmt::format(R"([{},{},{},{},"{}",{},"{}",{},{},{},{},{},{},{}])", unit_lists.number_of(unit_list(row)),
                     row.layers.empty() ? -1 : signed_of(layer_lists.number_of(layer_list_of(row))), row.coded_pictures,
                     row.idr ? 1 : 0, structure_name(row.structure), row.nal_ref_idc, source_name(row.time_source),
                     row.field_duration, duration, number_or_null(row.pic_struct), number_or_null(row.sps_id),

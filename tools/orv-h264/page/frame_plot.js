@@ -83,7 +83,7 @@ class size_drawing {
 
     draw_line(context, sums, y_at, left, dash, width) {
         const ratio = devicePixelRatio;
-        for (const [colour, extra] of [["halo", 2.5], ["text", 0]]) {
+        for (const [colour, extra] of [["halo", 1.6], ["text", 0]]) {
             context.beginPath();
             for (let column = 0; column < sums.width; ++column)
                 if (sums.count[column] > 0)
