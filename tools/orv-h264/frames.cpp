@@ -5,6 +5,7 @@
 #include "messages.h"
 #include "output_sorter.h"
 #include "picture_rows.h"
+#include "printable.h"
 #include "show_rows.h"
 #include "standard_output.h"
 #include "table_output.h"
@@ -19,10 +20,18 @@ namespace orv_h264 {
 
 namespace {
 
+/// The columns of a run over many files.
+json in_columns(const std::string& file, const json& row)
+{
+    json columns = {{"file", file}};
+    columns.update(row);
+    return columns;
+}
+
 class row_list final : row_sink {
 public:
     row_list(const frames_options& chosen, const std::string& name)
-        : options(chosen), problems(name, chosen.format == output_format::json)
+        : options(chosen), file(name), problems(name, chosen.format == output_format::json, chosen.among_many)
     {
     }
 
@@ -70,11 +79,13 @@ private:
         if (options.format == output_format::text)
             write_output(text_of(row) + '\n');
         else if (options.format == output_format::json)
-            print_json(json_of(row));
+            print_record(json_of(row));
         else
-            print_row(options.format, json_of(row));
+            print_row(options.format, options.among_many ? in_columns(file, json_of(row)) : json_of(row));
         totals.add(row);
     }
+
+    void print_record(const json& record) const { print_json(options.among_many ? record_of(file, record) : record); }
 
     void tell(const row_problem& problem)
     {
@@ -98,6 +109,8 @@ private:
     void print_head(const stream_input& input) const
     {
         if (options.format == output_format::text) {
+            if (options.among_many)
+                write_output(fmt::format("File  {}\n", printable(file)));
             write_output(emphasised(stdout, emphasis::strong, row_heading()) + '\n');
         } else if (options.format == output_format::json) {
             json head = json_first_line("orv-h264/frames", input.name());
@@ -105,7 +118,7 @@ private:
             head["split_fields"] = options.split_fields;
             head["output_order"] = options.output_order;
             print_json(head);
-        } else {
+        } else if (!options.among_many) {
             print_column_names(options.format, json_of(picture_row()));
         }
     }
@@ -115,10 +128,11 @@ private:
         if (options.format == output_format::text)
             write_output(text_of(totals, options.split_fields) + '\n');
         else if (options.format == output_format::json)
-            print_json(json_of(totals));
+            print_record(json_of(totals));
     }
 
     const frames_options& options;
+    const std::string& file;
     complaints problems;
     frame_totals totals;
     std::uint64_t given_up = 0;
@@ -132,6 +146,32 @@ exit_status frames(const frames_options& options)
 {
     stream_input input(options.stream);
     return row_list(options, input.name()).run(input);
+}
+
+exit_status frames_of_files(const file_set& files, const frames_options& options)
+{
+    frames_options one = options;
+    if (files.is_one()) {
+        one.stream.path = files.paths.front();
+        return frames(one);
+    }
+    one.among_many = true;
+    file_work work;
+    work.read = [&one](const std::string& path) {
+        one.stream.path = path;
+        return frames(one);
+    };
+    work.print_failure = [&one](const std::string& file, const json& failure) {
+        json record = {{"record", "error"}, {"file", file}};
+        record.update(failure);
+        if (one.format == output_format::json)
+            print_json(record);
+    };
+    if (one.format == output_format::text)
+        work.between = "\n";
+    else if (is_table(one.format))
+        print_column_names(one.format, in_columns("", json_of(picture_row())));
+    return read_files(files, work);
 }
 
 } // namespace orv_h264
