@@ -16,8 +16,11 @@ namespace {
 /// A file that has no name any more; -1 where there can be none.
 int open_nameless()
 {
-    std::error_code unknown;
-    std::string path = (std::filesystem::temp_directory_path(unknown) / "orv-h264-XXXXXX").string();
+    std::error_code none;
+    const std::filesystem::path folder = std::filesystem::temp_directory_path(none);
+    if (none)
+        return -1;
+    std::string path = (folder / "orv-h264-XXXXXX").string();
     const int descriptor = ::mkostemp(path.data(), O_CLOEXEC);
     if (descriptor >= 0)
         ::unlink(path.c_str());
