@@ -106,11 +106,25 @@ void add_file(CLI::App& app, const char* name, std::string& path, const char* de
     app.add_option(name, path, description)->required()->type_name("");
 }
 
+unsigned track_of(const std::string& text)
+{
+    unsigned number = 0;
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, number);
+    if (error != std::errc() || stop != end || number == 0)
+        throw CLI::ValidationError("--track", "'" + text + "' is no number of a track, which count from 1");
+    return number;
+}
+
 void add_stream_options(CLI::App& app, stream_options& options)
 {
     add_framing(app, "--format",
                 "The framing: annexb, length1, length2, length3 or length4; without it, it is recognised",
                 [&options](h264::framing framing) { options.format = framing; });
+    app.add_option_function<std::string>(
+           "--track", [&options](const std::string& number) { options.track = track_of(number); },
+           "Of a container this track, counted from 1; without it, the first of H.264")
+        ->type_name("N");
     app.add_option("--max-unit", options.max_unit,
                    "Report a unit longer than this instead of reading it; K, M and G are powers of 1024")
         ->transform(size_in_bytes)

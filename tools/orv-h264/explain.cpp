@@ -133,7 +133,10 @@ bool is_slice(unsigned type)
 class explanation final : public unit_run {
 public:
     explanation(const explain_options& chosen, const stream_input& from)
-        : unit_run(from.name(), false), options(chosen), framing(from.framing())
+        : unit_run(from.name(), false),
+          options(chosen),
+          framing(from.framing()),
+          among_others(from.in_container() != nullptr && from.in_container()->has_own_offsets())
     {
     }
 
@@ -155,6 +158,8 @@ private:
 
     h264::visitor* before(const listed_unit& unit) override
     {
+        if (among_others && !holds(unit))
+            return nullptr;
         if (options.offset >= unit.place.offset + unit.place.size) {
             behind = unit.place.offset + unit.place.size;
             return nullptr;
@@ -200,16 +205,21 @@ private:
 
     void complain(const listed_unit* unit, std::uint64_t offset, const std::string& about, bool is_problem) override
     {
-        const bool of_the_unit = unit != nullptr && options.offset >= unit->begin() &&
-                                 options.offset < unit->place.offset + unit->place.size;
-        if (!of_the_unit)
+        if (unit == nullptr || !holds(*unit))
             return;
         broken = broken || is_problem;
         object["wrong"].push_back({{"offset", offset}, {"message", about}});
     }
 
+    bool holds(const listed_unit& unit) const
+    {
+        return options.offset >= unit.begin() && options.offset < unit.place.offset + unit.place.size;
+    }
+
     std::string framing_text(const listed_unit& unit) const
     {
+        if (unit.in_record)
+            return "length of a parameter set in the decoder configuration record (ISO/IEC 14496-15 5.3.3.1)";
         if (framing != h264::framing::annex_b)
             return fmt::format("length prefix of {} bytes", unit.framing_size);
         return unit.framing_size == 4 && options.offset == unit.begin() ? "zero_byte before a start code (H.264 B.1)"
@@ -291,6 +301,14 @@ private:
     /// Behind the last unit.
     void take_end(const stream_input& input)
     {
+        if (among_others) {
+            if (options.offset >= input.size().value_or(options.offset + 1))
+                throw refusal(exit_usage_or_io, fmt::format("{}: offset {} lies behind the end, at {}", input.name(),
+                                                            options.offset, *input.size()));
+            what = fmt::format("no unit of track {}: the container's own, or another track's",
+                               input.in_container()->track().number);
+            return;
+        }
         if (options.offset >= input.bytes_read())
             throw refusal(exit_usage_or_io, fmt::format("{}: offset {} lies behind the end, at {}", input.name(),
                                                         options.offset, input.bytes_read()));
@@ -362,6 +380,7 @@ private:
 
     const explain_options& options;
     h264::framing framing;
+    bool among_others; // units, in a file that has more than them
     json object;
     std::string what; // "" until it is found
     std::optional<element_window> found;

@@ -38,7 +38,8 @@ public:
     exit_status run(stream_input& input)
     {
         print_head(input);
-        picture_rows rows(options.split_fields, options.stream.max_unit, *this);
+        picture_rows rows(options.split_fields, options.stream.max_unit, *this, &input.packets());
+        rows.begin_with(input.record_sets());
         const bool any = input.read_units(rows, [this] { return is_done(); });
         if (!is_done())
             rows.finish(input.bytes_read());
@@ -46,6 +47,7 @@ public:
         if (!any)
             problems.add(input.bytes_read(), describe_no_unit(input.bytes_read()));
         tell_given_up();
+        tell_container(input);
         print_totals();
         return problems.status();
     }
@@ -94,6 +96,13 @@ private:
             problems.note(problem.offset, problem.message + size);
         else
             problems.add(problem.offset, problem.message + size);
+    }
+
+    void tell_container(const stream_input& input)
+    {
+        if (const container_stream* const container = input.in_container())
+            for (const container_remark& remark : container->remarks())
+                tell({remark.offset, remark.text, 0, !remark.is_problem});
     }
 
     void tell_given_up()

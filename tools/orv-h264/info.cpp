@@ -24,12 +24,17 @@ void print_object(const info_options& options, const std::string& file, const js
 exit_status info(const info_options& options)
 {
     stream_input input(options.stream);
-    stream_survey survey(input.framing(), input.max_unit());
+    stream_survey survey(input.framing(), input.max_unit(), &input.packets());
+    survey.begin_with(input.record_sets());
     const bool any = input.read_units(survey);
     survey.finish(input.bytes_read());
     stream_summary& summary = survey.summary;
     if (!any)
         summary.problems.add(input.bytes_read(), describe_no_unit(input.bytes_read()));
+    if (const container_stream* const container = input.in_container()) {
+        summary.problems.add(container->problems);
+        summary.findings.add(container->findings);
+    }
     if (options.format == output_format::text)
         print_info(input, summary);
     else

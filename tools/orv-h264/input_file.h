@@ -23,6 +23,13 @@ public:
     /// Reads up to `size` bytes, as many as are there, and waits for the first; 0 at the end.
     std::size_t read(unsigned char* out, std::size_t size);
 
+    /// Reads up to `size` bytes from `from` on, as many as the file has there, and leaves read() where it is. For a
+    /// file that is_seekable() alone.
+    std::size_t read_at(std::uint64_t from, unsigned char* out, std::size_t size) const;
+
+    /// It is a regular file, opened at its start.
+    bool is_seekable() const;
+
     /// How many bytes were read so far.
     std::uint64_t bytes_read() const noexcept { return offset; }
 
@@ -36,8 +43,11 @@ public:
     int file_descriptor() const noexcept { return descriptor; }
 
 private:
+    std::size_t check(std::ptrdiff_t count, std::uint64_t at) const;
+
     std::string shown_name;
     int descriptor;
+    bool from_start = false; // nobody has read of it before
     std::uint64_t offset = 0;
 };
 

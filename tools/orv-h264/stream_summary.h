@@ -15,6 +15,7 @@
 #include <cstdint>
 #include <deque>
 #include <optional>
+#include <span>
 #include <vector>
 
 namespace orv_h264 {
@@ -46,11 +47,14 @@ std::optional<std::uint64_t> bit_rate_of(const layer_summary& layer, const frame
 /// Adds up the units of a stream.
 class stream_survey final : public h264::split_sink, row_sink {
 public:
-    /// `most_unit_bytes` is the limit of the splitter.
-    stream_survey(h264::framing framing, std::uint64_t most_unit_bytes)
-        : prefix_size(prefix_size_of(framing)), rows(false, most_unit_bytes, *this)
+    /// `most_unit_bytes` is the limit of the splitter, `log` tells where the bytes of the stream lie in its file.
+    stream_survey(h264::framing framing, std::uint64_t most_unit_bytes, const packet_log* log = nullptr)
+        : prefix_size(prefix_size_of(framing)), rows(false, most_unit_bytes, *this, log)
     {
     }
+
+    /// Parameter sets that hold before the first unit; they are not counted.
+    void begin_with(std::span<const h264::split_unit> sets) { rows.begin_with(sets); }
 
     void unit(const h264::split_unit& unit) override;
     void gap(const h264::split_gap& gap) override;

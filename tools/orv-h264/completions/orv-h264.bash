@@ -22,11 +22,11 @@ _orv_h264()
         return
     fi
     case $subcommand in
-    info) options="$many --format --max-unit --json --csv --tsv" ;;
-    inspect) options="--format --max-unit --nals --limit --only --positions --long-names --json --csv --tsv" ;;
-    explain) options="--format --max-unit --json --csv --tsv" ;;
-    frames) options="$many --format --max-unit --fields --split-fields --output-order --limit --json --csv --tsv" ;;
-    convert) options="--format --max-unit --to --avcc --parameter-sets" ;;
+    info) options="$many --format --track --max-unit --json --csv --tsv" ;;
+    inspect) options="--format --track --max-unit --nals --limit --only --positions --long-names --json --csv --tsv" ;;
+    explain) options="--format --track --max-unit --json --csv --tsv" ;;
+    frames) options="$many --format --track --max-unit --fields --split-fields --output-order --limit --json --csv --tsv" ;;
+    convert) options="--format --track --max-unit --to --avcc --parameter-sets" ;;
     avcc) options="--json --csv --tsv" ;;
     help) options="" ;;
     *) return ;;
@@ -40,7 +40,7 @@ _orv_h264()
         [[ " $options " != *" $before "* ]] || mapfile -t COMPREPLY < <(compgen -W "$framings" -- "$current")
         return
         ;;
-    --jobs | --limit | --max-unit | --only) return ;;
+    --jobs | --limit | --max-unit | --only | --track) return ;;
     esac
     if [[ $current == -* ]]; then
         mapfile -t COMPREPLY < <(compgen -W "$help $options" -- "$current")

@@ -25,6 +25,7 @@ set -l of_avcc "__fish_seen_subcommand_from avcc"
 
 for subcommand in $of_info $of_inspect $of_explain $of_frames $of_convert
     complete -c orv-h264 -n $subcommand -l format -x -a $framings -d "The framing"
+    complete -c orv-h264 -n $subcommand -l track -x -d "The track of a container"
     complete -c orv-h264 -n $subcommand -l max-unit -x -d "Report a longer unit instead of reading it"
 end
 for subcommand in $of_info $of_inspect $of_explain $of_frames $of_avcc
