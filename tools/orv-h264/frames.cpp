@@ -1,5 +1,6 @@
 #include "frames.h"
 
+#include "container/show_container.h"
 #include "framing.h"
 #include "loss_texts.h"
 #include "messages.h"
@@ -28,6 +29,10 @@ public:
 
     exit_status run(stream_input& input)
     {
+        if (input.in_container() != nullptr) {
+            tick = input.in_container()->track().tick;
+            check.emplace(*tick);
+        }
         print_head(input);
         picture_rows rows(options.split_fields, options.stream.max_unit, *this, &input.packets());
         rows.begin_with(input.record_sets());
@@ -48,6 +53,8 @@ private:
 
     void row(picture_row&& row) override
     {
+        if (check && !is_done())
+            check->add(row);
         if (options.output_order)
             sorter.add(std::move(row));
         else
@@ -70,11 +77,11 @@ private:
         if (row.given_up && given_up++ == 0)
             first_given_up = row.offset;
         if (options.format == output_format::text)
-            write_output(text_of(row) + '\n');
+            write_output(text_of(row, tick) + '\n');
         else if (options.format == output_format::json)
-            print_json(json_of(row));
+            print_json(json_of(row, tick));
         else
-            print_row(options.format, json_of(row));
+            print_row(options.format, json_of(row, tick));
         totals.add(row);
     }
 
@@ -92,6 +99,11 @@ private:
         if (const container_stream* const container = input.in_container())
             for (const container_remark& remark : container->remarks())
                 tell({remark.offset, remark.text, 0, !remark.is_problem});
+        if (!check || is_done()) // of a part nobody can tell
+            return;
+        check->finish();
+        for (const problem_kind& kind : check->findings().kinds())
+            tell({kind.first_offset, describe_without_offset(kind), 0, true});
     }
 
     void tell_given_up()
@@ -107,15 +119,19 @@ private:
     void print_head(const stream_input& input) const
     {
         if (options.format == output_format::text) {
-            write_output(emphasised(stdout, emphasis::strong, row_heading()) + '\n');
+            if (input.in_container() != nullptr)
+                write_output(text_of(*input.in_container()) + '\n');
+            write_output(emphasised(stdout, emphasis::strong, row_heading(tick.has_value())) + '\n');
         } else if (options.format == output_format::json) {
             json head = json_first_line("orv-h264/frames", input.name());
             head["framing"] = framing_name(input.framing());
             head["split_fields"] = options.split_fields;
             head["output_order"] = options.output_order;
+            if (input.in_container() != nullptr)
+                head["container"] = json_of(*input.in_container());
             print_json(head);
         } else {
-            print_column_names(options.format, json_of(picture_row()));
+            print_column_names(options.format, json_of(picture_row(), tick));
         }
     }
 
@@ -129,6 +145,8 @@ private:
 
     const frames_options& options;
     complaints problems;
+    std::optional<container_ratio> tick; // of the container
+    std::optional<container_check> check;
     frame_totals totals;
     std::uint64_t given_up = 0;
     std::uint64_t first_given_up = 0; // its offset

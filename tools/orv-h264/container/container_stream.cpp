@@ -97,6 +97,8 @@ container_stream::container_stream(input_file& in, input_window& window, contain
     take_record(source->record());
     if (!is_record(record_bytes) && keeps_packets_whole(format))
         guess_framing();
+    if (format == container_kind::mp4 && file.is_seekable())
+        list_of_edits = read_edit_list(file, track().id);
     own_offsets = frames != h264::framing::annex_b &&
                   (format == container_kind::mp4 || (keeps_packets_whole(format) && file.is_seekable()));
 }
@@ -229,7 +231,7 @@ bool container_stream::read_packet(h264::split_sink& to)
     container_packet packet;
     const bool any = next(packet);
     for (const container_message& message : source->take_messages())
-        findings.add(message.offset, "libavformat: " + message.text);
+        problems.add(message.offset, "libavformat: " + message.text);
     if (!any)
         return false;
     logged_packet placed = place(packet);

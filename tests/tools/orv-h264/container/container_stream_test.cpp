@@ -307,7 +307,7 @@ TEST_F(ContainerStream, TellsWhatTheDemuxerTells)
     made.messages = {{77, "odd"}};
     made.missing = 3;
     EXPECT_EQ("104:4+4", units(container_kind::mp4));
-    EXPECT_EQ((texts{"77 libavformat: odd", "!100 packet that is not whole in the file",
+    EXPECT_EQ((texts{"!77 libavformat: odd", "!100 packet that is not whole in the file",
                      "!4711 the container announces 3 further packets"}),
               remarks());
     made.failure_to_read = "broken";
