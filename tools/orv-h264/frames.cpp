@@ -50,7 +50,7 @@ public:
             rows.finish(input.bytes_read());
         sorter.flush();
         if (!any)
-            problems.add(input.bytes_read(), describe_no_unit(input.bytes_read()));
+            problems.add(input.bytes_read(), describe_no_unit(input.is_empty()));
         tell_given_up();
         tell_container(input);
         print_totals();
