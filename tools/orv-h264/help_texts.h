@@ -97,7 +97,18 @@ Examples:
   orv-h264 info movie.264
   orv-h264 info --format length4 sample.bin
   orv-h264 info --json movie.264 | jq -r '.sequences[0].codec'
-  orv-h264 info --tsv movie.264 | grep bit_rate)";
+  orv-h264 info --tsv movie.264 | grep bit_rate
+  find . -name '*.264' -print0 | orv-h264 info --json --jobs 0 --null --files-from -)";
+
+/// Below those that read many files.
+constexpr const char* many_files =
+    R"(
+
+Several FILEs, or --files-from: each is read in a process of its own, --jobs of them at once, and the output comes in
+the order of the files. One that cannot be read, or whose process a signal ends, is told on the standard error stream,
+with --json in an object of its own too (file, error, status), and the others go on. The exit status is the greatest
+of all. Blocks of text have an empty line between them; every object of --json names its file, and so does the first
+column of --csv and --tsv.)";
 
 constexpr const char* report =
     R"(Writes one HTML page about FILE that a browser opens without a network: the summary that info prints, frame sizes by

@@ -26,9 +26,13 @@ ssize_t again(Call call)
 
 } // namespace
 
+std::string input_name(const std::string& path)
+{
+    return path == "-" ? "standard input" : path;
+}
+
 input_file::input_file(const std::string& path)
-    : shown_name(path == "-" ? "standard input" : path),
-      descriptor(path == "-" ? STDIN_FILENO : ::open(path.c_str(), O_RDONLY | O_CLOEXEC))
+    : shown_name(input_name(path)), descriptor(path == "-" ? STDIN_FILENO : ::open(path.c_str(), O_RDONLY | O_CLOEXEC))
 {
     if (descriptor < 0)
         throw std::system_error(errno, std::generic_category(), shown_name);
@@ -63,8 +67,9 @@ std::size_t input_file::read(unsigned char* out, std::size_t size)
 
 std::size_t input_file::read_at(std::uint64_t from, unsigned char* out, std::size_t size) const
 {
-    if (from > static_cast<std::uint64_t>(std::numeric_limits<off_t>::max()))
-        return 0;
+    constexpr auto furthest = static_cast<std::uint64_t>(std::numeric_limits<off_t>::max());
+    if (size > furthest || from > furthest - size)
+        return 0; // no file is that large
     return check(again([&] { return ::pread(descriptor, out, size, static_cast<off_t>(from)); }), from);
 }
 

@@ -35,6 +35,11 @@ for subcommand in $of_info $of_inspect $of_explain $of_frames $of_avcc
     complete -c orv-h264 -n $subcommand -l csv -d "Print comma-separated columns instead"
     complete -c orv-h264 -n $subcommand -l tsv -d "Print tab-separated columns instead"
 end
+for subcommand in $of_info $of_frames
+    complete -c orv-h264 -n $subcommand -l files-from -r -F -d "Read the files of a list, too"
+    complete -c orv-h264 -n $subcommand -s 0 -l null -d "In the list a zero byte ends a path"
+    complete -c orv-h264 -n $subcommand -l jobs -x -d "Read so many files at once"
+end
 for subcommand in $of_inspect $of_frames
     complete -c orv-h264 -n $subcommand -l limit -x -d "Stop after that many"
 end
