@@ -2,7 +2,21 @@
 // mean, and at the most by type. Lanes below tell types and key frames without colour.
 "use strict";
 
+const LANE_COLOURS = { key: "key", flag: "flag", wrong: "bad" };
 const BEHIND_TO_FRONT = [TYPE_I, TYPE_P, TYPE_B, TYPE_NONE];
+
+/// Lanes of what only some of the frames are: for reference, of another structure than the others.
+function flag_lanes(frames) {
+    const lane = (label, holds) => {
+        const of_kind = frames.kinds.map(kind => kind.told && holds(kind) ? 1 : 0);
+        const flags = Uint8Array.from(frames.kind, kind => of_kind[kind]);
+        const count = flags.reduce((sum, flag) => sum + flag, 0);
+        return count > 0 && count < frames.count ? [{ name: "flag", label, flags }] : [];
+    };
+    const structures = { MBAFF: "MBAFF", fields: "Fields", top: "Top", bottom: "Bottom" };
+    return [...lane("Ref", kind => kind.nal_ref_idc > 0),
+        ...Object.entries(structures).flatMap(([structure, label]) => lane(label, kind => kind.structure === structure))];
+}
 
 /// The types that occur, key frames and frames with something wrong, a lane each.
 function lanes_of(source, marks) {
@@ -12,6 +26,8 @@ function lanes_of(source, marks) {
     for (const type of BEHIND_TO_FRONT)
         if (types.has(type))
             lanes.push({ name: "type", type, label: TYPE_NAMES[type] === "none" ? "–" : TYPE_NAMES[type] });
+    if (source.frames)
+        lanes.push(...flag_lanes(source.frames));
     if (marks.size > 0)
         lanes.push({ name: "wrong", label: "!" });
     return lanes;
@@ -115,7 +131,7 @@ class size_drawing {
             context.fillText(lane.label, plot.plot.bbox.left - 8 * ratio, y + height / 2);
             context.fillStyle = theme.colour("lane");
             context.fillRect(plot.plot.bbox.left, y, plot.plot.bbox.width, height);
-            context.fillStyle = theme.colour(lane.name === "type" ? TYPE_COLOURS[lane.type] : lane.name === "key" ? "key" : "bad");
+            context.fillStyle = theme.colour(lane.name === "type" ? TYPE_COLOURS[lane.type] : LANE_COLOURS[lane.name]);
             if (this.near)
                 this.fill_near(context, plot, lane, y, height);
             else
@@ -135,7 +151,7 @@ class size_drawing {
             const middle = plot.plot.valToPos(place, "x", true);
             if (middle < left || middle > right)
                 continue;
-            if (lane.name === "type" && type[frame] === lane.type)
+            if ((lane.name === "type" && type[frame] === lane.type) || lane.flags?.[frame])
                 context.fillRect(middle - width / 2, y, width, height);
             else if (lane.name === "key" && key[frame])
                 fill_triangle(context, middle, y, height);
@@ -143,9 +159,13 @@ class size_drawing {
     }
 
     fill_far(context, plot, lane, y, height) {
+        if (lane.name === "wrong")
+            return;
         const { left } = plot.plot.bbox;
+        const filled = lane.name === "type" ? this.sums.most[lane.type] : lane.name === "key" ? this.sums.keys :
+            this.source.flagged(lane.flags, this.sums.width, ...plot.view);
         for (let column = 0; column < this.sums.width; ++column)
-            if (lane.name === "type" ? this.sums.most[lane.type][column] > 0 : lane.name === "key" && this.sums.keys[column] > 0)
+            if (filled[column] > 0)
                 context.fillRect(left + column, y, 1, height);
     }
 

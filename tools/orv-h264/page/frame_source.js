@@ -44,6 +44,16 @@ class frame_source {
         }
     }
 
+    /// In which columns some frame has the flag.
+    flagged(flags, width, from, to) {
+        const columns = new Uint8Array(width);
+        const each = (to - from) / width;
+        for (let place = Math.max(0, Math.ceil(from)), fence = Math.min(this.count, Math.ceil(to)); place < fence; ++place)
+            if (flags[this.order === null ? place : this.order[place]])
+                columns[Math.min(width - 1, Math.floor((place - from) / each))] = 1;
+        return columns;
+    }
+
     largest(from, to) {
         const { size } = this.frames;
         let largest = 0;
