@@ -1,5 +1,6 @@
 #include "explain.h"
 
+#include "container/show_container.h"
 #include "element_text.h"
 #include "json_output.h"
 #include "loss_texts.h"
@@ -145,6 +146,8 @@ public:
         object = json_head("orv-h264/explain", input.name());
         object["offset"] = options.offset;
         object["bit"] = options.bit ? json(*options.bit) : json();
+        if (input.in_container() != nullptr)
+            tell_container(*input.in_container());
         run(input);
         if (what.empty())
             take_end(input);
@@ -154,6 +157,14 @@ public:
     }
 
 private:
+    void tell_container(const container_stream& of)
+    {
+        object["container"] = orv_h264::json_of(of);
+        container = text_of(of);
+        if (!of.has_own_offsets())
+            container += "; places count in the stream that they make";
+    }
+
     bool enough() const override { return !what.empty(); }
 
     h264::visitor* before(const listed_unit& unit) override
@@ -264,6 +275,8 @@ private:
         object["unit"] = {{"number", unit.place.number},       {"offset", unit.begin()},
                           {"framing_size", unit.framing_size}, {"length", unit.place.size},
                           {"nal_unit_type", unit.type()},      {"name", brenik::h264_nal_unit_type_to_str(type)}};
+        if (unit.packet)
+            object["unit"]["packet_offset"] = *unit.packet;
     }
 
     void add_elements()
@@ -331,6 +344,8 @@ private:
 
     void print_text() const
     {
+        if (!container.empty())
+            print_line("Container", container);
         print_line("Place", options.bit ? fmt::format("byte {}, bit {}", options.offset, *options.bit)
                                         : fmt::format("byte {}", options.offset));
         print_line("What", what);
@@ -382,7 +397,8 @@ private:
     h264::framing framing;
     bool among_others; // units, in a file that has more than them
     json object;
-    std::string what; // "" until it is found
+    std::string container; // as text
+    std::string what;      // "" until it is found
     std::optional<element_window> found;
     std::optional<registered_trace> source;
     bit_range wanted;

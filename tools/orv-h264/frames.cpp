@@ -1,5 +1,6 @@
 #include "frames.h"
 
+#include "container/show_container.h"
 #include "framing.h"
 #include "loss_texts.h"
 #include "messages.h"
@@ -20,11 +21,11 @@ namespace orv_h264 {
 
 namespace {
 
-/// The columns of a run over many files.
-json in_columns(const std::string& file, const json& row)
+/// The columns of a run over many files, which are the same for all: those of a container are empty without one.
+json in_columns_of_many(const std::string& file, const picture_row& row, std::optional<container_ratio> tick)
 {
     json columns = {{"file", file}};
-    columns.update(row);
+    columns.update(json_of(row, tick.value_or(container_ratio{})));
     return columns;
 }
 
@@ -37,6 +38,10 @@ public:
 
     exit_status run(stream_input& input)
     {
+        if (input.in_container() != nullptr) {
+            tick = input.in_container()->track().tick;
+            check.emplace(*tick);
+        }
         print_head(input);
         picture_rows rows(options.split_fields, options.stream.max_unit, *this, &input.packets());
         rows.begin_with(input.record_sets());
@@ -57,6 +62,8 @@ private:
 
     void row(picture_row&& row) override
     {
+        if (check && !is_done())
+            check->add(row);
         if (options.output_order)
             sorter.add(std::move(row));
         else
@@ -79,11 +86,13 @@ private:
         if (row.given_up && given_up++ == 0)
             first_given_up = row.offset;
         if (options.format == output_format::text)
-            write_output(text_of(row) + '\n');
+            write_output(text_of(row, tick) + '\n');
         else if (options.format == output_format::json)
-            print_record(json_of(row));
+            print_record(json_of(row, tick));
+        else if (options.among_many)
+            print_row(options.format, in_columns_of_many(file, row, tick));
         else
-            print_row(options.format, options.among_many ? in_columns(file, json_of(row)) : json_of(row));
+            print_row(options.format, json_of(row, tick));
         totals.add(row);
     }
 
@@ -103,6 +112,11 @@ private:
         if (const container_stream* const container = input.in_container())
             for (const container_remark& remark : container->remarks())
                 tell({remark.offset, remark.text, 0, !remark.is_problem});
+        if (!check || is_done()) // of a part nobody can tell
+            return;
+        check->finish();
+        for (const problem_kind& kind : check->findings().kinds())
+            tell({kind.first_offset, describe_without_offset(kind), 0, true});
     }
 
     void tell_given_up()
@@ -120,15 +134,19 @@ private:
         if (options.format == output_format::text) {
             if (options.among_many)
                 write_output(fmt::format("File  {}\n", printable(file)));
-            write_output(emphasised(stdout, emphasis::strong, row_heading()) + '\n');
+            if (input.in_container() != nullptr)
+                write_output(text_of(*input.in_container()) + '\n');
+            write_output(emphasised(stdout, emphasis::strong, row_heading(tick.has_value())) + '\n');
         } else if (options.format == output_format::json) {
             json head = json_first_line("orv-h264/frames", input.name());
             head["framing"] = framing_name(input.framing());
             head["split_fields"] = options.split_fields;
             head["output_order"] = options.output_order;
+            if (input.in_container() != nullptr)
+                head["container"] = json_of(*input.in_container());
             print_json(head);
         } else if (!options.among_many) {
-            print_column_names(options.format, json_of(picture_row()));
+            print_column_names(options.format, json_of(picture_row(), tick));
         }
     }
 
@@ -143,6 +161,8 @@ private:
     const frames_options& options;
     const std::string& file;
     complaints problems;
+    std::optional<container_ratio> tick; // of the container
+    std::optional<container_check> check;
     frame_totals totals;
     std::uint64_t given_up = 0;
     std::uint64_t first_given_up = 0; // its offset
@@ -179,7 +199,7 @@ exit_status frames_of_files(const file_set& files, const frames_options& options
     if (one.format == output_format::text)
         work.between = "\n";
     else if (is_table(one.format))
-        print_column_names(one.format, in_columns("", json_of(picture_row())));
+        print_column_names(one.format, in_columns_of_many("", picture_row(), {}));
     return read_files(files, work);
 }
 

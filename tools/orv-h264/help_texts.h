@@ -13,6 +13,8 @@ recognised but not supported. A stream without any NAL unit, as an empty input, 
 constexpr const char* main =
     R"(Each subcommand has its own --help, with examples.
 
+Where a stream is read, it may lie in MP4, MOV, Matroska, an MPEG transport stream or FLV, if libavformat is there.
+
 Messages go to the standard error stream, with the name of the file, the byte offset and the reason; reading
 goes on. On a terminal they are coloured, unless the environment variable NO_COLOR is set.)";
 
@@ -64,7 +66,7 @@ are padding; filler data units and the payloads of filler payload messages are f
 Times come from buffering periods and picture timing, or else from the rate that the parameter sets tell. The
 mean bit rate is that of units and padding over the time of the frames that are timed; the peak is that of the
 fullest second, counted from the start. Where the place in output order comes only behind 1,024 later pictures,
-it is not told.
+it is not told. Of a container a column has its own time for the picture.
 
 --fields makes each field a line; key pictures are counted as pictures all the same. --json has more: exact
 times, decoding times and where they come from, padding and filler, pic_struct, ids of parameter sets. --csv and

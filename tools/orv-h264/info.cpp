@@ -26,6 +26,8 @@ exit_status info(const info_options& options)
     stream_input input(options.stream);
     stream_survey survey(input.framing(), input.max_unit(), &input.packets());
     survey.begin_with(input.record_sets());
+    if (input.in_container() != nullptr)
+        survey.summary.container.emplace(input.in_container()->track().tick);
     const bool any = input.read_units(survey);
     survey.finish(input.bytes_read());
     stream_summary& summary = survey.summary;
@@ -34,6 +36,8 @@ exit_status info(const info_options& options)
     if (const container_stream* const container = input.in_container()) {
         summary.problems.add(container->problems);
         summary.findings.add(container->findings);
+        summary.container->finish();
+        summary.findings.add(summary.container->findings());
     }
     if (options.format == output_format::text)
         print_info(input, summary);

@@ -10,15 +10,15 @@
 namespace orv_h264 {
 
 /// The names of the columns.
-std::string row_heading();
+std::string row_heading(bool in_container);
 
-std::string text_of(const picture_row& row);
+std::string text_of(const picture_row& row, std::optional<container_ratio> tick);
 
 /// The closing line. With fields a row is a field.
 std::string text_of(const frame_totals& totals, bool fields);
 
 /// docs/schema/frames.schema.json describes both.
-json json_of(const picture_row& row);
+json json_of(const picture_row& row, std::optional<container_ratio> tick);
 json json_of(const frame_totals& totals);
 
 /// The types of its primary slices, each once, as they come.

@@ -130,6 +130,8 @@ void stream_survey::row(picture_row&& row)
     for (const row_problem& found : row.problems)
         problem(found);
     summary.frames.add(row);
+    if (summary.container)
+        summary.container->add(row);
     summary.groups.add(row);
     add_seconds(row, of);
     const std::uint32_t depth = reordering.add(row);

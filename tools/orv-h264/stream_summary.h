@@ -1,6 +1,7 @@
 // What a stream is, added up unit by unit and picture by picture, in bounded memory.
 #pragma once
 
+#include "container/container_check.h"
 #include "encoder_text.h"
 #include "frame_totals.h"
 #include "framing.h"
@@ -38,7 +39,8 @@ struct stream_summary {
     sei_counts sei;
     frame_totals frames;
     group_counter groups;
-    std::optional<encoder_text> encoder; ///< the first that user data tells of
+    std::optional<encoder_text> encoder;      ///< the first that user data tells of
+    std::optional<container_check> container; ///< of a stream in one
 };
 
 /// The bits a second of the layer's slices; nothing unless the duration of every picture is known.

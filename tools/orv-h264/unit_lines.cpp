@@ -110,6 +110,10 @@ public:
                                     R"("rbsp_size":{},"nal_ref_idc":{},"nal_unit_type":{},"name":{})"),
                         unit.place.number, unit.shown(), unit.framing_size, unit.place.size, rbsp_size(unit.place),
                         ref_idc_of(unit), unit.type(), json_text(name_of(unit.type(), style.long_names)));
+        if (unit.packet)
+            line += fmt::format(R"(,"stream_offset":{})", unit.begin());
+        if (unit.in_record)
+            line += R"(,"in_record":true)";
         line += reading == nullptr ? R"(,"valid":null,"fields":null})" : read_members(*reading);
         return line += '\n';
     }

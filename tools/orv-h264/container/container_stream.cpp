@@ -88,6 +88,8 @@ container_stream::container_stream(input_file& in, input_window& window, contain
     open();
     choose(number);
     take_record(source->record());
+    if (format == container_kind::mp4 && file.is_seekable())
+        list_of_edits = read_edit_list(file, track().id);
     own_offsets = frames != h264::framing::annex_b &&
                   (format == container_kind::mp4 || (keeps_packets_whole(format) && file.is_seekable()));
 }
@@ -197,7 +199,7 @@ bool container_stream::read_packet(h264::split_sink& to)
     container_packet packet;
     const bool any = source->next(packet);
     for (const container_message& message : source->take_messages())
-        findings.add(message.offset, "libavformat: " + message.text);
+        problems.add(message.offset, "libavformat: " + message.text);
     if (!any)
         return false;
     logged_packet placed = place(packet);

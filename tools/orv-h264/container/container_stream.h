@@ -4,6 +4,7 @@
 
 #include "container/byte_finder.h"
 #include "container/demuxer.h"
+#include "container/edit_list.h"
 #include "container/packet_log.h"
 #include "input_file.h"
 #include "input_window.h"
@@ -46,6 +47,10 @@ public:
 
     /// The parameter sets of the record at the start, each behind its length of 2 bytes; none where there is no record.
     const std::vector<h264::split_unit>& record_sets() const noexcept { return sets; }
+    /// Where the record lies in the file, if that is known.
+    std::optional<std::uint64_t> record_place() const noexcept { return log.record_place(); }
+    /// Of an MP4 file.
+    const edit_list& edits() const noexcept { return list_of_edits; }
     /// The bytes of the record; empty where there is none.
     std::span<const unsigned char> record() const noexcept { return record_bytes; }
 
@@ -92,6 +97,7 @@ private:
     std::vector<h264::split_unit> sets;        // in record_bytes
     h264::parameter_set_store record_store;
 
+    edit_list list_of_edits;
     packet_log log;
     byte_finder finder;
     std::uint64_t searched = 0; // of the file: up to the end of the packet before

@@ -53,7 +53,7 @@ struct container_packet {
     std::optional<std::int64_t> pts;       ///< in ticks
     std::optional<std::int64_t> dts;
     std::int64_t duration = 0; ///< in ticks; 0 where it is not told
-    bool key = false;          ///< marked as a place to begin
+    std::optional<bool> key;   ///< marked as a place to begin, or not; not told by transport streams
     bool damaged = false;      ///< the file has not all of it
 };
 

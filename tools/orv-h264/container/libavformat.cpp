@@ -106,6 +106,7 @@ private:
     std::unique_ptr<AVFormatContext, free_format> format;
     std::unique_ptr<AVPacket, free_packet> packet{av_packet_alloc()};
     std::exception_ptr broken; // by reading; it cannot be thrown through C
+    bool tells_keys;
     bool opening = true;
     std::vector<file_stretch> read_to_open;
     std::vector<container_message> messages;
@@ -236,7 +237,8 @@ void libavformat_demuxer::find_track(std::optional<unsigned> number)
             chosen = static_cast<int>(i);
 }
 
-libavformat_demuxer::libavformat_demuxer(byte_source& from, container_kind kind, std::uint64_t most_bytes) : file(from)
+libavformat_demuxer::libavformat_demuxer(byte_source& from, container_kind kind, std::uint64_t most_bytes)
+    : file(from), tells_keys(kind != container_kind::transport_stream)
 {
     av_max_alloc(usual_most_memory + most_bytes);
     av_log_set_callback(take_log);
@@ -299,7 +301,7 @@ bool libavformat_demuxer::next(container_packet& to)
     to.pts = time_of(from.pts);
     to.dts = time_of(from.dts);
     to.duration = from.duration;
-    to.key = (from.flags & AV_PKT_FLAG_KEY) != 0;
+    to.key = tells_keys ? std::optional((from.flags & AV_PKT_FLAG_KEY) != 0) : std::nullopt;
     to.damaged = (from.flags & AV_PKT_FLAG_CORRUPT) != 0;
     ++taken;
     return true;

@@ -21,7 +21,7 @@ struct logged_packet {
     std::optional<std::int64_t> pts;
     std::optional<std::int64_t> dts;
     std::int64_t duration = 0;
-    bool key = false;
+    std::optional<bool> key;
 };
 
 class packet_log {
@@ -36,6 +36,7 @@ public:
     void add(const logged_packet& packet);
     /// Where the record lies, if that is known.
     void set_record(std::optional<std::uint64_t> position) { record = position; }
+    std::optional<std::uint64_t> record_place() const noexcept { return record; }
 
     /// The packet that holds the byte of the stream; null in a stream that is its file, and for the record.
     const logged_packet* find(std::uint64_t offset) const;
