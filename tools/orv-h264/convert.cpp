@@ -67,14 +67,14 @@ public:
         if (!waiting.empty()) // what is not handed back could not be kept
             throw std::bad_alloc();
         shown_progress.clear();
-        if (!any)
-            stop(exit_broken_stream, input.bytes_read(), describe_no_unit(input.bytes_read()));
-        pad(input.bytes_read() - passed);
-        output.flush();
-        tell_what_is_left_out();
         if (const container_stream* const container = input.in_container())
             for (const container_remark& remark : container->remarks())
                 tell(remark);
+        if (!any)
+            stop(exit_broken_stream, input.bytes_read(), describe_no_unit(input.is_empty()));
+        pad(input.bytes_read() - passed);
+        output.flush();
+        tell_what_is_left_out();
         return problems.status();
     }
 

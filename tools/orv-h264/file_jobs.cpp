@@ -1,17 +1,22 @@
 #include "file_jobs.h"
 
 #include "child_process.h"
+#include "container/demuxer.h"
 #include "messages.h"
 #include "path_list.h"
+#include "signatures.h"
 #include "standard_output.h"
 #include "stream_input.h"
 #include "terminal.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <csignal>
 #include <cstring>
 #include <deque>
+#include <filesystem>
+#include <fstream>
 #include <new>
 #include <optional>
 #include <system_error>
@@ -61,6 +66,24 @@ exit_status read_or_tell(const file_work& work, const std::string& path)
         return failed(exit_usage_or_io, "out of memory");
     } catch (const std::exception& error) {
         return failed(exit_usage_or_io, error.what());
+    }
+}
+
+/// By its head; what cannot be read is none.
+bool may_be_container(const std::string& path) noexcept
+{
+    constexpr std::size_t head_size = 2048;
+    try {
+        std::array<char, head_size> head = {};
+        std::ifstream file;
+        if (std::filesystem::is_regular_file(path))
+            file.open(path, std::ios::binary);
+        file.read(head.data(), head.size());
+        const std::optional<known_format> format =
+            format_by_signature({head.data(), static_cast<std::size_t>(file.gcount())});
+        return format && format->container != container_kind::none;
+    } catch (const std::exception&) {
+        return false;
     }
 }
 
@@ -157,6 +180,10 @@ private:
         if (started.path == "-" && std::exchange(input_taken, true))
             return;
         flush_output(); // or the process would have it, too
+        if (!demuxer_loaded && may_be_container(started.path)) {
+            load_demuxer(); // here once, and not in every child
+            demuxer_loaded = true;
+        }
         started.process.emplace([&] { return read_alone(work, started.path); });
         ++running;
     }
@@ -236,6 +263,7 @@ private:
     file_queue queue;
     const file_work& work;
     std::size_t at_once;
+    bool demuxer_loaded = false;
     bool input_taken;
     std::deque<job> jobs; // in order; the first ones may still be read, later ones have ended and wait for these
     std::size_t running = 0;

@@ -21,11 +21,11 @@ namespace orv_h264 {
 
 namespace {
 
-/// The columns of a run over many files, which are the same for all: those of a container are empty without one.
-json in_columns_of_many(const std::string& file, const picture_row& row, std::optional<container_ratio> tick)
+/// The columns of a run over many files.
+json in_columns(const std::string& file, const json& row)
 {
     json columns = {{"file", file}};
-    columns.update(json_of(row, tick.value_or(container_ratio{})));
+    columns.update(row);
     return columns;
 }
 
@@ -50,7 +50,7 @@ public:
             rows.finish(input.bytes_read());
         sorter.flush();
         if (!any)
-            problems.add(input.bytes_read(), describe_no_unit(input.bytes_read()));
+            problems.add(input.bytes_read(), describe_no_unit(input.is_empty()));
         tell_given_up();
         tell_container(input);
         print_totals();
@@ -90,7 +90,7 @@ private:
         else if (options.format == output_format::json)
             print_record(json_of(row, tick));
         else if (options.among_many)
-            print_row(options.format, in_columns_of_many(file, row, tick));
+            print_row(options.format, in_columns(file, json_of(row, tick.value_or(container_ratio()))));
         else
             print_row(options.format, json_of(row, tick));
         totals.add(row);
@@ -199,7 +199,7 @@ exit_status frames_of_files(const file_set& files, const frames_options& options
     if (one.format == output_format::text)
         work.between = "\n";
     else if (is_table(one.format))
-        print_column_names(one.format, in_columns_of_many("", picture_row(), {}));
+        print_column_names(one.format, in_columns("", json_of(picture_row(), container_ratio())));
     return read_files(files, work);
 }
 

@@ -32,7 +32,7 @@ exit_status info(const info_options& options)
     survey.finish(input.bytes_read());
     stream_summary& summary = survey.summary;
     if (!any)
-        summary.problems.add(input.bytes_read(), describe_no_unit(input.bytes_read()));
+        summary.problems.add(input.bytes_read(), describe_no_unit(input.is_empty()));
     if (const container_stream* const container = input.in_container()) {
         summary.problems.add(container->problems);
         summary.findings.add(container->findings);

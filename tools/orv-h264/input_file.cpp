@@ -67,8 +67,9 @@ std::size_t input_file::read(unsigned char* out, std::size_t size)
 
 std::size_t input_file::read_at(std::uint64_t from, unsigned char* out, std::size_t size) const
 {
-    if (from > static_cast<std::uint64_t>(std::numeric_limits<off_t>::max()))
-        return 0;
+    constexpr auto furthest = static_cast<std::uint64_t>(std::numeric_limits<off_t>::max());
+    if (size > furthest || from > furthest - size)
+        return 0; // no file is that large
     return check(again([&] { return ::pread(descriptor, out, size, static_cast<off_t>(from)); }), from);
 }
 

@@ -48,6 +48,8 @@ public:
     const std::string& name() const noexcept { return file.name(); }
     /// Of the stream.
     std::uint64_t bytes_read() const noexcept { return container ? container->bytes() : file.bytes_read(); }
+    /// Not a byte was there to read; a container holds some.
+    bool is_empty() const noexcept { return !container && file.bytes_read() == 0; }
     /// The bytes of the whole input, where it is a file.
     std::optional<std::uint64_t> size() const { return file.size(); }
     h264::framing framing() const noexcept { return frames; }

@@ -22,7 +22,7 @@ exit_status unit_run::run(stream_input& input)
     const bool any = input.read_units(*this, [this] { return enough(); });
     stream.flush(*this);
     if (!any)
-        complain(nullptr, input.bytes_read(), describe_no_unit(input.bytes_read()), true);
+        complain(nullptr, input.bytes_read(), describe_no_unit(input.is_empty()), true);
     if (const container_stream* const container = input.in_container())
         for (const container_remark& remark : container->remarks())
             complain(nullptr, remark.offset, remark.text, remark.is_problem);

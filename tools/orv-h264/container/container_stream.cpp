@@ -74,10 +74,17 @@ bool is_record(std::span<const unsigned char> bytes)
     return !bytes.empty() && bytes[0] == 1;
 }
 
+bool begins_with_start_code(std::span<const unsigned char> bytes)
+{
+    const std::size_t zeros = bytes.size() > 2 && bytes[2] == 0 ? 3 : 2;
+    return bytes.size() > zeros && bytes[0] == 0 && bytes[1] == 0 && bytes[zeros] == 1;
+}
+
 } // namespace
 
 container_stream::container_stream(input_file& in, input_window& window, container_kind which,
-                                   std::optional<unsigned> number, std::uint64_t most_unit_bytes)
+                                   std::optional<unsigned> number, std::uint64_t most_unit_bytes,
+                                   open_container_function* open_container)
     : file(in),
       format(which),
       bytes_of_file(std::make_unique<opened_file>(in, window)),
@@ -85,18 +92,19 @@ container_stream::container_stream(input_file& in, input_window& window, contain
       finder(in),
       splitter(h264::framing::annex_b, static_cast<std::size_t>(most_unit_bytes))
 {
-    open();
+    open(open_container);
     choose(number);
     take_record(source->record());
+    if (!is_record(record_bytes) && keeps_packets_whole(format))
+        guess_framing();
     if (format == container_kind::mp4 && file.is_seekable())
         list_of_edits = read_edit_list(file, track().id);
     own_offsets = frames != h264::framing::annex_b &&
                   (format == container_kind::mp4 || (keeps_packets_whole(format) && file.is_seekable()));
 }
 
-void container_stream::open()
+void container_stream::open(open_container_function* open_container)
 {
-    open_container_function* const open_container = load_demuxer();
     if (open_container == nullptr)
         throw refusal(exit_not_supported,
                       fmt::format("{}: this is {}, and there is no libavformat here to read it with; "
@@ -143,6 +151,21 @@ void container_stream::take_record(std::span<const unsigned char> bytes)
         set.offset += packet_log::record_begin;
         record_store.push(h264::unit_view{set.bytes, set.size});
     }
+}
+
+/// These containers have a record. Where it is not there or damaged, packets have lengths of 4 bytes nearly everywhere;
+/// some writers put start codes into them.
+void container_stream::guess_framing()
+{
+    container_packet first;
+    if (!source->next(first))
+        return;
+    ahead = first;
+    if (begins_with_start_code(first.bytes))
+        return;
+    frames = h264::framing::length_4;
+    problems.add(log.shown(packet_log::record_begin),
+                 "no decoder configuration record that can be read: lengths of 4 bytes are assumed");
 }
 
 /// Takes the size of the length prefixes over.
@@ -194,10 +217,19 @@ private:
     h264::split_sink& next;
 };
 
+bool container_stream::next(container_packet& packet)
+{
+    if (!ahead)
+        return source->next(packet);
+    packet = *ahead;
+    ahead.reset();
+    return true;
+}
+
 bool container_stream::read_packet(h264::split_sink& to)
 {
     container_packet packet;
-    const bool any = source->next(packet);
+    const bool any = next(packet);
     for (const container_message& message : source->take_messages())
         problems.add(message.offset, "libavformat: " + message.text);
     if (!any)
@@ -226,9 +258,17 @@ void container_stream::finish(h264::split_sink& to)
     if (frames == h264::framing::annex_b)
         splitter.flush(to);
     if (const std::string why = source->failure(); !why.empty())
-        problems.add(source->position(), "the container cannot be read further: " + why);
+        problems.add(source->position(), "the container cannot be read further: " + why + hint());
     else if (const std::uint64_t missing = source->missing(); missing != 0)
         problems.add(source->position(), fmt::format("the container announces {} further packets", missing));
+}
+
+/// The usual reason why an MP4 file cannot be read in order.
+const char* container_stream::hint() const
+{
+    return format == container_kind::mp4 && !file.is_seekable() && packet_count == 0
+               ? "; its tables (moov) may lie behind the media data, which cannot be read again here: give it as a file"
+               : "";
 }
 
 std::vector<container_remark> container_stream::remarks() const
@@ -278,6 +318,8 @@ void container_stream::change_record(std::span<const unsigned char> bytes, logge
     if (std::equal(bytes.begin(), bytes.end(), current_record.begin(), current_record.end()))
         return;
     current_record.assign(bytes.begin(), bytes.end());
+    if (!is_record(bytes))
+        return problems.add(placed.position, "another decoder configuration record, which cannot be read");
     findings.add(placed.position, "another decoder configuration record holds from here on");
     placed.begin = stream_end;
     placed.whole = false;

@@ -34,9 +34,9 @@ struct container_remark {
 class container_stream {
 public:
     /// Takes the track with this number, or the first one of H.264. Throws refusal when there is none, the file cannot
-    /// be opened as what it is, or there is nobody to open it.
+    /// be opened as what it is, or there is nobody to open it (null).
     container_stream(input_file& file, input_window& window, container_kind which, std::optional<unsigned> number,
-                     std::uint64_t most_unit_bytes);
+                     std::uint64_t most_unit_bytes, open_container_function* open_container = load_demuxer());
 
     container_kind kind() const noexcept { return format; }
     const std::vector<container_track>& tracks() const noexcept { return all_tracks; }
@@ -72,11 +72,14 @@ public:
 private:
     class packet_units;
 
-    void open();
+    void open(open_container_function* open_container);
     void choose(std::optional<unsigned> number);
+    bool next(container_packet& packet);
     void take_record(std::span<const unsigned char> bytes);
+    void guess_framing();
     std::vector<h264::split_unit> read_sets(std::span<const unsigned char> bytes, std::uint64_t at);
     void find_record();
+    const char* hint() const;
     void change_record(std::span<const unsigned char> bytes, logged_packet placed, h264::split_sink& to);
     logged_packet place(const container_packet& packet);
     void find(const container_packet& packet, logged_packet& placed);
@@ -96,6 +99,8 @@ private:
     std::vector<unsigned char> current_record; // it may change
     std::vector<h264::split_unit> sets;        // in record_bytes
     h264::parameter_set_store record_store;
+
+    std::optional<container_packet> ahead; // that was read to tell the framing
 
     edit_list list_of_edits;
     packet_log log;
