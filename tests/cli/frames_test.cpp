@@ -496,8 +496,9 @@ TEST(Frames, WhatCannotBeReadEndsIt)
     EXPECT_NE(std::string::npos, missing.err.find("/nonexistent/stream.264"));
     const temporary_file junk(bytes(50, 0xEE));
     EXPECT_EQ(2, run_tool({"frames", junk.path()}).status);
-    const temporary_file container(support::stream_builder().prefix(4, 24).raw({'f', 't', 'y', 'p'}).zeros(16));
-    EXPECT_EQ(3, run_tool({"frames", container.path()}).status);
+    const temporary_file avi(
+        support::stream_builder().raw({'R', 'I', 'F', 'F', 0, 0, 0, 0, 'A', 'V', 'I', ' '}).zeros(16));
+    EXPECT_EQ(3, run_tool({"frames", avi.path()}).status);
     EXPECT_EQ(2, run_tool({"frames"}).status);
     EXPECT_EQ(2, run_tool({"frames", "--limit", "many", junk.path()}).status);
     EXPECT_EQ(2, run_tool({"frames", "--only", "7", junk.path()}).status) << "an option of inspect";

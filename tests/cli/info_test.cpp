@@ -457,8 +457,9 @@ TEST(Info, WhatCannotBeReadEndsIt)
     const temporary_file junk(bytes(50, 0xEE));
     EXPECT_EQ(2, run_tool({"info", junk.path()}).status);
     EXPECT_EQ("", run_tool({"info", junk.path()}).out);
-    const temporary_file container(support::stream_builder().prefix(4, 24).raw({'f', 't', 'y', 'p'}).zeros(16));
-    EXPECT_EQ(3, run_tool({"info", container.path()}).status);
+    const temporary_file avi(
+        support::stream_builder().raw({'R', 'I', 'F', 'F', 0, 0, 0, 0, 'A', 'V', 'I', ' '}).zeros(16));
+    EXPECT_EQ(3, run_tool({"info", avi.path()}).status);
     EXPECT_EQ(2, run_tool({"info", "--limit", "3", junk.path()}).status) << "an option of others";
     const temporary_file file(rich_stream());
     EXPECT_EQ(2, run_tool({"info", file.path()}, {.out_path = "/dev/full"}).status);

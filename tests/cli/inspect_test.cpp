@@ -279,11 +279,11 @@ TEST(Inspect, WhatIsNotRecognisedNeedsAFormat)
     }
 }
 
-TEST(Inspect, AContainerIsRecognisedButNotSupported)
+TEST(Inspect, AContainerThatIsNotReadIsRecognised)
 {
-    const temporary_file file(stream_builder().prefix(4, 24).raw({'f', 't', 'y', 'p'}).zeros(16));
+    const temporary_file file(stream_builder().raw({'R', 'I', 'F', 'F', 0, 0, 0, 0, 'A', 'V', 'I', ' '}).zeros(16));
     const tool_result result = run_tool({"inspect", "--nals", file.path()});
-    EXPECT_EQ(result.err, "orv-h264: " + file.path() + ": this is MP4; take the H.264 stream out of it first\n");
+    EXPECT_EQ(result.err, "orv-h264: " + file.path() + ": this is AVI; take the H.264 stream out of it first\n");
     EXPECT_EQ(result.status, 3);
 }
 

@@ -21,6 +21,7 @@ const bytes hevc = stream_builder()
                        .annexb_unit(0x40, {1, 0x0C, 1, 0xFF, 0xFF})
                        .annexb_unit(0x42, {1, 1, 1, 0x60})
                        .annexb_unit(0x44, {1, 0xC1, 0x72});
+const bytes avi = {'R', 'I', 'F', 'F', 0, 0, 0, 0, 'A', 'V', 'I', ' '};
 const bytes mp4 = {0, 0, 0, 24, 'f', 't', 'y', 'p', 'i', 's', 'o', 'm'};
 const bytes record = stream_builder()
                          .raw({1, 0x4D, 0x40, 0x0B, 0xFF, 0xE1})
@@ -65,7 +66,7 @@ TEST_P(Recognition, NamesOtherFormatsAndRefusesThemWithStatus3)
 {
     const std::string advice = GetParam() == "avcc" ? "" : "; if it is, name its framing with --format";
     expect_refused(hevc, 3, "this is HEVC video, not H.264" + advice);
-    expect_refused(mp4, 3, "this is MP4; take the H.264 stream out of it first");
+    expect_refused(avi, 3, "this is AVI; take the H.264 stream out of it first");
     expect_refused({'f', 'L', 'a', 'C', 0, 0, 0, 34}, 3, "this is FLAC audio, not H.264" + advice);
 }
 

@@ -45,11 +45,15 @@ public:
           input(from),
           output(chosen.to.value_or(h264::framing::annex_b), into),
           problems(from.name()),
-          shown_progress(from.size())
+          shown_progress(from.size()),
+          adds_sets(!chosen.parameter_sets.empty() || !from.record_sets().empty())
     {
-        if (options.parameter_sets.empty())
+        if (!options.parameter_sets.empty())
+            read_record(options.parameter_sets, sets);
+        for (const h264::split_unit& set : from.record_sets())
+            sets.push(h264::unit_view{set.bytes, set.size});
+        if (!adds_sets)
             return;
-        read_record(options.parameter_sets, sets);
         nobody ignores; // pictures are told apart with these sets, which belong to none
         for (const h264::unit_view& set : sets.all())
             pictures.push({set.bytes, set.size, 0, 0}, ignores);
@@ -63,8 +67,11 @@ public:
         if (!waiting.empty()) // what is not handed back could not be kept
             throw std::bad_alloc();
         shown_progress.clear();
+        if (const container_stream* const container = input.in_container())
+            for (const container_remark& remark : container->remarks())
+                tell(remark);
         if (!any)
-            stop(exit_broken_stream, input.bytes_read(), describe_no_unit(input.bytes_read()));
+            stop(exit_broken_stream, input.bytes_read(), describe_no_unit(input.is_empty()));
         pad(input.bytes_read() - passed);
         output.flush();
         tell_what_is_left_out();
@@ -89,8 +96,8 @@ public:
             complain(begin, "unit whose header has the forbidden bit set");
         const framed_unit framed = {{u.bytes, u.size}, begin, u.framing_size, begin - passed};
         passed = u.offset + u.size;
-        shown_progress.tell(u.offset);
-        if (options.parameter_sets.empty()) {
+        shown_progress.tell(input.packets().shown(u.offset));
+        if (!adds_sets) {
             keep_set(framed);
             return write(framed);
         }
@@ -151,7 +158,7 @@ private:
     void keep_set(const framed_unit& u)
     {
         using h264::set_arrival;
-        if (options.avcc.empty() && options.parameter_sets.empty())
+        if (options.avcc.empty() && !adds_sets)
             return;
         const set_arrival arrival = sets.push(h264::unit_view{u.bytes.data(), u.bytes.size()});
         changed_sets += arrival == set_arrival::changed ? 1 : 0;
@@ -203,15 +210,21 @@ private:
                                     input.name(), padding, plural(padding), paddings, plural(paddings)));
     }
 
-    void complain(std::uint64_t offset, const std::string& what)
+    void complain(std::uint64_t offset, const std::string& what) { tell({input.packets().shown(offset), what, true}); }
+
+    void tell(const container_remark& remark)
     {
         shown_progress.clear();
-        problems.add(offset, what);
+        if (remark.is_problem)
+            problems.add(remark.offset, remark.text);
+        else
+            problems.note(remark.offset, remark.text);
     }
 
     [[noreturn]] void stop(exit_status status, std::uint64_t offset, const std::string& why)
     {
-        throw refusal(status, fmt::format("{}: offset {}: {}; conversion stopped", input.name(), offset, why));
+        throw refusal(status, fmt::format("{}: offset {}: {}; conversion stopped", input.name(),
+                                          input.packets().shown(offset), why));
     }
 
     const convert_options& options;
@@ -219,8 +232,9 @@ private:
     unit_writer output;
     complaints problems;
     progress shown_progress;
+    bool adds_sets; // before pictures that lack them
     h264::parameter_set_store sets;
-    h264::access_units pictures;                  // with --parameter-sets
+    h264::access_units pictures;                  // where sets are added
     std::map<std::uint64_t, framed_unit> waiting; // for their pictures, by number
     std::uint64_t count = 0;                      // of units
     std::uint64_t passed = 0;                     // bytes of the input up to the end of the last unit or gap

@@ -1,5 +1,6 @@
 #include "explain.h"
 
+#include "container/show_container.h"
 #include "element_text.h"
 #include "json_output.h"
 #include "loss_texts.h"
@@ -133,7 +134,10 @@ bool is_slice(unsigned type)
 class explanation final : public unit_run {
 public:
     explanation(const explain_options& chosen, const stream_input& from)
-        : unit_run(from.name(), false), options(chosen), framing(from.framing())
+        : unit_run(from.name(), false),
+          options(chosen),
+          framing(from.framing()),
+          among_others(from.in_container() != nullptr && from.in_container()->has_own_offsets())
     {
     }
 
@@ -142,6 +146,8 @@ public:
         object = json_head("orv-h264/explain", input.name());
         object["offset"] = options.offset;
         object["bit"] = options.bit ? json(*options.bit) : json();
+        if (input.in_container() != nullptr)
+            tell_container(*input.in_container());
         run(input);
         if (what.empty())
             take_end(input);
@@ -151,10 +157,20 @@ public:
     }
 
 private:
+    void tell_container(const container_stream& of)
+    {
+        object["container"] = orv_h264::json_of(of);
+        container = text_of(of);
+        if (!of.has_own_offsets())
+            container += "; places count in the stream that they make";
+    }
+
     bool enough() const override { return !what.empty(); }
 
     h264::visitor* before(const listed_unit& unit) override
     {
+        if (among_others && !holds(unit))
+            return nullptr;
         if (options.offset >= unit.place.offset + unit.place.size) {
             behind = unit.place.offset + unit.place.size;
             return nullptr;
@@ -200,16 +216,21 @@ private:
 
     void complain(const listed_unit* unit, std::uint64_t offset, const std::string& about, bool is_problem) override
     {
-        const bool of_the_unit = unit != nullptr && options.offset >= unit->begin() &&
-                                 options.offset < unit->place.offset + unit->place.size;
-        if (!of_the_unit)
+        if (unit == nullptr || !holds(*unit))
             return;
         broken = broken || is_problem;
         object["wrong"].push_back({{"offset", offset}, {"message", about}});
     }
 
+    bool holds(const listed_unit& unit) const
+    {
+        return options.offset >= unit.begin() && options.offset < unit.place.offset + unit.place.size;
+    }
+
     std::string framing_text(const listed_unit& unit) const
     {
+        if (unit.in_record)
+            return "length of a parameter set in the decoder configuration record (ISO/IEC 14496-15 5.3.3.1)";
         if (framing != h264::framing::annex_b)
             return fmt::format("length prefix of {} bytes", unit.framing_size);
         return unit.framing_size == 4 && options.offset == unit.begin() ? "zero_byte before a start code (H.264 B.1)"
@@ -254,6 +275,8 @@ private:
         object["unit"] = {{"number", unit.place.number},       {"offset", unit.begin()},
                           {"framing_size", unit.framing_size}, {"length", unit.place.size},
                           {"nal_unit_type", unit.type()},      {"name", brenik::h264_nal_unit_type_to_str(type)}};
+        if (unit.packet)
+            object["unit"]["packet_offset"] = *unit.packet;
     }
 
     void add_elements()
@@ -291,6 +314,14 @@ private:
     /// Behind the last unit.
     void take_end(const stream_input& input)
     {
+        if (among_others) {
+            if (options.offset >= input.size().value_or(options.offset + 1))
+                throw refusal(exit_usage_or_io, fmt::format("{}: offset {} lies behind the end, at {}", input.name(),
+                                                            options.offset, *input.size()));
+            what = fmt::format("no unit of track {}: the container's own, or another track's",
+                               input.in_container()->track().number);
+            return;
+        }
         if (options.offset >= input.bytes_read())
             throw refusal(exit_usage_or_io, fmt::format("{}: offset {} lies behind the end, at {}", input.name(),
                                                         options.offset, input.bytes_read()));
@@ -313,6 +344,8 @@ private:
 
     void print_text() const
     {
+        if (!container.empty())
+            print_line("Container", container);
         print_line("Place", options.bit ? fmt::format("byte {}, bit {}", options.offset, *options.bit)
                                         : fmt::format("byte {}", options.offset));
         print_line("What", what);
@@ -362,8 +395,10 @@ private:
 
     const explain_options& options;
     h264::framing framing;
+    bool among_others; // units, in a file that has more than them
     json object;
-    std::string what; // "" until it is found
+    std::string container; // as text
+    std::string what;      // "" until it is found
     std::optional<element_window> found;
     std::optional<registered_trace> source;
     bit_range wanted;

@@ -1,10 +1,12 @@
 #include "frames.h"
 
+#include "container/show_container.h"
 #include "framing.h"
 #include "loss_texts.h"
 #include "messages.h"
 #include "output_sorter.h"
 #include "picture_rows.h"
+#include "printable.h"
 #include "show_rows.h"
 #include "standard_output.h"
 #include "table_output.h"
@@ -19,24 +21,38 @@ namespace orv_h264 {
 
 namespace {
 
+/// The columns of a run over many files.
+json in_columns(const std::string& file, const json& row)
+{
+    json columns = {{"file", file}};
+    columns.update(row);
+    return columns;
+}
+
 class row_list final : row_sink {
 public:
     row_list(const frames_options& chosen, const std::string& name)
-        : options(chosen), problems(name, chosen.format == output_format::json)
+        : options(chosen), file(name), problems(name, chosen.format == output_format::json, chosen.among_many)
     {
     }
 
     exit_status run(stream_input& input)
     {
+        if (input.in_container() != nullptr) {
+            tick = input.in_container()->track().tick;
+            check.emplace(*tick);
+        }
         print_head(input);
-        picture_rows rows(options.split_fields, options.stream.max_unit, *this);
+        picture_rows rows(options.split_fields, options.stream.max_unit, *this, &input.packets());
+        rows.begin_with(input.record_sets());
         const bool any = input.read_units(rows, [this] { return is_done(); });
         if (!is_done())
             rows.finish(input.bytes_read());
         sorter.flush();
         if (!any)
-            problems.add(input.bytes_read(), describe_no_unit(input.bytes_read()));
+            problems.add(input.bytes_read(), describe_no_unit(input.is_empty()));
         tell_given_up();
+        tell_container(input);
         print_totals();
         return problems.status();
     }
@@ -46,6 +62,8 @@ private:
 
     void row(picture_row&& row) override
     {
+        if (check && !is_done())
+            check->add(row);
         if (options.output_order)
             sorter.add(std::move(row));
         else
@@ -68,13 +86,17 @@ private:
         if (row.given_up && given_up++ == 0)
             first_given_up = row.offset;
         if (options.format == output_format::text)
-            write_output(text_of(row) + '\n');
+            write_output(text_of(row, tick) + '\n');
         else if (options.format == output_format::json)
-            print_json(json_of(row));
+            print_record(json_of(row, tick));
+        else if (options.among_many)
+            print_row(options.format, in_columns(file, json_of(row, tick.value_or(container_ratio()))));
         else
-            print_row(options.format, json_of(row));
+            print_row(options.format, json_of(row, tick));
         totals.add(row);
     }
+
+    void print_record(const json& record) const { print_json(options.among_many ? record_of(file, record) : record); }
 
     void tell(const row_problem& problem)
     {
@@ -83,6 +105,18 @@ private:
             problems.note(problem.offset, problem.message + size);
         else
             problems.add(problem.offset, problem.message + size);
+    }
+
+    void tell_container(const stream_input& input)
+    {
+        if (const container_stream* const container = input.in_container())
+            for (const container_remark& remark : container->remarks())
+                tell({remark.offset, remark.text, 0, !remark.is_problem});
+        if (!check || is_done()) // of a part nobody can tell
+            return;
+        check->finish();
+        for (const problem_kind& kind : check->findings().kinds())
+            tell({kind.first_offset, describe_without_offset(kind), 0, true});
     }
 
     void tell_given_up()
@@ -98,15 +132,21 @@ private:
     void print_head(const stream_input& input) const
     {
         if (options.format == output_format::text) {
-            write_output(emphasised(stdout, emphasis::strong, row_heading()) + '\n');
+            if (options.among_many)
+                write_output(fmt::format("File  {}\n", printable(file)));
+            if (input.in_container() != nullptr)
+                write_output(text_of(*input.in_container()) + '\n');
+            write_output(emphasised(stdout, emphasis::strong, row_heading(tick.has_value())) + '\n');
         } else if (options.format == output_format::json) {
             json head = json_first_line("orv-h264/frames", input.name());
             head["framing"] = framing_name(input.framing());
             head["split_fields"] = options.split_fields;
             head["output_order"] = options.output_order;
+            if (input.in_container() != nullptr)
+                head["container"] = json_of(*input.in_container());
             print_json(head);
-        } else {
-            print_column_names(options.format, json_of(picture_row()));
+        } else if (!options.among_many) {
+            print_column_names(options.format, json_of(picture_row(), tick));
         }
     }
 
@@ -115,11 +155,14 @@ private:
         if (options.format == output_format::text)
             write_output(text_of(totals, options.split_fields) + '\n');
         else if (options.format == output_format::json)
-            print_json(json_of(totals));
+            print_record(json_of(totals));
     }
 
     const frames_options& options;
+    const std::string& file;
     complaints problems;
+    std::optional<container_ratio> tick; // of the container
+    std::optional<container_check> check;
     frame_totals totals;
     std::uint64_t given_up = 0;
     std::uint64_t first_given_up = 0; // its offset
@@ -132,6 +175,32 @@ exit_status frames(const frames_options& options)
 {
     stream_input input(options.stream);
     return row_list(options, input.name()).run(input);
+}
+
+exit_status frames_of_files(const file_set& files, const frames_options& options)
+{
+    frames_options one = options;
+    if (files.is_one()) {
+        one.stream.path = files.paths.front();
+        return frames(one);
+    }
+    one.among_many = true;
+    file_work work;
+    work.read = [&one](const std::string& path) {
+        one.stream.path = path;
+        return frames(one);
+    };
+    work.print_failure = [&one](const std::string& file, const json& failure) {
+        json record = {{"record", "error"}, {"file", file}};
+        record.update(failure);
+        if (one.format == output_format::json)
+            print_json(record);
+    };
+    if (one.format == output_format::text)
+        work.between = "\n";
+    else if (is_table(one.format))
+        print_column_names(one.format, in_columns("", json_of(picture_row(), container_ratio())));
+    return read_files(files, work);
 }
 
 } // namespace orv_h264

@@ -8,6 +8,9 @@
 
 namespace orv_h264 {
 
+/// What messages call the input at `path`.
+std::string input_name(const std::string& path);
+
 /// An input opened for reading. Errors are thrown as std::system_error, with the name and the offset in the text.
 class input_file {
 public:
@@ -20,6 +23,13 @@ public:
     /// Reads up to `size` bytes, as many as are there, and waits for the first; 0 at the end.
     std::size_t read(unsigned char* out, std::size_t size);
 
+    /// Reads up to `size` bytes from `from` on, as many as the file has there, and leaves read() where it is. For a
+    /// file that is_seekable() alone.
+    std::size_t read_at(std::uint64_t from, unsigned char* out, std::size_t size) const;
+
+    /// It is a regular file, opened at its start.
+    bool is_seekable() const;
+
     /// How many bytes were read so far.
     std::uint64_t bytes_read() const noexcept { return offset; }
 
@@ -29,9 +39,15 @@ public:
     /// The name for messages.
     const std::string& name() const noexcept { return shown_name; }
 
+    /// To be polled before a read that is not to wait.
+    int file_descriptor() const noexcept { return descriptor; }
+
 private:
+    std::size_t check(std::ptrdiff_t count, std::uint64_t at) const;
+
     std::string shown_name;
     int descriptor;
+    bool from_start = false; // nobody has read of it before
     std::uint64_t offset = 0;
 };
 

@@ -1,5 +1,6 @@
 #include "inspect.h"
 
+#include "container/show_container.h"
 #include "element_rows.h"
 #include "framing.h"
 #include "json_output.h"
@@ -99,7 +100,11 @@ exit_status inspect(const inspect_options& options)
     if (options.format == output_format::json) {
         json head = json_first_line("orv-h264/inspect", input.name());
         head["framing"] = framing_name(input.framing());
+        if (input.in_container() != nullptr)
+            head["container"] = json_of(*input.in_container());
         print_json(head);
+    } else if (input.in_container() != nullptr) {
+        write_output(text_of(*input.in_container()) + '\n');
     }
     return unit_inspection(options, input.name()).run(input);
 }

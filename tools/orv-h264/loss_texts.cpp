@@ -45,9 +45,9 @@ std::string describe_cut(const h264::split_unit& unit)
     return fmt::format("unit of {} bytes runs past the end of the input", unit.stated_length);
 }
 
-std::string describe_no_unit(std::uint64_t bytes)
+std::string describe_no_unit(bool input_is_empty)
 {
-    return bytes == 0 ? "no NAL unit found: the input is empty" : "no NAL unit found";
+    return input_is_empty ? "no NAL unit found: the input is empty" : "no NAL unit found";
 }
 
 } // namespace orv_h264

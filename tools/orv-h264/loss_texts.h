@@ -19,8 +19,8 @@ std::string describe_with_size(const h264::split_gap& gap, std::uint64_t most_by
 /// Of a unit that is cut.
 std::string describe_cut(const h264::split_unit& unit);
 
-/// Of an input of so many bytes without any unit.
-std::string describe_no_unit(std::uint64_t bytes);
+/// Of an input without any unit.
+std::string describe_no_unit(bool input_is_empty);
 
 /// Where the framing of the unit begins.
 constexpr std::uint64_t begin_of(const h264::split_unit& unit)

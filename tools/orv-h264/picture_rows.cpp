@@ -53,7 +53,7 @@ void picture_rows::unit(const h264::split_unit& unit)
 {
     add_padding(begin_of(unit));
     end = unit.offset + unit.size;
-    fed.push_back({begin_of(unit), end, 0});
+    fed.push_back({begin_of(unit), unit.offset, end, 0});
     if (unit.cut)
         problems.push_back({begin_of(unit), orv_h264::describe_cut(unit)});
     if ((unit.bytes[0] & 0x80) != 0)
@@ -61,6 +61,15 @@ void picture_rows::unit(const h264::split_unit& unit)
     constexpr bool not_copied = true; // nobody looks at the bytes of an access unit
     units.push({unit.bytes, unit.size, unit.offset, first_fed + fed.size() - 1}, *this, not_copied);
     tell_ready();
+}
+
+void picture_rows::begin_with(std::span<const h264::split_unit> sets)
+{
+    for (const h264::split_unit& set : sets)
+        unit(set);
+    units.flush(*this);
+    end = 0;
+    end_is_open = false;
 }
 
 void picture_rows::gap(const h264::split_gap& gap)
@@ -82,8 +91,7 @@ void picture_rows::finish(std::uint64_t stream_end)
     finished = true;
     end_is_open = false;
     tell_ready();
-    for (; !problems.empty(); problems.pop_front())
-        to.problem(problems.front());
+    tell_problems(0);
 }
 
 // The zero bytes in front of what begins here are those of the newest unit.
@@ -129,6 +137,7 @@ picture_rows::waiting_row& picture_rows::row_of(const h264::access_unit& unit, c
     waiting_row& added = waiting.emplace_back();
     added.row.picture = of.number;
     added.row.offset = fed_of(unit.parts.front()).begin;
+    added.header = fed_of(unit.parts.front()).header;
     added.tick = tick_of(unit);
     return added;
 }
@@ -264,18 +273,42 @@ void picture_rows::tell_ready()
 {
     while (next_is_ready())
         tell_next();
-    for (; problems.size() > most_waiting_problems; problems.pop_front())
+    tell_problems(most_waiting_problems);
+}
+
+/// All but so many.
+void picture_rows::tell_problems(std::size_t kept)
+{
+    for (; problems.size() > kept; problems.pop_front()) {
+        problems.front().offset = shown(problems.front().offset);
         to.problem(problems.front());
+    }
 }
 
 void picture_rows::tell_next()
 {
     picture_row row = std::move(waiting.front().row);
     row.given_up = !waiting.front().settled && !finished;
+    const std::uint64_t header = waiting.front().header;
     waiting.pop_front();
     waiting_units -= row.units.size() + row.problems.size();
     row.number = row_count++;
+    place_in_file(row, header);
     to.row(std::move(row));
+}
+
+// The packet has the time of the first picture that begins in it, ISO/IEC 13818-1 2.4.3.7.
+void picture_rows::place_in_file(picture_row& row, std::uint64_t header)
+{
+    row.in_stream = row.offset;
+    row.offset = shown(row.offset);
+    for (row_problem& problem : row.problems)
+        problem.offset = shown(problem.offset);
+    const logged_packet* const packet = packets != nullptr ? packets->find(header) : nullptr;
+    if (packet != nullptr && packet->number != last_packet)
+        row.packet = *packet;
+    if (packet != nullptr)
+        last_packet = packet->number;
 }
 
 } // namespace orv_h264

@@ -4,12 +4,15 @@
 // without.
 #pragma once
 
+#include "container/packet_log.h"
+
 #include <orv-utils-v4/h264_syntax.h>
 
 #include <cstddef>
 #include <cstdint>
 #include <deque>
 #include <optional>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -47,7 +50,8 @@ struct picture_row {
     std::optional<std::uint64_t> output_number; ///< of its picture in output order, from 0; not told where not output
     bool given_up = false;                      ///< its output number would have come after too many other pictures
 
-    std::uint64_t offset = 0;     ///< of the framing of its first unit
+    std::uint64_t offset = 0;     ///< of the framing of its first unit, in the file; or that of the packet it begins in
+    std::uint64_t in_stream = 0;  ///< the same in the stream
     std::uint64_t size = 0;       ///< from there to the end of its last unit
     std::uint64_t unit_bytes = 0; ///< of its units with their framing: `size` without what lies between them
     std::uint64_t padding = 0;    ///< zero bytes between its units, and behind the last one up to the next unit
@@ -73,6 +77,8 @@ struct picture_row {
     h264::exact_time pts;
     h264::exact_time dts;
     h264::time_source time_source = h264::time_source::none;
+
+    std::optional<logged_packet> packet; ///< of a container: the one that it is the first to begin in
 
     bool cut = false;                  ///< it has more units or bytes than the library keeps
     bool last = false;                 ///< it ends with the input
@@ -108,12 +114,15 @@ public:
     /// The most problems that wait for a row.
     static constexpr std::size_t most_waiting_problems = 1024;
 
-    /// Each field is a row of its own when they are split. `most_unit_bytes` is the limit of the splitter.
-    picture_rows(bool split_fields, std::uint64_t most_unit_bytes, row_sink& sink)
-        : split(split_fields), most_bytes(most_unit_bytes), to(sink)
+    /// Each field is a row of its own when they are split. `most_unit_bytes` is the limit of the splitter, `log` tells
+    /// where the bytes of the stream lie in its file.
+    picture_rows(bool split_fields, std::uint64_t most_unit_bytes, row_sink& sink, const packet_log* log = nullptr)
+        : split(split_fields), most_bytes(most_unit_bytes), to(sink), packets(log)
     {
     }
 
+    /// Parameter sets that hold before the first unit, and belong to no row.
+    void begin_with(std::span<const h264::split_unit> sets);
     void unit(const h264::split_unit& unit) override;
     void gap(const h264::split_gap& gap) override;
     /// The stream has ended, and has so many bytes. All rows that are left are told.
@@ -124,15 +133,17 @@ public:
 
 private:
     struct fed_unit {
-        std::uint64_t begin; // of its framing
+        std::uint64_t begin;  // of its framing
+        std::uint64_t header; // behind that
         std::uint64_t end;
         std::uint64_t padding; // behind it; of the newest unit not all is known
     };
     struct waiting_row {
         picture_row row;
-        h264::ratio tick;      // seconds a field
-        bool complete = false; // all fields have come
-        bool settled = false;  // its output is known
+        std::uint64_t header = 0; // where its first unit has it
+        h264::ratio tick;         // seconds a field
+        bool complete = false;    // all fields have come
+        bool settled = false;     // its output is known
     };
     using row_place = std::deque<waiting_row>::iterator;
 
@@ -153,11 +164,16 @@ private:
     bool waits_for_too_long() const;
     void tell_ready();
     void tell_next();
+    void tell_problems(std::size_t kept);
+    void place_in_file(picture_row& row, std::uint64_t header);
+    std::uint64_t shown(std::uint64_t offset) const { return packets != nullptr ? packets->shown(offset) : offset; }
     const fed_unit& fed_of(const h264::access_unit_part& part) const { return fed[part.place.number - first_fed]; }
 
     bool split;
     std::uint64_t most_bytes;
     row_sink& to;
+    const packet_log* packets;
+    std::optional<std::uint64_t> last_packet; // in which a row began
     h264::access_units units;
     h264::pictures pictures{h264::output_mode::early};
     std::deque<fed_unit> fed; // those that no access unit has taken yet

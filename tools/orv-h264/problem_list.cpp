@@ -22,23 +22,34 @@ std::string without_numbers(const std::string& message)
 
 } // namespace
 
-void problem_list::add(std::uint64_t offset, const std::string& message, std::uint64_t bytes)
+void problem_list::add(const problem_kind& more)
 {
     const bool room = place.size() < most_kinds;
-    const std::string shape = without_numbers(message);
+    const std::string shape = without_numbers(more.message);
     const bool known = place.contains(shape);
     const auto [found, is_new] = place.try_emplace(known || room ? shape : "", list.size());
     if (is_new)
-        list.push_back({known || room ? message : "further problems", offset, offset, 0, 0});
+        list.push_back({known || room ? more.message : "further problems", more.first_offset, 0, 0, 0});
     problem_kind& kind = list[found->second];
-    kind.last_offset = offset;
-    kind.bytes += bytes;
-    ++kind.count;
+    kind.last_offset = more.last_offset;
+    kind.bytes += more.bytes;
+    kind.count += more.count;
+}
+
+void problem_list::add(const problem_list& others)
+{
+    for (const problem_kind& kind : others.list)
+        add(kind);
 }
 
 std::string describe(const problem_kind& kind)
 {
-    std::string text = fmt::format("offset {}: {}", kind.first_offset, kind.message);
+    return fmt::format("offset {}: {}", kind.first_offset, describe_without_offset(kind));
+}
+
+std::string describe_without_offset(const problem_kind& kind)
+{
+    std::string text = kind.message;
     if (kind.bytes > 0)
         text += fmt::format(", {} bytes", kind.bytes);
     if (kind.count > 1)

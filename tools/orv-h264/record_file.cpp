@@ -13,13 +13,6 @@ namespace orv_h264 {
 
 namespace {
 
-/// "SequenceParameterSet[1].profile_idc: another than ...".
-std::string describe(const h264::configuration_outcome& result)
-{
-    const std::string element = text_of(result.element);
-    return fmt::format("{}{}{}", element, element.empty() ? "" : ": ", h264::text_of(result.why));
-}
-
 /// Why there is no one record for the parameter sets of a stream.
 std::string describe_unmade(const h264::configuration_outcome& result)
 {
@@ -42,6 +35,12 @@ std::string describe_unmade(const h264::configuration_outcome& result)
 }
 
 } // namespace
+
+std::string describe(const h264::configuration_outcome& result)
+{
+    const std::string element = text_of(result.element);
+    return fmt::format("{}{}{}", element, element.empty() ? "" : ": ", h264::text_of(result.why));
+}
 
 std::span<const unsigned char> without_box_header(std::span<const unsigned char> input)
 {

@@ -19,6 +19,9 @@ constexpr std::size_t largest_record = std::size_t{40} * 1024 * 1024;
 /// The record behind the size and type of a box avcC, or all of the input where there are none.
 std::span<const unsigned char> without_box_header(std::span<const unsigned char> input);
 
+/// Why a record cannot be read or written: "SequenceParameterSet[1].profile_idc: another than ...".
+std::string describe(const h264::configuration_outcome& result);
+
 /// Gives the parameter sets of the record in a file to `to`. Throws refusal when it is none, or has none that can be
 /// read, and std::system_error when it cannot be read.
 void read_record(const std::string& path, h264::parameter_set_store& to);

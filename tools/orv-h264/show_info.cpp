@@ -1,5 +1,7 @@
 #include "show_info.h"
 
+#include "container/show_container.h"
+
 #include "framing.h"
 #include "names.h"
 #include "printable.h"
@@ -102,6 +104,15 @@ void print_layers(const stream_summary& summary)
                   fmt::format("{} shown, {} units of further ones not", layers.size(), summary.layers.further_units()));
 }
 
+void print_container(const stream_input& input, const stream_summary& summary)
+{
+    if (input.in_container() == nullptr)
+        return;
+    print_row("Container", text_of(*input.in_container()));
+    for (const auto& [label, text] : lines_of(*input.in_container(), *summary.container))
+        print_row(label, text);
+}
+
 void print_types(const stream_summary& summary)
 {
     print_heading("     units       bytes  NAL unit type");
@@ -138,8 +149,9 @@ void print_kinds(const char* heading, const std::vector<problem_kind>& kinds)
 void print_info(const stream_input& input, const stream_summary& summary)
 {
     print_row("File", printable(input.name()));
+    print_container(input, summary);
     print_row("Framing", framing_name(input.framing()) + (input.framing_recognised() ? ", recognised" : ""));
-    print_row("Size", fmt::format("{} bytes", input.bytes_read()));
+    print_row("Size", fmt::format("{} bytes", input.bytes_read()) + (input.in_container() ? " of the track" : ""));
     print_sequences(summary.sequences, summary.further_sequences);
     print_frames(summary.frames);
     print_groups(summary.groups.totals());

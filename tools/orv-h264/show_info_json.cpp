@@ -1,6 +1,8 @@
 #include "framing.h"
 #include "names.h"
 #include "show_info.h"
+
+#include "container/show_container.h"
 #include "show_rows.h"
 #include "words.h"
 
@@ -225,6 +227,10 @@ json info_json(const stream_input& input, const stream_summary& summary)
     json object = json_head("orv-h264/info", input.name());
     object["framing"] = framing_name(input.framing());
     object["size"] = input.bytes_read();
+    if (const container_stream* const container = input.in_container()) {
+        object["container"] = json_of(*container);
+        add_totals(object["container"], *summary.container, container->track().tick);
+    }
     object["sequences"] = sequences_json(summary.sequences);
     object["further_sequences"] = summary.further_sequences;
     object["frames"] = frames_json(summary.frames);

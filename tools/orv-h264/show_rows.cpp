@@ -1,5 +1,6 @@
 #include "show_rows.h"
 
+#include "container/show_container.h"
 #include "names.h"
 
 #include <algorithm>
@@ -19,28 +20,14 @@ std::string key_text(const picture_row& row)
     return row.recovery_frame_cnt ? fmt::format("recovery {}", *row.recovery_frame_cnt) : "-";
 }
 
-/// H.264 Table 7-6.
-const char* slice_kind_name(h264::slice_kind kind)
-{
-    constexpr const char* table_7_6[] = {"P", "B", "I", "SP", "SI"};
-    return table_7_6[static_cast<std::size_t>(kind)];
-}
-
-const char* structure_name(row_structure structure)
-{
-    constexpr const char* names[] = {"frame", "MBAFF", "top", "bottom", "fields"};
-    return names[static_cast<std::size_t>(structure)];
-}
-
-const char* source_name(h264::time_source source)
-{
-    constexpr const char* names[] = {"none", "assumed_rate", "caller", "constant_rate", "hrd"};
-    return names[static_cast<std::size_t>(source)];
-}
-
 double seconds_of(h264::exact_time time)
 {
     return static_cast<double>(time.numerator) / static_cast<double>(time.denominator);
+}
+
+std::string time_text(h264::exact_time time)
+{
+    return time ? fmt::format("{:.6f}", seconds_of(time)) : "-";
 }
 
 /// Units in a row that are alike, and how many they are.
@@ -100,7 +87,8 @@ std::string text_or_dash(const std::optional<T>& value)
 }
 
 constexpr const char* columns =
-    "{:>7}  {:>7}  {:>11}  {:>9}  {:<10}  {:<5}  {:<6}  {:>9}  {:>6}  {:>3}  {:>11}  {:>6}  {}";
+    "{:>7}  {:>7}  {:>11}  {:>9}  {:<10}  {:<5}  {:<6}  {:>9}  {:>6}  {:>3}  {:>11}{}  {:>6}  {}";
+constexpr const char* container_column = "  {:>11}";
 
 std::string bit_rate_text(const frame_totals& totals)
 {
@@ -127,6 +115,26 @@ json json_or_null(h264::exact_time time)
     return time ? json_fraction(time.numerator, time.denominator) : json();
 }
 
+} // namespace
+
+const char* slice_kind_name(h264::slice_kind kind)
+{
+    constexpr const char* table_7_6[] = {"P", "B", "I", "SP", "SI"};
+    return table_7_6[static_cast<std::size_t>(kind)];
+}
+
+const char* structure_name(row_structure structure)
+{
+    constexpr const char* names[] = {"frame", "MBAFF", "top", "bottom", "fields"};
+    return names[static_cast<std::size_t>(structure)];
+}
+
+const char* source_name(h264::time_source source)
+{
+    constexpr const char* names[] = {"none", "assumed_rate", "caller", "constant_rate", "hrd"};
+    return names[static_cast<std::size_t>(source)];
+}
+
 json json_of(const row_layer& layer)
 {
     const h264::slice_layer& what = layer.what;
@@ -136,22 +144,25 @@ json json_of(const row_layer& layer)
     return {{"view_id", what.view_id}, {"depth", what.depth}, {"temporal_id", what.temporal_id}};
 }
 
-} // namespace
-
-std::string row_heading()
+std::string row_heading(bool in_container)
 {
     return fmt::format(columns, "frame", "output", "offset", "size", "key", "types", "struct", "frame_num", "poc",
-                       "ref", "time", "fields", "units");
+                       "ref", "time", in_container ? fmt::format(container_column, "container") : "", "fields",
+                       "units");
 }
 
-std::string text_of(const picture_row& row)
+std::string text_of(const picture_row& row, std::optional<container_ratio> tick)
 {
+    const std::string in_container =
+        tick ? fmt::format(container_column,
+                           time_text(row.packet ? time_of(row.packet->pts, *tick) : h264::exact_time()))
+             : "";
+
     const std::string types = fmt::format("{}", fmt::join(slice_types(row), ","));
-    std::string line =
-        fmt::format(columns, row.number, text_or_dash(row.output_number), row.offset, row.size, key_text(row),
-                    types.empty() ? "-" : types, structure_name(row.structure), text_or_dash(row.frame_num),
-                    text_or_dash(row.poc), row.nal_ref_idc, row.pts ? fmt::format("{:.6f}", seconds_of(row.pts)) : "-",
-                    row.field_duration, units_text(row));
+    std::string line = fmt::format(columns, row.number, text_or_dash(row.output_number), row.offset, row.size,
+                                   key_text(row), types.empty() ? "-" : types, structure_name(row.structure),
+                                   text_or_dash(row.frame_num), text_or_dash(row.poc), row.nal_ref_idc,
+                                   time_text(row.pts), in_container, row.field_duration, units_text(row));
     line += layers_text(row);
     line += row.cut ? "  (cut)" : "";
     line += row.last ? "  (last)" : "";
@@ -171,7 +182,7 @@ std::string text_of(const frame_totals& totals, bool fields)
     return text + ", " + bit_rate_text(totals);
 }
 
-json json_of(const picture_row& row)
+json json_of(const picture_row& row, std::optional<container_ratio> tick)
 {
     json layers = json::array();
     for (const row_layer& layer : row.layers)
@@ -179,36 +190,39 @@ json json_of(const picture_row& row)
     json units = json::array();
     for (const row_unit& u : row.units)
         units.push_back(u.nal_unit_type);
-    return {{"record", "frame"},
-            {"number", row.number},
-            {"picture", row.picture},
-            {"output_number", json_or_null(row.output_number)},
-            {"offset", row.offset},
-            {"size", row.size},
-            {"unit_bytes", row.unit_bytes},
-            {"padding", row.padding},
-            {"filler", row.filler},
-            {"key", row.key()},
-            {"idr", row.idr},
-            {"recovery_frame_cnt", json_or_null(row.recovery_frame_cnt)},
-            {"slice_types", slice_types(row)},
-            {"structure", structure_name(row.structure)},
-            {"frame_num", json_or_null(row.frame_num)},
-            {"poc", json_or_null(row.poc)},
-            {"nal_ref_idc", row.nal_ref_idc},
-            {"pts", json_or_null(row.pts)},
-            {"dts", json_or_null(row.dts)},
-            {"time_source", source_name(row.time_source)},
-            {"field_duration", row.field_duration},
-            {"duration", json_or_null(row.duration)},
-            {"pic_struct", json_or_null(row.pic_struct)},
-            {"sps_id", json_or_null(row.sps_id)},
-            {"pps_id", json_or_null(row.pps_id)},
-            {"layers", std::move(layers)},
-            {"coded_pictures", row.coded_pictures},
-            {"nal_unit_types", std::move(units)},
-            {"cut", row.cut},
-            {"last", row.last}};
+    json object = {{"record", "frame"},
+                   {"number", row.number},
+                   {"picture", row.picture},
+                   {"output_number", json_or_null(row.output_number)},
+                   {"offset", row.offset},
+                   {"size", row.size},
+                   {"unit_bytes", row.unit_bytes},
+                   {"padding", row.padding},
+                   {"filler", row.filler},
+                   {"key", row.key()},
+                   {"idr", row.idr},
+                   {"recovery_frame_cnt", json_or_null(row.recovery_frame_cnt)},
+                   {"slice_types", slice_types(row)},
+                   {"structure", structure_name(row.structure)},
+                   {"frame_num", json_or_null(row.frame_num)},
+                   {"poc", json_or_null(row.poc)},
+                   {"nal_ref_idc", row.nal_ref_idc},
+                   {"pts", json_or_null(row.pts)},
+                   {"dts", json_or_null(row.dts)},
+                   {"time_source", source_name(row.time_source)},
+                   {"field_duration", row.field_duration},
+                   {"duration", json_or_null(row.duration)},
+                   {"pic_struct", json_or_null(row.pic_struct)},
+                   {"sps_id", json_or_null(row.sps_id)},
+                   {"pps_id", json_or_null(row.pps_id)},
+                   {"layers", std::move(layers)},
+                   {"coded_pictures", row.coded_pictures},
+                   {"nal_unit_types", std::move(units)},
+                   {"cut", row.cut},
+                   {"last", row.last}};
+    if (tick)
+        add_packet(object, row.packet, *tick);
+    return object;
 }
 
 json json_of(const frame_totals& totals)

@@ -22,20 +22,22 @@ struct signature {
     mark second = {0, ""}; ///< has to be there too
 };
 
+constexpr known_format mp4 = {"MP4", true, container_kind::mp4};
+
 constexpr signature signatures[] = {
     // The brands of images stand before that of any other file.
     {{"an AVIF image"}, {4, "ftypavif"}},
     {{"a HEIF image"}, {4, "ftyphei"}},
     {{"a HEIF image"}, {4, "ftypmif1"}},
-    {{"MP4", true}, {4, "ftyp"}},
-    {{"MP4", true}, {4, "styp"}},
-    {{"MP4", true}, {4, "moov"}},
-    {{"MP4", true}, {4, "moof"}},
-    {{"MP4", true}, {4, "mdat"}},
-    {{"MP4", true}, {4, "sidx"}},
-    {{"MP4", true}, {4, "wide"}, {12, "mdat"}},
-    {{"Matroska", true}, {0, "\x1A\x45\xDF\xA3"}},
-    {{"FLV", true}, {0, "FLV\x01"}},
+    {mp4, {4, "ftyp"}},
+    {mp4, {4, "styp"}},
+    {mp4, {4, "moov"}},
+    {mp4, {4, "moof"}},
+    {mp4, {4, "mdat"}},
+    {mp4, {4, "sidx"}},
+    {mp4, {4, "wide"}, {12, "mdat"}},
+    {{"Matroska", true, container_kind::matroska}, {0, "\x1A\x45\xDF\xA3"}},
+    {{"FLV", true, container_kind::flv}, {0, "FLV\x01"}},
     {{"AVI", true}, {0, "RIFF"}, {8, "AVI "}},
     {{"ASF", true}, {0, "\x30\x26\xB2\x75\x8E\x66\xCF\x11"}},
     {{"MXF", true}, {0, "\x06\x0E\x2B\x34\x02\x05\x01\x01"}},
@@ -208,7 +210,7 @@ std::optional<known_format> format_by_signature(std::string_view head)
     if (found != std::end(signatures))
         return found->format;
     if (is_transport_stream(head))
-        return known_format{"MPEG transport stream", true};
+        return known_format{"MPEG transport stream", true, container_kind::transport_stream};
     if (are_frames(head, adts_frame))
         return known_format{"AAC audio"};
     if (are_frames(head, mpeg_audio_frame))

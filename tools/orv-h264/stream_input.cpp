@@ -56,15 +56,28 @@ stream_input::stream_input(const stream_options& options)
           flush_output(); // reading may wait
           return file.read(out, size);
       }),
-      frames(options.format ? *options.format : find_framing()),
-      recognised(!options.format && frames != h264::framing::annex_b),
-      most(options.max_unit)
+      most(options.max_unit),
+      frames(options.format ? *options.format : find_framing(options)),
+      recognised(!options.format && !container && frames != h264::framing::annex_b)
 {
+    if (options.track && !container)
+        throw refusal(exit_usage_or_io, fmt::format("{}: --track is for containers, and this is none", file.name()));
 }
 
-h264::framing stream_input::find_framing()
+std::span<const h264::split_unit> stream_input::record_sets() const noexcept
+{
+    if (container)
+        return container->record_sets();
+    return {};
+}
+
+h264::framing stream_input::find_framing(const stream_options& options)
 {
     const recognition what = recognise(window);
+    if (const container_kind kind = what.format.container; kind != container_kind::none) {
+        container = std::make_unique<container_stream>(file, window, kind, options.track, most);
+        return container->framing();
+    }
     refuse_other_formats(file.name(), what, "; if it is, name its framing with --format");
     if (what.kind == input_kind::record)
         throw refusal(
@@ -80,6 +93,14 @@ h264::framing stream_input::find_framing()
 bool stream_input::read_units(h264::split_sink& to, const std::function<bool()>& enough)
 {
     counting_sink counted(to, enough);
+    if (container) {
+        while (!counted.done())
+            if (!container->read_packet(counted)) {
+                container->finish(counted);
+                break;
+            }
+        return counted.any;
+    }
     h264::unit_splitter splitter(frames, static_cast<std::size_t>(most));
     for (window.fill(1); window.size() != 0; window.fill(1)) {
         if (counted.done())

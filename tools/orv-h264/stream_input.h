@@ -1,6 +1,8 @@
-// A stream as the user names it: opened, its framing told or recognised, and fed in pieces.
+// A stream as the user names it: opened, its framing told or recognised, and fed in pieces; or the H.264 track of a
+// container. Offsets count in the stream; packets() tells where that is in the file.
 #pragma once
 
+#include "container/container_stream.h"
 #include "exit_status.h"
 #include "input_file.h"
 #include "recognise.h"
@@ -9,7 +11,9 @@
 
 #include <cstdint>
 #include <functional>
+#include <memory>
 #include <optional>
+#include <span>
 #include <stdexcept>
 #include <string>
 
@@ -21,6 +25,7 @@ struct stream_options {
     std::string path;                    ///< - is the standard input
     std::optional<h264::framing> format; ///< where the user tells it
     std::uint64_t max_unit = h264::unit_splitter::usual_most_bytes;
+    std::optional<unsigned> track; ///< of a container, counted from 1; the first of H.264 where it is not told
 };
 
 /// Why the tool does not go on; main() tells the user and ends with `status`.
@@ -41,7 +46,10 @@ public:
     explicit stream_input(const stream_options& options);
 
     const std::string& name() const noexcept { return file.name(); }
-    std::uint64_t bytes_read() const noexcept { return file.bytes_read(); }
+    /// Of the stream.
+    std::uint64_t bytes_read() const noexcept { return container ? container->bytes() : file.bytes_read(); }
+    /// Not a byte was there to read; a container holds some.
+    bool is_empty() const noexcept { return !container && file.bytes_read() == 0; }
     /// The bytes of the whole input, where it is a file.
     std::optional<std::uint64_t> size() const { return file.size(); }
     h264::framing framing() const noexcept { return frames; }
@@ -50,19 +58,28 @@ public:
     /// The largest unit that is read, bytes.
     std::uint64_t max_unit() const noexcept { return most; }
 
+    /// The container that the stream is a track of; null where it is a file of its own.
+    container_stream* in_container() const noexcept { return container.get(); }
+    /// Where the bytes of the stream lie in the file.
+    const packet_log& packets() const noexcept { return container ? container->packets() : no_packets; }
+    /// The parameter sets that hold before the first unit, with offsets from packet_log::record_begin on.
+    std::span<const h264::split_unit> record_sets() const noexcept;
+
     /// Gives every unit and gap to `to`, in order, until the input ends or there were enough of them: none behind.
     /// @return false when the input has ended without any unit
     bool read_units(
         h264::split_sink& to, const std::function<bool()>& enough = [] { return false; });
 
 private:
-    h264::framing find_framing();
+    h264::framing find_framing(const stream_options& options);
 
     input_file file;
     input_window window;
+    std::uint64_t most;
+    packet_log no_packets;
+    std::unique_ptr<container_stream> container;
     h264::framing frames;
     bool recognised;
-    std::uint64_t most;
 };
 
 } // namespace orv_h264

@@ -77,9 +77,9 @@ private:
     {
         fmt::format_to(
             std::back_inserter(lines.text),
-            FMT_COMPILE("{}offset {:>10}  framing {}  length {:>8}  rbsp {:>8}  nal_ref_idc {}  type {:>2}  {}{}\n"),
-            around.begin, unit.begin(), unit.framing_size, unit.place.size, rbsp_size(unit.place), ref_idc_of(unit),
-            unit.type(), name_of(unit.type(), style.long_names), around.end);
+            FMT_COMPILE("{}offset {:>10}  framing {}  length {:>8}  rbsp {:>8}  nal_ref_idc {}  type {:>2}  {}{}{}\n"),
+            around.begin, unit.shown(), unit.framing_size, unit.place.size, rbsp_size(unit.place), ref_idc_of(unit),
+            unit.type(), name_of(unit.type(), style.long_names), unit.in_record ? "  (in the record)" : "", around.end);
     }
 
     unit_style style;
@@ -108,8 +108,12 @@ public:
         std::string line =
             fmt::format(FMT_COMPILE(R"({{"record":"unit","number":{},"offset":{},"framing_size":{},"length":{},)"
                                     R"("rbsp_size":{},"nal_ref_idc":{},"nal_unit_type":{},"name":{})"),
-                        unit.place.number, unit.begin(), unit.framing_size, unit.place.size, rbsp_size(unit.place),
+                        unit.place.number, unit.shown(), unit.framing_size, unit.place.size, rbsp_size(unit.place),
                         ref_idc_of(unit), unit.type(), json_text(name_of(unit.type(), style.long_names)));
+        if (unit.packet)
+            line += fmt::format(R"(,"stream_offset":{})", unit.begin());
+        if (unit.in_record)
+            line += R"(,"in_record":true)";
         line += reading == nullptr ? R"(,"valid":null,"fields":null})" : read_members(*reading);
         return line += '\n';
     }

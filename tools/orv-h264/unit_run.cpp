@@ -13,31 +13,51 @@ constexpr const char* forbidden_bit = "unit whose header has the forbidden bit s
 
 } // namespace
 
-exit_status unit_run::run(stream_input& input)
+void unit_run::begin_units(const stream_input& input)
 {
     most_bytes = input.max_unit();
+    packets = &input.packets();
+    for (const h264::split_unit& set : input.record_sets())
+        unit(set);
+}
+
+exit_status unit_run::run(stream_input& input)
+{
+    begin_units(input);
     const bool any = input.read_units(*this, [this] { return enough(); });
     stream.flush(*this);
     if (!any)
-        complain(nullptr, input.bytes_read(), describe_no_unit(input.bytes_read()), true);
+        complain(nullptr, input.bytes_read(), describe_no_unit(input.is_empty()), true);
+    if (const container_stream* const container = input.in_container())
+        for (const container_remark& remark : container->remarks())
+            complain(nullptr, remark.offset, remark.text, remark.is_problem);
     return problems.status();
+}
+
+listed_unit unit_run::listed(const h264::split_unit& u) const
+{
+    listed_unit unit = {{u.bytes, u.size, packets->counted(u.offset), units}, u.framing_size};
+    if (!packets->is_own(u.offset))
+        unit.packet = packets->shown(u.offset);
+    unit.in_record = u.offset >= packet_log::record_begin;
+    return unit;
 }
 
 void unit_run::unit(const h264::split_unit& u)
 {
     if (enough())
         return;
-    const h264::unit_place place = {u.bytes, u.size, u.offset, units++};
-    const listed_unit whole = {place, u.framing_size};
+    const listed_unit whole = listed(u);
+    ++units;
     if (u.cut)
-        complain(&whole, begin_of(u), describe_cut(u), true);
+        complain(&whole, whole.shown(), describe_cut(u), true);
     if (unread()) {
         if ((u.bytes[0] & 0x80U) != 0)
-            complain(&whole, begin_of(u), forbidden_bit, true);
+            complain(&whole, whole.shown(), forbidden_bit, true);
         return take(whole, nullptr);
     }
     waiting.push_back(whole);
-    stream.push(place, *this);
+    stream.push(whole.place, *this);
 }
 
 void unit_run::gap(const h264::split_gap& g)
@@ -45,37 +65,41 @@ void unit_run::gap(const h264::split_gap& g)
     units += g.reason == h264::split_gap_reason::too_large ? 1 : 0; // it counts, though the stream does not get it
     if (enough())
         return;
-    complain(nullptr, g.offset, describe_with_size(g, most_bytes), true);
-    take_gap(g);
+    complain(nullptr, packets->shown(g.offset), describe_with_size(g, most_bytes), true);
+    h264::split_gap counted = g;
+    counted.offset = packets->counted(g.offset);
+    take_gap(counted);
 }
 
 h264::visitor* unit_run::before(const h264::unit_place& place)
 {
     while (waiting.front().place.number < place.number)
         waiting.pop_front();
-    return enough() ? nullptr : before(listed(place));
+    return enough() ? nullptr : before(next(place));
 }
 
 void unit_run::take(const h264::unit_reading& reading)
 {
     if (enough())
         return;
-    const listed_unit unit = listed(reading.place);
+    const listed_unit unit = next(reading.place);
     waiting.pop_front();
     complain_of(unit, reading.result);
     take(unit, &reading);
 }
 
 /// The stream hands units on in their order. Its bytes may lie elsewhere by then.
-listed_unit unit_run::listed(const h264::unit_place& place) const
+listed_unit unit_run::next(const h264::unit_place& place) const
 {
-    return {place, waiting.front().framing_size};
+    listed_unit unit = waiting.front();
+    unit.place = place;
+    return unit;
 }
 
 void unit_run::complain_of(const listed_unit& unit, const h264::outcome& result)
 {
     const auto complain_here = [&](const std::string& what, bool is_problem) {
-        complain(&unit, unit.begin(), what, is_problem);
+        complain(&unit, unit.shown(), what, is_problem);
     };
     for (const h264::finding& finding : result.findings) {
         const std::string_view name = finding.element.name();

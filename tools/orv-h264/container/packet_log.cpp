@@ -1,0 +1,41 @@
+#include "container/packet_log.h"
+
+#include <algorithm>
+
+namespace orv_h264 {
+
+void packet_log::add(const logged_packet& packet)
+{
+    if (packets.size() == most_packets)
+        packets.pop_front();
+    packets.push_back(packet);
+}
+
+const logged_packet* packet_log::find(std::uint64_t offset) const
+{
+    if (packets.empty() || offset >= record_begin)
+        return nullptr;
+    const auto behind = std::upper_bound(packets.begin(), packets.end(), offset,
+                                         [](std::uint64_t at, const logged_packet& p) { return at < p.begin; });
+    return behind == packets.begin() ? &packets.front() : &*std::prev(behind);
+}
+
+bool packet_log::is_own(std::uint64_t offset) const
+{
+    if (offset >= record_begin)
+        return record.has_value();
+    const logged_packet* const packet = find(offset);
+    return packet == nullptr || (packet->whole && offset >= packet->begin);
+}
+
+std::uint64_t packet_log::shown(std::uint64_t offset) const
+{
+    if (offset >= record_begin)
+        return record ? *record + (offset - record_begin) : 0;
+    const logged_packet* const packet = find(offset);
+    if (packet == nullptr)
+        return offset;
+    return is_own(offset) ? packet->position + (offset - packet->begin) : packet->position;
+}
+
+} // namespace orv_h264
