@@ -8,6 +8,7 @@
 #include "info.h"
 #include "inspect.h"
 #include "messages.h"
+#include "report.h"
 #include "standard_output.h"
 #include "type_set.h"
 #include "usage_error.h"
@@ -238,6 +239,7 @@ struct command_line {
     void add_explain();
     void add_frames();
     void add_info();
+    void add_report();
     void add_convert();
     void add_avcc();
     void add_help();
@@ -266,6 +268,7 @@ struct command_line {
     file_set frames_files;
     info_options info_chosen;
     file_set info_files;
+    report_options report_chosen;
     convert_options convert_chosen;
     avcc_options avcc_chosen;
     std::string help_wanted; // of this subcommand
@@ -281,6 +284,7 @@ command_line::command_line()
     add_inspect();
     add_explain();
     add_frames();
+    add_report();
     add_convert();
     add_avcc();
     add_help();
@@ -355,6 +359,18 @@ void command_line::add_info()
     add_format(summary, info_chosen.format, json_object, "A line for each fact");
     summary.footer(std::string(help_texts::info) + help_texts::many_files + help_texts::exit_statuses);
     run_over(summary, info_of_files, info_files, info_chosen);
+}
+
+void command_line::add_report()
+{
+    CLI::App& page = *app.add_subcommand("report", "Write a page about a stream, for a browser");
+    add_stream(page, "FILE", report_chosen.stream);
+    page.add_option("-o,--output", report_chosen.out,
+                    "Where the page goes, report.html where this is not given; - is the standard output")
+        ->type_name("FILE")
+        ->default_str("");
+    page.footer(std::string(help_texts::report) + help_texts::exit_statuses);
+    run_with(page, report, report_chosen);
 }
 
 void command_line::add_convert()

@@ -2,7 +2,7 @@
 
 _orv_h264()
 {
-    local subcommands="info inspect explain frames convert avcc help"
+    local subcommands="info inspect explain frames report convert avcc help"
     local framings="annexb length1 length2 length3 length4"
     local help="-h --help"
     local many="--files-from -0 --null --jobs"
@@ -26,6 +26,7 @@ _orv_h264()
     inspect) options="--format --track --max-unit --nals --limit --only --positions --long-names --json --csv --tsv" ;;
     explain) options="--format --track --max-unit --json --csv --tsv" ;;
     frames) options="$many --format --track --max-unit --fields --split-fields --output-order --limit --json --csv --tsv" ;;
+    report) options="--format --track --max-unit -o --output" ;;
     convert) options="--format --track --max-unit --to --avcc --parameter-sets" ;;
     avcc) options="--json --csv --tsv" ;;
     help) options="" ;;
