@@ -15,7 +15,6 @@ namespace {
 
 using nlohmann::json;
 using support::bytes;
-using support::coded;
 using support::coded_sps;
 using support::coded_stream;
 using support::run_tool;
@@ -276,7 +275,8 @@ TEST_F(ManyFiles, ASignalEndsOneFileAndNotTheOthers)
     const std::string sound = add("sound", stream_of(1));
     const std::string endless = folder.write("endless", {0, 0, 0, 1, support::sps});
     std::filesystem::resize_file(endless, std::uint64_t{1} << 38U); // a hole: longer than a second of processor time
-    const std::string reason = "ended by signal 24 (" + std::string(strsignal(SIGXCPU)) + ")";
+    std::string reason = "ended by signal 24 (";
+    reason.append(strsignal(SIGXCPU)).append(")");
     for (const char* jobs : {"1", "2"}) {
         const tool_result result = run_tool(
             {"info", "--json", "--jobs", jobs, "--format", "annexb", sound, endless, sound}, {.max_seconds = 1});

@@ -27,6 +27,8 @@ void attach(int out, int err, pid_t parent)
         ::_exit(EXIT_FAILURE);
     ::dup2(out, STDOUT_FILENO);
     ::dup2(err, STDERR_FILENO);
+    ::close(out);
+    ::close(err);
 }
 
 void wait_for(pid_t process, int& status)
@@ -91,6 +93,8 @@ child_process::child_process(const std::function<int()>& run)
         id = ::fork();
         if (id == 0) {
             attach(out_end, err_end, parent);
+            out.close(); // descriptors that are left, where there are few, it needs itself
+            err.close();
             ::_exit(run());
         }
         if (id < 0)

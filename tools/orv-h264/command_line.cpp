@@ -74,7 +74,7 @@ std::string limit_of(const std::string& text)
 std::string number_of_jobs(const std::string& text)
 {
     constexpr std::size_t most_digits = 4;
-    const std::string number = limit_of(text);
+    std::string number = limit_of(text);
     if (number.size() > most_digits)
         throw CLI::ValidationError("'" + text + "' is too many");
     return number;

@@ -239,7 +239,7 @@ private:
 
     void print_of(job& first, std::string_view lines)
     {
-        if (!first.has_printed && any_printed)
+        if (!first.has_printed && any_printed && !work.between.empty())
             write_output(work.between);
         first.has_printed = any_printed = true;
         write_output(lines);

@@ -103,17 +103,20 @@ TEST(FileJobs, NoMoreAreReadAtOnceThanWasSaid)
         std::string expected;
         for (const std::string& path : files.paths)
             expected += path + "\n";
-        const printed result = run(files, [shared](const std::string& path) {
+        const auto wanted = static_cast<int>(jobs);
+        const printed result = run(files, [shared, wanted](const std::string& path) {
+            constexpr int patience = 60'000; // milliseconds
             const int now = ++shared->now;
             for (int most = shared->most; most < now && !shared->most.compare_exchange_weak(most, now);)
                 ;
-            usleep(path == "0" ? 50'000 : 2'000);
+            for (int i = 0; shared->most < wanted && i < patience; ++i)
+                usleep(1'000); // until so many are there
             orv_h264::write_output(path + "\n");
             --shared->now;
             return orv_h264::exit_clean;
         });
         EXPECT_EQ(expected, result.out);
-        EXPECT_EQ(static_cast<int>(jobs), shared->most);
+        EXPECT_EQ(wanted, shared->most);
     }
     munmap(memory, sizeof(counts));
 }
