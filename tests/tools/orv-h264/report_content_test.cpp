@@ -80,9 +80,9 @@ TEST(ReportContent, SliceTypesAddUpToTheSlicesOfTheUnits)
     EXPECT_EQ(75U, units);
     std::uint64_t with_framing = 0;
     for (const json& type : data["info"]["nal_units"])
-        if (type["nal_unit_type"] == 1 || type["nal_unit_type"] == 5)
+        if (const auto number = type["nal_unit_type"].get<unsigned>(); number == 1 || number == 5)
             with_framing += type["bytes"].get<std::uint64_t>();
-    EXPECT_EQ(with_framing, size + 3 * 75);
+    EXPECT_EQ(with_framing, size + std::uint64_t{3} * 75);
 }
 
 TEST(ReportContent, WhatIsWrongHasItsPlaceAndItsFrame)
