@@ -126,8 +126,6 @@ json report_content::page_data(const stream_input& input)
     json data = {{"info", info_json(input, survey.summary)}};
     data["framing_recognised"] = input.framing_recognised();
     data["frame_count"] = rows;
-    data["frames"] = frames.take();
-    data["stretches"] = data["frames"].is_null() ? aggregates.stretches() : json();
     data["most_frames"] = report_frames::most_rows;
     data["pictures"] = aggregates.pictures();
     data["slices"] = slices_json(survey.summary);
@@ -146,6 +144,9 @@ json report_content::page_data(const stream_input& input)
     data["parameter_sets"] = units.parameter_sets();
     data["further_parameter_sets"] = units.further_sets();
     data["messages"] = units.messages();
+    constexpr std::size_t page_bytes = std::size_t{160} * 1024; // the files of the page
+    data["frames"] = frames.take(page_bytes + data.dump(-1, ' ', false, json::error_handler_t::replace).size());
+    data["stretches"] = data["frames"].is_null() ? aggregates.stretches() : json();
     return data;
 }
 

@@ -99,7 +99,7 @@ void report_frames::add(const picture_row& row)
     last_output = place;
     times.add(row);
     if (packets)
-        packets->add(row.packet);
+        packets->add(row);
 }
 
 // page/frames.js has the members in the same order.
@@ -116,9 +116,8 @@ std::uint64_t report_frames::kind_of(const picture_row& row)
 }
 
 /// A page of 90,000 rows has 1.5 MiB, one of 500,000 rows 8 MiB, and what is around them takes some of that.
-bool report_frames::has_room() const
+bool report_frames::has_room(std::size_t around) const
 {
-    constexpr std::size_t around = std::size_t{420} * 1024;
     constexpr std::size_t least = std::size_t{3} * 512 * 1024;
     std::size_t bytes = times.size() + unit_lists.size() + layer_lists.size() + kind_list.size();
     bytes += packets ? packets->size() : 0;
@@ -128,9 +127,9 @@ bool report_frames::has_room() const
     return bytes * 4 / 3 + around <= std::max(least, static_cast<std::size_t>(count) * 16);
 }
 
-json report_frames::take()
+json report_frames::take(std::size_t around)
 {
-    if (count > most_rows || !has_room())
+    if (count > most_rows || !has_room(around))
         return nullptr;
     json columns = {{"kind", kinds.text()},           {"picture", pictures.text()}, {"output", output_numbers.text()},
                     {"offset", offsets.text()},       {"size", sizes.text()},       {"gap", gaps.text()},

@@ -42,11 +42,11 @@ public:
     /// Rows have packets of a container; to be told before the first one.
     void expect_packets(container_ratio seconds_a_tick) { packets.emplace(seconds_a_tick); }
     void add(const picture_row& row);
-    /// Null where they are too many, or too unlike for the room of a page.
-    json take();
+    /// Null where they are too many, or too unlike for the room that a page has beside what is `around` them, in bytes.
+    json take(std::size_t around);
 
 private:
-    bool has_room() const;
+    bool has_room(std::size_t around) const;
     std::uint64_t kind_of(const picture_row& row);
 
     std::uint64_t count = 0;

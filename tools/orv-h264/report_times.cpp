@@ -44,6 +44,19 @@ std::int64_t parts_of(h264::exact_time time)
     return time ? time.denominator : 1;
 }
 
+/// Ticks that a script can compute with.
+std::optional<std::int64_t> exact(std::optional<std::int64_t> ticks)
+{
+    return ticks && *ticks <= most_ticks && *ticks >= -most_ticks ? ticks : std::nullopt;
+}
+
+/// From one picture to another that stands so many places further in output order; those far from each other could be
+/// anything.
+std::int64_t expected_step(std::int64_t places, std::int64_t pace)
+{
+    return std::abs(places) <= 64 && std::abs(pace) < most_ticks / 64 ? places * pace : 0;
+}
+
 } // namespace
 
 // Decoding times are expected to go on as they did, presentation times to follow the output numbers at the same pace.
@@ -63,10 +76,8 @@ void time_columns::add(const picture_row& row)
     }
     const auto shown = in_parts(row.pts, scale);
     const std::int64_t place = signed_of(row.output_number.value_or(static_cast<std::uint64_t>(output_number)));
-    // Steps of pictures that are far from each other could be anything.
-    const std::int64_t steps = std::abs(place - output_number) <= 64 ? place - output_number : 0;
-    const std::int64_t pace = std::abs(dts_step) < most_ticks / 64 ? dts_step : 0;
-    presentation.add_optional(shown ? std::optional(*shown - pts - steps * pace) : shown);
+    presentation.add_optional(shown ? std::optional(*shown - pts - expected_step(place - output_number, dts_step))
+                                    : shown);
     pts = shown.value_or(pts);
     if ((row.dts && !now) || (row.pts && !shown))
         if (rounded.size() < most_rounded)
@@ -87,35 +98,37 @@ void time_columns::write(json& columns)
     columns["pts"] = presentation.text();
 }
 
-void packet_columns::tick_column::add(std::optional<std::int64_t> ticks)
+void packet_columns::add(const picture_row& row)
 {
-    const bool exact = ticks && *ticks <= most_ticks && *ticks >= -most_ticks;
-    numbers.add_optional(exact ? std::optional(*ticks - last - step) : std::nullopt);
-    if (exact) {
-        step = *ticks - last;
-        last = *ticks;
-    }
-}
-
-void packet_columns::add(const std::optional<logged_packet>& packet)
-{
-    const std::int64_t number = packet ? signed_of(packet->number) : 0;
-    numbers.add_optional(packet ? std::optional(number - last_number - 1) : std::nullopt);
-    if (!packet) // the others have no entry then
+    if (!row.packet) { // it has no entry in the other columns then
+        numbers.add_optional({});
         return;
-    last_number = number;
-    keys.add(!packet->key ? 0U : *packet->key ? 2U : 1U);
-    dts.add(packet->dts);
-    pts.add(packet->pts);
-    durations.add(static_cast<std::uint64_t>(std::clamp<std::int64_t>(packet->duration, 0, most_ticks)));
+    }
+    const logged_packet& packet = *row.packet;
+    numbers.add_optional(signed_of(packet.number) - number - 1);
+    number = signed_of(packet.number);
+    keys.add(!packet.key ? 0U : *packet.key ? 2U : 1U);
+    const auto decoded = exact(packet.dts);
+    decoding.add_optional(decoded ? std::optional(*decoded - dts - dts_step) : decoded);
+    if (decoded) {
+        dts_step = *decoded - dts;
+        dts = *decoded;
+    }
+    const auto shown = exact(packet.pts);
+    const std::int64_t place = signed_of(row.output_number.value_or(static_cast<std::uint64_t>(output_number)));
+    presentation.add_optional(shown ? std::optional(*shown - pts - expected_step(place - output_number, dts_step))
+                                    : shown);
+    pts = shown.value_or(pts);
+    output_number = place;
+    durations.add(static_cast<std::uint64_t>(std::clamp<std::int64_t>(packet.duration, 0, most_ticks)));
 }
 
 void packet_columns::write(json& columns)
 {
     columns["packet"] = numbers.text();
     columns["container_key"] = keys.text();
-    columns["container_dts"] = dts.numbers.text();
-    columns["container_pts"] = pts.numbers.text();
+    columns["container_dts"] = decoding.text();
+    columns["container_pts"] = presentation.text();
     columns["container_duration"] = durations.text();
 }
 

@@ -44,29 +44,23 @@ class packet_columns {
 public:
     explicit packet_columns(container_ratio seconds_a_tick) : tick(seconds_a_tick) {}
 
-    void add(const std::optional<logged_packet>& packet);
+    void add(const picture_row& row);
     void write(json& columns);
     json tick_json() const { return {tick.numerator, tick.denominator}; }
     std::size_t size() const noexcept
     {
-        return numbers.size() + keys.size() + dts.size() + pts.size() + durations.size();
+        return numbers.size() + keys.size() + decoding.size() + presentation.size() + durations.size();
     }
 
 private:
-    /// Ticks that go on as they did.
-    struct tick_column {
-        number_column numbers;
-        std::int64_t last = 0;
-        std::int64_t step = 0;
-
-        void add(std::optional<std::int64_t> ticks);
-        std::size_t size() const noexcept { return numbers.size(); }
-    };
-
     container_ratio tick;
-    number_column numbers, keys, durations;
-    tick_column dts, pts;
-    std::int64_t last_number = -1;
+    number_column numbers, keys, decoding, presentation, durations;
+    // Of the row before that has a packet.
+    std::int64_t number = -1;
+    std::int64_t dts = 0;
+    std::int64_t dts_step = 0;
+    std::int64_t pts = 0;
+    std::int64_t output_number = 0;
 };
 
 } // namespace orv_h264

@@ -66,6 +66,11 @@ function read_kind(entry, frames) {
     };
 }
 
+/// From one picture to another so many places further in output order.
+function expected_step(places, pace) {
+    return Math.abs(places) <= 64 && Math.abs(pace) < 2 ** 42 ? places * pace : 0;
+}
+
 function decode_times(frames) {
     let scale = 1, dts = 0, step = 0, pts = 0, place = 0;
     for (let i = 0; i < frames.count; ++i) {
@@ -79,9 +84,7 @@ function decode_times(frames) {
             dts = frames.dts[i];
         }
         const now = Number.isNaN(frames.output[i]) ? place : frames.output[i];
-        const steps = Math.abs(now - place) <= 64 ? now - place : 0;
-        const pace = Math.abs(step) < 2 ** 42 ? step : 0;
-        frames.pts[i] = optional(frames.pts[i], rest => rest + pts + steps * pace);
+        frames.pts[i] = optional(frames.pts[i], rest => rest + pts + expected_step(now - place, step));
         pts = Number.isNaN(frames.pts[i]) ? pts : frames.pts[i];
         place = now;
     }
@@ -100,18 +103,24 @@ function decode_packets({ columns, tick }, frames) {
         let next = 0;
         return Float64Array.from(frames.packet, packet => Number.isNaN(packet) ? NaN : numbers[next++]);
     };
-    const ticks = name => {
-        let before = 0, step = 0;
-        return spread(each_in_turn(decode_column(columns[name], count), n => optional(n, rest => {
-            const now = rest + before + step;
-            step = now - before;
-            return before = now;
-        })));
-    };
     frames.container_key = spread(decode_column(columns.container_key, count));
     frames.container_duration = spread(decode_column(columns.container_duration, count));
-    frames.container_dts = ticks("container_dts");
-    frames.container_pts = ticks("container_pts");
+    frames.container_dts = spread(decode_column(columns.container_dts, count));
+    frames.container_pts = spread(decode_column(columns.container_pts, count));
+    let dts = 0, step = 0, pts = 0, place = 0;
+    for (let i = 0; i < frames.count; ++i) {
+        if (Number.isNaN(frames.packet[i]))
+            continue;
+        frames.container_dts[i] = optional(frames.container_dts[i], rest => rest + dts + step);
+        if (!Number.isNaN(frames.container_dts[i])) {
+            step = frames.container_dts[i] - dts;
+            dts = frames.container_dts[i];
+        }
+        const now = Number.isNaN(frames.output[i]) ? place : frames.output[i];
+        frames.container_pts[i] = optional(frames.container_pts[i], rest => rest + pts + expected_step(now - place, step));
+        pts = Number.isNaN(frames.container_pts[i]) ? pts : frames.container_pts[i];
+        place = now;
+    }
 }
 
 /// The members that a container adds.
