@@ -17,6 +17,8 @@ FORMS = {
     "flv": ("flv", []),
 }
 TRANSPORT = {"ts": 188, "m2ts": 192}
+# Members of a unit that tell where it lies.
+PLACED = {"number", "offset", "framing_size", "in_record", "stream_offset"}
 
 unit = collections.namedtuple("unit", "offset framing_size length type bytes elements json")
 
@@ -28,6 +30,11 @@ def is_missing():
 def run(*command, stdin=None, limit=60):
     return subprocess.run(command, input=stdin, stdin=None if stdin is not None else subprocess.DEVNULL,
                           stdout=subprocess.PIPE, stderr=subprocess.PIPE, timeout=limit, check=False)
+
+
+def run_on(file, *command):
+    """Runs with an open file as the standard input."""
+    return subprocess.run(command, stdin=file, stdout=subprocess.PIPE, stderr=subprocess.PIPE, timeout=60, check=False)
 
 
 def ffmpeg(*arguments):
@@ -89,5 +96,5 @@ def units_of(tool, path, *options):
         first = own[0][0]
         units.append(unit(u["offset"], u["framing_size"], u["length"], u["nal_unit_type"],
                           content[begin:begin + u["length"]], [(byte - first, *rest) for byte, *rest in own],
-                          {k: v for k, v in u.items() if k not in ("number", "offset", "framing_size")}))
+                          {k: v for k, v in u.items() if k not in PLACED}))
     return units
