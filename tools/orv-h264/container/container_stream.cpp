@@ -16,6 +16,9 @@ namespace {
 // Packets that were not found in the file, behind which none is looked for any more.
 constexpr unsigned most_unfound = 8;
 
+// A stream that is longer than its file so many times is not read further: its packets lie over one another.
+constexpr std::uint64_t most_times_the_file = 64;
+
 std::string list_of(const std::vector<container_track>& tracks)
 {
     std::string text;
@@ -86,6 +89,7 @@ container_stream::container_stream(input_file& in, input_window& window, contain
                                    std::optional<unsigned> number, std::uint64_t most_unit_bytes,
                                    open_container_function* open_container)
     : file(in),
+      file_size(in.size()),
       format(which),
       bytes_of_file(std::make_unique<opened_file>(in, window)),
       most_bytes(most_unit_bytes),
@@ -228,6 +232,13 @@ bool container_stream::next(container_packet& packet)
 
 bool container_stream::read_packet(h264::split_sink& to)
 {
+    if (file_size && stream_end / most_times_the_file > *file_size) {
+        problems.add(log.shown(stream_end - 1),
+                     fmt::format("packets are {} times as long as the file and more: they lie over one "
+                                 "another, and reading ends here",
+                                 most_times_the_file));
+        return false;
+    }
     container_packet packet;
     const bool any = next(packet);
     for (const container_message& message : source->take_messages())

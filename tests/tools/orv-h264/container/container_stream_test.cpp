@@ -167,7 +167,7 @@ protected:
 
     support::temporary_folder folder;
     made_container made;
-    bytes content;
+    bytes content = bytes(1000);
     std::optional<input_file> file;
     std::optional<input_window> window;
     std::optional<container_stream> stream;
@@ -328,6 +328,21 @@ TEST_F(ContainerStream, SetsInTheStreamAreHeldAgainstTheRecords)
     made.packets.push_back({as_packet(changed), 300});
     units(container_kind::mp4);
     EXPECT_EQ((texts{"304 parameter set that differs from the one of its id in the record, or before"}), remarks());
+}
+
+TEST_F(ContainerStream, EndsWherePacketsLieOverOneAnotherTooOften)
+{
+    content = bytes(one_unit.size());
+    for (int i = 0; i < 200; ++i)
+        made.packets.push_back({one_unit, 0});
+    units(container_kind::mp4);
+    EXPECT_EQ(72U, sink.in_stream.size());
+    ASSERT_EQ(1U, remarks().size());
+    EXPECT_TRUE(remarks()[0].starts_with("!7 packets are 64 times as long as the file")) << remarks()[0];
+    made.packets.resize(71);
+    units(container_kind::mp4);
+    EXPECT_EQ(71U, sink.in_stream.size());
+    EXPECT_EQ(texts(), remarks());
 }
 
 TEST_F(ContainerStream, RefusesWithTheStatusThatFits)
