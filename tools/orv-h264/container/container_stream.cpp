@@ -77,6 +77,12 @@ bool is_record(std::span<const unsigned char> bytes)
     return !bytes.empty() && bytes[0] == 1;
 }
 
+bool is_parameter_set(const h264::split_unit& unit)
+{
+    const unsigned type = unit.bytes[0] & 0x1FU;
+    return type == 7 || type == 8 || type == 13 || type == 15;
+}
+
 bool begins_with_start_code(std::span<const unsigned char> bytes)
 {
     const std::size_t zeros = bytes.size() > 2 && bytes[2] == 0 ? 3 : 2;
@@ -149,6 +155,9 @@ void container_stream::take_record(std::span<const unsigned char> bytes)
         h264::unit_splitter apart(h264::framing::annex_b);
         apart.push(record_bytes.data(), record_bytes.size(), units);
         apart.flush(units);
+        for (h264::split_unit& unit : units.units) // the splitter may have had it in a buffer of its own
+            unit.bytes = record_bytes.data() + unit.offset;
+        std::erase_if(units.units, [](const h264::split_unit& u) { return !is_parameter_set(u); });
         sets = std::move(units.units);
     }
     for (h264::split_unit& set : sets) {

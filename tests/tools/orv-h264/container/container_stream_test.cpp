@@ -283,6 +283,20 @@ TEST_F(ContainerStream, WithoutARecordPacketsTellTheFraming)
     }
 }
 
+TEST_F(ContainerStream, ParameterSetsBehindStartCodesDoForARecord)
+{
+    made.record = stream_builder().start_code().raw(sps_unit).zeros(1).start_code().raw(pps_unit).annexb_unit(
+        idr_slice, payload); // which is none
+    made.packets = {{stream_builder().annexb_unit(idr_slice, payload), 100}};
+    const auto& sets = open(container_kind::matroska).record_sets();
+    ASSERT_EQ(2U, sets.size());
+    EXPECT_EQ(sps_unit, bytes(sets[0].bytes, sets[0].bytes + sets[0].size));
+    EXPECT_EQ(pps_unit, bytes(sets[1].bytes, sets[1].bytes + sets[1].size));
+    EXPECT_EQ(packet_log::record_begin + 3, sets[0].offset);
+    EXPECT_EQ(packet_log::record_begin + 30, sets[1].offset);
+    EXPECT_EQ(texts(), remarks());
+}
+
 TEST_F(ContainerStream, ARecordThatBreaksOffGivesWhatItHas)
 {
     made.record.resize(record_pps);
