@@ -1,4 +1,5 @@
 # How test programs are built and run.
+include(${PROJECT_SOURCE_DIR}/cmake/batches.cmake)
 
 # Tests are many and short-lived: they are built quickly rather than made fast, and their lines are all that a debugger
 # or a sanitizer is told of them. What nearly all of them read is compiled once.
@@ -46,7 +47,8 @@ endfunction()
 
 # orv_test(NAME SOURCES...): one test program; its sources see the internal headers of lib/ and the test support.
 function(orv_test name)
-    add_executable(${name} ${ARGN})
+    orv_batches(sources ${name} ${ARGN})
+    add_executable(${name} ${sources})
     orv_built_quickly(${name})
     target_link_libraries(${name} PRIVATE orv_test_support orv_utils_v4::h264)
     orv_add_tests(${name})
@@ -54,6 +56,7 @@ endfunction()
 
 # orv_test_of(PROGRAM NAME SOURCES...): one whose run_tool() starts PROGRAM.
 function(orv_test_of program name)
+    orv_compiled_alone(${PROJECT_SOURCE_DIR}/tests/support/tested_program.cpp)
     orv_test(${name} ${ARGN} ${PROJECT_SOURCE_DIR}/tests/support/tested_program.cpp)
     target_compile_definitions(${name} PRIVATE ORV_TEST_TOOL="$<TARGET_FILE:${program}>")
     add_dependencies(${name} ${program})

@@ -6,7 +6,7 @@ import tempfile
 
 import tool_help
 
-SUBCOMMANDS = ["avcc", "convert", "explain", "frames", "help", "info", "inspect"]
+SUBCOMMANDS = ["avcc", "convert", "explain", "frames", "help", "info", "inspect", "report"]
 FRAMINGS = ["annexb", "length1", "length2", "length3", "length4"]
 LENGTHS = FRAMINGS[1:]
 FILES = ["movie.264", "movie.avc", "sample.bin"]
@@ -36,6 +36,10 @@ CASES = [
     ("orv-h264 avcc s", ["sample.bin"]),
     ("orv-h264 convert movie.264 --avcc s", ["sample.bin"]),
     ("orv-h264 convert movie.264 --parameter-sets s", ["sample.bin"]),
+    ("orv-h264 rep", ["report"]),
+    ("orv-h264 report mov", ["movie.264", "movie.avc"]),
+    ("orv-h264 report movie.264 -o sa", ["sample.bin"]),
+    ("orv-h264 report --format length4 movie.264 --output sa", ["sample.bin"]),
     ("orv-h264 help ", SUBCOMMANDS),
     ("orv-h264 help co", ["convert"]),
 ]

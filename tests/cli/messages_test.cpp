@@ -75,8 +75,8 @@ TEST(Messages, ControlCharactersOfANameAreEscaped)
 TEST(Messages, ControlCharactersOfAnArgumentAreEscaped)
 {
     EXPECT_EQ("orv-h264: there is no subcommand " + shown + "; see orv-h264 --help\n", run_tool({hostile}).err);
-    EXPECT_EQ("orv-h264: " + shown + " is one argument too many; see orv-h264 info --help\n",
-              run_tool({"info", "-", hostile}).err);
+    EXPECT_EQ("orv-h264: " + shown + " is one argument too many; see orv-h264 inspect --help\n",
+              run_tool({"inspect", "-", hostile}).err);
     EXPECT_EQ("orv-h264: --limit: '" + shown + "' is no number; see orv-h264 frames --help\n",
               run_tool({"frames", "--limit", hostile, "-"}).err);
 }

@@ -28,6 +28,10 @@ namespace {
         const rlimit limit = {*input.max_memory, *input.max_memory};
         setrlimit(RLIMIT_AS, &limit);
     }
+    if (input.max_seconds) {
+        const rlimit limit = {*input.max_seconds, *input.max_seconds + 1};
+        setrlimit(RLIMIT_CPU, &limit);
+    }
     if (input.max_file) {
         const rlimit limit = {*input.max_file, *input.max_file};
         setrlimit(RLIMIT_FSIZE, &limit);

@@ -22,11 +22,12 @@ struct tool_result {
 struct tool_input {
     std::optional<bytes> piped = std::nullopt; ///< what a pipe on the standard input gives; nothing is /dev/null
     std::size_t repeat = 1;                    ///< how often the pipe gives it
-    std::optional<std::size_t> max_memory = std::nullopt; ///< bytes of address space
-    std::optional<std::size_t> max_file = std::nullopt;   ///< bytes that a file may grow to
-    std::string out_path = {};                            ///< where the standard output goes instead of `out`
-    std::string err_path = {};                            ///< where the standard error stream goes instead of `err`
-    std::vector<int> closed = {};                         ///< descriptors that the tool finds closed
+    std::optional<std::size_t> max_memory = std::nullopt;  ///< bytes of address space
+    std::optional<std::size_t> max_seconds = std::nullopt; ///< of processor time
+    std::optional<std::size_t> max_file = std::nullopt;    ///< bytes that a file may grow to
+    std::string out_path = {};                             ///< where the standard output goes instead of `out`
+    std::string err_path = {};                             ///< where the standard error stream goes instead of `err`
+    std::vector<int> closed = {};                          ///< descriptors that the tool finds closed
 };
 
 /// Runs the program with `arguments` and waits for its end.

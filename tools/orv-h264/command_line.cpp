@@ -8,6 +8,7 @@
 #include "info.h"
 #include "inspect.h"
 #include "messages.h"
+#include "report.h"
 #include "standard_output.h"
 #include "type_set.h"
 #include "usage_error.h"
@@ -70,6 +71,15 @@ std::string limit_of(const std::string& text)
     return decimal(text);
 }
 
+std::string number_of_jobs(const std::string& text)
+{
+    constexpr std::size_t most_digits = 4;
+    std::string number = limit_of(text);
+    if (number.size() > most_digits)
+        throw CLI::ValidationError("'" + text + "' is too many");
+    return number;
+}
+
 void add_limit(CLI::App& app, std::uint64_t& limit, const char* description)
 {
     app.add_option("--limit", limit, description)->transform(limit_of)->type_name("N");
@@ -107,9 +117,8 @@ unsigned track_of(const std::string& text)
     return number;
 }
 
-void add_stream(CLI::App& app, const char* name, stream_options& options)
+void add_stream_options(CLI::App& app, stream_options& options)
 {
-    add_file(app, name, options.path, "The stream; - is the standard input");
     add_framing(app, "--format",
                 "The framing: annexb, length1, length2, length3 or length4; without it, it is recognised",
                 [&options](h264::framing framing) { options.format = framing; });
@@ -122,6 +131,36 @@ void add_stream(CLI::App& app, const char* name, stream_options& options)
         ->transform(size_in_bytes)
         ->type_name("BYTES")
         ->default_str("64M");
+}
+
+void add_stream(CLI::App& app, const char* name, stream_options& options)
+{
+    add_file(app, name, options.path, "The stream; - is the standard input");
+    add_stream_options(app, options);
+}
+
+/// FILE..., and what goes with many of them. `options` are those of each.
+void add_streams(CLI::App& app, file_set& files, stream_options& options)
+{
+    app.add_option("FILE", files.paths, "The streams; - is the standard input")->type_name("");
+    app.add_option("--files-from", files.list,
+                   "Read the files that LIST names, too, a path a line; - is the standard input")
+        ->type_name("LIST");
+    app.add_flag("-0,--null", files.null_separated, "In LIST a zero byte ends a path, as find -print0 writes it");
+    app.add_option("--jobs", files.jobs, "Read so many files at once; 0 is as many as there are processors")
+        ->transform(number_of_jobs)
+        ->type_name("N")
+        ->default_str("1");
+    add_stream_options(app, options);
+}
+
+/// Throws CLI::ParseError where the files do not go together.
+void check(const file_set& files)
+{
+    if (files.paths.empty() && files.list.empty())
+        throw CLI::RequiredError("FILE");
+    if (files.null_separated && files.list.empty())
+        throw CLI::ValidationError("--null", "it tells of the list of --files-from, which is not given");
 }
 
 /// "A line for each frame, tab-separated".
@@ -200,6 +239,7 @@ struct command_line {
     void add_explain();
     void add_frames();
     void add_info();
+    void add_report();
     void add_convert();
     void add_avcc();
     void add_help();
@@ -211,11 +251,24 @@ struct command_line {
         subcommand.callback([this, command, &options] { chosen = [command, &options] { return command(options); }; });
     }
 
+    template <typename Options>
+    void run_over(CLI::App& subcommand, exit_status (*command)(const file_set&, const Options&), const file_set& files,
+                  const Options& options)
+    {
+        subcommand.parse_complete_callback([&files] { check(files); });
+        subcommand.callback([this, command, &files, &options] {
+            chosen = [command, &files, &options] { return command(files, options); };
+        });
+    }
+
     CLI::App app{"What is in an H.264 stream, without decoding a picture", "orv-h264"};
     inspect_options inspect_chosen;
     explain_options explain_chosen;
     frames_options frames_chosen;
+    file_set frames_files;
     info_options info_chosen;
+    file_set info_files;
+    report_options report_chosen;
     convert_options convert_chosen;
     avcc_options avcc_chosen;
     std::string help_wanted; // of this subcommand
@@ -231,6 +284,7 @@ command_line::command_line()
     add_inspect();
     add_explain();
     add_frames();
+    add_report();
     add_convert();
     add_avcc();
     add_help();
@@ -288,23 +342,35 @@ void command_line::add_explain()
 void command_line::add_frames()
 {
     CLI::App& table = *app.add_subcommand("frames", "List the frames of a stream");
-    add_stream(table, "FILE", frames_chosen.stream);
+    add_streams(table, frames_files, frames_chosen.stream);
     table.add_flag("--fields,--split-fields", frames_chosen.split_fields, "Show each field by itself");
     table.add_flag("--output-order", frames_chosen.output_order,
                    "Show frames in output order, not as they are decoded");
     add_limit(table, frames_chosen.limit, "Stop after N frames");
     add_format(table, frames_chosen.format, json_lines, "A line for each frame");
-    table.footer(std::string(help_texts::frames) + help_texts::exit_statuses);
-    run_with(table, frames, frames_chosen);
+    table.footer(std::string(help_texts::frames) + help_texts::many_files + help_texts::exit_statuses);
+    run_over(table, frames_of_files, frames_files, frames_chosen);
 }
 
 void command_line::add_info()
 {
     CLI::App& summary = *app.add_subcommand("info", "Tell what a stream is");
-    add_stream(summary, "FILE", info_chosen.stream);
+    add_streams(summary, info_files, info_chosen.stream);
     add_format(summary, info_chosen.format, json_object, "A line for each fact");
-    summary.footer(std::string(help_texts::info) + help_texts::exit_statuses);
-    run_with(summary, info, info_chosen);
+    summary.footer(std::string(help_texts::info) + help_texts::many_files + help_texts::exit_statuses);
+    run_over(summary, info_of_files, info_files, info_chosen);
+}
+
+void command_line::add_report()
+{
+    CLI::App& page = *app.add_subcommand("report", "Write a page about a stream, for a browser");
+    add_stream(page, "FILE", report_chosen.stream);
+    page.add_option("-o,--output", report_chosen.out,
+                    "Where the page goes, report.html where this is not given; - is the standard output")
+        ->type_name("FILE")
+        ->default_str("");
+    page.footer(std::string(help_texts::report) + help_texts::exit_statuses);
+    run_with(page, report, report_chosen);
 }
 
 void command_line::add_convert()

@@ -6,6 +6,7 @@
 #include "messages.h"
 #include "output_sorter.h"
 #include "picture_rows.h"
+#include "printable.h"
 #include "show_rows.h"
 #include "standard_output.h"
 #include "table_output.h"
@@ -20,10 +21,18 @@ namespace orv_h264 {
 
 namespace {
 
+/// The columns of a run over many files.
+json in_columns(const std::string& file, const json& row)
+{
+    json columns = {{"file", file}};
+    columns.update(row);
+    return columns;
+}
+
 class row_list final : row_sink {
 public:
     row_list(const frames_options& chosen, const std::string& name)
-        : options(chosen), problems(name, chosen.format == output_format::json)
+        : options(chosen), file(name), problems(name, chosen.format == output_format::json, chosen.among_many)
     {
     }
 
@@ -79,11 +88,15 @@ private:
         if (options.format == output_format::text)
             write_output(text_of(row, tick) + '\n');
         else if (options.format == output_format::json)
-            print_json(json_of(row, tick));
+            print_record(json_of(row, tick));
+        else if (options.among_many)
+            print_row(options.format, in_columns(file, json_of(row, tick.value_or(container_ratio()))));
         else
             print_row(options.format, json_of(row, tick));
         totals.add(row);
     }
+
+    void print_record(const json& record) const { print_json(options.among_many ? record_of(file, record) : record); }
 
     void tell(const row_problem& problem)
     {
@@ -119,6 +132,8 @@ private:
     void print_head(const stream_input& input) const
     {
         if (options.format == output_format::text) {
+            if (options.among_many)
+                write_output(fmt::format("File  {}\n", printable(file)));
             if (input.in_container() != nullptr)
                 write_output(text_of(*input.in_container()) + '\n');
             write_output(emphasised(stdout, emphasis::strong, row_heading(tick.has_value())) + '\n');
@@ -130,7 +145,7 @@ private:
             if (input.in_container() != nullptr)
                 head["container"] = json_of(*input.in_container());
             print_json(head);
-        } else {
+        } else if (!options.among_many) {
             print_column_names(options.format, json_of(picture_row(), tick));
         }
     }
@@ -140,10 +155,11 @@ private:
         if (options.format == output_format::text)
             write_output(text_of(totals, options.split_fields) + '\n');
         else if (options.format == output_format::json)
-            print_json(json_of(totals));
+            print_record(json_of(totals));
     }
 
     const frames_options& options;
+    const std::string& file;
     complaints problems;
     std::optional<container_ratio> tick; // of the container
     std::optional<container_check> check;
@@ -159,6 +175,32 @@ exit_status frames(const frames_options& options)
 {
     stream_input input(options.stream);
     return row_list(options, input.name()).run(input);
+}
+
+exit_status frames_of_files(const file_set& files, const frames_options& options)
+{
+    frames_options one = options;
+    if (files.is_one()) {
+        one.stream.path = files.paths.front();
+        return frames(one);
+    }
+    one.among_many = true;
+    file_work work;
+    work.read = [&one](const std::string& path) {
+        one.stream.path = path;
+        return frames(one);
+    };
+    work.print_failure = [&one](const std::string& file, const json& failure) {
+        json record = {{"record", "error"}, {"file", file}};
+        record.update(failure);
+        if (one.format == output_format::json)
+            print_json(record);
+    };
+    if (one.format == output_format::text)
+        work.between = "\n";
+    else if (is_table(one.format))
+        print_column_names(one.format, in_columns("", json_of(picture_row(), container_ratio())));
+    return read_files(files, work);
 }
 
 } // namespace orv_h264

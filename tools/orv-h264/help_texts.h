@@ -97,7 +97,33 @@ Examples:
   orv-h264 info movie.264
   orv-h264 info --format length4 sample.bin
   orv-h264 info --json movie.264 | jq -r '.sequences[0].codec'
-  orv-h264 info --tsv movie.264 | grep bit_rate)";
+  orv-h264 info --tsv movie.264 | grep bit_rate
+  find . -name '*.264' -print0 | orv-h264 info --json --jobs 0 --null --files-from -)";
+
+/// Below those that read many files.
+constexpr const char* many_files =
+    R"(
+
+Several FILEs, or --files-from: each is read in a process of its own, --jobs of them at once, and the output comes in
+the order of the files. One that cannot be read, or whose process a signal ends, is told on the standard error stream,
+with --json in an object of its own too (file, error, status), and the others go on. The exit status is the greatest
+of all. Blocks of text have an empty line between them; every object of --json names its file, and so does the first
+column of --csv and --tsv.)";
+
+constexpr const char* report =
+    R"(Writes one HTML page about FILE that a browser opens without a network: the summary that info prints, frame sizes by
+type in decoding or output order, bit rate over time beside that of the HRD, durations where they vary, structure and
+reference use, shares of bytes by unit and slice type, parameter sets and SEI messages element by element, and what is
+wrong, each with its place. Plots zoom and pan; every frame tells what it is, to the keyboard too; each plot has its
+table. The page loads nothing, and no byte of FILE can make it run anything.
+
+Behind 1,000,000 frames the page has the frames in stretches, and says so. The page appears when it is complete, and
+replaces what was there. A page is written of a broken stream too.
+
+Examples:
+  orv-h264 report movie.264
+  orv-h264 report movie.264 -o movie.html
+  orv-h264 report movie.264 -o - | wc -c)";
 
 constexpr const char* convert =
     R"(Writes every NAL unit of IN to OUT in another framing: start codes (annexb) or big-endian lengths of 1 to 4

@@ -26,9 +26,13 @@ ssize_t again(Call call)
 
 } // namespace
 
+std::string input_name(const std::string& path)
+{
+    return path == "-" ? "standard input" : path;
+}
+
 input_file::input_file(const std::string& path)
-    : shown_name(path == "-" ? "standard input" : path),
-      descriptor(path == "-" ? STDIN_FILENO : ::open(path.c_str(), O_RDONLY | O_CLOEXEC))
+    : shown_name(input_name(path)), descriptor(path == "-" ? STDIN_FILENO : ::open(path.c_str(), O_RDONLY | O_CLOEXEC))
 {
     if (descriptor < 0)
         throw std::system_error(errno, std::generic_category(), shown_name);

@@ -8,6 +8,9 @@
 
 namespace orv_h264 {
 
+/// What messages call the input at `path`.
+std::string input_name(const std::string& path);
+
 /// An input opened for reading. Errors are thrown as std::system_error, with the name and the offset in the text.
 class input_file {
 public:
@@ -35,6 +38,9 @@ public:
 
     /// The name for messages.
     const std::string& name() const noexcept { return shown_name; }
+
+    /// To be polled before a read that is not to wait.
+    int file_descriptor() const noexcept { return descriptor; }
 
 private:
     std::size_t check(std::ptrdiff_t count, std::uint64_t at) const;

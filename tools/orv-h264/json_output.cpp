@@ -60,6 +60,13 @@ json json_head(const char* schema, std::string_view input_name)
     return {{"schema", schema}, {"schema_version", version}, {"file", input_name}};
 }
 
+json record_of(std::string_view file, const json& record)
+{
+    json whole = {{"record", record["record"]}, {"file", file}};
+    whole.update(record);
+    return whole;
+}
+
 json json_first_line(const char* schema, std::string_view input_name)
 {
     json line = {{"record", "stream"}};

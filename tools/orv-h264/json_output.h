@@ -33,6 +33,9 @@ double rounded(double number, int digits);
 /// The version grows when members change their meaning or go; new members may come without it.
 json json_head(const char* schema, std::string_view input_name);
 
+/// The record, its file behind the member record: for runs over many files.
+json record_of(std::string_view file, const json& record);
+
 /// The first of the lines of an output that has several.
 json json_first_line(const char* schema, std::string_view input_name);
 

@@ -122,7 +122,10 @@ void layer_list::add_slice(entry& of, const h264::access_unit& unit, const h264:
                            const h264::parameter_sets& sets)
 {
     layer_summary& summary = of.summary;
-    summary.pictures += of.latest == unit.number ? 0U : 1U;
+    if (of.latest != unit.number) {
+        ++summary.pictures;
+        summary.references += slice.header.nal_ref_idc != 0 ? 1U : 0U;
+    }
     of.latest = unit.number;
     const h264::seq_parameter_set_data* const sps = summary.sps ? nullptr : sps_of_layer(unit, slice, sets);
     if (sps == nullptr)

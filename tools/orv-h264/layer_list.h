@@ -17,6 +17,7 @@ struct layer_summary {
     h264::slice_layer layer;
     bool scalable = false;                           ///< it is a layer; else a view
     std::uint64_t pictures = 0;                      ///< access units that have slices of it
+    std::uint64_t references = 0;                    ///< of these, that are for reference: nal_ref_idc is not 0
     std::uint64_t units = 0;                         ///< slices, and the prefix units before them
     std::uint64_t bytes = 0;                         ///< of these, without their framing
     std::optional<h264::seq_parameter_set_data> sps; ///< of its first slice whose SPS or subset SPS is there

@@ -38,8 +38,10 @@ void complaints::note(std::uint64_t offset, std::string_view what)
 void complaints::tell(const char* record, std::uint64_t offset, std::string_view what) const
 {
     print_error(fmt::format("{}: offset {}: {}", name, offset, what));
-    if (also_json)
-        print_json({{"record", record}, {"offset", offset}, {"message", what}});
+    if (!also_json)
+        return;
+    const json line = {{"record", record}, {"offset", offset}, {"message", what}};
+    print_json(among_many ? record_of(name, line) : line);
 }
 
 } // namespace orv_h264

@@ -19,7 +19,8 @@ void print_error(std::string_view reason);
 /// What is wrong with one input, and what is odd about it.
 class complaints {
 public:
-    explicit complaints(std::string input_name, bool in_json = false) : name(std::move(input_name)), also_json(in_json)
+    explicit complaints(std::string input_name, bool in_json = false, bool of_many = false)
+        : name(std::move(input_name)), also_json(in_json), among_many(of_many)
     {
     }
 
@@ -37,6 +38,7 @@ private:
 
     std::string name;
     bool also_json;
+    bool among_many; // the line of JSON names the file
     bool any = false;
 };
 

@@ -20,25 +20,6 @@ std::string key_text(const picture_row& row)
     return row.recovery_frame_cnt ? fmt::format("recovery {}", *row.recovery_frame_cnt) : "-";
 }
 
-/// H.264 Table 7-6.
-const char* slice_kind_name(h264::slice_kind kind)
-{
-    constexpr const char* table_7_6[] = {"P", "B", "I", "SP", "SI"};
-    return table_7_6[static_cast<std::size_t>(kind)];
-}
-
-const char* structure_name(row_structure structure)
-{
-    constexpr const char* names[] = {"frame", "MBAFF", "top", "bottom", "fields"};
-    return names[static_cast<std::size_t>(structure)];
-}
-
-const char* source_name(h264::time_source source)
-{
-    constexpr const char* names[] = {"none", "assumed_rate", "caller", "constant_rate", "hrd"};
-    return names[static_cast<std::size_t>(source)];
-}
-
 double seconds_of(h264::exact_time time)
 {
     return static_cast<double>(time.numerator) / static_cast<double>(time.denominator);
@@ -134,6 +115,26 @@ json json_or_null(h264::exact_time time)
     return time ? json_fraction(time.numerator, time.denominator) : json();
 }
 
+} // namespace
+
+const char* slice_kind_name(h264::slice_kind kind)
+{
+    constexpr const char* table_7_6[] = {"P", "B", "I", "SP", "SI"};
+    return table_7_6[static_cast<std::size_t>(kind)];
+}
+
+const char* structure_name(row_structure structure)
+{
+    constexpr const char* names[] = {"frame", "MBAFF", "top", "bottom", "fields"};
+    return names[static_cast<std::size_t>(structure)];
+}
+
+const char* source_name(h264::time_source source)
+{
+    constexpr const char* names[] = {"none", "assumed_rate", "caller", "constant_rate", "hrd"};
+    return names[static_cast<std::size_t>(source)];
+}
+
 json json_of(const row_layer& layer)
 {
     const h264::slice_layer& what = layer.what;
@@ -142,8 +143,6 @@ json json_of(const row_layer& layer)
             {"dependency_id", what.dependency_id}, {"quality_id", what.quality_id}, {"temporal_id", what.temporal_id}};
     return {{"view_id", what.view_id}, {"depth", what.depth}, {"temporal_id", what.temporal_id}};
 }
-
-} // namespace
 
 std::string row_heading(bool in_container)
 {

@@ -1,7 +1,10 @@
 #include "stream_summary.h"
 
+#include "row_facts.h"
+
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace orv_h264 {
 
@@ -51,6 +54,9 @@ void stream_survey::access_unit_came(const h264::access_unit& unit)
     summary.sei.add(unit);
     summary.layers.add(unit, rows.sets());
     find_encoder(unit);
+    add_slices(unit);
+    if (next != nullptr)
+        next->access_unit_came(unit);
     if (unit.header != nullptr)
         add_picture(unit);
 }
@@ -96,6 +102,16 @@ void stream_survey::find_encoder(const h264::access_unit& unit)
     }
 }
 
+void stream_survey::add_slices(const h264::access_unit& unit)
+{
+    for (const h264::access_unit_part& part : unit.parts)
+        if (const auto kind = unit_of(part).slice) {
+            stream_summary::type_count& count = summary.slices[static_cast<std::size_t>(*kind)];
+            ++count.units;
+            count.bytes += part.place.size;
+        }
+}
+
 /// Makes the sequence of `sps` the current one, a new one if need be; none when there are too many.
 void stream_survey::find_sequence(std::uint64_t offset, const h264::seq_parameter_set_data& sps)
 {
@@ -128,19 +144,21 @@ void stream_survey::row(picture_row&& row)
         coded.pop_front();
     }
     for (const row_problem& found : row.problems)
-        problem(found);
+        count_problem(found);
     summary.frames.add(row);
     if (summary.container)
         summary.container->add(row);
     summary.groups.add(row);
     add_seconds(row, of);
     const std::uint32_t depth = reordering.add(row);
-    if (of.sequence >= summary.sequences.size())
-        return;
-    sequence_summary& sequence = summary.sequences[of.sequence];
-    sequence.reorder_depth = std::max(sequence.reorder_depth, depth);
-    if (sequence.pictures++ == 0)
-        sequence.offset = row.offset;
+    if (of.sequence < summary.sequences.size()) {
+        sequence_summary& sequence = summary.sequences[of.sequence];
+        sequence.reorder_depth = std::max(sequence.reorder_depth, depth);
+        if (sequence.pictures++ == 0)
+            sequence.offset = row.offset;
+    }
+    if (next != nullptr)
+        next->row(std::move(row));
 }
 
 // Start codes and zero bytes belong to the bit stream of a NAL HRD (clause C.1); length prefixes do not.
@@ -160,6 +178,13 @@ void stream_survey::add_seconds(const picture_row& row, const coded_picture& of)
 }
 
 void stream_survey::problem(const row_problem& problem)
+{
+    count_problem(problem);
+    if (next != nullptr)
+        next->problem(problem);
+}
+
+void stream_survey::count_problem(const row_problem& problem)
 {
     (problem.finding ? summary.findings : summary.problems).add(problem.offset, problem.message, problem.bytes);
 }

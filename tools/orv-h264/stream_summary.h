@@ -36,6 +36,7 @@ struct stream_summary {
     std::uint64_t further_sequences = 0;     ///< beyond most_sequences; one that comes back later counts again
     layer_list layers;
     std::array<type_count, 32> types; ///< by nal_unit_type
+    std::array<type_count, 5> slices; ///< by slice_kind, primary ones whose header was read; without their framing
     sei_counts sei;
     frame_totals frames;
     group_counter groups;
@@ -49,9 +50,11 @@ std::optional<std::uint64_t> bit_rate_of(const layer_summary& layer, const frame
 /// Adds up the units of a stream.
 class stream_survey final : public h264::split_sink, row_sink {
 public:
-    /// `most_unit_bytes` is the limit of the splitter, `log` tells where the bytes of the stream lie in its file.
-    stream_survey(h264::framing framing, std::uint64_t most_unit_bytes, const packet_log* log = nullptr)
-        : prefix_size(prefix_size_of(framing)), rows(false, most_unit_bytes, *this, log)
+    /// `most_unit_bytes` is the limit of the splitter, `log` tells where the bytes of the stream lie in its file. What
+    /// the survey adds up goes on to `behind`, where that is given.
+    stream_survey(h264::framing framing, std::uint64_t most_unit_bytes, const packet_log* log = nullptr,
+                  row_sink* behind = nullptr)
+        : prefix_size(prefix_size_of(framing)), rows(false, most_unit_bytes, *this, log), next(behind)
     {
     }
 
@@ -81,10 +84,13 @@ private:
     void add_sets(const h264::access_unit& unit);
     void add_picture(const h264::access_unit& unit);
     void find_encoder(const h264::access_unit& unit);
+    void add_slices(const h264::access_unit& unit);
+    void count_problem(const row_problem& problem);
     void add_seconds(const picture_row& row, const coded_picture& of);
 
     unsigned prefix_size;
     picture_rows rows;
+    row_sink* next;
     std::size_t current = 0;                                  // of the sequences
     std::optional<h264::seq_parameter_set_data> last_further; // of the further sequence counted last
     std::deque<coded_picture> coded;                          // whose rows have not come yet

@@ -126,4 +126,15 @@ void print_facts(output_format table, const json& object)
     tell_facts(object, [table](const std::string& path, const json& value) { print(table, {path, cell_of(value)}); });
 }
 
+void print_fact_names_of_many(output_format table)
+{
+    print(table, {"file", "path", "value"});
+}
+
+void print_facts_of(const std::string& file, output_format table, const json& object)
+{
+    const std::string cell = cell_of(file);
+    tell_facts(object, [&](const std::string& path, const json& value) { print(table, {cell, path, cell_of(value)}); });
+}
+
 } // namespace orv_h264

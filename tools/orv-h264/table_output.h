@@ -34,4 +34,8 @@ void tell_facts(const json& object, const fact_sink& take);
 /// Prints a line for each fact behind a line of names: path, value.
 void print_facts(output_format table, const json& object);
 
+/// The same of many files: one line of names, of which file is the first, and the lines of each object.
+void print_fact_names_of_many(output_format table);
+void print_facts_of(const std::string& file, output_format table, const json& object);
+
 } // namespace orv_h264

@@ -1,6 +1,8 @@
 #include "terminal.h"
 
 #include <cstdlib>
+#include <optional>
+#include <utility>
 
 #include <fmt/format.h>
 #include <unistd.h>
@@ -15,10 +17,20 @@ std::string_view environment(const char* name)
     return value == nullptr ? "" : value;
 }
 
+/// Of the standard output and the standard error stream.
+std::optional<std::pair<bool, bool>> remembered;
+
 } // namespace
+
+void remember_terminals()
+{
+    remembered = {is_capable_terminal(stdout), is_capable_terminal(stderr)};
+}
 
 bool is_capable_terminal(std::FILE* stream)
 {
+    if (remembered && (stream == stdout || stream == stderr))
+        return stream == stdout ? remembered->first : remembered->second;
     return ::isatty(::fileno(stream)) == 1 && environment("TERM") != "dumb";
 }
 

@@ -7,6 +7,9 @@
 
 namespace orv_h264 {
 
+/// What is_capable_terminal() says of the standard streams now it says from now on, wherever they lead then.
+void remember_terminals();
+
 /// A terminal that understands control sequences: one whose type, the environment variable TERM, is not dumb.
 bool is_capable_terminal(std::FILE* stream);
 

@@ -48,6 +48,22 @@ std::string uuid_text(byte_span bytes)
 
 } // namespace
 
+std::string value_text(byte_span bytes)
+{
+    return bytes.size() == 1 ? std::to_string(bytes.front()) : shown_bytes(bytes);
+}
+
+std::string value_text(const h264::traced_element& element)
+{
+    if (element.how == h264::coding::st)
+        return shown_bytes({element.bytes, element.size});
+    if (element.name.name() == std::string_view("uuid_iso_iec_11578"))
+        return uuid_text({element.bytes, element.size});
+    std::string text;
+    append_value(text, element);
+    return text;
+}
+
 std::string hex_start(byte_span bytes)
 {
     const bool all = bytes.size() <= most_hex_bytes;
@@ -75,12 +91,10 @@ void trace_lines::element(const shown_element& shown)
     begin_line(shown);
     append_label(text, e.name);
     text += ' ';
-    if (e.how == h264::coding::st)
-        text += shown_bytes({e.bytes, e.size});
-    else if (e.name.name() == std::string_view("uuid_iso_iec_11578"))
-        text += uuid_text({e.bytes, e.size});
-    else
+    if (e.bytes == nullptr && e.how != h264::coding::st) // most of them
         append_value(text, e);
+    else
+        text += value_text(e);
     end_line(shown.words);
 }
 
@@ -92,7 +106,7 @@ void trace_lines::bytes(const shown_element& first, byte_span all)
         fmt::format_to(std::back_inserter(text), " to [{}]",
                        first.element.name.index(first.element.name.depth() - 1) + all.size() - 1);
     text += ' ';
-    text += all.size() == 1 ? std::to_string(all.front()) : shown_bytes(all);
+    text += value_text(all);
     end_line(first.words);
 }
 

@@ -13,6 +13,10 @@ namespace orv_h264 {
 /// The first bytes as hex digits, for a line; "..." where there are more.
 std::string hex_start(byte_span bytes);
 
+/// The value of an element, or of bytes in a row, for a line: text and UUIDs as such.
+std::string value_text(const h264::traced_element& element);
+std::string value_text(byte_span bytes);
+
 class trace_lines final : public annotated_sink {
 public:
     /// @param positions each element has its byte, bit and width before it

@@ -13,12 +13,17 @@ constexpr const char* forbidden_bit = "unit whose header has the forbidden bit s
 
 } // namespace
 
-exit_status unit_run::run(stream_input& input)
+void unit_run::begin_units(const stream_input& input)
 {
     most_bytes = input.max_unit();
     packets = &input.packets();
     for (const h264::split_unit& set : input.record_sets())
         unit(set);
+}
+
+exit_status unit_run::run(stream_input& input)
+{
+    begin_units(input);
     const bool any = input.read_units(*this, [this] { return enough(); });
     stream.flush(*this);
     if (!any)

@@ -51,6 +51,11 @@ protected:
     virtual void take(const listed_unit& unit, const h264::unit_reading* reading) = 0;
     virtual void take_gap(const h264::split_gap& gap) { static_cast<void>(gap); }
 
+    /// For one that is not run, but given the units that are read for something else, and told when they have ended.
+    void begin_units(const stream_input& input);
+    h264::split_sink& units_in() { return *this; }
+    void end_units() { stream.flush(*this); }
+
     /// Something is wrong; with the unit, if any.
     virtual void complain(const listed_unit* unit, std::uint64_t offset, const std::string& what, bool is_problem);
 

@@ -2,9 +2,10 @@
 
 _orv_h264()
 {
-    local subcommands="info inspect explain frames convert avcc help"
+    local subcommands="info inspect explain frames report convert avcc help"
     local framings="annexb length1 length2 length3 length4"
     local help="-h --help"
+    local many="--files-from -0 --null --jobs"
     local current=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD-1]} subcommand=${COMP_WORDS[1]} options
 
     # --to=length4 stands there as three words.
@@ -21,10 +22,11 @@ _orv_h264()
         return
     fi
     case $subcommand in
-    info) options="--format --track --max-unit --json --csv --tsv" ;;
+    info) options="$many --format --track --max-unit --json --csv --tsv" ;;
     inspect) options="--format --track --max-unit --nals --limit --only --positions --long-names --json --csv --tsv" ;;
     explain) options="--format --track --max-unit --json --csv --tsv" ;;
-    frames) options="--format --track --max-unit --fields --split-fields --output-order --limit --json --csv --tsv" ;;
+    frames) options="$many --format --track --max-unit --fields --split-fields --output-order --limit --json --csv --tsv" ;;
+    report) options="--format --track --max-unit -o --output" ;;
     convert) options="--format --track --max-unit --to --avcc --parameter-sets" ;;
     avcc) options="--json --csv --tsv" ;;
     help) options="" ;;
@@ -39,7 +41,7 @@ _orv_h264()
         [[ " $options " != *" $before "* ]] || mapfile -t COMPREPLY < <(compgen -W "$framings" -- "$current")
         return
         ;;
-    --limit | --max-unit | --only | --track) return ;;
+    --jobs | --limit | --max-unit | --only | --track) return ;;
     esac
     if [[ $current == -* ]]; then
         mapfile -t COMPREPLY < <(compgen -W "$help $options" -- "$current")

@@ -1,0 +1,70 @@
+# Test sources are compiled several at a time: what they instantiate of the standard library and of GoogleTest is most of
+# what a compiler does with them, and nearly the same for each.
+
+option(ORV_UTILS_V4_BATCHES "Compile the sources of a test program several at a time" ON)
+set(orv_batch_size 8)
+
+# orv_compiled_alone(SOURCE...): sources that are in no batch, since they define what others see in a namespace with a name.
+function(orv_compiled_alone)
+    set_source_files_properties(${ARGN} PROPERTIES SKIP_UNITY_BUILD_INCLUSION ON)
+endfunction()
+
+# orv_batches(VARIABLE NAME SOURCE...): what to compile for the sources of the program NAME. A batch reads all that its
+# sources include, then each of them in a namespace of its own, so that they need not know each other's names.
+function(orv_batches variable name)
+    set(alone)
+    set(together)
+    foreach(source IN LISTS ARGN)
+        cmake_path(ABSOLUTE_PATH source)
+        get_source_file_property(kept_out ${source} SKIP_UNITY_BUILD_INCLUSION)
+        if(kept_out)
+            list(APPEND alone ${source})
+        else()
+            list(APPEND together ${source})
+        endif()
+    endforeach()
+    list(LENGTH together count)
+    if(NOT ORV_UTILS_V4_BATCHES OR count LESS 2)
+        set(${variable} ${ARGN} PARENT_SCOPE)
+        return()
+    endif()
+
+    set(number 0)
+    while(together)
+        list(SUBLIST together 0 ${orv_batch_size} sources)
+        list(REMOVE_ITEM together ${sources})
+        math(EXPR number "${number} + 1")
+        set(batch ${CMAKE_CURRENT_BINARY_DIR}/batches/${name}_${number}.cpp)
+        orv_write_batch(${batch} ${sources})
+        list(APPEND alone ${batch})
+    endwhile()
+    set(${variable} ${alone} PARENT_SCOPE)
+endfunction()
+
+# orv_write_batch(BATCH SOURCE...): writes it, and says how the header is made that its sources' includes are in.
+function(orv_write_batch batch)
+    cmake_path(REPLACE_EXTENSION batch h OUTPUT_VARIABLE header)
+    add_custom_command(OUTPUT ${header}
+        COMMAND ${CMAKE_COMMAND} -D HEADER=${header} -P ${PROJECT_SOURCE_DIR}/cmake/write_includes.cmake ${ARGN}
+        DEPENDS ${ARGN} ${PROJECT_SOURCE_DIR}/cmake/write_includes.cmake
+        COMMENT "Collecting the includes of ${batch}" VERBATIM)
+    set_source_files_properties(${batch} PROPERTIES OBJECT_DEPENDS ${header})
+
+    # Each has the names without linkage that a source has.
+    set(text "#include \"${header}\"\n#if defined(__GNUC__) && !defined(__clang__)\n")
+    string(APPEND text "#pragma GCC diagnostic ignored \"-Wsubobject-linkage\"\n#endif\n")
+    foreach(source IN LISTS ARGN)
+        cmake_path(GET source STEM name)
+        get_source_file_property(definitions ${source} COMPILE_DEFINITIONS)
+        if(definitions)
+            string(REPLACE "=" " " definitions "${definitions}")
+            string(APPEND text "#define ${definitions}\n")
+        endif()
+        string(APPEND text "namespace compiled_${name} {\n#include \"${source}\"\n}\n")
+        if(definitions)
+            string(REGEX REPLACE " .*" "" definitions "${definitions}")
+            string(APPEND text "#undef ${definitions}\n")
+        endif()
+    endforeach()
+    file(CONFIGURE OUTPUT ${batch} CONTENT "${text}" @ONLY)
+endfunction()
