@@ -4,19 +4,16 @@
 #include "container/demuxer.h"
 #include "messages.h"
 #include "path_list.h"
-#include "signatures.h"
 #include "standard_output.h"
 #include "stream_input.h"
 #include "terminal.h"
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <csignal>
 #include <cstring>
 #include <deque>
-#include <filesystem>
-#include <fstream>
+#include <iterator>
 #include <new>
 #include <optional>
 #include <system_error>
@@ -69,22 +66,12 @@ exit_status read_or_tell(const file_work& work, const std::string& path)
     }
 }
 
-/// By its head; what cannot be read is none.
-bool may_be_container(const std::string& path) noexcept
+/// By its name: the parent opens no file, which may wait for ever.
+bool may_be_container(const std::string& path)
 {
-    constexpr std::size_t head_size = 2048;
-    try {
-        std::array<char, head_size> head = {};
-        std::ifstream file;
-        if (std::filesystem::is_regular_file(path))
-            file.open(path, std::ios::binary);
-        file.read(head.data(), head.size());
-        const std::optional<known_format> format =
-            format_by_signature({head.data(), static_cast<std::size_t>(file.gcount())});
-        return format && format->container != container_kind::none;
-    } catch (const std::exception&) {
-        return false;
-    }
+    constexpr std::string_view endings[] = {".mp4", ".m4v", ".mov", ".mkv", ".ts", ".m2ts", ".mts", ".flv"};
+    return std::any_of(std::begin(endings), std::end(endings),
+                       [&](std::string_view ending) { return path.ends_with(ending); });
 }
 
 /// What the process of a file does.
