@@ -3,8 +3,6 @@
 #include "show_rows.h"
 
 #include <algorithm>
-#include <limits>
-#include <numeric>
 #include <utility>
 
 #include <fmt/format.h>
@@ -13,40 +11,9 @@ namespace orv_h264 {
 
 namespace {
 
-// What a script can compute with exactly, twice added.
-constexpr std::int64_t most_ticks = std::int64_t{1} << 48;
-constexpr std::int64_t most_scale = std::int64_t{1} << 40;
-
 std::int64_t signed_of(std::uint64_t number)
 {
     return static_cast<std::int64_t>(number);
-}
-
-/// In parts of a second; nothing where that is not a whole number, or too large.
-std::optional<std::int64_t> in_parts(h264::exact_time time, std::int64_t scale)
-{
-    if (!time || scale % time.denominator != 0)
-        return {};
-    const std::int64_t factor = scale / time.denominator;
-    if (time.numerator > most_ticks / factor || time.numerator < -most_ticks / factor)
-        return {};
-    return time.numerator * factor;
-}
-
-json seconds_or_null(h264::exact_time time)
-{
-    return time ? json(static_cast<double>(time.numerator) / static_cast<double>(time.denominator)) : json();
-}
-
-std::int64_t common_multiple(std::int64_t a, std::int64_t b)
-{
-    const std::int64_t part = b / std::gcd(a, b);
-    return a > most_scale / part ? std::numeric_limits<std::int64_t>::max() : a * part;
-}
-
-std::int64_t parts_of(h264::exact_time time)
-{
-    return time ? time.denominator : 1;
 }
 
 template <typename T>
@@ -103,79 +70,6 @@ json text_list::values() const
     return list;
 }
 
-// Decoding times are expected to go on as they did, presentation times to follow the output numbers at the same pace.
-void time_columns::add(const picture_row& row)
-{
-    const std::int64_t needed = common_multiple(parts_of(row.dts), parts_of(row.pts));
-    if (needed <= most_scale && scale % needed != 0) {
-        const std::int64_t common = common_multiple(scale, needed);
-        use_scale(common <= most_scale ? common : needed);
-    }
-    scales.add(static_cast<std::uint64_t>(scale));
-    const auto now = in_parts(row.dts, scale);
-    decoding.add_optional(now ? std::optional(*now - dts - dts_step) : now);
-    if (now) {
-        dts_step = *now - dts;
-        dts = *now;
-    }
-    const auto shown = in_parts(row.pts, scale);
-    const std::int64_t place = signed_of(row.output_number.value_or(static_cast<std::uint64_t>(output_number)));
-    // Steps of pictures that are far from each other could be anything.
-    const std::int64_t steps = std::abs(place - output_number) <= 64 ? place - output_number : 0;
-    const std::int64_t pace = std::abs(dts_step) < most_ticks / 64 ? dts_step : 0;
-    presentation.add_optional(shown ? std::optional(*shown - pts - steps * pace) : shown);
-    pts = shown.value_or(pts);
-    if ((row.dts && !now) || (row.pts && !shown))
-        if (rounded.size() < most_rounded)
-            rounded.push_back({row.number, seconds_or_null(row.dts), seconds_or_null(row.pts)});
-    output_number = place;
-}
-
-void time_columns::use_scale(std::int64_t parts)
-{
-    scale = parts;
-    dts = dts_step = pts = 0;
-}
-
-void time_columns::write(json& columns)
-{
-    columns["scale"] = scales.text();
-    columns["dts"] = decoding.text();
-    columns["pts"] = presentation.text();
-}
-
-void packet_columns::tick_column::add(std::optional<std::int64_t> ticks)
-{
-    const bool exact = ticks && *ticks <= most_ticks && *ticks >= -most_ticks;
-    numbers.add_optional(exact ? std::optional(*ticks - last - step) : std::nullopt);
-    if (exact) {
-        step = *ticks - last;
-        last = *ticks;
-    }
-}
-
-void packet_columns::add(const std::optional<logged_packet>& packet)
-{
-    const std::int64_t number = packet ? signed_of(packet->number) : 0;
-    numbers.add_optional(packet ? std::optional(number - last_number - 1) : std::nullopt);
-    if (!packet) // the others have no entry then
-        return;
-    last_number = number;
-    keys.add(!packet->key ? 0U : *packet->key ? 2U : 1U);
-    dts.add(packet->dts);
-    pts.add(packet->pts);
-    durations.add(static_cast<std::uint64_t>(std::clamp<std::int64_t>(packet->duration, 0, most_ticks)));
-}
-
-void packet_columns::write(json& columns)
-{
-    columns["packet"] = numbers.text();
-    columns["container_key"] = keys.text();
-    columns["container_dts"] = dts.numbers.text();
-    columns["container_pts"] = pts.numbers.text();
-    columns["container_duration"] = durations.text();
-}
-
 void report_frames::add(const picture_row& row)
 {
     if (++count > most_rows)
@@ -214,7 +108,7 @@ std::uint64_t report_frames::kind_of(const picture_row& row)
     const std::string duration =
         row.duration ? fmt::format("[{},{}]", row.duration.numerator, row.duration.denominator) : "null";
     return kind_list.number_of(
-        fmt::format("[{},{},{},{},\"{}\",{},\"{}\",{},{},{},{},{},{},{}]", unit_lists.number_of(unit_list(row)),
+        fmt::format(R"([{},{},{},{},"{}",{},"{}",{},{},{},{},{},{},{}])", unit_lists.number_of(unit_list(row)),
                     row.layers.empty() ? -1 : signed_of(layer_lists.number_of(layer_list_of(row))), row.coded_pictures,
                     row.idr ? 1 : 0, structure_name(row.structure), row.nal_ref_idc, source_name(row.time_source),
                     row.field_duration, duration, number_or_null(row.pic_struct), number_or_null(row.sps_id),

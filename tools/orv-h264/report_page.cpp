@@ -99,7 +99,7 @@ void require_page_parts()
         if (find_part(name) == nullptr)
             throw refusal(exit_not_supported,
                           "this orv-h264 was built without uPlot, which draws the plots of a report; script/bootstrap "
-                          "fetches it, and a build behind that has it");
+                          "fetches it, and the next build has it");
 }
 
 // page.html has a mark {{name}} wherever something is put in.

@@ -14,7 +14,7 @@ namespace orv_h264 {
 void report_trace::begin()
 {
     inside.clear();
-    rows = json::array();
+    rows.clear();
     messages.clear();
     message_depth = 0;
 }
@@ -29,14 +29,14 @@ void report_trace::open(std::string_view structure, std::string_view heading)
     if (is_message && !nested) {
         message_depth = inside.size();
         messages.emplace_back();
-        rows = json::array();
+        rows.clear();
     }
 }
 
 void report_trace::close()
 {
     if (inside.size() == message_depth) {
-        messages.back().rows = std::exchange(rows, json::array());
+        messages.back().rows = std::exchange(rows, {});
         message_depth = 0;
     }
     inside.pop_back();
@@ -89,18 +89,18 @@ void report_trace::add(json row)
     if (rows.size() < most_rows)
         rows.push_back(std::move(row));
     else if (rows.size() == most_rows)
-        rows.push_back({0, "=", "further elements are not shown"});
+        rows.push_back(json{0, "=", "further elements are not shown"});
 }
 
-json report_trace::take()
+std::vector<json> report_trace::take()
 {
-    return std::exchange(rows, json::array());
+    return std::exchange(rows, {});
 }
 
 std::vector<report_trace::message> report_trace::take_messages()
 {
     if (message_depth != 0 && !messages.empty()) // it was cut
-        messages.back().rows = std::exchange(rows, json::array());
+        messages.back().rows = std::exchange(rows, {});
     message_depth = 0;
     return std::exchange(messages, {});
 }

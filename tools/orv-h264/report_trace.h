@@ -21,7 +21,7 @@ public:
     struct message {
         std::uint32_t payload_type = 0;
         std::string payload_type_name;
-        json rows;
+        std::vector<json> rows;
     };
 
     void begin();
@@ -32,7 +32,7 @@ public:
     void follows(const fact& what) override;
 
     /// All rows but those of messages.
-    json take();
+    std::vector<json> take();
     std::vector<message> take_messages();
 
 private:
@@ -45,7 +45,7 @@ private:
     void add_headings();
 
     std::vector<open_structure> inside;
-    json rows = json::array();
+    std::vector<json> rows;
     std::vector<message> messages;
     std::size_t message_depth = 0; // of the outermost message that is open
 };

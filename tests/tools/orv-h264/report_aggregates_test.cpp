@@ -12,7 +12,7 @@ using orv_h264::row_type;
 using orv_h264::stretch_list;
 using orv_h264::h264::slice_kind;
 
-picture_row row_of(std::vector<slice_kind> slices)
+picture_row row_of(const std::vector<slice_kind>& slices)
 {
     picture_row row;
     for (const slice_kind kind : slices)

@@ -117,7 +117,7 @@ function show_cards(data) {
     }
     show_card("Frames", count_text(info.frames.pictures), `${count_text(info.frames.key_frames)} of them key frames`);
     show_card("Duration", info.frames.seconds === null ? "not told" : time_text(Number(info.frames.seconds.toFixed(3))),
-        info.frames.timed_frames < info.frames.count ? "of a part of the frames" : null);
+        info.frames.seconds !== null && info.frames.timed_frames < info.frames.count ? "of a part of the frames" : null);
     show_card("Bit rate", info.frames.mean_bit_rate === null ? "not told" : rate_text(info.frames.mean_bit_rate),
         info.frames.peak_bit_rate === null ? null : `peak ${rate_text(info.frames.peak_bit_rate)}`);
     show_card("Size", bytes_text(info.size), `${info.framing}`);

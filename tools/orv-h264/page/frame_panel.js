@@ -90,6 +90,7 @@ class frame_panel {
             BEHIND_TO_FRONT.filter(type => types.has(type)).map(type =>
                 legend_entry(TYPE_COLOURS[type], type === TYPE_NONE ? "no slice header" : `${TYPE_NAMES[type]} frames`)),
             make("li", {}, make("span", { class: "mark", "aria-hidden": "true" }, "▲"), "key frame"),
+            this.drawing.lanes.some(lane => lane.label === "Ref") ? make("li", {}, "Ref: for reference") : null,
             make("li", {}, make("span", { class: "line-solid", "aria-hidden": "true" }), "mean, from afar"),
             make("li", {}, make("span", { class: "line-dotted", "aria-hidden": "true" }), "least, from afar"));
         const choices = this.frames ? make_choices("Order", { decoding: "decoding", output: "output" }, "decoding", value => this.set_order(value)) : null;

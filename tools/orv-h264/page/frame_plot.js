@@ -2,115 +2,21 @@
 // mean, and at the most by type. Lanes below tell types and key frames without colour.
 "use strict";
 
-/// What a plot of frames asks: the frames in one order, or stretches of them where the page has no more.
-class frame_source {
-    constructor(frames) {
-        this.frames = frames;
-        this.count = frames.count;
-        this.order = null; // decoding order
-    }
-
-    /// The frame at a place of the axis, and back.
-    frame_of(place) {
-        return this.order === null ? place : this.order[place];
-    }
-    place_of(frame) {
-        return this.order === null ? frame : this.places[frame];
-    }
-
-    /// Frames without an output number stay behind the one that they are decoded after.
-    set_order(by_output) {
-        this.order = null;
-        if (!by_output)
-            return;
-        const { output } = this.frames;
-        const key = new Float64Array(this.count);
-        let last = -1;
-        for (let i = 0; i < this.count; ++i)
-            key[i] = last = Number.isNaN(output[i]) ? last : output[i];
-        this.order = Uint32Array.from(key.keys()).sort((a, b) => key[a] - key[b] || a - b);
-        this.places = new Uint32Array(this.count);
-        this.order.forEach((frame, place) => { this.places[frame] = place; });
-    }
-
-    /// Sums up [from, to) in as many columns as there are.
-    fill(columns, from, to) {
-        const { size, type, key } = this.frames;
-        const each = (to - from) / columns.width;
-        const first = Math.max(0, Math.ceil(from)), fence = Math.min(this.count, Math.ceil(to));
-        for (let place = first; place < fence; ++place) {
-            const frame = this.order === null ? place : this.order[place];
-            const column = Math.min(columns.width - 1, Math.floor((place - from) / each));
-            columns.add(column, type[frame], size[frame], size[frame], size[frame], 1, key[frame]);
-        }
-    }
-
-    largest(from, to) {
-        const { size } = this.frames;
-        let largest = 0;
-        for (let place = Math.max(0, Math.ceil(from)), fence = Math.min(this.count, to); place < fence; ++place)
-            largest = Math.max(largest, size[this.order === null ? place : this.order[place]]);
-        return largest;
-    }
-}
-
-/// Beyond the frames that a page holds.
-class stretch_source {
-    constructor(data) {
-        this.list = data.stretches.frames;
-        this.each = data.stretches.frames_each;
-        this.count = data.frame_count;
-        this.order = null;
-    }
-
-    stretches(from, to) {
-        return [Math.max(0, Math.floor(from / this.each)), Math.min(this.list.length, Math.ceil(to / this.each))];
-    }
-
-    fill(columns, from, to) {
-        const [first, fence] = this.stretches(from, to);
-        for (let i = first; i < fence; ++i) {
-            const [count, bytes, least, ...most] = this.list[i];
-            const keys = most.pop();
-            const start = Math.max(0, Math.floor((i * this.each - from) / (to - from) * columns.width));
-            const end = Math.min(columns.width, Math.max(start + 1, Math.ceil(((i + 1) * this.each - from) / (to - from) * columns.width)));
-            for (let column = start; column < end; ++column)
-                most.forEach((size, type) => {
-                    if (size > 0)
-                        columns.add(column, type, size, least, bytes / count, count, keys);
-                });
-        }
-    }
-
-    largest(from, to) {
-        const [first, fence] = this.stretches(from, to);
-        return this.list.slice(first, fence).reduce((most, s) => Math.max(most, ...s.slice(3, 7)), 0);
-    }
-}
-
-/// A pixel column each.
-class column_sums {
-    constructor(width) {
-        this.width = width;
-        this.most = [0, 1, 2, 3].map(() => new Float64Array(width));
-        this.least = new Float64Array(width).fill(Infinity);
-        this.sum = new Float64Array(width);
-        this.count = new Float64Array(width);
-        this.keys = new Float64Array(width);
-    }
-
-    add(column, type, most, least, mean, count, keys) {
-        if (most > this.most[type][column])
-            this.most[type][column] = most;
-        if (least < this.least[column])
-            this.least[column] = least;
-        this.sum[column] += mean * count;
-        this.count[column] += count;
-        this.keys[column] += keys;
-    }
-}
-
+const LANE_COLOURS = { key: "key", flag: "flag", wrong: "bad" };
 const BEHIND_TO_FRONT = [TYPE_I, TYPE_P, TYPE_B, TYPE_NONE];
+
+/// Lanes of what only some of the frames are: for reference, of another structure than the others.
+function flag_lanes(frames) {
+    const lane = (label, holds) => {
+        const of_kind = frames.kinds.map(kind => kind.told && holds(kind) ? 1 : 0);
+        const flags = Uint8Array.from(frames.kind, kind => of_kind[kind]);
+        const count = flags.reduce((sum, flag) => sum + flag, 0);
+        return count > 0 && count < frames.count ? [{ name: "flag", label, flags }] : [];
+    };
+    const structures = { MBAFF: "MBAFF", fields: "Fields", top: "Top", bottom: "Bottom" };
+    return [...lane("Ref", kind => kind.nal_ref_idc > 0),
+        ...Object.entries(structures).flatMap(([structure, label]) => lane(label, kind => kind.structure === structure))];
+}
 
 /// The types that occur, key frames and frames with something wrong, a lane each.
 function lanes_of(source, marks) {
@@ -120,6 +26,8 @@ function lanes_of(source, marks) {
     for (const type of BEHIND_TO_FRONT)
         if (types.has(type))
             lanes.push({ name: "type", type, label: TYPE_NAMES[type] === "none" ? "–" : TYPE_NAMES[type] });
+    if (source.frames)
+        lanes.push(...flag_lanes(source.frames));
     if (marks.size > 0)
         lanes.push({ name: "wrong", label: "!" });
     return lanes;
@@ -191,7 +99,7 @@ class size_drawing {
 
     draw_line(context, sums, y_at, left, dash, width) {
         const ratio = devicePixelRatio;
-        for (const [colour, extra] of [["halo", 2.5], ["text", 0]]) {
+        for (const [colour, extra] of [["halo", 1.6], ["text", 0]]) {
             context.beginPath();
             for (let column = 0; column < sums.width; ++column)
                 if (sums.count[column] > 0)
@@ -223,7 +131,7 @@ class size_drawing {
             context.fillText(lane.label, plot.plot.bbox.left - 8 * ratio, y + height / 2);
             context.fillStyle = theme.colour("lane");
             context.fillRect(plot.plot.bbox.left, y, plot.plot.bbox.width, height);
-            context.fillStyle = theme.colour(lane.name === "type" ? TYPE_COLOURS[lane.type] : lane.name === "key" ? "key" : "bad");
+            context.fillStyle = theme.colour(lane.name === "type" ? TYPE_COLOURS[lane.type] : LANE_COLOURS[lane.name]);
             if (this.near)
                 this.fill_near(context, plot, lane, y, height);
             else
@@ -243,7 +151,7 @@ class size_drawing {
             const middle = plot.plot.valToPos(place, "x", true);
             if (middle < left || middle > right)
                 continue;
-            if (lane.name === "type" && type[frame] === lane.type)
+            if ((lane.name === "type" && type[frame] === lane.type) || lane.flags?.[frame])
                 context.fillRect(middle - width / 2, y, width, height);
             else if (lane.name === "key" && key[frame])
                 fill_triangle(context, middle, y, height);
@@ -251,9 +159,13 @@ class size_drawing {
     }
 
     fill_far(context, plot, lane, y, height) {
+        if (lane.name === "wrong")
+            return;
         const { left } = plot.plot.bbox;
+        const filled = lane.name === "type" ? this.sums.most[lane.type] : lane.name === "key" ? this.sums.keys :
+            this.source.flagged(lane.flags, this.sums.width, ...plot.view);
         for (let column = 0; column < this.sums.width; ++column)
-            if (lane.name === "type" ? this.sums.most[lane.type][column] > 0 : lane.name === "key" && this.sums.keys[column] > 0)
+            if (filled[column] > 0)
                 context.fillRect(left + column, y, 1, height);
     }
 

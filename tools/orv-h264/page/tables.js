@@ -67,12 +67,13 @@ function show_shares(data) {
 
 /// The elements of a unit or message, indented by structure.
 function element_table(caption, rows) {
+    const outermost = Math.min(...rows.map(([depth]) => depth));
     return make("div", { class: "table-frame", tabindex: 0, role: "region", "aria-label": caption },
         make("table", { class: "elements" }, make("thead", {}, make("tr", {},
             ["Element", "Value", "Meaning", "Byte"].map((head, i) => make("th", { scope: "col", class: i === 3 ? "number" : null }, head)))),
             make("tbody", {}, rows.map(([depth, name, value, words, byte]) => {
                 const indented = make("span", {}, name === "=" ? "follows" : name);
-                indented.style.paddingLeft = `${Math.max(0, Math.min(12, depth - 1)) * 1.1}em`;
+                indented.style.paddingLeft = `${Math.min(12, depth - outermost) * 1.1}em`;
                 if (value === undefined)
                     return make("tr", { class: "structure" }, make("th", { scope: "rowgroup", colspan: 4 }, indented));
                 if (name === "=")

@@ -8,7 +8,7 @@ const theme = {
     printing: false,
     listeners: [],
 
-    /// Calls it now and whenever the colours change.
+    /// Calls it whenever the colours change.
     follow(listener) {
         this.listeners.push(listener);
     },
