@@ -4,6 +4,7 @@ import collections
 import json
 import os
 import shutil
+import struct
 import subprocess
 
 # Name: extension and options of ffmpeg's muxer. It makes them out of the MP4, since a raw stream has no times.
@@ -17,6 +18,8 @@ FORMS = {
     "flv": ("flv", []),
 }
 TRANSPORT = {"ts": 188, "m2ts": 192}
+# Members of a unit that tell where it lies.
+PLACED = {"number", "offset", "framing_size", "in_record", "stream_offset"}
 
 unit = collections.namedtuple("unit", "offset framing_size length type bytes elements json")
 
@@ -28,6 +31,11 @@ def is_missing():
 def run(*command, stdin=None, limit=60):
     return subprocess.run(command, input=stdin, stdin=None if stdin is not None else subprocess.DEVNULL,
                           stdout=subprocess.PIPE, stderr=subprocess.PIPE, timeout=limit, check=False)
+
+
+def run_on(file, *command):
+    """Runs with an open file as the standard input."""
+    return subprocess.run(command, stdin=file, stdout=subprocess.PIPE, stderr=subprocess.PIPE, timeout=60, check=False)
 
 
 def ffmpeg(*arguments):
@@ -73,6 +81,29 @@ def record_of(path):
     return bytes.fromhex("".join(line[10:50].replace(" ", "") for line in lines if line))
 
 
+def box(kind, payload):
+    return struct.pack(">I4s", len(payload) + 8, kind) + payload
+
+
+def full(kind, *numbers):
+    """A box with version and flags, ISO/IEC 14496-12 4.2."""
+    return box(kind, struct.pack(f">{len(numbers) + 1}I", 0, *numbers))
+
+
+def mp4_of_samples(size, count, chunks, in_chunks, records=(b"",), sizes=()):
+    """The box moov of a track of so many samples of a size, or of these sizes, in chunks at these places; from which
+    chunk on, how many are in a chunk, and by which of the records."""
+    entries = [box(b"avc1", bytes(6) + b"\0\1" + bytes(16) + struct.pack(">HH", 64, 64) + bytes(50)
+                   + (box(b"avcC", record) if record else b"")) for record in records]
+    stbl = box(b"stbl", box(b"stsd", struct.pack(">II", 0, len(entries)) + b"".join(entries))
+               + full(b"stts", 1, count, 1) + full(b"stsc", len(in_chunks), *(n for row in in_chunks for n in row))
+               + full(b"stsz", size, count, *sizes) + full(b"stco", len(chunks), *chunks))
+    mdia = box(b"mdia", full(b"mdhd", 0, 0, 1000, 1000, 0) + box(b"hdlr", bytes(8) + b"vide" + bytes(13))
+               + box(b"minf", stbl))
+    return box(b"moov", full(b"mvhd", 0, 0, 1000, 1000, *[0] * 20)
+               + box(b"trak", full(b"tkhd", 0, 0, 1, *[0] * 17) + mdia))
+
+
 def units_of(tool, path, *options):
     """The units as the tool lists them, with their bytes where their offset leads."""
     with open(path, "rb") as file:
@@ -89,5 +120,5 @@ def units_of(tool, path, *options):
         first = own[0][0]
         units.append(unit(u["offset"], u["framing_size"], u["length"], u["nal_unit_type"],
                           content[begin:begin + u["length"]], [(byte - first, *rest) for byte, *rest in own],
-                          {k: v for k, v in u.items() if k not in ("number", "offset", "framing_size")}))
+                          {k: v for k, v in u.items() if k not in PLACED}))
     return units

@@ -36,7 +36,7 @@ exit_status report(const report_options& options)
     content.finish(input);
     problem_list& problems = content.survey.summary.problems;
     if (!any)
-        problems.add(input.bytes_read(), describe_no_unit(input.bytes_read()));
+        problems.add(input.bytes_read(), describe_no_unit(input.is_empty()));
     write_page(content.page_data(input), [&page](std::string_view text) {
         page.write({reinterpret_cast<const unsigned char*>(text.data()), text.size()});
     });

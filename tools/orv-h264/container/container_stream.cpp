@@ -16,6 +16,9 @@ namespace {
 // Packets that were not found in the file, behind which none is looked for any more.
 constexpr unsigned most_unfound = 8;
 
+// A stream that is longer than its file so many times is not read further: its packets lie over one another.
+constexpr std::uint64_t most_times_the_file = 64;
+
 std::string list_of(const std::vector<container_track>& tracks)
 {
     std::string text;
@@ -74,6 +77,12 @@ bool is_record(std::span<const unsigned char> bytes)
     return !bytes.empty() && bytes[0] == 1;
 }
 
+bool is_parameter_set(const h264::split_unit& unit)
+{
+    const unsigned type = unit.bytes[0] & 0x1FU;
+    return type == 7 || type == 8 || type == 13 || type == 15;
+}
+
 bool begins_with_start_code(std::span<const unsigned char> bytes)
 {
     const std::size_t zeros = bytes.size() > 2 && bytes[2] == 0 ? 3 : 2;
@@ -86,6 +95,7 @@ container_stream::container_stream(input_file& in, input_window& window, contain
                                    std::optional<unsigned> number, std::uint64_t most_unit_bytes,
                                    open_container_function* open_container)
     : file(in),
+      file_size(in.size()),
       format(which),
       bytes_of_file(std::make_unique<opened_file>(in, window)),
       most_bytes(most_unit_bytes),
@@ -145,6 +155,9 @@ void container_stream::take_record(std::span<const unsigned char> bytes)
         h264::unit_splitter apart(h264::framing::annex_b);
         apart.push(record_bytes.data(), record_bytes.size(), units);
         apart.flush(units);
+        for (h264::split_unit& unit : units.units) // the splitter may have had it in a buffer of its own
+            unit.bytes = record_bytes.data() + unit.offset;
+        std::erase_if(units.units, [](const h264::split_unit& u) { return !is_parameter_set(u); });
         sets = std::move(units.units);
     }
     for (h264::split_unit& set : sets) {
@@ -228,6 +241,13 @@ bool container_stream::next(container_packet& packet)
 
 bool container_stream::read_packet(h264::split_sink& to)
 {
+    if (file_size && stream_end / most_times_the_file > *file_size) {
+        problems.add(log.shown(stream_end - 1),
+                     fmt::format("packets are {} times as long as the file and more: they lie over one "
+                                 "another, and reading ends here",
+                                 most_times_the_file));
+        return false;
+    }
     container_packet packet;
     const bool any = next(packet);
     for (const container_message& message : source->take_messages())

@@ -86,6 +86,7 @@ private:
     void compare(const h264::split_unit& unit);
 
     input_file& file;
+    std::optional<std::uint64_t> file_size;
     container_kind format;
     std::unique_ptr<byte_source> bytes_of_file;
     std::unique_ptr<demuxer> source;

@@ -15,8 +15,15 @@ const logged_packet* packet_log::find(std::uint64_t offset) const
 {
     if (packets.empty() || offset >= record_begin)
         return nullptr;
-    const auto behind = std::upper_bound(packets.begin(), packets.end(), offset,
-                                         [](std::uint64_t at, const logged_packet& p) { return at < p.begin; });
+    // Nearly all that is asked for lies in one of the last: the search doubles its way back from them.
+    auto first = std::prev(packets.end());
+    auto fence = packets.end();
+    for (std::ptrdiff_t step = 1; first->begin > offset && first != packets.begin(); step *= 2) {
+        fence = first;
+        first -= std::min(step, first - packets.begin());
+    }
+    const auto behind =
+        std::upper_bound(first, fence, offset, [](std::uint64_t at, const logged_packet& p) { return at < p.begin; });
     return behind == packets.begin() ? &packets.front() : &*std::prev(behind);
 }
 

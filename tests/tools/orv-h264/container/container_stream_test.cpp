@@ -167,7 +167,7 @@ protected:
 
     support::temporary_folder folder;
     made_container made;
-    bytes content;
+    bytes content = bytes(1000);
     std::optional<input_file> file;
     std::optional<input_window> window;
     std::optional<container_stream> stream;
@@ -283,6 +283,20 @@ TEST_F(ContainerStream, WithoutARecordPacketsTellTheFraming)
     }
 }
 
+TEST_F(ContainerStream, ParameterSetsBehindStartCodesDoForARecord)
+{
+    made.record = stream_builder().start_code().raw(sps_unit).zeros(1).start_code().raw(pps_unit).annexb_unit(
+        idr_slice, payload); // which is none
+    made.packets = {{stream_builder().annexb_unit(idr_slice, payload), 100}};
+    const auto& sets = open(container_kind::matroska).record_sets();
+    ASSERT_EQ(2U, sets.size());
+    EXPECT_EQ(sps_unit, bytes(sets[0].bytes, sets[0].bytes + sets[0].size));
+    EXPECT_EQ(pps_unit, bytes(sets[1].bytes, sets[1].bytes + sets[1].size));
+    EXPECT_EQ(packet_log::record_begin + 3, sets[0].offset);
+    EXPECT_EQ(packet_log::record_begin + 30, sets[1].offset);
+    EXPECT_EQ(texts(), remarks());
+}
+
 TEST_F(ContainerStream, ARecordThatBreaksOffGivesWhatItHas)
 {
     made.record.resize(record_pps);
@@ -328,6 +342,21 @@ TEST_F(ContainerStream, SetsInTheStreamAreHeldAgainstTheRecords)
     made.packets.push_back({as_packet(changed), 300});
     units(container_kind::mp4);
     EXPECT_EQ((texts{"304 parameter set that differs from the one of its id in the record, or before"}), remarks());
+}
+
+TEST_F(ContainerStream, EndsWherePacketsLieOverOneAnotherTooOften)
+{
+    content = bytes(one_unit.size());
+    for (int i = 0; i < 200; ++i)
+        made.packets.push_back({one_unit, 0});
+    units(container_kind::mp4);
+    EXPECT_EQ(72U, sink.in_stream.size());
+    ASSERT_EQ(1U, remarks().size());
+    EXPECT_TRUE(remarks()[0].starts_with("!7 packets are 64 times as long as the file")) << remarks()[0];
+    made.packets.resize(71);
+    units(container_kind::mp4);
+    EXPECT_EQ(71U, sink.in_stream.size());
+    EXPECT_EQ(texts(), remarks());
 }
 
 TEST_F(ContainerStream, RefusesWithTheStatusThatFits)

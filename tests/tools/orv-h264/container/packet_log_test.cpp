@@ -74,6 +74,20 @@ TEST(PacketLog, FindsTheLastPacketThatBeginsAtAByte)
     EXPECT_EQ(90U, log.shown(4));
 }
 
+TEST(PacketLog, FindsEachPacketFromBothOfItsEnds)
+{
+    packet_log log;
+    for (std::uint64_t i = 0; i < 300; ++i) {
+        logged_packet next = packet(10 * i, 10, 7 * i, true);
+        next.number = i;
+        log.add(next);
+        for (std::uint64_t n = 0; n <= i; ++n) {
+            ASSERT_EQ(n, log.find(10 * n)->number) << "of " << i;
+            ASSERT_EQ(n, log.find(10 * n + 9)->number) << "of " << i;
+        }
+    }
+}
+
 TEST(PacketLog, TheRecordLiesBesideTheStream)
 {
     packet_log log;
