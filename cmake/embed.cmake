@@ -1,4 +1,4 @@
-# cmake -D OUT=FILE.cpp -D "FILES=A|B..." -P embed.cmake   writes the table page_parts() of tools/orv-h264/page_parts.h: each
+# cmake -D OUT=FILE.cpp -D "FILES=A|B..." -P embed.cmake   writes the table page_parts() of tools/orv-h264/report/page_parts.h: each
 # file with its name, its bytes and its SHA-256, in the order given. No script or style sheet among them may hold what ends
 # its element in a page.
 string(REPLACE "|" ";" FILES "${FILES}")
@@ -23,7 +23,7 @@ foreach(file IN LISTS FILES)
     string(APPEND table "    {\"${name}\", {part_${number}, ${size}}, \"${sum}\"},\n")
     math(EXPR number "${number} + 1")
 endforeach()
-file(WRITE ${OUT} "#include \"page_parts.h\"
+file(WRITE ${OUT} "#include \"report/page_parts.h\"
 
 namespace orv_h264 {
 

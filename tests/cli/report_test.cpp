@@ -1,5 +1,5 @@
 // Where `report` puts its page, and what it ends with.
-#include "page_parts.h"
+#include "report/page_parts.h"
 #include "support/run_tool.h"
 #include "support/stream_files.h"
 #include "support/temporary_folder.h"

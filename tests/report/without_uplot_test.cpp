@@ -1,6 +1,6 @@
 // A tool that was built without uPlot: page_parts() here takes the place of the one that is built in.
-#include "page_parts.h"
 #include "report.h"
+#include "report/page_parts.h"
 #include "stream_input.h"
 
 #include <gtest/gtest.h>

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "exit_status.h"
-#include "file_jobs.h"
+#include "jobs/file_jobs.h"
 #include "output_format.h"
 #include "stream_input.h"
 

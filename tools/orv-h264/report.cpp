@@ -2,8 +2,8 @@
 
 #include "loss_texts.h"
 #include "output_file.h"
-#include "report_content.h"
-#include "report_page.h"
+#include "report/report_content.h"
+#include "report/report_page.h"
 
 #include <filesystem>
 #include <system_error>

@@ -1,6 +1,6 @@
-#include "number_column.h"
+#include "report/number_column.h"
 
-#include "base64.h"
+#include "report/base64.h"
 
 #include <gtest/gtest.h>
 

@@ -3,9 +3,9 @@
 #pragma once
 
 #include "json_output.h"
-#include "number_column.h"
 #include "picture_rows.h"
-#include "report_times.h"
+#include "report/number_column.h"
+#include "report/report_times.h"
 
 #include <cstddef>
 #include <cstdint>

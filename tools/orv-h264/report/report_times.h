@@ -3,8 +3,8 @@
 #pragma once
 
 #include "json_output.h"
-#include "number_column.h"
 #include "picture_rows.h"
+#include "report/number_column.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,4 +1,4 @@
-#include "report_content.h"
+#include "report/report_content.h"
 
 #include "support/stream_files.h"
 #include "support/temporary_folder.h"

@@ -1,4 +1,4 @@
-#include "report_trace.h"
+#include "report/report_trace.h"
 
 #include "element_text.h"
 #include "names.h"

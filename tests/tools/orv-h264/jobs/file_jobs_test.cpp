@@ -1,5 +1,5 @@
 // Files in processes of their own: how many at once, and what becomes of one whose reading fails.
-#include "file_jobs.h"
+#include "jobs/file_jobs.h"
 
 #include "standard_output.h"
 #include "stream_input.h"

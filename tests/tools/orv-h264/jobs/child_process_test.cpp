@@ -1,5 +1,5 @@
 // A function in a process of its own: what it prints, how it ends, and that it does not stay.
-#include "child_process.h"
+#include "jobs/child_process.h"
 
 #include <gtest/gtest.h>
 

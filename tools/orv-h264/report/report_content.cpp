@@ -1,4 +1,4 @@
-#include "report_content.h"
+#include "report/report_content.h"
 
 #include "container/show_container.h"
 #include "names.h"

@@ -1,7 +1,7 @@
-#include "report_page.h"
+#include "report/report_page.h"
 
-#include "base64.h"
-#include "page_parts.h"
+#include "report/base64.h"
+#include "report/page_parts.h"
 #include "stream_input.h"
 
 #include <orv-utils-v4/version.h>

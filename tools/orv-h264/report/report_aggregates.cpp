@@ -1,4 +1,4 @@
-#include "report_aggregates.h"
+#include "report/report_aggregates.h"
 
 #include "show_rows.h"
 

@@ -1,5 +1,5 @@
 // What waits to be printed: in memory, in a file, and where neither takes it.
-#include "kept_output.h"
+#include "jobs/kept_output.h"
 
 #include <gtest/gtest.h>
 

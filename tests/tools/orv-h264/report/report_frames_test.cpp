@@ -1,4 +1,4 @@
-#include "report_frames.h"
+#include "report/report_frames.h"
 
 #include <gtest/gtest.h>
 

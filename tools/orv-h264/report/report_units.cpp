@@ -1,4 +1,4 @@
-#include "report_units.h"
+#include "report/report_units.h"
 
 #include "consequences.h"
 #include "names.h"

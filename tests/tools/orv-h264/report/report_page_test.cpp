@@ -1,6 +1,6 @@
-#include "report_page.h"
+#include "report/report_page.h"
 
-#include "page_parts.h"
+#include "report/page_parts.h"
 #include "stream_input.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "path_list.h"
+#include "jobs/path_list.h"
 
 #include "stream_input.h"
 

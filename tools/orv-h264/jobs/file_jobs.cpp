@@ -1,9 +1,9 @@
-#include "file_jobs.h"
+#include "jobs/file_jobs.h"
 
-#include "child_process.h"
 #include "container/demuxer.h"
+#include "jobs/child_process.h"
+#include "jobs/path_list.h"
 #include "messages.h"
-#include "path_list.h"
 #include "standard_output.h"
 #include "stream_input.h"
 #include "terminal.h"

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "json_output.h"
-#include "report_trace.h"
+#include "report/report_trace.h"
 #include "unit_run.h"
 
 #include <cstdint>

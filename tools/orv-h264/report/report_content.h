@@ -2,9 +2,9 @@
 #pragma once
 
 #include "json_output.h"
-#include "report_aggregates.h"
-#include "report_frames.h"
-#include "report_units.h"
+#include "report/report_aggregates.h"
+#include "report/report_frames.h"
+#include "report/report_units.h"
 #include "stream_summary.h"
 
 #include <cstdint>

@@ -1,4 +1,4 @@
-#include "kept_output.h"
+#include "jobs/kept_output.h"
 
 #include <algorithm>
 #include <cerrno>

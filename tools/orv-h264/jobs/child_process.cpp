@@ -1,4 +1,4 @@
-#include "child_process.h"
+#include "jobs/child_process.h"
 
 #include <array>
 #include <cerrno>

@@ -1,4 +1,4 @@
-#include "report_times.h"
+#include "report/report_times.h"
 
 #include <algorithm>
 #include <limits>

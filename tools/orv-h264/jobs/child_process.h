@@ -1,7 +1,7 @@
 // A process that runs a function of this program, and what it prints.
 #pragma once
 
-#include "kept_output.h"
+#include "jobs/kept_output.h"
 
 #include <functional>
 #include <string>
