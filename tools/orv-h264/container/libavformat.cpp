@@ -50,6 +50,12 @@ std::string text_of_error(int error)
     return text.data();
 }
 
+/// A container may name other files.
+int open_nothing(AVFormatContext*, AVIOContext**, const char*, int, AVDictionary**)
+{
+    return AVERROR(EPERM);
+}
+
 container_ratio ratio_of(AVRational value)
 {
     return value.den > 0 && value.num > 0 ? container_ratio{value.num, value.den} : container_ratio{};
@@ -171,7 +177,7 @@ void libavformat_demuxer::take_log(void* object, int level, const char* format, 
     if (own == nullptr || own->messages.size() == most_messages)
         return;
     std::array<char, 256> text = {};
-    std::vsnprintf(text.data(), text.size(), format, arguments);
+    static_cast<void>(std::vsnprintf(text.data(), text.size(), format, arguments));
     try {
         std::string line = text.data();
         line.erase(line.find_last_not_of(" \n") + 1);
@@ -190,6 +196,7 @@ void libavformat_demuxer::open(container_kind kind)
         throw std::bad_alloc();
     context->pb = io.get();
     context->opaque = this;
+    context->io_open = open_nothing;
     // As it stands in the file: no parser, no times that are guessed, no edit that is made.
     context->flags |= AVFMT_FLAG_CUSTOM_IO | AVFMT_FLAG_NOPARSE | AVFMT_FLAG_NOFILLIN;
     AVDictionary* options = nullptr;
