@@ -280,7 +280,8 @@ TEST_F(ManyFiles, ASignalEndsOneFileAndNotTheOthers)
     for (const char* jobs : {"1", "2"}) {
         const tool_result result = run_tool(
             {"info", "--json", "--jobs", jobs, "--format", "annexb", sound, endless, sound}, {.max_seconds = 1});
-        EXPECT_EQ("orv-h264: " + endless + ": " + reason + "\n", result.err);
+        std::string expected = "orv-h264: ";
+        EXPECT_EQ(expected.append(endless).append(": ").append(reason).append("\n"), result.err);
         const std::vector<json> objects = lines_of(result.out);
         ASSERT_EQ(3U, objects.size());
         EXPECT_EQ(objects[0], objects[2]);

@@ -35,7 +35,7 @@ class container_stream {
 public:
     /// Takes the track with this number, or the first one of H.264. Throws refusal when there is none, the file cannot
     /// be opened as what it is, or there is nobody to open it (null).
-    container_stream(input_file& file, input_window& window, container_kind which, std::optional<unsigned> number,
+    container_stream(input_file& in, input_window& window, container_kind which, std::optional<unsigned> number,
                      std::uint64_t most_unit_bytes, open_container_function* open_container = load_demuxer());
 
     container_kind kind() const noexcept { return format; }

@@ -331,7 +331,7 @@ TEST_F(ContainerStream, TellsWhatTheDemuxerTells)
 
 TEST_F(ContainerStream, SetsInTheStreamAreHeldAgainstTheRecords)
 {
-    const auto as_packet = [](bytes unit) {
+    const auto as_packet = [](const bytes& unit) {
         return stream_builder().prefix(4, static_cast<std::uint32_t>(unit.size())).raw(unit).made();
     };
     bytes changed = sps_unit;
