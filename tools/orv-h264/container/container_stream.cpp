@@ -72,6 +72,12 @@ std::vector<h264::split_unit> sets_of(const h264::AVCDecoderConfigurationRecord&
     return sets;
 }
 
+/// ISO/IEC 13818-1 2.4.3.2; with 4 bytes more on discs, and 16 in broadcasts.
+bool holds_whole_packets(std::uint64_t size)
+{
+    return size % 188 == 0 || size % 192 == 0 || size % 204 == 0;
+}
+
 bool is_record(std::span<const unsigned char> bytes)
 {
     return !bytes.empty() && bytes[0] == 1;
@@ -281,6 +287,8 @@ void container_stream::finish(h264::split_sink& to)
         problems.add(source->position(), "the container cannot be read further: " + why + hint());
     else if (const std::uint64_t missing = source->missing(); missing != 0)
         problems.add(source->position(), fmt::format("the container announces {} further packets", missing));
+    if (format == container_kind::transport_stream && file.is_seekable() && !holds_whole_packets(*file.size()))
+        problems.add(*file.size(), "the file begins or ends inside a packet of the transport stream");
 }
 
 /// The usual reason why an MP4 file cannot be read in order.

@@ -218,10 +218,25 @@ TEST_F(ContainerStream, UnitsOfATransportStreamAreKnownByTheirPackets)
     made.record = {};
     const bytes whole = stream_builder().annexb_unit(idr_slice, payload).annexb_unit(idr_slice, payload);
     made.packets = {{bytes(whole.begin(), whole.begin() + 25), 564}, {bytes(whole.begin() + 25, whole.end()), 1880}};
+    content = bytes(188 * 12);
     EXPECT_EQ("~564:3+21 ~1880:3+21", units(container_kind::transport_stream)) << "its header byte is in the second";
     EXPECT_FALSE(stream->has_own_offsets());
     EXPECT_EQ(h264::framing::annex_b, stream->framing());
     EXPECT_EQ(texts(), remarks());
+}
+
+TEST_F(ContainerStream, ATransportStreamHasWholePackets)
+{
+    made.record = {};
+    made.packets = {{stream_builder().annexb_unit(idr_slice, payload).made(), 0}};
+    for (const std::size_t size : {188 * 5, 192 * 5, 204 * 5}) {
+        content = bytes(size);
+        units(container_kind::transport_stream);
+        EXPECT_EQ(texts(), remarks()) << size;
+    }
+    content = bytes(188 * 5 + 1);
+    units(container_kind::transport_stream);
+    EXPECT_EQ(texts{"!941 the file begins or ends inside a packet of the transport stream"}, remarks());
 }
 
 TEST_F(ContainerStream, TheSetsOfTheRecordLieWhereItIsFound)
