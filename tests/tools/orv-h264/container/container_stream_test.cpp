@@ -176,6 +176,7 @@ protected:
 };
 
 const bytes two_units = stream_builder().prefixed_unit(4, idr_slice, payload).prefixed_unit(4, idr_slice, {1, 2});
+constexpr std::size_t transport_packet = 188;
 const bytes one_unit = stream_builder().prefixed_unit(4, idr_slice, {7, 8, 9});
 
 TEST_F(ContainerStream, UnitsLieInTheFileWhereTheirPacketsDo)
@@ -218,7 +219,7 @@ TEST_F(ContainerStream, UnitsOfATransportStreamAreKnownByTheirPackets)
     made.record = {};
     const bytes whole = stream_builder().annexb_unit(idr_slice, payload).annexb_unit(idr_slice, payload);
     made.packets = {{bytes(whole.begin(), whole.begin() + 25), 564}, {bytes(whole.begin() + 25, whole.end()), 1880}};
-    content = bytes(188 * 12);
+    content = bytes(transport_packet * 12);
     EXPECT_EQ("~564:3+21 ~1880:3+21", units(container_kind::transport_stream)) << "its header byte is in the second";
     EXPECT_FALSE(stream->has_own_offsets());
     EXPECT_EQ(h264::framing::annex_b, stream->framing());
@@ -229,12 +230,12 @@ TEST_F(ContainerStream, ATransportStreamHasWholePackets)
 {
     made.record = {};
     made.packets = {{stream_builder().annexb_unit(idr_slice, payload).made(), 0}};
-    for (const std::size_t size : {188 * 5, 192 * 5, 204 * 5}) {
-        content = bytes(size);
+    for (const std::size_t packet : {transport_packet, transport_packet + 4, transport_packet + 16}) {
+        content = bytes(packet * 5);
         units(container_kind::transport_stream);
-        EXPECT_EQ(texts(), remarks()) << size;
+        EXPECT_EQ(texts(), remarks()) << packet;
     }
-    content = bytes(188 * 5 + 1);
+    content = bytes(transport_packet * 5 + 1);
     units(container_kind::transport_stream);
     EXPECT_EQ(texts{"!941 the file begins or ends inside a packet of the transport stream"}, remarks());
 }
