@@ -30,7 +30,7 @@ public:
     virtual std::optional<std::uint64_t> size() const = 0;
 };
 
-/// Seconds, or how many there are of something in one; 0 in `denominator` where it is not told.
+/// Seconds; 0 in `denominator` where it is not told.
 struct container_ratio {
     std::int64_t numerator = 0;
     std::int64_t denominator = 0;
@@ -43,7 +43,6 @@ struct container_track {
     std::string codec;   ///< a name for people: "h264", "aac"
     bool h264 = false;
     container_ratio tick; ///< seconds: the unit of its timestamps
-    container_ratio rate; ///< pictures a second that the container states
 };
 
 struct container_packet {

@@ -10,7 +10,7 @@ namespace orv_h264 {
 
 namespace {
 
-// Boxes that are passed over in one place: fragments by the thousand.
+// Boxes that are looked at in all: fragments come by the thousand.
 constexpr unsigned most_boxes = 100000;
 
 /// The payload of a box in the file.
@@ -43,10 +43,11 @@ public:
 
     /// The first box of this type in another one for which `is_it` says so.
     template <typename Condition>
-    std::optional<box> find(const box& in, std::string_view type, Condition is_it) const
+    std::optional<box> find(const box& in, std::string_view type, Condition is_it)
     {
         box at = in;
-        for (unsigned i = 0; i < most_boxes && at.begin < at.end; ++i) {
+        while (left > 0 && at.begin < at.end) {
+            --left; // `is_it` takes of it too
             std::array<unsigned char, 16> head = {};
             const std::size_t count = file.read_at(at.begin, head.data(), head.size());
             const std::optional<box> payload = payload_of({head.data(), count}, at);
@@ -58,7 +59,7 @@ public:
         }
         return {};
     }
-    std::optional<box> find(const box& in, std::string_view type) const
+    std::optional<box> find(const box& in, std::string_view type)
     {
         return find(in, type, [](const box&) { return true; });
     }
@@ -84,6 +85,7 @@ private:
     }
 
     const input_file& file;
+    unsigned left = most_boxes;
 };
 
 /// mvhd and tkhd have two times before it, of 4 bytes or, in version 1, of 8.
@@ -107,7 +109,7 @@ edit read_edit(const box_reader& boxes, const box& list, std::uint64_t at, bool 
 
 edit_list read_edit_list(const input_file& file, std::int64_t track_id)
 {
-    const box_reader boxes(file);
+    box_reader boxes(file);
     edit_list list;
     const std::optional<box> movie = boxes.find({0, file.size().value_or(0)}, "moov");
     const std::optional<box> header = movie ? boxes.find(*movie, "mvhd") : std::nullopt;

@@ -265,7 +265,6 @@ std::vector<container_track> libavformat_demuxer::tracks() const
         track.codec = avcodec_get_name(stream.codecpar->codec_id);
         track.h264 = stream.codecpar->codec_id == AV_CODEC_ID_H264;
         track.tick = ratio_of(stream.time_base);
-        track.rate = ratio_of(stream.avg_frame_rate);
     }
     return all;
 }

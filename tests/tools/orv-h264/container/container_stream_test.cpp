@@ -122,7 +122,7 @@ public:
 
 class ContainerStream : public testing::Test {
 protected:
-    ContainerStream() { made.tracks = {{1, 1, "video", "h264", true, {}, {}}, {2, 2, "audio", "aac", false, {}, {}}}; }
+    ContainerStream() { made.tracks = {{1, 1, "video", "h264", true, {}}, {2, 2, "audio", "aac", false, {}}}; }
 
     container_stream& open(container_kind kind, std::optional<unsigned> track = {})
     {

@@ -121,6 +121,22 @@ TEST(EditList, OfDamagedBoxesIsNone)
         }
 }
 
+TEST(EditList, SoManyBoxesAreLookedAtAndNoMore)
+{
+    const auto behind = [](std::size_t tracks) {
+        bytes movie = header("mvhd", 0, 600);
+        for (std::size_t i = 0; i < tracks; ++i) // one for itself, and one in it
+            for (const bytes& empty :
+                 {number(16, 4), bytes{'t', 'r', 'a', 'k'}, number(8, 4), bytes{'f', 'r', 'e', 'e'}})
+                movie.insert(movie.end(), empty.begin(), empty.end());
+        const bytes last = track(2, edits(0, entry(1, 2, 4), 1));
+        movie.insert(movie.end(), last.begin(), last.end());
+        return read(box("moov", movie)).edits.size();
+    };
+    EXPECT_EQ(1U, behind(49900));
+    EXPECT_EQ(0U, behind(50001));
+}
+
 TEST(EditList, ABoxOfSize0GoesToTheEnd)
 {
     bytes movie = box("moov", header("mvhd", 0, 600) + track(2, edits(0, entry(1, 2, 4), 1)));
