@@ -14,7 +14,7 @@ set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/orv_utils_v4)
 install(EXPORT orv_utils_v4Targets NAMESPACE orv_utils_v4:: DESTINATION ${package_dir})
 configure_package_config_file(cmake/orv_utils_v4Config.cmake.in orv_utils_v4Config.cmake
     INSTALL_DESTINATION ${package_dir})
-write_basic_package_version_file(orv_utils_v4ConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+write_basic_package_version_file(orv_utils_v4ConfigVersion.cmake COMPATIBILITY SameMajorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/orv_utils_v4Config.cmake ${PROJECT_BINARY_DIR}/orv_utils_v4ConfigVersion.cmake
     DESTINATION ${package_dir})
 

@@ -10,7 +10,7 @@ function(orv_library name)
     set_target_properties(${target} PROPERTIES
         EXPORT_NAME ${name}
         SOVERSION 0
-        VERSION ${PROJECT_VERSION}
+        VERSION 0.${PROJECT_VERSION}
         CXX_VISIBILITY_PRESET hidden
         VISIBILITY_INLINES_HIDDEN ON
         POSITION_INDEPENDENT_CODE ON
