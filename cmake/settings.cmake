@@ -9,6 +9,7 @@ option(ORV_UTILS_V4_TOOLS "Build the command-line tool orv-h264" ${PROJECT_IS_TO
 option(ORV_UTILS_V4_EXAMPLES "Build the programs of examples/" ${PROJECT_IS_TOP_LEVEL})
 option(ORV_UTILS_V4_TESTS "Build the tests and the replay of fuzz seeds" ${PROJECT_IS_TOP_LEVEL})
 option(ORV_UTILS_V4_INSTALL "Have install rules" ${PROJECT_IS_TOP_LEVEL})
+option(ORV_UTILS_V4_PYTHON "Build the Python module orv_h264; needs pybind11" OFF)
 option(ORV_UTILS_V4_RPATH "Let what is installed find the libraries beside it; OFF where the loader finds them" ON)
 option(ORV_UTILS_V4_BENCH "Build the benchmarks; needs Google Benchmark" OFF)
 option(ORV_UTILS_V4_CCACHE "Compile through ccache, where that is found" ${PROJECT_IS_TOP_LEVEL})
