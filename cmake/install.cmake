@@ -6,7 +6,8 @@ install(DIRECTORY include/orv-utils-v4 DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 # As in the source tree, so that links hold; and the interface as HTML, where the target docs has written it.
 set(document_dir ${CMAKE_INSTALL_DATADIR}/doc/orv-utils-v4)
 install(FILES README.md HACKING.md SECURITY.md CHANGELOG.md LICENSE DESTINATION ${document_dir})
-install(DIRECTORY docs/ DESTINATION ${document_dir}/docs FILES_MATCHING PATTERN *.md PATTERN schema EXCLUDE)
+install(DIRECTORY docs/ DESTINATION ${document_dir}/docs FILES_MATCHING
+    PATTERN *.md PATTERN *.png PATTERN *.svg PATTERN schema EXCLUDE PATTERN site EXCLUDE)
 install(DIRECTORY examples DESTINATION ${document_dir})
 install(DIRECTORY ${PROJECT_BINARY_DIR}/docs/html DESTINATION ${document_dir} OPTIONAL)
 
