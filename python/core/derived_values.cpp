@@ -96,7 +96,8 @@ py::list schedules_of(py::handle object)
     const void* const at = structure_of(object.ptr(), structure_number<h264::hrd_parameters>);
     if (at == nullptr)
         throw py::error_already_set();
-    const auto& hrd = *static_cast<const h264::hrd_parameters*>(at);
+    const h264::hrd_parameters hrd =
+        *static_cast<const h264::hrd_parameters*>(at); // making objects may run Python code
     py::list all;
     for (std::uint32_t i = 0; i < h264::schedule_count(hrd); ++i)
         all.append(py::make_tuple(h264::BitRate(hrd, i), h264::CpbSize(hrd, i), hrd.cbr_flag[i]));

@@ -54,7 +54,12 @@ bool unit_feed::read_more()
     stamps.clear();
     while (units.empty() && !ended) {
         ended = true; // where what follows throws, there is no going on
-        ended = !(buffer != nullptr ? read_buffer() : read_piece());
+        try {
+            ended = !(buffer != nullptr ? read_buffer() : read_piece());
+        } catch (...) {
+            units.clear(); // some have no source
+            throw;
+        }
     }
     return !units.empty();
 }
