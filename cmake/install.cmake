@@ -5,10 +5,10 @@ include(CMakePackageConfigHelpers)
 install(DIRECTORY include/orv-utils-v4 DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
 
 # As in the source tree, so that links hold; and the interface as HTML, where the target docs has written it.
-install(FILES README.md HACKING.md SECURITY.md CHANGELOG.md LICENSE
+install(FILES README.md HACKING.md CONTRIBUTING.md CODE_OF_CONDUCT.md SECURITY.md CHANGELOG.md LICENSE
     DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documentation)
 install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs COMPONENT documentation
-    FILES_MATCHING PATTERN *.md PATTERN schema EXCLUDE)
+    FILES_MATCHING PATTERN *.md PATTERN *.png PATTERN *.svg PATTERN schema EXCLUDE PATTERN site EXCLUDE)
 install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documentation)
 install(DIRECTORY ${PROJECT_BINARY_DIR}/docs/html
     DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documentation OPTIONAL)
