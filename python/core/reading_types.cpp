@@ -79,6 +79,15 @@ std::vector<unsigned char> clean_bytes(const unsigned char* unit, std::size_t si
     return clean;
 }
 
+/// Of st(v) its bytes, of others the number.
+py::object long_value(const h264::traced_element& e)
+{
+    const py::bytes bytes(reinterpret_cast<const char*>(e.bytes), e.size);
+    if (e.how == h264::coding::st)
+        return bytes;
+    return py::handle(reinterpret_cast<PyObject*>(&PyLong_Type)).attr("from_bytes")(bytes, "big");
+}
+
 /// Elements as Python shall have them.
 class element_list final : public h264::visitor {
 public:
@@ -104,9 +113,7 @@ public:
         guarded([&] {
             std::string descriptor;
             orv_h264::append_descriptor(descriptor, e);
-            const py::object value = e.bytes == nullptr
-                                         ? py::object(py::int_(e.value))
-                                         : py::object(py::bytes(reinterpret_cast<const char*>(e.bytes), e.size));
+            const py::object value = e.bytes == nullptr ? py::object(py::int_(e.value)) : long_value(e);
             const py::object lowest = e.bytes == nullptr ? py::object(py::int_(e.lowest)) : py::none();
             const py::object highest = e.bytes == nullptr ? py::object(py::int_(e.highest)) : py::none();
             all.append(py::make_tuple(path, orv_h264::text_of(e.name), value, e.bit, e.bits, offset + places(e.bit / 8),

@@ -177,6 +177,76 @@ PyObject* settled_dict(PyObject* value, int depth)
     return nullptr;
 }
 
+bool append_value(std::string& text, const kind& of, const void* at);
+
+bool same(const kind& of, const void* a, const void* b)
+{
+    PyObject* const x = plain(of, a);
+    PyObject* const y = x == nullptr ? nullptr : plain(of, b);
+    const bool equal = y != nullptr && PyObject_RichCompareBool(x, y, Py_EQ) == 1;
+    Py_XDECREF(x);
+    Py_XDECREF(y);
+    return equal;
+}
+
+/// Appends what makes the structure again: the members that are not as in a new one.
+bool append_structure(std::string& text, const structure& of, const void* at)
+{
+    const owned_structure usual(of.make(), of.destroy);
+    const char* before = "";
+    text += std::string(of.name) + '(';
+    for (std::size_t i = 0; i < of.member_count; ++i) {
+        const member& m = of.members[i];
+        const char* const value = static_cast<const char*>(at) + m.offset;
+        if (same(*m.of, value, static_cast<const char*>(usual.get()) + m.offset))
+            continue;
+        text += std::string(before) + m.name + '=';
+        before = ", ";
+        if (!append_value(text, *m.of, value))
+            return false;
+    }
+    text += ')';
+    return !PyErr_Occurred();
+}
+
+bool append_list(std::string& text, const list_access& list, const void* at)
+{
+    text += '[';
+    for (std::size_t i = 0; i < list.size(at); ++i) {
+        text += i == 0 ? "" : ", ";
+        if (list.entry == nullptr)
+            text += list.bit(at, i) ? "True" : "False";
+        else if (!append_value(text, *list.of, list.entry(const_cast<void*>(at), i)))
+            return false;
+    }
+    text += ']';
+    return true;
+}
+
+bool append_value(std::string& text, const kind& of, const void* at)
+{
+    if (of.what == form::structure)
+        return append_structure(text, structures[of.structure], at);
+    if (of.what == form::list)
+        return append_list(text, *of.list, at);
+    if (of.what == form::choice) {
+        const std::size_t chosen = of.choice->chosen(at);
+        const int number = chosen < of.choice->count ? of.choice->structures[chosen] : -1;
+        if (number >= 0)
+            return append_structure(text, structures[number], of.choice->at(const_cast<void*>(at), chosen));
+        text += "None";
+        return true;
+    }
+    PyObject* const value = of.get(at);
+    PyObject* const shown = value == nullptr ? nullptr : PyObject_ASCII(value);
+    const char* const characters = shown == nullptr ? nullptr : PyUnicode_AsUTF8(shown);
+    if (characters != nullptr)
+        text += characters;
+    Py_XDECREF(shown);
+    Py_XDECREF(value);
+    return characters != nullptr;
+}
+
 const char* type_text(const kind& of)
 {
     switch (of.what) {
@@ -440,26 +510,15 @@ PyObject* dict_of(const structure& of, const void* at)
 
 PyObject* text_of_structure(const structure& of, const void* at)
 {
-    PyObject* const mine = dict_of(of, at);
-    PyObject* const usual = mine == nullptr ? nullptr : dict_of(of, owned_structure(of.make(), of.destroy).get());
-    PyObject* text = usual == nullptr ? nullptr : PyUnicode_FromFormat("%s(", of.name);
-    const char* before = "";
-    for (std::size_t i = 0; text != nullptr && i < of.member_count; ++i) {
-        PyObject* const value = PyDict_GetItemString(mine, of.members[i].name);
-        const int same = PyObject_RichCompareBool(value, PyDict_GetItemString(usual, of.members[i].name), Py_EQ);
-        PyObject* part = nullptr;
-        if (same == 0)
-            part = PyUnicode_FromFormat("%s%s=%R", before, of.members[i].name, value);
-        if (same < 0 || (same == 0 && part == nullptr))
-            Py_CLEAR(text);
-        else if (same == 0)
-            PyUnicode_AppendAndDel(&text, part), before = ", ";
+    try {
+        const owned_structure copy(of.copy(at), of.destroy);
+        std::string text;
+        if (!append_structure(text, of, copy.get()))
+            return nullptr;
+        return PyUnicode_FromStringAndSize(text.data(), static_cast<Py_ssize_t>(text.size()));
+    } catch (...) {
+        return PyErr_NoMemory();
     }
-    if (text != nullptr)
-        PyUnicode_AppendAndDel(&text, PyUnicode_FromString(")"));
-    Py_XDECREF(mine);
-    Py_XDECREF(usual);
-    return text;
 }
 
 PyObject* members_of(const structure& of)
