@@ -93,7 +93,8 @@ bool pictures::state::is_second_field(const access_unit& unit) const
 
 void pictures::state::begin(const access_unit& unit, const timestamp* stamp)
 {
-    open = picture();
+    static constexpr picture empty = {}; // see add_part() of access_units
+    open = empty;
     is_open = true;
     open.number = count++;
     open.access_unit = unit.number;
