@@ -76,6 +76,8 @@ bool is_of_layers(unsigned nal_unit_type)
 
 bool same_layer(const nal_unit_header& a, const nal_unit_header& b)
 {
+    if (!a.extended() && !b.extended())
+        return true;
     if (a.bytes() == 1 || a.bytes() != b.bytes() || a.scalable() != b.scalable())
         return a.bytes() == b.bytes() && a.scalable() == b.scalable();
     const auto &svc_a = a.nal_unit_header_svc_extension, &svc_b = b.nal_unit_header_svc_extension;
@@ -385,10 +387,14 @@ void access_units::state::add_part(std::vector<access_unit_part>& parts, const u
 /// The content is kept: of all but further slices of the same kind.
 bool access_units::state::is_new(const unit_reading& reading, unit_role role) const
 {
-    return !is_slice(role) ||
-           std::none_of(current.parts.rbegin(), current.parts.rend(), [&](const access_unit_part& p) {
-               return p.role == role && same_layer(p.header, reading.unit.header);
-           });
+    if (!is_slice(role))
+        return true;
+    for (std::size_t i = current.parts.size(); i > 0; --i) { // as a rule it is the last one
+        const access_unit_part& before = current.parts[i - 1];
+        if (before.role == role && same_layer(before.header, reading.unit.header))
+            return false;
+    }
+    return true;
 }
 
 /// The unit that is read, for a room that is used again; null where there is no memory for another one.
