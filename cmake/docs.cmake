@@ -1,12 +1,8 @@
-# The target docs (orv_utils_v4_docs in a subproject, which may have one of its own): the manual site under docs/html in the
-# build folder, as docs/site/make-site writes it. A warning is an error.
+# The target docs, which a project around this one has for itself: the manual site under docs/html in the build folder, as
+# docs/site/make-site writes it. A warning is an error.
 find_program(ORV_UTILS_V4_DOXYGEN doxygen)
 find_program(ORV_UTILS_V4_MANDOC mandoc)
 find_package(Python3 COMPONENTS Interpreter)
-set(orv_docs_target docs)
-if(NOT PROJECT_IS_TOP_LEVEL)
-    set(orv_docs_target orv_utils_v4_docs)
-endif()
 if(ORV_UTILS_V4_DOXYGEN AND Python3_Interpreter_FOUND)
     file(GLOB ORV_ROOT_DOCUMENTS CONFIGURE_DEPENDS *.md)
     list(JOIN ORV_ROOT_DOCUMENTS " " ORV_ROOT_DOCUMENTS)
@@ -18,5 +14,7 @@ if(ORV_UTILS_V4_DOXYGEN AND Python3_Interpreter_FOUND)
             ${PROJECT_BINARY_DIR}/Doxyfile ${out} ${ORV_UTILS_V4_DOXYGEN} ${mandoc} PARENT_SCOPE)
     endfunction()
     orv_make_site(command ${PROJECT_BINARY_DIR}/docs)
-    add_custom_target(${orv_docs_target} COMMAND ${command} COMMENT "Writing docs/html" VERBATIM)
+    if(PROJECT_IS_TOP_LEVEL)
+        add_custom_target(docs COMMAND ${command} COMMENT "Writing docs/html" VERBATIM)
+    endif()
 endif()

@@ -49,6 +49,12 @@ def members(body):
         if isinstance(node, (ast.FunctionDef, ast.AsyncFunctionDef)) and not (
                 node.name.startswith("_") and not node.name.startswith("__")):
             yield from function(node)
+        elif isinstance(node, ast.ClassDef) and node.name[0] != "_":
+            yield f'<dt id="{node.name}"><code>class {html.escape(node.name)}</code></dt><dd>'
+            yield from text_of(node)
+            yield '<dl class="python">'
+            yield from members(node.body)
+            yield "</dl></dd>"
         elif isinstance(node, (ast.AnnAssign, ast.Assign)):
             yield from variable(body, at)
 
@@ -57,7 +63,7 @@ def reference(stub):
     """The page of a stub file."""
     module = ast.parse(stub.read_text())
     yield from text_of(module)
-    own = list(members(module.body))
+    own = list(members([node for node in module.body if not isinstance(node, ast.ClassDef)]))
     if own:
         yield '<h2 id="functions">Functions and constants</h2><dl class="python">'
         yield from own
