@@ -1,22 +1,26 @@
 # Headers, the CMake package orv_utils_v4, the pkg-config modules and the documents. No absolute path is written, so the
 # installed tree may be moved; only a CMAKE_INSTALL_LIBDIR or CMAKE_INSTALL_INCLUDEDIR that is absolute itself stays so.
+include(CMakePackageConfigHelpers)
 
-install(DIRECTORY include/orv-utils-v4 DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+install(DIRECTORY include/orv-utils-v4 DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} COMPONENT development)
 
 # As in the source tree, so that links hold; and the interface as HTML, where the target docs has written it.
-set(document_dir ${CMAKE_INSTALL_DATADIR}/doc/orv-utils-v4)
-install(FILES README.md HACKING.md SECURITY.md CHANGELOG.md LICENSE DESTINATION ${document_dir})
-install(DIRECTORY docs/ DESTINATION ${document_dir}/docs FILES_MATCHING PATTERN *.md PATTERN schema EXCLUDE)
-install(DIRECTORY examples DESTINATION ${document_dir})
-install(DIRECTORY ${PROJECT_BINARY_DIR}/docs/html DESTINATION ${document_dir} OPTIONAL)
+install(FILES README.md HACKING.md CONTRIBUTING.md CODE_OF_CONDUCT.md SECURITY.md CHANGELOG.md LICENSE
+    DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documentation)
+install(DIRECTORY docs/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs COMPONENT documentation
+    FILES_MATCHING PATTERN *.md PATTERN *.png PATTERN *.svg PATTERN schema EXCLUDE PATTERN site EXCLUDE)
+install(DIRECTORY examples DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documentation)
+install(DIRECTORY ${PROJECT_BINARY_DIR}/docs/html
+    DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT documentation OPTIONAL)
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/orv_utils_v4)
-install(EXPORT orv_utils_v4Targets NAMESPACE orv_utils_v4:: DESTINATION ${package_dir})
+install(EXPORT orv_utils_v4Targets NAMESPACE orv_utils_v4::
+    DESTINATION ${package_dir} COMPONENT development)
 configure_package_config_file(cmake/orv_utils_v4Config.cmake.in orv_utils_v4Config.cmake
     INSTALL_DESTINATION ${package_dir})
-write_basic_package_version_file(orv_utils_v4ConfigVersion.cmake COMPATIBILITY SameMinorVersion)
+write_basic_package_version_file(orv_utils_v4ConfigVersion.cmake COMPATIBILITY SameMajorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/orv_utils_v4Config.cmake ${PROJECT_BINARY_DIR}/orv_utils_v4ConfigVersion.cmake
-    DESTINATION ${package_dir})
+    DESTINATION ${package_dir} COMPONENT development)
 
 # orv_module_path(VARIABLE DIRECTORY): an install folder as a pkg-config module states it.
 function(orv_module_path variable directory)
@@ -37,7 +41,7 @@ function(orv_pkg_config module library description requires)
     set(module_dir ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig)
     cmake_path(RELATIVE_PATH CMAKE_INSTALL_PREFIX BASE_DIRECTORY ${module_dir} OUTPUT_VARIABLE PREFIX_FROM_MODULE)
     configure_file(cmake/module.pc.in ${module}.pc @ONLY)
-    install(FILES ${PROJECT_BINARY_DIR}/${module}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+    install(FILES ${PROJECT_BINARY_DIR}/${module}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT development)
 endfunction()
 
 orv_pkg_config(orv-utils-v4-misc orv_utils_v4_misc "Assertions shared by the orv-utils-v4 libraries" "")

@@ -10,17 +10,17 @@ function(orv_library name)
     set_target_properties(${target} PROPERTIES
         EXPORT_NAME ${name}
         SOVERSION 0
-        VERSION ${PROJECT_VERSION}
+        VERSION 0.${PROJECT_VERSION}
         CXX_VISIBILITY_PRESET hidden
         VISIBILITY_INLINES_HIDDEN ON
         POSITION_INDEPENDENT_CODE ON
-        INSTALL_RPATH "$ORIGIN")
+        INSTALL_RPATH $<$<BOOL:${ORV_UTILS_V4_RPATH}>:$ORIGIN>)
     target_compile_features(${target} PUBLIC cxx_std_17)
     # Members that were stored one by one are not to be loaded two at a time: the processor would wait for the stores.
     # Calls within the library go to the library.
     target_compile_options(${target} PRIVATE -fno-tree-slp-vectorize -fno-semantic-interposition)
     target_include_directories(${target}
-        PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>
+        PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>
         PRIVATE ${PROJECT_SOURCE_DIR}/${arg_NAMESPACE_DIR})
     foreach(dependency IN LISTS arg_DEPENDS)
         target_link_libraries(${target} PUBLIC orv_utils_v4_${dependency})
@@ -37,6 +37,9 @@ function(orv_library name)
 
     set_property(GLOBAL APPEND PROPERTY ORV_LIBRARIES ${target})
     if(ORV_UTILS_V4_INSTALL)
-        install(TARGETS ${target} EXPORT orv_utils_v4Targets)
+        target_include_directories(${target} PUBLIC $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+        install(TARGETS ${target} EXPORT orv_utils_v4Targets
+            LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT runtime NAMELINK_COMPONENT development
+            ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR} COMPONENT development)
     endif()
 endfunction()

@@ -146,7 +146,7 @@ void unit_splitter::hold(const unsigned char* at, const unsigned char* fence)
         try {
             held.insert(held.end(), at, fence);
             return;
-        } catch (...) { // no memory for it: above what can be kept
+        } catch (...) {
             dropped = true;
         }
     }
@@ -178,8 +178,10 @@ void unit_splitter::hand_on(const unsigned char* bytes, std::size_t size, bool c
     const bool lost = std::exchange(dropped, false);
     in_unit = false;
     any_unit = true;
-    if (lost || whole > most || stated > most)
-        to.gap({split_gap_reason::too_large, unit_offset - framing_size, framing_size + whole, stated,
+    const bool above = whole > most || stated > most;
+    if (lost || above)
+        to.gap({above ? split_gap_reason::too_large : split_gap_reason::no_memory, unit_offset - framing_size,
+                framing_size + whole, stated,
                 lost        ? header
                 : size == 0 ? static_cast<unsigned char>(0)
                             : bytes[0]});

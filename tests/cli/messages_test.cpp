@@ -55,6 +55,11 @@ TEST(Messages, NoMemoryIsToldInWords)
                  {.piped = unit, .repeat = 128, .max_memory = 64 * mebibyte});
     EXPECT_EQ("orv-h264: out of memory\n", result.err);
     EXPECT_EQ(2, result.status);
+    const tool_result listed = run_tool({"inspect", "--nals", "-", "--format", "length4", "--max-unit", "1G"},
+                                        {.piped = unit, .repeat = 128, .max_memory = 64 * mebibyte});
+    EXPECT_EQ("orv-h264: standard input: offset 0: unit of type 7 that there is no memory for (134217728 bytes)\n",
+              listed.err);
+    EXPECT_EQ(1, listed.status);
 }
 #endif
 

@@ -126,6 +126,18 @@ class Browser:
         messages = [json.loads(entry["message"])["message"] for entry in entries]
         return [m["params"]["request"]["url"] for m in messages if m["method"] == "Network.requestWillBeSent"]
 
+    def picture_of(self, path, selectors):
+        """Writes a PNG of the elements, the first of which stands highest and the last one lowest."""
+        top, bottom, width = self.run("""
+            const box = selector => document.querySelector(selector).getBoundingClientRect();
+            return [box(arguments[0][0]).top + scrollY, box(arguments[0].at(-1)).bottom + scrollY,
+                    document.documentElement.clientWidth];""", selectors)
+        margin = 16
+        clip = {"x": 0, "y": top - margin, "width": width, "height": bottom - top + 2 * margin, "scale": 1}
+        shot = {"format": "png", "captureBeyondViewport": True, "clip": clip}
+        with open(path, "wb") as file:
+            file.write(base64.b64decode(self.devtools("Page.captureScreenshot", shot)["data"]))
+
     def picture(self, path, whole=True):
         """Writes a PNG of the page, or of what the window shows."""
         parameters = {"format": "png", "captureBeyondViewport": whole}

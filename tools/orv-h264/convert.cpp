@@ -108,10 +108,9 @@ public:
     void gap(const h264::split_gap& g) override
     {
         passed = g.offset + g.size;
-        const bool lost = g.reason == h264::split_gap_reason::too_large;
-        if (lost && g.size <= input.max_unit() && g.stated_length <= input.max_unit())
+        if (g.reason == h264::split_gap_reason::no_memory)
             throw std::bad_alloc();
-        if (lost) // a copy without it would be none
+        if (g.is_unit()) // a copy without it would be none
             stop(exit_broken_stream, g.offset, describe_with_size(g, input.max_unit()));
         complain(g.offset, describe_with_size(g, input.max_unit()));
     }

@@ -31,6 +31,8 @@ std::string describe(const h264::split_gap& gap, std::uint64_t most_bytes)
         return describe_too_large(gap, most_bytes);
     case split_gap_reason::cut_prefix:
         return "input ends inside a length prefix";
+    case split_gap_reason::no_memory:
+        return fmt::format("unit of type {} that there is no memory for", gap.header & 0x1FU);
     }
     return "";
 }

@@ -220,14 +220,14 @@ json problems_json(const std::vector<problem_kind>& kinds)
     return problems;
 }
 
-} // namespace
-
-json info_json(const stream_input& input, const stream_summary& summary)
+/// `container` is null where the stream is in none.
+json whole(std::string_view name, h264::framing framing, std::uint64_t bytes, const container_stream* container,
+           const stream_summary& summary)
 {
-    json object = json_head("orv-h264/info", input.name());
-    object["framing"] = framing_name(input.framing());
-    object["size"] = input.bytes_read();
-    if (const container_stream* const container = input.in_container()) {
+    json object = json_head("orv-h264/info", name);
+    object["framing"] = framing_name(framing);
+    object["size"] = bytes;
+    if (container != nullptr) {
         object["container"] = json_of(*container);
         add_totals(object["container"], *summary.container, container->track().tick);
     }
@@ -246,6 +246,18 @@ json info_json(const stream_input& input, const stream_summary& summary)
     object["problems"] = problems_json(summary.problems.kinds());
     object["findings"] = problems_json(summary.findings.kinds());
     return object;
+}
+
+} // namespace
+
+json info_json(const stream_input& input, const stream_summary& summary)
+{
+    return whole(input.name(), input.framing(), input.bytes_read(), input.in_container(), summary);
+}
+
+json info_json(std::string_view name, h264::framing framing, std::uint64_t bytes, const stream_summary& summary)
+{
+    return whole(name, framing, bytes, nullptr, summary);
 }
 
 } // namespace orv_h264

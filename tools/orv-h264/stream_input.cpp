@@ -34,7 +34,7 @@ public:
     }
     void gap(const h264::split_gap& gap) override
     {
-        any = any || gap.reason == h264::split_gap_reason::too_large;
+        any = any || gap.is_unit();
         if (!done())
             next.gap(gap);
     }

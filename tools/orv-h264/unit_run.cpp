@@ -62,7 +62,7 @@ void unit_run::unit(const h264::split_unit& u)
 
 void unit_run::gap(const h264::split_gap& g)
 {
-    units += g.reason == h264::split_gap_reason::too_large ? 1 : 0; // it counts, though the stream does not get it
+    units += g.is_unit() ? 1 : 0; // it counts, though the stream does not get it
     if (enough())
         return;
     complain(nullptr, packets->shown(g.offset), describe_with_size(g, most_bytes), true);

@@ -31,6 +31,7 @@ enum class split_gap_reason : std::uint8_t {
     no_header,         ///< a start code or a length prefix of 0 without a unit
     too_large,         ///< a unit above the limit; it counts as a unit all the same
     cut_prefix,        ///< the stream ends inside a length prefix
+    no_memory,         ///< a unit that there is no memory to keep; it counts as a unit all the same
 };
 
 /// Bytes that belong to no unit. Zero bytes around start codes are not told.
@@ -38,8 +39,14 @@ struct split_gap {
     split_gap_reason reason = split_gap_reason::before_first_unit;
     std::uint64_t offset = 0;
     std::uint64_t size = 0;
-    std::uint64_t stated_length = 0; ///< too_large: the length prefix; 0 in Annex B
-    unsigned char header = 0;        ///< too_large: the header byte of the unit
+    std::uint64_t stated_length = 0; ///< too_large and no_memory: the length prefix; 0 in Annex B
+    unsigned char header = 0;        ///< too_large and no_memory: the header byte of the unit
+
+    /// The bytes are a unit, which was not handed on.
+    bool is_unit() const noexcept
+    {
+        return reason == split_gap_reason::too_large || reason == split_gap_reason::no_memory;
+    }
 };
 
 /// Who takes the units. What it throws goes through the splitter, which may be pushed no further then.

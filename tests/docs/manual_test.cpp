@@ -1,7 +1,6 @@
-// The examples of README.md, compiled as they stand there.
+// Functions out of the documents, compiled as they stand there. Their programs are run by check-console-blocks.
 #include "annexb_to_length4.h"
 #include "print_frames.h"
-#include "print_size.h"
 #include "reframe_as_length4.h"
 
 #include "support/stream_builder.h"
@@ -14,7 +13,7 @@ namespace {
 using support::bytes;
 using support::stream_builder;
 
-TEST(Readme, TheExamplePrintsEachUnitAndRewritesTheFraming)
+TEST(Manual, TheExamplePrintsEachUnitAndRewritesTheFraming)
 {
     bytes stream = stream_builder()
                        .zeros(1)
@@ -30,7 +29,7 @@ TEST(Readme, TheExamplePrintsEachUnitAndRewritesTheFraming)
                              .prefixed_unit(4, support::aud, {0x10})));
 }
 
-TEST(Readme, OnlyTheCopyKeepsEveryByteOfAUnit)
+TEST(Manual, OnlyTheCopyKeepsEveryByteOfAUnit)
 {
     bytes stream = stream_builder()
                        .annexb_unit(support::idr_slice, {0x42, 0, 0, 3, 0, 0, 3}) // ends in a cabac_zero_word
@@ -48,22 +47,13 @@ TEST(Readme, OnlyTheCopyKeepsEveryByteOfAUnit)
     testing::internal::GetCapturedStdout();
 }
 
-TEST(Readme, TheCopyOfARealStreamIsItsLengthPrefixedTwin)
+TEST(Manual, TheCopyOfARealStreamIsItsLengthPrefixedTwin)
 {
     bytes stream = support::read_file(ORV_TEST_STREAMS "/main_bpyramid_weighted.264");
     EXPECT_TRUE(support::read_file(ORV_TEST_STREAMS "/main_bpyramid_weighted.length4") == reframe_as_length4(stream));
 }
 
-TEST(Readme, TheSyntaxExamplePrintsTheSizeOfAnSps)
-{
-    const bytes stream =
-        support::read_file(ORV_TEST_STREAMS "/main_bpyramid_weighted.264"); // its SPS has bytes 4 to 27
-    testing::internal::CaptureStdout();
-    print_size(bytes(stream.begin() + 4, stream.begin() + 28));
-    EXPECT_EQ("avc1.4D400B 192 x 160\n", testing::internal::GetCapturedStdout());
-}
-
-TEST(Readme, TheLegacyExamplePrintsEachFrame)
+TEST(Manual, TheLegacyExamplePrintsEachFrame)
 {
     testing::internal::CaptureStdout();
     print_frames(support::read_file(ORV_TEST_STREAMS "/pulldown32.264"));
@@ -74,7 +64,7 @@ TEST(Readme, TheLegacyExamplePrintsEachFrame)
     EXPECT_EQ(39, std::count(lines.begin(), lines.end(), '\n'));
 }
 
-TEST(Readme, TheLegacyExampleFindsNoFramesWhereThereIsNone)
+TEST(Manual, TheLegacyExampleFindsNoFramesWhereThereIsNone)
 {
     testing::internal::CaptureStdout();
     print_frames({});
