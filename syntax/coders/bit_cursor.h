@@ -2,6 +2,7 @@
 // nothing else, so that an end may be put anywhere and a place gone back to. Bits past the end read as zero.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
@@ -11,21 +12,27 @@ class bit_cursor {
 public:
     /// At the first bit of [data, data + size).
     bit_cursor(const unsigned char* data, std::size_t size) noexcept
-        : start(data),
-          bytes(size),
-          last_at(size < sizeof(std::uint64_t) ? 0 : size - sizeof(std::uint64_t)),
-          last_bytes(load_last(data, size))
+        : start(size < sizeof short_unit ? short_unit : data),
+          last_at(size < sizeof short_unit ? 0 : size - sizeof short_unit),
+          end(8 * std::uint64_t{size})
     {
+        if (size < sizeof short_unit)
+            std::copy(data, data + size, short_unit);
     }
+    bit_cursor(const bit_cursor&) = delete;
+    bit_cursor& operator=(const bit_cursor&) = delete;
 
     std::uint64_t position() const noexcept { return place; }
     void seek(std::uint64_t bit) noexcept { place = bit; }
 
     /// The next 57 bits, the first one highest, and seven or fewer more. Consumes nothing.
-    [[gnu::always_inline]] std::uint64_t peek() const noexcept
+    [[gnu::always_inline]] std::uint64_t peek() const noexcept { return place < end ? peek_inside() : 0; }
+    /// The same where there is a bit left; else anything. Near the end it is the last eight bytes that are loaded, so
+    /// that no branch depends on where the unit ends.
+    [[gnu::always_inline]] std::uint64_t peek_inside() const noexcept
     {
-        const std::uint64_t at = place / 8;
-        return (at + sizeof(std::uint64_t) <= bytes ? load(start + at) : load_at_end(at)) << place % 8;
+        const std::uint64_t at = std::min(place / 8, last_at);
+        return load(start + at) << (place - 8 * at) % 64;
     }
 
     /// u(n).
@@ -37,22 +44,31 @@ public:
         return value;
     }
 
-    /// The code number of ue(v), clause 9.1.
-    /// @return false, behind 32 zero bits, for a code that stands for no 32-bit number
-    [[gnu::always_inline]] bool take_code(std::uint32_t& code) noexcept
+    /// A code of ue(v), clause 9.1, and its bits: none where it is longer than the 57 that are at hand.
+    struct code {
+        std::uint32_t number;
+        unsigned bits;
+    };
+    /// The code in these bits, the first one highest.
+    [[gnu::always_inline]] static code code_in(std::uint64_t next) noexcept
     {
         constexpr std::uint64_t one_of_25 = std::uint64_t{1} << 39; // a one among the first 25: 49 bits at most
-        const std::uint64_t next = peek();
-        if (next >> 63 != 0) { // the code of 0, which is by far the most frequent: its length need not be waited for
-            code = 0;
-            place += 1;
-            return true;
-        }
+        if (next >> 63 != 0) // the code of 0, which is by far the most frequent: its length need not be waited for
+            return {0, 1};
         if (next < one_of_25)
-            return take_long_code(code);
+            return {0, 0};
         const auto zeros = static_cast<unsigned>(__builtin_clzll(next));
-        code = static_cast<std::uint32_t>((next >> (63 - 2 * zeros)) - 1);
-        place += 2 * zeros + 1;
+        return {static_cast<std::uint32_t>((next >> (63 - 2 * zeros)) - 1), 2 * zeros + 1};
+    }
+    /// The code number of ue(v).
+    /// @return false, behind 32 zero bits, for a code that stands for no 32-bit number
+    [[gnu::always_inline]] bool take_code(std::uint32_t& number) noexcept
+    {
+        const code next = code_in(peek());
+        if (next.bits == 0)
+            return take_long_code(number);
+        number = next.number;
+        place += next.bits;
         return true;
     }
 
@@ -66,21 +82,7 @@ private:
 #endif
         return value;
     }
-    std::uint64_t load_at_end(std::uint64_t at) const noexcept
-    {
-        return at < bytes ? last_bytes << 8 * (at - last_at) : 0;
-    }
-    /// The last eight bytes, or all of them with zeros behind.
-    static std::uint64_t load_last(const unsigned char* data, std::uint64_t size) noexcept
-    {
-        if (size >= sizeof(std::uint64_t))
-            return load(data + size - sizeof(std::uint64_t));
-        std::uint64_t value = 0;
-        for (std::uint64_t i = 0; i < sizeof value; ++i)
-            value = value << 8 | (i < size ? data[i] : 0U);
-        return value;
-    }
-    [[gnu::noinline]] bool take_long_code(std::uint32_t& code) noexcept
+    [[gnu::noinline]] bool take_long_code(std::uint32_t& number) noexcept
     {
         constexpr unsigned malformed = 32;
         unsigned zeros = 0;
@@ -88,14 +90,14 @@ private:
             ++zeros;
         if (zeros == malformed)
             return false;
-        code = static_cast<std::uint32_t>((std::uint64_t{1} << zeros) - 1 + (zeros == 0 ? 0 : take(zeros)));
+        number = static_cast<std::uint32_t>((std::uint64_t{1} << zeros) - 1 + (zeros == 0 ? 0 : take(zeros)));
         return true;
     }
 
-    const unsigned char* start;
-    std::uint64_t bytes;
-    std::uint64_t last_at;    // where these begin:
-    std::uint64_t last_bytes; // eight at most, first one highest
+    const unsigned char* start;                           // of the bytes, or of
+    unsigned char short_unit[sizeof(std::uint64_t)] = {}; // a copy of less than eight, zeros behind
+    std::uint64_t last_at;                                // where the last eight begin
+    std::uint64_t end;                                    // in bits
     std::uint64_t place = 0;
 };
 

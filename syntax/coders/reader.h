@@ -145,12 +145,10 @@ public:
     template <class X>
     void ue(label name, X& x, std::int64_t lowest = 0, std::int64_t highest = highest_ue)
     {
-        element(name, coding::ue, x, lowest, highest, [this](std::int64_t& value) {
-            std::uint32_t code = 0;
-            const bool sound = bits.take_code(code);
-            value = code;
-            return sound;
-        });
+        const bit_cursor::code next = bit_cursor::code_in(bits.peek_inside());
+        if (!is_usual<X>(next.number, next.bits, lowest, highest))
+            return any_ue(name, x, lowest, highest);
+        take_usual(name, x, next.number, next.bits);
     }
     template <class X>
     void ue_bound(label name, X& x, std::int64_t lowest, std::int64_t highest)
@@ -160,12 +158,11 @@ public:
     template <class X>
     void se(label name, X& x, std::int64_t lowest = -highest_se, std::int64_t highest = highest_se)
     {
-        element(name, coding::se, x, lowest, highest, [this](std::int64_t& value) {
-            std::uint32_t code = 0;
-            const bool sound = bits.take_code(code);
-            value = code % 2 == 0 ? -static_cast<std::int64_t>(code / 2) : static_cast<std::int64_t>(code / 2) + 1;
-            return sound;
-        });
+        const bit_cursor::code next = bit_cursor::code_in(bits.peek_inside());
+        const std::int64_t value = mapped(next.number);
+        if (!is_usual<X>(value, next.bits, lowest, highest))
+            return any_se(name, x, lowest, highest);
+        take_usual(name, x, value, next.bits);
     }
 
     template <std::size_t N>
@@ -259,6 +256,10 @@ public:
     template <class T, class... Ts>
     T* as(std::variant<Ts...>& v)
     {
+        if constexpr (std::is_trivially_destructible_v<T>) { // made anew where it stands, as of a slice behind a slice
+            if (T* const held = std::get_if<T>(&v))
+                return new (held) T();
+        }
         return &v.template emplace<T>();
     }
 
@@ -396,14 +397,66 @@ private:
         if constexpr (Telling::tells)
             tell.element({name, how, begin, position() - begin, value, lowest, highest, inside});
     }
+    /// Nearly all elements are so: nobody is told of them, they lie before the end, and their value is inside its
+    /// range. Those are taken in some thirty instructions that call nothing; the members any_* take all others, from
+    /// their first bit on.
     template <class X>
-    [[gnu::always_inline]] void number(label name, coding how, X& x, unsigned n, std::int64_t lowest,
-                                       std::int64_t highest)
+    [[gnu::always_inline]] bool is_usual(std::int64_t value, unsigned n, std::int64_t lowest,
+                                         std::int64_t highest) const noexcept
+    {
+        return !Telling::tells && !stopped && n != 0 && position() + n <= limit && value >= lowest &&
+               value <= highest && holds<X>(value);
+    }
+    template <class X>
+    [[gnu::always_inline]] void take_usual(label name, X& x, std::int64_t value, unsigned n) noexcept
+    {
+        latest_name = name.name();
+        latest_begin = position();
+        bits.seek(latest_begin + n);
+        x = static_cast<X>(value); // at last: of a byte the compiler believes that it may be part of this object
+    }
+    template <class X>
+    [[gnu::noinline]] void any_ue(label name, X& x, std::int64_t lowest, std::int64_t highest)
+    {
+        element(name, coding::ue, x, lowest, highest, [this](std::int64_t& value) {
+            std::uint32_t code = 0;
+            const bool sound = bits.take_code(code);
+            value = code;
+            return sound;
+        });
+    }
+    template <class X>
+    [[gnu::noinline]] void any_se(label name, X& x, std::int64_t lowest, std::int64_t highest)
+    {
+        element(name, coding::se, x, lowest, highest, [this](std::int64_t& value) {
+            std::uint32_t code = 0;
+            const bool sound = bits.take_code(code);
+            value = mapped(code);
+            return sound;
+        });
+    }
+    template <class X>
+    [[gnu::noinline]] void any_number(label name, coding how, X& x, unsigned n, std::int64_t lowest,
+                                      std::int64_t highest)
     {
         element(name, how, x, lowest, highest, [this, n](std::int64_t& value) {
             value = static_cast<std::int64_t>(bits.take(n));
             return true;
         });
+    }
+    template <class X>
+    [[gnu::always_inline]] void number(label name, coding how, X& x, unsigned n, std::int64_t lowest,
+                                       std::int64_t highest)
+    {
+        const auto value = static_cast<std::int64_t>(bits.peek_inside() >> (64 - n));
+        if (!is_usual<X>(value, n, lowest, highest))
+            return any_number(name, how, x, n, lowest, highest);
+        take_usual(name, x, value, n);
+    }
+    /// The value of se(v), clause 9.1.1.
+    static std::int64_t mapped(std::uint32_t code) noexcept
+    {
+        return code % 2 == 0 ? -static_cast<std::int64_t>(code / 2) : static_cast<std::int64_t>(code / 2) + 1;
     }
     template <class X>
     void signed_number(label name, coding how, X& x, unsigned n, std::int64_t lowest, std::int64_t highest)

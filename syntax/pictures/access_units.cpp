@@ -4,6 +4,7 @@
 #include "first_slice.h"
 #include "hidden.h"
 #include "kept_units.h"
+#include "stream/stream_unit.h"
 
 #include <algorithm>
 #include <utility>
@@ -12,17 +13,18 @@ namespace orv_utils_v4::h264 {
 
 namespace {
 
-std::uint32_t redundant_pic_cnt_of(const nal_unit& unit)
+/// `header` is that of the unit, or null.
+std::uint32_t redundant_pic_cnt_of(const nal_unit& unit, const slice_header* header)
 {
+    if (header != nullptr)
+        return header->redundant_pic_cnt;
     if (const auto* const b = std::get_if<slice_data_partition_b_layer_rbsp>(&unit.rbsp))
         return b->redundant_pic_cnt;
-    if (const auto* const c = std::get_if<slice_data_partition_c_layer_rbsp>(&unit.rbsp))
-        return c->redundant_pic_cnt;
-    const slice_header* const header = slice_header_of(unit);
-    return header != nullptr ? header->redundant_pic_cnt : 0;
+    const auto* const c = std::get_if<slice_data_partition_c_layer_rbsp>(&unit.rbsp);
+    return c != nullptr ? c->redundant_pic_cnt : 0;
 }
 
-unit_role role_of(const nal_unit& unit)
+unit_role role_of(const nal_unit& unit, const slice_header* header)
 {
     switch (unit.header.nal_unit_type) {
     case 1:
@@ -30,7 +32,7 @@ unit_role role_of(const nal_unit& unit)
     case 3:
     case 4:
     case 5:
-        return redundant_pic_cnt_of(unit) == 0 ? unit_role::primary : unit_role::redundant;
+        return redundant_pic_cnt_of(unit, header) == 0 ? unit_role::primary : unit_role::redundant;
     case 6:
         return unit_role::sei;
     case 7:
@@ -74,6 +76,8 @@ bool is_of_layers(unsigned nal_unit_type)
 
 bool same_layer(const nal_unit_header& a, const nal_unit_header& b)
 {
+    if (!a.extended() && !b.extended())
+        return true;
     if (a.bytes() == 1 || a.bytes() != b.bytes() || a.scalable() != b.scalable())
         return a.bytes() == b.bytes() && a.scalable() == b.scalable();
     const auto &svc_a = a.nal_unit_header_svc_extension, &svc_b = b.nal_unit_header_svc_extension;
@@ -174,12 +178,13 @@ struct ORV_UTILS_V4_HIDDEN access_units::state : unit_sink {
     void keep_parameter_sets();
     void take(const unit_reading& reading) override;
     void take_primary(const unit_reading& reading, const slice_header& header);
-    void take_other_slice(const unit_reading& reading, unit_role role);
+    void take_other_slice(const unit_reading& reading, unit_role role, const slice_header* header);
     void tell_picture(const unit_reading& reading);
     void join_waiting();
-    access_unit_part part_of(const unit_reading& reading, unit_role role);
+    void add_part(std::vector<access_unit_part>& parts, const unit_reading& reading, unit_role role,
+                  const slice_header* header);
     bool is_new(const unit_reading& reading, unit_role role) const;
-    const nal_unit* keep_content(const nal_unit& unit);
+    const nal_unit* keep_content();
     void complete();
     void begin_with_waiting();
 };
@@ -262,12 +267,12 @@ void access_units::state::keep_parameter_sets()
 
 void access_units::state::take(const unit_reading& reading)
 {
-    const unit_role role = role_of(reading.unit);
-    const slice_header* const header = role == unit_role::primary ? slice_header_of(reading.unit) : nullptr;
-    if (header != nullptr)
+    const slice_header* const header = slice_header_of(reading.unit);
+    const unit_role role = role_of(reading.unit, header);
+    if (role == unit_role::primary && header != nullptr)
         return take_primary(reading, *header);
     if (is_slice(role))
-        return take_other_slice(reading, role);
+        return take_other_slice(reading, role, header);
 
     const unsigned type = reading.unit.header.nal_unit_type;
     if (role == unit_role::delimiter && any_slice)
@@ -275,10 +280,10 @@ void access_units::state::take(const unit_reading& reading)
     if (role == unit_role::end && !waiting.empty())
         complete();
     if (!waiting.empty() || (any_slice && begins_another(type)))
-        return waiting.push_back(part_of(reading, role));
+        return add_part(waiting, reading, role, nullptr);
     if (role == unit_role::delimiter && !current.parts.empty())
         current.findings.add(picture_finding::unit_out_of_place);
-    current.parts.push_back(part_of(reading, role));
+    add_part(current.parts, reading, role, nullptr);
     ended = type == 10;
     if (type == 11)
         complete();
@@ -292,7 +297,7 @@ void access_units::state::take_primary(const unit_reading& reading, const slice_
         join_waiting();
     else if (any_slice)
         complete();
-    current.parts.push_back(part_of(reading, unit_role::primary));
+    add_part(current.parts, reading, unit_role::primary, &header);
     any_slice = true;
     if (key.whole)
         current.slice_kinds |= static_cast<std::uint8_t>(1U << static_cast<unsigned>(header.kind()));
@@ -303,7 +308,7 @@ void access_units::state::take_primary(const unit_reading& reading, const slice_
 }
 
 // Slices that follow the primary coded picture, and partitions B and C.
-void access_units::state::take_other_slice(const unit_reading& reading, unit_role role)
+void access_units::state::take_other_slice(const unit_reading& reading, unit_role role, const slice_header* header)
 {
     const bool prefixes_alone = std::all_of(waiting.begin(), waiting.end(),
                                             [](const access_unit_part& p) { return p.role == unit_role::prefix; });
@@ -311,7 +316,7 @@ void access_units::state::take_other_slice(const unit_reading& reading, unit_rol
         join_waiting();
     else
         complete();
-    current.parts.push_back(part_of(reading, role));
+    add_part(current.parts, reading, role, header);
     any_slice = true;
 }
 
@@ -330,7 +335,7 @@ void access_units::state::tell_picture(const unit_reading& reading)
 {
     const nal_unit* content = current.parts.back().content;
     if (content == nullptr) // a damaged slice stands before it
-        content = current.parts.back().content = keep_content(reading.unit);
+        content = current.parts.back().content = keep_content();
     current.header = content == nullptr ? nullptr : slice_header_of(*content);
     if (current.header == nullptr)
         return current.findings.add(picture_finding::limit_reached);
@@ -342,22 +347,30 @@ void access_units::state::tell_picture(const unit_reading& reading)
     current.idr = IdrPicFlag(reading.unit.header);
 }
 
-access_unit_part access_units::state::part_of(const unit_reading& reading, unit_role role)
+// There is room for it. It is filled where it stands, which saves a copy, and begins as that of an empty one: to clear
+// as many bytes takes g++ three times as long.
+void access_units::state::add_part(std::vector<access_unit_part>& parts, const unit_reading& reading, unit_role role,
+                                   const slice_header* header)
 {
-    access_unit_part part;
+    const bool is_kept = contents_used < most_contents && is_new(reading, role);
+    const bool may_have_prefix = role == unit_role::primary || role == unit_role::redundant;
+    const bool prefixed = may_have_prefix && !parts.empty() && parts.back().role == unit_role::prefix;
+    static constexpr access_unit_part empty = {};
+    access_unit_part& part = parts.emplace_back(empty);
     part.place = reading.place;
     part.role = role;
     part.header = reading.unit.header;
-    part.failure = reading.result.failure;
+    if (reading.result.failure)
+        part.failure = reading.result.failure;
     part.ending = reading.result.ending;
     part.finding_count = reading.result.finding_count;
-    part.first_finding = reading.result.findings.empty() ? finding() : reading.result.findings[0];
-    if ((role == unit_role::primary || role == unit_role::redundant) && !current.parts.empty() &&
-        current.parts.back().role == unit_role::prefix)
-        take_extension(part, current.parts.back().header);
-    if (contents_used < most_contents && is_new(reading, role))
-        part.content = keep_content(reading.unit);
-    if (const slice_header* const header = slice_header_of(reading.unit)) {
+    if (!reading.result.findings.empty())
+        part.first_finding = reading.result.findings[0];
+    if (prefixed)
+        take_extension(part, parts[parts.size() - 2].header);
+    if (is_kept)
+        part.content = keep_content();
+    if (header != nullptr) {
         part.first_mb_in_slice = header->first_mb_in_slice;
         part.slice_type = header->slice_type;
         part.pic_parameter_set_id = header->pic_parameter_set_id;
@@ -369,30 +382,33 @@ access_unit_part access_units::state::part_of(const unit_reading& reading, unit_
         current.findings.add(why == reason::no_sps || why == reason::no_pps ? picture_finding::no_parameter_sets
                                                                             : picture_finding::slice_damaged);
     }
-    return part;
 }
 
 /// The content is kept: of all but further slices of the same kind.
 bool access_units::state::is_new(const unit_reading& reading, unit_role role) const
 {
-    return !is_slice(role) ||
-           std::none_of(current.parts.rbegin(), current.parts.rend(), [&](const access_unit_part& p) {
-               return p.role == role && same_layer(p.header, reading.unit.header);
-           });
+    if (!is_slice(role))
+        return true;
+    for (std::size_t i = current.parts.size(); i > 0; --i) { // as a rule it is the last one
+        const access_unit_part& before = current.parts[i - 1];
+        if (before.role == role && same_layer(before.header, reading.unit.header))
+            return false;
+    }
+    return true;
 }
 
-/// A copy in a room that is used again, or null where a limit is reached or there is no memory.
-const nal_unit* access_units::state::keep_content(const nal_unit& unit)
+/// The unit that is read, for a room that is used again; null where there is no memory for another one.
+const nal_unit* access_units::state::keep_content()
 {
     try {
         if (contents_used == contents.size())
-            contents.push_back(std::make_unique<nal_unit>(unit));
-        else
-            *contents[contents_used] = unit;
-        return contents[contents_used++].get();
+            contents.push_back(std::make_unique<nal_unit>());
     } catch (...) {
         return nullptr;
     }
+    std::unique_ptr<nal_unit>& room = contents[contents_used++];
+    stream_unit::take(units, room);
+    return room.get();
 }
 
 // Hands the current access unit on; what waits begins the next one.

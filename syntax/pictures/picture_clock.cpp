@@ -65,10 +65,9 @@ exact_time tick_time::value() const noexcept
 std::uint8_t fields_shown(const access_unit& unit) noexcept
 {
     constexpr std::uint8_t table_e_6[pic_timing::highest_pic_struct + 1] = {2, 1, 1, 2, 2, 3, 3, 4, 6};
-    const auto* const timing = unit.message<pic_timing>();
-    const bool told = unit.sps != nullptr && unit.sps->vui_parameters.pic_struct_present_flag && timing != nullptr &&
-                      timing->pic_struct <= pic_timing::highest_pic_struct;
-    if (told)
+    const bool may_be_told = unit.sps != nullptr && unit.sps->vui_parameters.pic_struct_present_flag;
+    const auto* const timing = may_be_told ? unit.message<pic_timing>() : nullptr;
+    if (timing != nullptr && timing->pic_struct <= pic_timing::highest_pic_struct)
         return table_e_6[timing->pic_struct];
     return unit.field() ? 1 : 2;
 }
@@ -129,10 +128,12 @@ void picture_clock::add_second_field(const access_unit& unit, const timestamp* s
 // removal.
 bool picture_clock::take_hrd(const access_unit& unit, picture_times& times) noexcept
 {
-    const auto* const timing = unit.message<pic_timing>();
-    const auto* const begun = unit.message<buffering_period>();
-    if (tick.denominator == 0 || timing == nullptr || timing_hrd(unit.sps->vui_parameters) == nullptr)
+    if (tick.denominator == 0 || timing_hrd(unit.sps->vui_parameters) == nullptr)
         return false;
+    const auto* const timing = unit.message<pic_timing>();
+    if (timing == nullptr)
+        return false;
+    const auto* const begun = unit.message<buffering_period>();
     exact_time removal;
     if (period)
         removal = time_after(period, timing->cpb_removal_delay, tick);

@@ -93,7 +93,8 @@ bool pictures::state::is_second_field(const access_unit& unit) const
 
 void pictures::state::begin(const access_unit& unit, const timestamp* stamp)
 {
-    open = picture();
+    static constexpr picture empty = {}; // see add_part() of access_units
+    open = empty;
     is_open = true;
     open.number = count++;
     open.access_unit = unit.number;
@@ -174,9 +175,9 @@ void pictures::state::add_second_field(const access_unit& unit, const timestamp*
 
 void pictures::state::add_clocks(const access_unit& unit)
 {
-    const auto* const timing = unit.message<pic_timing>();
-    const bool sent = timing != nullptr && unit.sps != nullptr && unit.sps->vui_parameters.pic_struct_present_flag;
-    for (unsigned i = 0; sent && i < timing->NumClockTS(); ++i) {
+    const bool may_be_sent = unit.sps != nullptr && unit.sps->vui_parameters.pic_struct_present_flag;
+    const auto* const timing = may_be_sent ? unit.message<pic_timing>() : nullptr;
+    for (unsigned i = 0; timing != nullptr && i < timing->NumClockTS(); ++i) {
         if (timing->timestamps[i].clock_timestamp_flag && open.clock_count < picture::most_clocks)
             open.clocks[open.clock_count++] = days.next(timing->timestamps[i]);
     }

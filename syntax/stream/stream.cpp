@@ -1,7 +1,9 @@
 // The stream: stores of parameter sets, activation, and the units kept back until it is known what they are read with.
 #include <orv-utils-v4/h264_syntax/stream.h>
 
+#include "bytescan/block.h"
 #include "hidden.h"
+#include "stream/stream_unit.h"
 #include "unit_bytes.h"
 
 #include <algorithm>
@@ -51,15 +53,19 @@ ending ending_of_slice(const unit_place& place)
 }
 
 /// Bytes that may not be had: a failed allocation is told by `false`.
-bool make_room(std::vector<unsigned char>& bytes, std::size_t size)
+bool grow(std::vector<unsigned char>& bytes, std::size_t size)
 {
     try {
-        if (bytes.size() < size)
-            bytes.resize(size);
+        bytes.resize(size);
         return true;
     } catch (...) {
         return false;
     }
+}
+
+bool make_room(std::vector<unsigned char>& bytes, std::size_t size)
+{
+    return bytes.size() >= size || grow(bytes, size);
 }
 
 } // namespace
@@ -100,7 +106,7 @@ struct ORV_UTILS_V4_HIDDEN stream::state {
     clean_bytes bytes;                // that the latest unit was read from
     std::vector<unsigned char> held_bytes;
     std::vector<held_unit> held;
-    nal_unit unit;
+    std::unique_ptr<nal_unit> unit = std::make_unique<nal_unit>();
     unit_context context;                        // that the unit is read with
     const seq_parameter_set_data* sps = nullptr; // that it stands on
     const pic_parameter_set_rbsp* pps = nullptr;
@@ -162,6 +168,11 @@ stream& stream::operator=(stream&&) noexcept = default;
 const parameter_sets& stream::sets() const noexcept
 {
     return s->sets;
+}
+
+void stream_unit::take(stream& from, std::unique_ptr<nal_unit>& room) noexcept
+{
+    from.s->unit.swap(room);
 }
 
 void stream::push(const unit_place& place, unit_sink& to)
@@ -230,7 +241,7 @@ void stream::state::release(unit_sink& to)
 void stream::state::hand_on(const unit_place& place, unit_sink& to)
 {
     read_unit(place, to.before(place));
-    to.take({place, unit, result, context, sps, pps});
+    to.take({place, *unit, result, context, sps, pps});
 }
 
 void stream::state::read_unit(const unit_place& place, visitor* listener)
@@ -245,19 +256,19 @@ void stream::state::read_unit(const unit_place& place, visitor* listener)
     const std::size_t most = kind == unit_kind::parameter_set ? most_parameter_set_bytes : most_unit_bytes;
     const std::size_t size = std::min(place.size, most);
     if (!make_room(block, size)) {
-        unit = nal_unit();
+        *unit = nal_unit();
         result = outcome();
         result.failure = {reason::no_memory, "nal_unit", 0, 0, 0};
         return;
     }
     bytes = unescaped(place.bytes, size, size, block.data());
     if (kind == unit_kind::sei && !slice_known) {
-        read(unit, bytes.data, bytes.size, context, result);
+        read(*unit, bytes.data, bytes.size, context, result);
         activate_period();
         set_context(place, kind);
         sps = context.active_sps;
     }
-    run(unit, bytes.data, bytes.size, context, result, listener);
+    run(*unit, bytes.data, bytes.size, context, result, listener);
     if (place.size > most && !result.failure)
         result.failure = {reason::unit_too_long, "nal_unit", result.bits, static_cast<std::int64_t>(place.size),
                           static_cast<std::int64_t>(most)};
@@ -267,33 +278,33 @@ void stream::state::read_unit(const unit_place& place, visitor* listener)
 // The header is looked for in more and more bytes of the slice; only what is read at last is told.
 void stream::state::read_slice(const unit_place& place, visitor* listener)
 {
-    constexpr std::size_t first_try = 64;
+    constexpr std::size_t first_try = 1 + brenik::bytescan::block_bytes; // one step of the search for escapes
     for (std::size_t room = first_try;; room *= 8) {
         const std::size_t taken = std::min({room, place.size, most_slice_header_bytes});
         if (!make_room(block, taken))
             break;
         bytes = unescaped(place.bytes, place.size, taken, block.data());
         const bool all = taken == place.size || taken == most_slice_header_bytes;
-        read(unit, bytes.data, bytes.size, context, result);
+        read(*unit, bytes.data, bytes.size, context, result);
         if (all || result.failure.why != reason::unit_ends)
             break;
     }
     if (listener != nullptr)
-        trace(unit, bytes.data, bytes.size, context, result, *listener);
+        trace(*unit, bytes.data, bytes.size, context, result, *listener);
     result.ending = ending_of_slice(place);
-    pps = pps_of(unit, sets);
+    pps = pps_of(*unit, sets);
     if (pps == nullptr)
         return;
-    sps = sps_of(unit.header, *pps, sets);
+    sps = sps_of(unit->header, *pps, sets);
     if (result.failure)
         return;
-    const auto type = unit.header.nal_unit_type;
+    const auto type = unit->header.nal_unit_type;
     if (type == 1 || type == 2 || type == 5) {
         active_pps = static_cast<std::int32_t>(pps->pic_parameter_set_id);
         active_sps = static_cast<std::int32_t>(pps->seq_parameter_set_id);
         primary_idr = type == 5;
     }
-    if (const auto* const a = std::get_if<slice_data_partition_a_layer_rbsp>(&unit.rbsp))
+    if (const auto* const a = std::get_if<slice_data_partition_a_layer_rbsp>(&unit->rbsp))
         partitions[partition_count++ % most_partitions] = {a->slice_id, pps->pic_parameter_set_id};
 }
 
@@ -353,7 +364,7 @@ std::int32_t stream::state::pps_of_partition(const unit_place& place) const
 // Where no slice tells the SPS, a buffering period does: for the other messages of its unit too, wherever they stand.
 void stream::state::activate_period()
 {
-    const auto* const messages = std::get_if<sei_rbsp>(&unit.rbsp);
+    const auto* const messages = std::get_if<sei_rbsp>(&unit->rbsp);
     if (messages == nullptr)
         return;
     for (const sei_message& m : messages->sei_messages) {
@@ -367,15 +378,15 @@ void stream::state::activate_period()
 // could not be told without its SPS waits for that.
 void stream::state::keep()
 {
-    if (const auto* const p = std::get_if<pic_parameter_set_rbsp>(&unit.rbsp))
+    if (const auto* const p = std::get_if<pic_parameter_set_rbsp>(&unit->rbsp))
         return keep_pps(*p);
     if (result.failure)
         return;
-    if (const auto* const sequence = std::get_if<seq_parameter_set_rbsp>(&unit.rbsp))
+    if (const auto* const sequence = std::get_if<seq_parameter_set_rbsp>(&unit->rbsp))
         keep_sps(*sequence);
-    else if (const auto* const subset = std::get_if<subset_seq_parameter_set_rbsp>(&unit.rbsp))
+    else if (const auto* const subset = std::get_if<subset_seq_parameter_set_rbsp>(&unit->rbsp))
         keep_subset_sps(*subset);
-    else if (const auto* const depth = std::get_if<depth_parameter_set_rbsp>(&unit.rbsp))
+    else if (const auto* const depth = std::get_if<depth_parameter_set_rbsp>(&unit->rbsp))
         keep_dps(*depth);
 }
 

@@ -133,7 +133,8 @@ struct access_unit {
     const Payload* message() const noexcept
     {
         for (const access_unit_part& part : parts) {
-            const sei_rbsp* const sei = part.content != nullptr ? std::get_if<sei_rbsp>(&part.content->rbsp) : nullptr;
+            const bool has_messages = part.role == unit_role::sei && part.content != nullptr;
+            const sei_rbsp* const sei = has_messages ? std::get_if<sei_rbsp>(&part.content->rbsp) : nullptr;
             for (std::size_t i = 0; sei != nullptr && i < sei->sei_messages.size(); ++i) {
                 const sei_message& message = sei->sei_messages[i];
                 if (const auto* const payload = std::get_if<Payload>(&message.payload);

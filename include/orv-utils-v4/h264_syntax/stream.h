@@ -84,6 +84,7 @@ public:
     const parameter_sets& sets() const noexcept;
 
 private:
+    friend class stream_unit;
     struct state;
     std::unique_ptr<state> s;
 };
