@@ -19,7 +19,8 @@ using support::stream_builder;
 
 using lines = std::vector<std::string>;
 
-constexpr const char* reasons[] = {"before_first_unit", "between_units", "no_header", "too_large", "cut_prefix", "no_memory"};
+constexpr const char* reasons[] = {"before_first_unit", "between_units", "no_header",
+                                   "too_large",         "cut_prefix",    "no_memory"};
 
 /// "unit OFFSET FRAMING_SIZE BYTES [of LENGTH] [cut]" and "gap REASON OFFSET SIZE".
 class split_lines : public split_sink {
