@@ -1,4 +1,5 @@
 import gc
+import os
 import threading
 import tracemalloc
 
@@ -61,7 +62,8 @@ def test_memory_stays_flat():
     traced = tracemalloc.get_traced_memory()[0] - first
     tracemalloc.stop()
     assert traced < 100_000
-    assert resident() - before < 24 << 20
+    if "ASAN_OPTIONS" not in os.environ:  # which keeps what is freed for a while
+        assert resident() - before < 24 << 20
 
 
 def test_objects_go_with_their_last_user():
