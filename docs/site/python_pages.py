@@ -44,12 +44,25 @@ def variable(body, at):
     yield "</dd>"
 
 
+def is_told(node):
+    """Not what is private, how a property is set, or a type variable."""
+    if isinstance(node, (ast.FunctionDef, ast.AsyncFunctionDef)):
+        name, other = node.name, any(ast.unparse(decorator).endswith(".setter") for decorator in node.decorator_list)
+    elif isinstance(node, (ast.AnnAssign, ast.Assign)):
+        name = ast.unparse(node.target if isinstance(node, ast.AnnAssign) else node.targets[0])
+        other = node.value is not None and ast.unparse(node.value).startswith("TypeVar(")
+    else:
+        return isinstance(node, ast.ClassDef) and node.name[0] != "_"
+    return not other and (name[0] != "_" or name.startswith("__"))
+
+
 def members(body):
     for at, node in enumerate(body):
-        if isinstance(node, (ast.FunctionDef, ast.AsyncFunctionDef)) and not (
-                node.name.startswith("_") and not node.name.startswith("__")):
+        if not is_told(node):
+            continue
+        if isinstance(node, (ast.FunctionDef, ast.AsyncFunctionDef)):
             yield from function(node)
-        elif isinstance(node, ast.ClassDef) and node.name[0] != "_":
+        elif isinstance(node, ast.ClassDef):
             yield f'<dt id="{node.name}"><code>class {html.escape(node.name)}</code></dt><dd>'
             yield from text_of(node)
             yield '<dl class="python">'
@@ -63,16 +76,17 @@ def reference(stub):
     """The page of a stub file."""
     module = ast.parse(stub.read_text())
     yield from text_of(module)
+    classes = [node for node in module.body if isinstance(node, ast.ClassDef) and is_told(node)]
+    yield "<p>" + ", ".join(f'<a href="#{node.name}">{node.name}</a>' for node in classes) + "</p>"
     own = list(members([node for node in module.body if not isinstance(node, ast.ClassDef)]))
     if own:
         yield '<h2 id="functions">Functions and constants</h2><dl class="python">'
         yield from own
         yield "</dl>"
-    for node in module.body:
-        if isinstance(node, ast.ClassDef):
-            bases = f"({', '.join(map(ast.unparse, node.bases))})" if node.bases else ""
-            yield f'<h2 id="{node.name}">class {html.escape(node.name + bases)}</h2>'
-            yield from text_of(node)
-            yield '<dl class="python">'
-            yield from members(node.body)
-            yield "</dl>"
+    for node in classes:
+        bases = f"({', '.join(map(ast.unparse, node.bases))})" if node.bases else ""
+        yield f'<h2 id="{node.name}">class {html.escape(node.name + bases)}</h2>'
+        yield from text_of(node)
+        yield '<dl class="python">'
+        yield from members(node.body)
+        yield "</dl>"

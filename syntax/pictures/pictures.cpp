@@ -26,7 +26,8 @@ struct ORV_UTILS_V4_HIDDEN pictures::state : picture_sink {
     output_order order;
     picture_clock clock;
     day_clock days;
-    picture open; // that has begun
+    picture open;        // that has begun
+    const picture empty; // what it begins as: of a value that g++ knows it makes rep stos, as in add_part()
     bool is_open = false;
     std::uint32_t open_frame_num = 0; // behind its marking
     std::uint64_t count = 0;
@@ -93,7 +94,6 @@ bool pictures::state::is_second_field(const access_unit& unit) const
 
 void pictures::state::begin(const access_unit& unit, const timestamp* stamp)
 {
-    static constexpr picture empty = {}; // see add_part() of access_units
     open = empty;
     is_open = true;
     open.number = count++;
