@@ -1,11 +1,13 @@
 // examples/insert_sei: where the message stands and what it says, and that nothing else moves.
 #include "support/run_tool.h"
+#include "support/sets_of_stream.h"
 #include "support/stream_files.h"
 
 #include <orv-utils-v4/h264_syntax.h>
 
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -25,49 +27,44 @@ support::bytes with_message(const support::bytes& stream, const std::string& tex
     return {result.out.begin(), result.out.end()};
 }
 
-/// The text of a unit that is a message of the example, alone in it.
-const user_data_unregistered* message_of(const nal_unit& unit)
+/// What a unit says that is a message of the example, alone in it.
+std::optional<std::string> text_of(const support::bytes& unit)
 {
-    const auto* const sei = std::get_if<sei_rbsp>(&unit.rbsp);
-    if (sei == nullptr || sei->sei_messages.size() != 1)
-        return nullptr;
-    const auto* const data = std::get_if<user_data_unregistered>(&sei->sei_messages[0].payload);
-    return data != nullptr && data->uuid_iso_iec_11578[0] == 0x0B && data->uuid_iso_iec_11578[1] == 0x7E ? data
-                                                                                                         : nullptr;
+    support::bytes clean(unit.size());
+    clean.resize(unescape(unit.data(), unit.size(), clean.data(), clean.size()));
+    nal_unit sei;
+    outcome result;
+    read(sei, clean.data(), clean.size(), {}, result);
+    const std::vector<sei_message>& messages = std::get<sei_rbsp>(sei.rbsp).sei_messages;
+    if (result.failure || messages.size() != 1) // picture timing, which needs its SPS
+        return {};
+    const auto* const data = std::get_if<user_data_unregistered>(&messages[0].payload);
+    if (data == nullptr || data->uuid_iso_iec_11578[0] != 0x0B)
+        return {};
+    return std::string(data->user_data_payload_byte.begin(), data->user_data_payload_byte.end());
 }
 
 /// The units that are no message of the example, the texts of those that are, and the types of the units behind them.
-class parts : public split_sink, public unit_sink {
-public:
-    explicit parts(const support::bytes& in)
+struct parts {
+    explicit parts(const support::bytes& stream)
     {
-        unit_splitter splitter(framing::annex_b);
-        splitter.push(in.data(), in.size(), *this);
-        splitter.flush(*this);
-        units.flush(*this);
-    }
-    void unit(const split_unit& u) override { units.push({u.bytes, u.size, u.offset, 0}, *this); }
-    void gap(const split_gap&) override {}
-    void take(const unit_reading& reading) override
-    {
-        EXPECT_FALSE(reading.result.failure);
-        if (behind_message)
-            followers.push_back(reading.unit.header.nal_unit_type);
-        const user_data_unregistered* const message = message_of(reading.unit);
-        behind_message = message != nullptr;
-        if (message != nullptr)
-            texts.emplace_back(message->user_data_payload_byte.begin(), message->user_data_payload_byte.end());
-        else
-            others.emplace_back(reading.place.bytes, reading.place.bytes + reading.place.size);
+        bool behind_message = false;
+        for (const support::bytes& unit : support::units_in(stream)) {
+            const unsigned type = unit[0] & 0x1FU;
+            if (behind_message)
+                followers.push_back(type);
+            const std::optional<std::string> text = type == 6 ? text_of(unit) : std::nullopt;
+            behind_message = text.has_value();
+            if (text)
+                texts.push_back(*text);
+            else
+                others.push_back(unit);
+        }
     }
 
-    std::vector<support::bytes> others;
+    support::unit_list others;
     std::vector<std::string> texts;
     std::vector<unsigned> followers;
-
-private:
-    stream units;
-    bool behind_message = false;
 };
 
 TEST(InsertSei, StandsBeforeTheSlicesOfEachIdrPictureAndNothingElseMoves)
