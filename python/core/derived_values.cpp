@@ -124,7 +124,7 @@ void add_derived_values(py::module_& m)
     m.def("max_dpb_frames", [](py::handle sps) { return h264::MaxDpbFrames(sps_in(sps)); });
     m.def("most_buffered_frames", [](py::handle sps) { return h264::most_buffered_frames(sps_in(sps)); });
     m.def("most_reordered_frames", [](py::handle sps) { return h264::most_reordered_frames(sps_in(sps)); });
-    m.def("scaling_lists", [](py::handle sps, py::object pps) {
+    m.def("scaling_lists", [](py::handle sps, py::handle pps) {
         const h264::scaling_lists lists = h264::scaling_lists_of(sps_in(sps), pps.is_none() ? nullptr : &pps_in(pps));
         return std::pair{lists_of(lists.list_4x4), lists_of(lists.list_8x8)};
     });

@@ -275,9 +275,9 @@ struct choice_of<std::variant<T...>, std::index_sequence<I...>> {
 };
 
 template <class T>
-constexpr bool is_variant = false;
+inline constexpr bool is_variant = false;
 template <class... T>
-constexpr bool is_variant<std::variant<T...>> = true;
+inline constexpr bool is_variant<std::variant<T...>> = true;
 
 PyObject* bytes_of_vector(const void* at);
 PyObject* bytes_of_uuid(const void* at);

@@ -27,7 +27,8 @@ bool put_alternative(Variant& to, int number, const void* from, std::index_seque
 {
     const auto put = [&]<std::size_t J>() {
         using type = std::variant_alternative_t<J, Variant>;
-        if (structure_number<type> != number || number < 0)
+        constexpr int own = structure_number<type>; // below 0 of what is no structure
+        if (own < 0 || own != number)
             return false;
         to.template emplace<J>(*static_cast<const type*>(from));
         return true;

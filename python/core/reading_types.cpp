@@ -82,7 +82,7 @@ std::vector<unsigned char> clean_bytes(const unsigned char* unit, std::size_t si
 /// Of st(v) its bytes, of others the number.
 py::object long_value(const h264::traced_element& e)
 {
-    const py::bytes bytes(reinterpret_cast<const char*>(e.bytes), e.size);
+    py::bytes bytes(reinterpret_cast<const char*>(e.bytes), e.size);
     if (e.how == h264::coding::st)
         return bytes;
     return py::handle(reinterpret_cast<PyObject*>(&PyLong_Type)).attr("from_bytes")(bytes, "big");
@@ -187,7 +187,7 @@ py::tuple written(const h264::nal_unit& unit, const h264::unit_context& context,
     return py::make_tuple(py::bytes(reinterpret_cast<const char*>(framed.data()) + begin, size - begin), py::none());
 }
 
-py::tuple write_unit(py::handle header, py::handle rbsp, const kept_context& context, py::object old,
+py::tuple write_unit(py::handle header, py::handle rbsp, const kept_context& context, const py::object& old,
                      std::uint64_t data_bit)
 {
     h264::nal_unit unit;
@@ -199,7 +199,7 @@ py::tuple write_unit(py::handle header, py::handle rbsp, const kept_context& con
     return written(unit, context.view(), &clean, data_bit);
 }
 
-py::tuple edit_unit(py::object source, const std::vector<std::pair<std::string, std::int64_t>>& values,
+py::tuple edit_unit(const py::object& source, const std::vector<std::pair<std::string, std::int64_t>>& values,
                     const kept_context& context)
 {
     const std::shared_ptr<const source_bytes> bytes = lock_bytes(source);
@@ -220,9 +220,9 @@ py::tuple edit_unit(py::object source, const std::vector<std::pair<std::string, 
 }
 
 /// Reads one unit by itself.
-std::shared_ptr<kept_reading> read_unit(py::object source, const kept_context& context)
+std::shared_ptr<kept_reading> read_unit(const py::object& source, const kept_context& context)
 {
-    const auto kept = std::make_shared<kept_reading>();
+    auto kept = std::make_shared<kept_reading>();
     const std::shared_ptr<const source_bytes> bytes = lock_bytes(source);
     kept->unit.source = bytes;
     kept->unit.size = bytes->size;
@@ -245,7 +245,7 @@ py::dict sets_of(const std::shared_ptr<const Set> (&sets)[N])
     return all;
 }
 
-py::bytes unescaped(py::object source)
+py::bytes unescaped(const py::object& source)
 {
     const std::shared_ptr<const source_bytes> bytes = lock_bytes(source);
     const std::vector<unsigned char> clean = clean_bytes(bytes->start, bytes->size, true);
@@ -294,7 +294,7 @@ void add_reading_types(py::module_& m)
     m.def("edit_unit", edit_unit);
     m.def("read_unit", read_unit);
     m.def("unescape", unescaped);
-    m.def("trace_unit", [](py::object source, const kept_context& context) {
+    m.def("trace_unit", [](const py::object& source, const kept_context& context) {
         const std::shared_ptr<const source_bytes> bytes = lock_bytes(source);
         return trace_bytes(bytes->start, bytes->size, 0, context);
     });

@@ -67,7 +67,7 @@ private:
 };
 
 /// (None or what was made, None or (element, text)).
-py::tuple told(const h264::configuration_outcome& result, py::object made)
+py::tuple told(const h264::configuration_outcome& result, const py::object& made)
 {
     if (result.sound())
         return py::make_tuple(made, py::none());
@@ -113,7 +113,7 @@ void fill(h264::AVCDecoderConfigurationRecord& to, const py::dict& from, viewed&
                "sequenceParameterSetExtNALUnit");
 }
 
-py::tuple read_record(py::object object)
+py::tuple read_record(const py::object& object)
 {
     const std::shared_ptr<const source_bytes> bytes = lock_bytes(object);
     h264::AVCDecoderConfigurationRecord record;
@@ -180,7 +180,7 @@ void add_parameter_set_store(py::module_& m)
     py::class_<store>(m, "ParameterSetStore")
         .def(py::init<>())
         .def("push",
-             [](store& s, py::object unit) {
+             [](store& s, const py::object& unit) {
                  viewed view;
                  return name_of(s.push(view(unit)));
              })

@@ -31,7 +31,7 @@ namespace {
 #undef ORV_END
 
 template <class T, std::size_t N>
-constexpr structure described(const char* name, const char* about, const member (&members)[N])
+constexpr structure described(const char* name, const char* about, const member (&members)[N]) noexcept
 {
     using functions = structure_functions<T>;
     return {name,

@@ -15,7 +15,7 @@ namespace orv_python {
 namespace {
 
 /// (framing or None, why not).
-py::tuple recognise_framing(py::object source)
+py::tuple recognise_framing(const py::object& source)
 {
     const std::shared_ptr<const source_bytes> bytes = lock_bytes(source);
     std::size_t at = 0;

@@ -82,6 +82,8 @@ const char* name_of(h264::split_gap_reason reason)
         return "too_large";
     case h264::split_gap_reason::cut_prefix:
         return "cut_prefix";
+    case h264::split_gap_reason::no_memory:
+        return "no_memory";
     }
     return "";
 }
@@ -119,7 +121,9 @@ PyGetSetDef unit_members[] = {
 
 PyGetSetDef gap_members[] = {
     {"reason", reason, nullptr,
-     "str: before_first_unit, between_units, no_header, too_large (a unit above the limit) or cut_prefix.", nullptr},
+     "str: before_first_unit, between_units, no_header, too_large (a unit above the limit), cut_prefix or no_memory (a "
+     "unit without).",
+     nullptr},
     {"offset", number<&found_unit::offset>, nullptr, "int: Where it begins in the stream.", nullptr},
     {"size", number<&found_unit::size>, nullptr, "int: Its bytes.", nullptr},
     {"stated_length", number<&found_unit::stated_length>, nullptr, "int: What the length prefix says, with too_large.",

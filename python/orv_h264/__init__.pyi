@@ -54,7 +54,7 @@ class Gap:
     """Bytes of a stream that belong to no unit."""
     @property
     def reason(self) -> str:
-        """before_first_unit, between_units, no_header, too_large (a unit above the limit) or cut_prefix."""
+        """before_first_unit, between_units, no_header, too_large (a unit above the limit), cut_prefix or no_memory (a unit without)."""
         ...
     @property
     def offset(self) -> int:
