@@ -7,6 +7,7 @@
 #include <gst/gst.h>
 
 #include <cstdio>
+#include <iostream>
 #include <memory>
 
 using namespace orv_utils_v4::h264;
@@ -45,7 +46,7 @@ static bool failed(GstElement* pipeline)
         return false;
     GError* error = nullptr;
     gst_message_parse_error(message, &error, nullptr);
-    std::fprintf(stderr, "%s\n", error->message);
+    std::cerr << error->message << '\n';
     g_error_free(error);
     gst_message_unref(message);
     return true;
