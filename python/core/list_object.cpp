@@ -238,9 +238,9 @@ PyTypeObject* make_list_type()
         {Py_mp_ass_subscript, slot(list_set)},
         {0, nullptr},
     };
-    static PyType_Spec spec = {"orv_h264.structures.List", sizeof(place), 0,
-                               Py_TPFLAGS_DEFAULT | Py_TPFLAGS_DISALLOW_INSTANTIATION | Py_TPFLAGS_SEQUENCE, slots};
-    return make_type(spec, nullptr);
+    static PyType_Spec layout = {"orv_h264.structures.List", sizeof(place), 0,
+                                 Py_TPFLAGS_DEFAULT | Py_TPFLAGS_DISALLOW_INSTANTIATION | Py_TPFLAGS_SEQUENCE, slots};
+    return make_type(layout, nullptr);
 }
 
 } // namespace orv_python

@@ -142,12 +142,12 @@ bool set_at(const place* parent, const kind& of, void* at, PyObject* value, cons
     return of.set(of, at, value, name);
 }
 
-PyTypeObject* make_type(PyType_Spec& spec, PyTypeObject* base)
+PyTypeObject* make_type(PyType_Spec& layout, PyTypeObject* base)
 {
     PyObject* const bases = base == nullptr ? nullptr : PyTuple_Pack(1, base);
     if (base != nullptr && bases == nullptr)
         return nullptr;
-    auto* const type = reinterpret_cast<PyTypeObject*>(PyType_FromSpecWithBases(&spec, bases));
+    auto* const type = reinterpret_cast<PyTypeObject*>(PyType_FromSpecWithBases(&layout, bases));
     Py_XDECREF(bases);
     return type;
 }

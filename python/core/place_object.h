@@ -48,7 +48,7 @@ bool set_at(const place* parent, const kind& of, void* at, PyObject* value, cons
 PyObject* copied_entries(PyObject* self, PyObject* = nullptr);
 PyObject* copy_structure(PyObject* self, PyObject*);
 
-PyTypeObject* make_type(PyType_Spec& spec, PyTypeObject* base);
+PyTypeObject* make_type(PyType_Spec& layout, PyTypeObject* base);
 PyTypeObject* make_list_type();
 
 template <class Function>

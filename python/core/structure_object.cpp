@@ -179,9 +179,9 @@ PyTypeObject* make_structure_base()
         {Py_tp_hash, slot(PyObject_HashNotImplemented)},
         {0, nullptr},
     };
-    static PyType_Spec spec = {"orv_h264.structures.Structure", sizeof(place), 0,
-                               Py_TPFLAGS_DEFAULT | Py_TPFLAGS_BASETYPE, slots};
-    return make_type(spec, nullptr);
+    static PyType_Spec layout = {"orv_h264.structures.Structure", sizeof(place), 0,
+                                 Py_TPFLAGS_DEFAULT | Py_TPFLAGS_BASETYPE, slots};
+    return make_type(layout, nullptr);
 }
 
 // What a type points to lives as long as the program.
@@ -197,8 +197,8 @@ PyTypeObject* make_type_of(const structure& s)
         {0, nullptr},
     };
     const auto* const name = new std::string(std::string("orv_h264.structures.") + s.name);
-    PyType_Spec spec = {name->c_str(), sizeof(place), 0, Py_TPFLAGS_DEFAULT, slots};
-    return make_type(spec, structure_type);
+    PyType_Spec layout = {name->c_str(), sizeof(place), 0, Py_TPFLAGS_DEFAULT, slots};
+    return make_type(layout, structure_type);
 }
 
 bool add(PyObject* module, const char* name, PyTypeObject* type)

@@ -152,9 +152,9 @@ PyTypeObject* make_unit_type()
         {Py_bf_getbuffer, slot(get_buffer)},
         {0, nullptr},
     };
-    static PyType_Spec spec = {"orv_h264.Unit", sizeof(unit_type_object), 0,
-                               Py_TPFLAGS_DEFAULT | Py_TPFLAGS_DISALLOW_INSTANTIATION, slots};
-    return reinterpret_cast<PyTypeObject*>(PyType_FromSpec(&spec));
+    static PyType_Spec layout = {"orv_h264.Unit", sizeof(unit_type_object), 0,
+                                 Py_TPFLAGS_DEFAULT | Py_TPFLAGS_DISALLOW_INSTANTIATION, slots};
+    return reinterpret_cast<PyTypeObject*>(PyType_FromSpec(&layout));
 }
 
 PyTypeObject* make_gap_type()
@@ -166,9 +166,9 @@ PyTypeObject* make_gap_type()
         {Py_tp_repr, slot(gap_text)},
         {0, nullptr},
     };
-    static PyType_Spec spec = {"orv_h264.Gap", sizeof(unit_type_object), 0,
-                               Py_TPFLAGS_DEFAULT | Py_TPFLAGS_DISALLOW_INSTANTIATION, slots};
-    return reinterpret_cast<PyTypeObject*>(PyType_FromSpec(&spec));
+    static PyType_Spec layout = {"orv_h264.Gap", sizeof(unit_type_object), 0,
+                                 Py_TPFLAGS_DEFAULT | Py_TPFLAGS_DISALLOW_INSTANTIATION, slots};
+    return reinterpret_cast<PyTypeObject*>(PyType_FromSpec(&layout));
 }
 
 } // namespace
