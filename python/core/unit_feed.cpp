@@ -36,7 +36,7 @@ void unit_feed::unit(const h264::split_unit& u)
 
 void unit_feed::gap(const h264::split_gap& g)
 {
-    any = any || g.reason == h264::split_gap_reason::too_large;
+    any = any || g.is_unit();
     if (!want_gaps)
         return;
     found_unit& found = units.emplace_back();
