@@ -12,6 +12,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <limits>
+#include <memory>
 #include <string>
 #include <type_traits>
 #include <utility>
@@ -335,6 +336,9 @@ struct structure {
     void (*assign)(void* to, const void* from); ///< `from` may lie in `to`
     bool (*equal)(const void*, const void*);
 };
+
+/// A structure that goes with what holds it.
+using owned_structure = std::unique_ptr<void, void (*)(void*)>;
 
 extern const structure structures[];
 extern const int structure_count;

@@ -61,8 +61,8 @@ bool set_entry(PyObject* self, std::size_t i, PyObject* value)
 
 } // namespace
 
-/// A Python list of the entries; structures in it are copies. Each entry is
-/// looked for anew, since making objects may run Python code, by the collector.
+/// A Python list of the entries; structures in it are copies. Each entry is looked for anew, since making objects may
+/// run Python code, by the collector.
 PyObject* copied_entries(PyObject* self, PyObject*)
 {
     PyObject* made = PyList_New(0);
@@ -209,12 +209,10 @@ PyMethodDef list_methods[] = {
     {"extend", list_method<extend>, METH_VARARGS, "Further entries behind the others."},
     {"insert", list_method<insert>, METH_VARARGS, "An entry before the one with this index."},
     {"pop", list_method<pop>, METH_VARARGS,
-     "Takes the last entry out, or the one with this index; of a structure, a "
-     "copy."},
+     "Takes the last entry out, or the one with this index; of a structure, a copy."},
     {"clear", list_method<clear>, METH_VARARGS, "Leaves none."},
     {"copy", copied_entries, METH_NOARGS,
-     "copy($self)\n--\n\nA Python list of the entries; structures in it are "
-     "copies."},
+     "copy($self)\n--\n\nA Python list of the entries; structures in it are copies."},
     {},
 };
 
@@ -223,9 +221,9 @@ PyMethodDef list_methods[] = {
 PyTypeObject* make_list_type()
 {
     static PyType_Slot slots[] = {
-        {Py_tp_doc, const_cast<char*>("A list in a structure. It is the list of the structure itself: "
-                                      "what is set in it is set "
-                                      "there.\nAn entry that is a structure is the one at its index.")},
+        {Py_tp_doc,
+         const_cast<char*>("A list in a structure. It is the list of the structure itself: what is set in it is set "
+                           "there.\nAn entry that is a structure is the one at its index.")},
         {Py_tp_dealloc, slot(deallocate)},
         {Py_tp_methods, list_methods},
         {Py_tp_repr, slot(list_text)},

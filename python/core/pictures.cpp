@@ -201,7 +201,11 @@ private:
             last = !feed.read_more();
             stamps.insert(stamps.end(), feed.stamps.begin(), feed.stamps.end());
         }
-        const bool may_change = next < feed.units.size() && feed.units[next].source->may_change;
+        // Units that were pushed before wait where they lie: one source has all of them, or each piece a copy.
+        const found_unit* const latest = next < feed.units.size() ? &feed.units[next]
+                                         : waiting.empty()        ? nullptr
+                                                                  : &waiting.back();
+        const bool may_change = latest != nullptr && latest->source->may_change;
         const released_lock lock(!may_change);
         for (std::size_t i = 0; i < batch_units && next < feed.units.size(); ++i) {
             const found_unit& unit = feed.units[next++];

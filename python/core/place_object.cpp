@@ -18,9 +18,8 @@ namespace {
 
 void* fail_gone()
 {
-    PyErr_SetString(PyExc_ReferenceError, "what this stands for is not there any more: the list or the "
-                                          "choice that it lies in "
-                                          "has changed");
+    PyErr_SetString(PyExc_ReferenceError,
+                    "what this stands for is not there any more: the list or the choice that it lies in has changed");
     return nullptr;
 }
 

@@ -8,8 +8,6 @@ namespace orv_python {
 
 namespace {
 
-using owned_structure = std::unique_ptr<void, void (*)(void*)>;
-
 PyObject* plain(const kind& of, const void* at);
 
 PyObject* plain_list(const list_access& list, const void* at)
@@ -82,8 +80,7 @@ bool same(const kind& of, const void* a, const void* b)
     return equal;
 }
 
-/// Appends what makes the structure again: the members that are not as in a new
-/// one.
+/// Appends what makes the structure again: the members that are not as in a new one.
 bool append_structure(std::string& text, const structure& of, const void* at)
 {
     const owned_structure usual(of.make(), of.destroy);
@@ -172,8 +169,7 @@ std::string full_type(const kind& of)
 
 } // namespace
 
-// Making Python objects may run Python code too, by the collector: a copy stays
-// as it is meanwhile.
+// Making Python objects may run Python code too, by the collector: a copy stays as it is meanwhile.
 PyObject* dict_of(const structure& of, const void* at)
 {
     try {

@@ -47,8 +47,6 @@ int messages_in(const kind& of, const void* at)
     return most;
 }
 
-using owned_structure = std::unique_ptr<void, void (*)(void*)>;
-
 /// A structure made of a dictionary; null with a Python error.
 owned_structure made_of(int number, PyObject* dict)
 {
@@ -253,8 +251,7 @@ PyObject* bytes_of_uuid(const void* at)
                                      static_cast<Py_ssize_t>(bytes.size()));
 }
 
-// Bytes that are not UTF-8 become lone surrogates, as in names of files, so
-// that nothing is lost.
+// Bytes that are not UTF-8 become lone surrogates, as in names of files, so that nothing is lost.
 PyObject* text_of(const void* at)
 {
     const auto& text = *static_cast<const std::string*>(at);
