@@ -89,7 +89,8 @@ verdict rectangles_inside_picture(const pps_facts& f)
     if (f.pps.num_slice_groups_minus1 == 0 || f.pps.slice_group_map_type != foreground)
         return {};
     const std::uint64_t width = h264::PicWidthInMbs(f.sps);
-    const std::uint32_t groups = std::min(f.pps.num_slice_groups_minus1, h264::pic_parameter_set_rbsp::most_slice_groups);
+    const std::uint32_t groups =
+        std::min(f.pps.num_slice_groups_minus1, h264::pic_parameter_set_rbsp::most_slice_groups);
     for (std::uint32_t i = 0; i < groups; ++i) {
         const std::uint64_t from = f.pps.top_left[i];
         const std::uint64_t to = f.pps.bottom_right[i];
@@ -128,7 +129,8 @@ constexpr rule_over<pps_facts> rules[] = {
       "Weighted prediction begins with Main and Extended.", "profile_idc 66, weighted_pred_flag 1"},
      weights_in_baseline},
     {{"pps-slice-groups-in-profile", error, "A.2", "only Baseline and Extended have slice groups",
-      "Constrained Baseline, which most decoders stop at, has none either.", "profile_idc 77, num_slice_groups_minus1 1"},
+      "Constrained Baseline, which most decoders stop at, has none either.",
+      "profile_idc 77, num_slice_groups_minus1 1"},
      slice_groups_in_profile},
     {{"pps-redundant-pictures-in-profile", error, "A.2", "only Baseline and Extended have redundant pictures",
       "Constrained Baseline has none either.", "profile_idc 77, redundant_pic_cnt_present_flag 1"},

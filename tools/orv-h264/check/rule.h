@@ -1,5 +1,5 @@
-// A rule that a stream has to keep to: its name, clause and words, and the function that judges. A file of rules for each
-// kind of thing that they look at has a table of them.
+// A rule that a stream has to keep to: its name, clause and words, and the function that judges. A file of rules for
+// each kind of thing that they look at has a table of them.
 #pragma once
 
 #include <cstdint>

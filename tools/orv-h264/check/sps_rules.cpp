@@ -281,21 +281,24 @@ verdict vcl_rate_at_level(const sps_facts& f)
 {
     if (!f.vui().vcl_hrd_parameters_present_flag)
         return {};
-    return hrd_keeps_to_level(f, f.vui().vcl_hrd_parameters, false, &h264::level_limits::MaxBR, "bit_rate_value_minus1");
+    return hrd_keeps_to_level(f, f.vui().vcl_hrd_parameters, false, &h264::level_limits::MaxBR,
+                              "bit_rate_value_minus1");
 }
 
 verdict nal_buffer_at_level(const sps_facts& f)
 {
     if (!f.vui().nal_hrd_parameters_present_flag)
         return {};
-    return hrd_keeps_to_level(f, f.vui().nal_hrd_parameters, true, &h264::level_limits::MaxCPB, "cpb_size_value_minus1");
+    return hrd_keeps_to_level(f, f.vui().nal_hrd_parameters, true, &h264::level_limits::MaxCPB,
+                              "cpb_size_value_minus1");
 }
 
 verdict vcl_buffer_at_level(const sps_facts& f)
 {
     if (!f.vui().vcl_hrd_parameters_present_flag)
         return {};
-    return hrd_keeps_to_level(f, f.vui().vcl_hrd_parameters, false, &h264::level_limits::MaxCPB, "cpb_size_value_minus1");
+    return hrd_keeps_to_level(f, f.vui().vcl_hrd_parameters, false, &h264::level_limits::MaxCPB,
+                              "cpb_size_value_minus1");
 }
 
 /// Rates go up and sizes go down from schedule to schedule.
@@ -306,9 +309,11 @@ verdict schedules_are_ordered(const sps_facts& f)
                                   vui.vcl_hrd_parameters_present_flag ? &vui.vcl_hrd_parameters : nullptr})
         for (std::uint32_t i = 1; hrd != nullptr && i < h264::schedule_count(*hrd); ++i) {
             if (hrd->bit_rate_value_minus1[i] <= hrd->bit_rate_value_minus1[i - 1])
-                return of("bit_rate_value_minus1", hrd->bit_rate_value_minus1[i], "more than that of the schedule before");
+                return of("bit_rate_value_minus1", hrd->bit_rate_value_minus1[i],
+                          "more than that of the schedule before");
             if (hrd->cpb_size_value_minus1[i] > hrd->cpb_size_value_minus1[i - 1])
-                return of("cpb_size_value_minus1", hrd->cpb_size_value_minus1[i], "at most that of the schedule before");
+                return of("cpb_size_value_minus1", hrd->cpb_size_value_minus1[i],
+                          "at most that of the schedule before");
         }
     return {};
 }
@@ -382,7 +387,8 @@ constexpr rule_over<sps_facts> rules[] = {
       "frame_mbs_only_flag 0 with direct_8x8_inference_flag 0"},
      direct_inference_of_fields},
     {{"sps-crop-inside-picture", error, "7.4.2.1.1", "the cropping leaves some of the picture",
-      "The offsets are in units of 1, 2 or 4 luma samples by chroma format and frame_mbs_only_flag; players that compute "
+      "The offsets are in units of 1, 2 or 4 luma samples by chroma format and frame_mbs_only_flag; players that "
+      "compute "
       "a negative size fail in ways of their own.",
       "frame_crop_bottom_offset 100 in a picture of 144 lines, 4:2:0"},
      crop_inside_picture},
@@ -390,7 +396,8 @@ constexpr rule_over<sps_facts> rules[] = {
       "A decoder that does not know the profile refuses the stream.", "profile_idc 0"},
      known_profile},
     {{"sps-baseline-frames", error, "A.2.1", "Baseline streams have frames only",
-      "Decoders of the Baseline profile know no fields and no macroblock pairs.", "profile_idc 66, frame_mbs_only_flag 0"},
+      "Decoders of the Baseline profile know no fields and no macroblock pairs.",
+      "profile_idc 66, frame_mbs_only_flag 0"},
      frames_only_in_baseline},
     {{"sps-extended-direct-inference", error, "A.2.3", "direct_8x8_inference_flag is 1 in the Extended profile",
       "It is a constraint of the profile.", "profile_idc 88, direct_8x8_inference_flag 0"},
@@ -411,7 +418,8 @@ constexpr rule_over<sps_facts> rules[] = {
       "profile_idc 100, qpprime_y_zero_transform_bypass_flag 1"},
      bypass_of_profile},
     {{"sps-main-flag-of-high", warning, "A.2.2", "a stream of a High profile does not say that Main decoders read it",
-      "constraint_set1_flag promises what A.2.2 asks for, of which transform_8x8_mode_flag 0 and no scaling lists are part.",
+      "constraint_set1_flag promises what A.2.2 asks for, of which transform_8x8_mode_flag 0 and no scaling lists are "
+      "part.",
       "profile_idc 100, constraint_set1_flag 1"},
      constrained_baseline_flag},
     {{"sps-progressive-flag", error, "A.2.4", "constraint_set4_flag is for streams of frames",

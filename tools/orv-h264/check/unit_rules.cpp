@@ -73,7 +73,8 @@ constexpr severity error = severity::error;
 
 constexpr rule_over<unit_facts> rules[] = {
     {{"unit-can-be-read", error, "7.3", "a unit holds its syntax to the end",
-      "What comes behind the place cannot be told, and decoders drop the unit or worse.", "an SPS that ends in its VUI"},
+      "What comes behind the place cannot be told, and decoders drop the unit or worse.",
+      "an SPS that ends in its VUI"},
      can_be_read},
     {{"unit-zero-words-of-cabac", error, "7.3.2.10", "cabac_zero_words stand behind slices coded with CABAC",
       "They fill up what the least compression asks for; elsewhere they are no syntax.", "00 00 03 behind an SPS"},
