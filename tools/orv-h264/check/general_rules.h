@@ -1,0 +1,35 @@
+// Rules that no function of a table judges: they are about any element, or about bytes that belong to no unit.
+#pragma once
+
+#include "check/rule.h"
+
+namespace orv_h264::general_rules {
+
+inline constexpr rule value_in_range = {
+    "value-in-range",
+    severity::error,
+    "7.4",
+    "the value of an element is one that the standard allows for it",
+    "Ranges are those of the semantics of each element; values that are reserved lie outside.",
+    "chroma_format_idc 9",
+};
+
+inline constexpr rule every_byte_in_a_unit = {
+    "byte-in-a-unit",
+    severity::error,
+    "B.1",
+    "every byte belongs to a unit, to its framing, or is a zero between units",
+    "What else there is has been lost, or was never H.264.",
+    "bytes before the first start code",
+};
+
+inline constexpr rule unit_whole = {
+    "unit-whole",
+    severity::error,
+    "ISO/IEC 14496-15 5.2.3",
+    "a unit is as long as its length prefix says",
+    "The stream ends before the unit does: it was cut.",
+    "a length prefix of 1000 before 10 bytes",
+};
+
+} // namespace orv_h264::general_rules
