@@ -1,5 +1,7 @@
 #include "edit/decoding_facts.h"
 
+#include "edit/picture_numbers.h"
+
 #include <algorithm>
 #include <cstring>
 #include <iterator>
@@ -53,6 +55,15 @@ bool same_references(const setting& a, const setting& b)
                              a.slice.num_ref_idx_l1_active_minus1 == b.slice.num_ref_idx_l1_active_minus1));
 }
 
+bool same_modifications(const setting& a, const setting& b)
+{
+    const h264::ref_pic_list_modification& before = a.slice.ref_pic_list_modification;
+    const h264::ref_pic_list_modification& after = b.slice.ref_pic_list_modification;
+    const bool field = a.slice.field_pic_flag;
+    return name_the_same(before.l0, a.sps, after.l0, b.sps, field) &&
+           name_the_same(before.l1, a.sps, after.l1, b.sps, field);
+}
+
 /// A fact of one member.
 #define SAME(expression) [](const setting& a, const setting& b) { return a.expression == b.expression; }
 
@@ -95,7 +106,7 @@ constexpr decoding_fact facts_of_slices[] = {
          return !used || qs_of(a) == qs_of(b);
      }},
     {"direct_spatial_mv_pred_flag", "8.4.1.2", false, SAME(slice.direct_spatial_mv_pred_flag)},
-    {"reference list modification", "8.2.4.3", false, SAME(slice.ref_pic_list_modification)},
+    {"reference list modification", "8.2.4.3", false, same_modifications},
     {"prediction weights", "8.4.2.3", false, SAME(slice.pred_weight_table)},
     {"nal_ref_idc", "7.4.1, 8.2.5", false,
      [](const setting& a, const setting& b) { return (a.header.nal_ref_idc == 0) == (b.header.nal_ref_idc == 0); }},

@@ -9,6 +9,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace orv_h264 {
 
@@ -22,6 +23,17 @@ struct numbered_slice {
     unsigned nal_ref_idc = 0;
     bool idr = false; ///< IdrPicFlag
 };
+
+using modification_list =
+    h264::bounded_list<h264::pic_num_modification, h264::ref_pic_list_modification::most_modifications>;
+
+/// How far before the current picture each short-term reference of a list is that is put to the front, in PicNum: the
+/// differences may go around MaxPicNum (8.2.4.3.1).
+std::vector<std::uint64_t> distances_of(const modification_list& list, std::uint64_t max_pic_num);
+
+/// The lists put the same references to the front.
+bool name_the_same(const modification_list& before, const h264::seq_parameter_set_data& sps_before,
+                   const modification_list& after, const h264::seq_parameter_set_data& sps_after, bool field);
 
 /// The pictures of one layer or view, in decoding order, as they were and as they become.
 class picture_numbers {
@@ -49,7 +61,6 @@ private:
 
     std::optional<std::uint64_t> current; // picture
     bool compared = false;                // its first slice
-    std::uint64_t max_frame_num = 0;      // of the old one
     frame_counter old_frames;
     frame_counter new_frames;
     h264::picture_order_counter old_orders;

@@ -213,9 +213,8 @@ void stream_edit::put_delimiter(picture_units& leaving, const h264::access_unit&
         return;
     constexpr unsigned char type = 9;
     constexpr unsigned stop_bit = 0x10; // behind the three bits
-    const std::array<unsigned char, 2> delimiter = {
-        type, static_cast<unsigned char>(primary_pic_type_of(picture.slice_kinds) << 5U | stop_bit)};
-    put_at(leaving, 0, delimiter);
+    made.push_back({type, static_cast<unsigned char>(primary_pic_type_of(picture.slice_kinds) << 5U | stop_bit)});
+    put_at(leaving, 0, made.back());
 }
 
 void stream_edit::put_at(picture_units& leaving, std::size_t place, std::span<const unsigned char> bytes)

@@ -147,6 +147,8 @@ private:
                                                      "pic_order_cnt_lsb",
                                                      "delta_pic_order_cnt_bottom",
                                                      "delta_pic_order_cnt",
+                                                     "modification_of_pic_nums_idc",
+                                                     "abs_diff_pic_num_minus1",
                                                      "num_ref_idx_active_override_flag",
                                                      "num_ref_idx_l0_active_minus1",
                                                      "num_ref_idx_l1_active_minus1"};

@@ -209,8 +209,8 @@ edited_unit unit_editor::rewritten(const planned_unit& unit, const std::vector<b
         for (std::size_t i = 0; i < wanted.size(); ++i)
             apply(changed, context, wanted[i], indices[i], unit);
         const std::vector<unsigned char> clean = write(changed, context, unit);
-        check(clean, context, unit, removed_messages, wanted);
-        if (clean != unescaped(reading.place)) {
+        // The same bytes may say something else: bits that were a header's are alignment now.
+        if (check(clean, context, unit, removed_messages, wanted) || clean != unescaped(reading.place)) {
             result.fate = unit_fate::rewritten;
             result.bytes = escaped(clean);
         }
@@ -306,8 +306,9 @@ std::vector<unsigned char> unit_editor::write(const h264::nal_unit& unit, const 
     return clean;
 }
 
-/// Reads the unit back as it will be, and refuses one that says something else than is wanted.
-void unit_editor::check(const std::vector<unsigned char>& clean, const h264::unit_context& context,
+/// Reads the unit back as it will be, and refuses one that says something else than is wanted. False when it says the
+/// same as before.
+bool unit_editor::check(const std::vector<unsigned char>& clean, const h264::unit_context& context,
                         const planned_unit& from, const std::vector<bool>& removed_messages,
                         std::vector<element_value> wanted)
 {
@@ -326,6 +327,7 @@ void unit_editor::check(const std::vector<unsigned char>& clean, const h264::uni
     if (const difference* const wrong = compared.forbidden())
         refuse(from, text_of(*wrong));
     compare_numbers(unit, context, from);
+    return !compared.differences.empty();
 }
 
 void unit_editor::check_decoding(const h264::nal_unit& unit, const h264::unit_context& context,

@@ -47,7 +47,7 @@ private:
                const planned_unit& from);
     std::vector<unsigned char> write(const h264::nal_unit& unit, const h264::unit_context& context,
                                      const planned_unit& from) const;
-    void check(const std::vector<unsigned char>& clean, const h264::unit_context& context, const planned_unit& from,
+    bool check(const std::vector<unsigned char>& clean, const h264::unit_context& context, const planned_unit& from,
                const std::vector<bool>& removed_messages, std::vector<element_value> wanted);
     void check_decoding(const h264::nal_unit& now, const h264::unit_context& context, const planned_unit& from) const;
     void compare_numbers(const h264::nal_unit& now, const h264::unit_context& context, const planned_unit& from);
