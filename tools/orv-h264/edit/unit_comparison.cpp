@@ -152,6 +152,9 @@ private:
                                                      "num_ref_idx_active_override_flag",
                                                      "num_ref_idx_l0_active_minus1",
                                                      "num_ref_idx_l1_active_minus1"};
+        const std::string_view id = allowed.slice ? "pic_parameter_set_id" : "seq_parameter_set_id";
+        if (id == e.name.name())
+            return true;
         return allowed.slice && std::find(std::begin(names), std::end(names), e.name.name()) != std::end(names);
     }
 

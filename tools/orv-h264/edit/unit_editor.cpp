@@ -48,6 +48,24 @@ std::uint32_t set_id_of(const h264::nal_unit& unit)
     return subset == nullptr ? 0 : subset->seq_parameter_set_data.seq_parameter_set_id;
 }
 
+/// The unit names the sets that it stands on by the ids that they have now.
+void rename_sets(h264::nal_unit& unit, const std::map<std::uint32_t, std::uint32_t>& sps_ids,
+                 const std::map<std::uint32_t, std::uint32_t>& pps_ids)
+{
+    if (h264::slice_header* const slice = header_of(unit))
+        slice->pic_parameter_set_id = renamed(pps_ids, slice->pic_parameter_set_id);
+    else if (auto* const extension = std::get_if<h264::slice_layer_extension_rbsp>(&unit.rbsp))
+        std::visit([&](auto& header) { header.pic_parameter_set_id = renamed(pps_ids, header.pic_parameter_set_id); },
+                   extension->header);
+    else if (auto* const pps = std::get_if<h264::pic_parameter_set_rbsp>(&unit.rbsp))
+        pps->seq_parameter_set_id = renamed(sps_ids, pps->seq_parameter_set_id);
+    else if (auto* const sei = std::get_if<h264::sei_rbsp>(&unit.rbsp)) {
+        for (h264::sei_message& message : sei->sei_messages)
+            if (auto* const period = std::get_if<h264::buffering_period>(&message.payload))
+                period->seq_parameter_set_id = renamed(sps_ids, period->seq_parameter_set_id);
+    }
+}
+
 unsigned type_of(const planned_unit& unit)
 {
     return unit.reading.place.bytes[0] & 0x1FU;
@@ -241,11 +259,11 @@ h264::unit_context unit_editor::context_now(const h264::unit_context& before) co
 /// The unit in the new parameter sets, saying the same.
 void unit_editor::take_over(h264::nal_unit& unit, const planned_unit& from, const h264::unit_context& context) const
 {
+    rename_sets(unit, sps_ids, pps_ids);
     h264::slice_header* const slice = header_of(unit);
     const h264::parameter_sets& old_sets = *from.reading.context.sets;
     if (slice != nullptr && can_be_numbered(from.reading.unit, old_sets)) {
-        // Its PPS may have another id now; a --set of the slice's own id comes later.
-        const auto* const pps = context.sets->find_pps(renamed(pps_ids, slice->pic_parameter_set_id));
+        const auto* const pps = context.sets->find_pps(slice->pic_parameter_set_id);
         const auto* const sps = pps == nullptr ? nullptr : h264::sps_of(unit.header, *pps, *context.sets);
         if (sps != nullptr) {
             numbers.at(layer_key(unit.header))
@@ -298,6 +316,7 @@ std::vector<unsigned char> unit_editor::write(const h264::nal_unit& unit, const 
     std::vector<unsigned char> clean(measure.bytes());
     h264::bit_writer to(clean.data(), clean.size());
     put(to);
+    clean[0] = static_cast<unsigned char>(clean[0] | (old[0] & 0x80U)); // a forbidden bit is carried
     if (!is_slice(type_of(from))) { // what stood behind its trailing bits stays there
         const auto end =
             static_cast<std::ptrdiff_t>(std::min<std::uint64_t>((from.reading.result.bits + 7) / 8, old.size()));
