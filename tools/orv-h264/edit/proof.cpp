@@ -8,6 +8,7 @@
 #include "unit_run.h"
 
 #include <algorithm>
+#include <utility>
 
 #include <fmt/format.h>
 
@@ -102,6 +103,8 @@ public:
                 throw contradiction{"units are missing at the end of the input"};
             if (output.next() != nullptr)
                 throw contradiction{"the output goes on behind its last unit"};
+            if (!in_container && input.bytes_read() - passed + zeros_left != output.bytes_behind())
+                throw contradiction{"what stands behind the last unit is not that of the input"};
             if (!in_container && !(gaps == output.gaps()))
                 throw contradiction{"bytes between units are not those of the input"};
             found.holds = true;
@@ -166,6 +169,8 @@ private:
             return take_rewritten(reading);
         if (!may_be_deleted(place, reading))
             throw contradiction{unit_text("is left out, which nobody wants")};
+        zeros_left += old->zeros;
+        deleted_before = true;
         if (!place.in_record)
             ++found.deleted[old->type()];
         count_removed(wishes.removed_messages(reading.unit));
@@ -185,10 +190,7 @@ private:
         const bool same_bytes = now->bytes == old->bytes;
         if (!same_bytes && !(in_container && unescaped(reading.place) == clean_of(*now)))
             throw contradiction{unit_text("does not have its bytes any more")};
-        const bool beside_others =
-            at > 0 && (done.at(at - 1) == unit_fate::deleted || done.at(at - 1) == unit_fate::inserted);
-        if (!in_container && !beside_others && (now->framing_size != old->framing_size || now->zeros != old->zeros))
-            throw contradiction{unit_text("does not have its framing any more")};
+        check_framing(*now);
         ++found.copied;
         ++found.units;
         if (old->is_slice())
@@ -203,10 +205,21 @@ private:
         compare_decoding(*now);
     }
 
+    /// What stood before units that went stays, and the first unit of a picture has a start code of four bytes (B.1.2).
+    void check_framing(const proof_unit& now)
+    {
+        const std::uint64_t zeros = old->zeros + std::exchange(zeros_left, 0);
+        const bool behind_deleted = std::exchange(deleted_before, false);
+        const bool longer = behind_deleted && now.framing_size == 4 && old->framing_size == 3;
+        if (!in_container && (now.zeros != zeros || (now.framing_size != old->framing_size && !longer)))
+            throw contradiction{unit_text("does not have its framing any more")};
+    }
+
     void take_rewritten(const h264::unit_reading& reading)
     {
         const std::unique_ptr<proof_unit> now = next_of_output();
         check_hash(*now);
+        check_framing(*now);
         if (old->result.failure || now->result.failure)
             throw contradiction{unit_text("cannot be read")};
         const std::vector<bool> removed = wishes.removed_messages(reading.unit);
@@ -245,6 +258,8 @@ private:
         for (; at < done.size() && done.at(at) == unit_fate::inserted; ++at) {
             const std::unique_ptr<proof_unit> now = next_of_output();
             check_hash(*now);
+            if (now->zeros != std::exchange(zeros_left, 0) && !in_container)
+                throw contradiction{fmt::format("zero bytes stand before a unit of type {}", now->type())};
             ++found.inserted[now->type()];
             if (!is_parameter_set(now->type()))
                 continue;
@@ -356,6 +371,8 @@ private:
     std::map<std::uint32_t, numbered_pictures> numbers;
     std::exception_ptr failed;
     gap_sum gaps;
+    std::uint64_t zeros_left = 0; // from before units that were deleted
+    bool deleted_before = false;
     std::size_t at = 0;     // of the log
     std::size_t hashed = 0; // of its hashes
     std::uint64_t passed = 0;

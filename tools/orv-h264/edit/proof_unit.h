@@ -67,6 +67,8 @@ public:
     /// The next unit; null behind the last one.
     std::unique_ptr<proof_unit> next();
     const gap_sum& gaps() const { return gap_bytes; }
+    /// Bytes behind the last unit, once next() has given null.
+    std::uint64_t bytes_behind() const { return file.bytes_read() - passed; }
 
 private:
     struct framed_unit {

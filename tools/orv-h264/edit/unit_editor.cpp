@@ -101,8 +101,8 @@ std::string candidates(const planned_unit& unit, const std::string& path)
     std::size_t count = 0;
     for (const listed_element& e : unit.elements.elements())
         if (unit.elements.ends_with(e, path) && ++count <= most)
-            list += fmt::format("\n  {} {}", unit.elements.path_of(e), e.value);
-    return count > most ? list + fmt::format("\n  and {} more", count - most) : list;
+            list += fmt::format("{} {} {}", count == 1 ? "" : ";", unit.elements.path_of(e), e.value);
+    return count > most ? list + fmt::format("; and {} more", count - most) : list;
 }
 
 } // namespace
