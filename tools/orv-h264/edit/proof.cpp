@@ -103,7 +103,7 @@ public:
                 throw contradiction{"units are missing at the end of the input"};
             if (output.next() != nullptr)
                 throw contradiction{"the output goes on behind its last unit"};
-            if (!in_container && input.bytes_read() - passed + zeros_left != output.bytes_behind())
+            if (!in_container && input.bytes_read() - passed + between_before != output.bytes_behind() + between_after)
                 throw contradiction{"what stands behind the last unit is not that of the input"};
             if (!in_container && !(gaps == output.gaps()))
                 throw contradiction{"bytes between units are not those of the input"};
@@ -169,7 +169,7 @@ private:
             return take_rewritten(reading);
         if (!may_be_deleted(place, reading))
             throw contradiction{unit_text("is left out, which nobody wants")};
-        zeros_left += old->zeros;
+        between_before += old->zeros;
         deleted_before = true;
         if (!place.in_record)
             ++found.deleted[old->type()];
@@ -205,13 +205,16 @@ private:
         compare_decoding(*now);
     }
 
-    /// What stood before units that went stays, and the first unit of a picture has a start code of four bytes (B.1.2).
+    /// What stood between units of the input stands between them in the output, before or behind what came in or went;
+    /// and the first unit of a picture has a start code of four bytes (B.1.2).
     void check_framing(const proof_unit& now)
     {
-        const std::uint64_t zeros = old->zeros + std::exchange(zeros_left, 0);
+        const std::uint64_t before = old->zeros + std::exchange(between_before, 0);
+        const std::uint64_t after = now.zeros + std::exchange(between_after, 0);
+        const bool as_it_was = after == before && now.framing_size == old->framing_size;
+        const bool longer = now.framing_size == 4 && old->framing_size == 3 && (after == before || after + 1 == before);
         const bool behind_deleted = std::exchange(deleted_before, false);
-        const bool longer = behind_deleted && now.framing_size == 4 && old->framing_size == 3;
-        if (!in_container && (now.zeros != zeros || (now.framing_size != old->framing_size && !longer)))
+        if (!in_container && !as_it_was && !(behind_deleted && longer))
             throw contradiction{unit_text("does not have its framing any more")};
     }
 
@@ -258,8 +261,7 @@ private:
         for (; at < done.size() && done.at(at) == unit_fate::inserted; ++at) {
             const std::unique_ptr<proof_unit> now = next_of_output();
             check_hash(*now);
-            if (now->zeros != std::exchange(zeros_left, 0) && !in_container)
-                throw contradiction{fmt::format("zero bytes stand before a unit of type {}", now->type())};
+            between_after += now->zeros;
             ++found.inserted[now->type()];
             if (!is_parameter_set(now->type()))
                 continue;
@@ -371,7 +373,8 @@ private:
     std::map<std::uint32_t, numbered_pictures> numbers;
     std::exception_ptr failed;
     gap_sum gaps;
-    std::uint64_t zeros_left = 0; // from before units that were deleted
+    std::uint64_t between_before = 0; // bytes before units that were deleted
+    std::uint64_t between_after = 0;  // and before those that were inserted
     bool deleted_before = false;
     std::size_t at = 0;     // of the log
     std::size_t hashed = 0; // of its hashes

@@ -3,7 +3,6 @@
 #include "framing.h"
 #include "json_output.h"
 #include "names.h"
-#include "printable.h"
 
 #include <fmt/format.h>
 
@@ -122,8 +121,8 @@ std::string text_of(const proof& shown, bool dry_run)
 void print_json(const proof& shown, const std::string& input_name, const std::string& out, h264::framing framing,
                 bool dry_run)
 {
-    json object = json_head("edit", input_name);
-    object["out"] = dry_run ? json() : json(printable(out));
+    json object = json_head("orv-h264/edit", input_name);
+    object["out"] = dry_run ? json() : json(out);
     object["framing"] = framing_name(framing);
     json changes = json::array();
     for (const changed_elements& row : shown.changes.rows())

@@ -270,13 +270,31 @@ void stream_edit::write(const picture_units& leaving)
 {
     bool first_went = false; // the unit that the picture began with, and its zero_byte (B.1.2)
     bool any = false;
-    for (const leaving_unit& u : leaving) {
+    for (auto at = leaving.begin(); at != leaving.end(); ++at) {
+        const leaving_unit& u = *at;
         done.add(u.fate, u.bytes);
+        if (u.part == nullptr)
+            write_before_insertion(
+                std::find_if(at, leaving.end(), [](const leaving_unit& l) { return l.part != nullptr; }),
+                leaving.end());
         if (u.fate == unit_fate::deleted && !any && u.part != nullptr)
             first_went = first_went || sources.at(u.part->place.number).framing_size == 4;
         write_unit(u, !any && first_went && output.framing() == h264::framing::annex_b ? 4 : 0);
         any = any || u.fate != unit_fate::deleted;
     }
+}
+
+/// Bytes that are no unit's, before the unit that follows an inserted one, would become a part of that.
+void stream_edit::write_before_insertion(picture_units::const_iterator next, picture_units::const_iterator end)
+{
+    if (next == end || input.in_container() != nullptr)
+        return;
+    unit_source& source = sources.at(next->part->place.number);
+    if (!source.raw)
+        return;
+    const std::uint64_t framing = source.offset - source.framing_size;
+    write_between(source.behind_last, framing, true);
+    source.behind_last = framing;
 }
 
 void stream_edit::write_unit(const leaving_unit& u, unsigned least_start_code)

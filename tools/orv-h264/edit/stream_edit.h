@@ -64,6 +64,7 @@ private:
     void put_at(picture_units& units, std::size_t place, std::span<const unsigned char> bytes);
     std::size_t place_in_picture(const picture_units& units, const unit_insertion& insertion) const;
     void write(const picture_units& units);
+    void write_before_insertion(picture_units::const_iterator next, picture_units::const_iterator end);
     void write_unit(const leaving_unit& unit, unsigned least_start_code);
     void write_framed(std::span<const unsigned char> bytes, h264::framing from, unsigned start_code_size,
                       std::uint64_t offset);
