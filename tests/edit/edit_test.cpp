@@ -382,6 +382,21 @@ TEST_F(Edit, HeadersAreRepeatedWhereTheyLack)
     EXPECT_TRUE(reported("inserted 2 units PPS"));
 }
 
+TEST_F(Edit, ASetOfThePictureItselfIsAmongThoseThatAreRepeated)
+{
+    const std::vector<bytes> units = split(read_file(streams + "two_sizes.264")).units;
+    stream_builder lacking; // the second SPS without its PPS, behind the other one: which sets are lacking it tells
+    int pictures = 0;
+    for (const bytes& unit : units) {
+        pictures += type_of(unit) == 5 ? 1 : 0;
+        if (pictures == 0 || type_of(unit) != 8)
+            lacking.zeros(1).start_code().raw(unit);
+    }
+    const tool_result result = edit(folder.write("in", lacking), {"--repeat-headers", "--level", "3", "--force"});
+    EXPECT_EQ(0, result.status) << result.err;
+    EXPECT_EQ(strings({"30", "30"}), values("level_idc"));
+}
+
 TEST_F(Edit, RepeatedHeadersAreTheEditedOnes)
 {
     const std::vector<bytes> units = split(read_file(hrd)).units;

@@ -175,7 +175,8 @@ Examples:
   orv-h264 edit movie.264 new.264 --set 'log2_max_frame_num_minus4=4 where seq_parameter_set_id=0'
   orv-h264 edit movie.264 new.264 --remove-sei user_data_unregistered --remove-filler --level auto
   orv-h264 edit movie.264 --dry-run --crop 0,0,0,8
-  orv-h264 edit movie.264 - --add-aud --repeat-headers | muxer
+  orv-h264 edit movie.264 new.264 --add-aud --repeat-headers
+  orv-h264 edit movie.264 --dry-run --json --level 4 | jq '.changes[].path'
   orv-h264 edit movie.264 new.264 --insert 'hex:0910 before unit 3'
   orv-h264 edit movie.264 new.264 --insert-sei 01234567-89ab-cdef-0123-456789abcdef:hello)";
 

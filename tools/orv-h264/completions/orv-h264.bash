@@ -2,7 +2,7 @@
 
 _orv_h264()
 {
-    local subcommands="info inspect explain frames report convert avcc help"
+    local subcommands="info inspect explain frames report convert edit avcc help"
     local framings="annexb length1 length2 length3 length4"
     local help="-h --help"
     local many="--files-from -0 --null --jobs"
@@ -28,6 +28,11 @@ _orv_h264()
     frames) options="$many --format --track --max-unit --fields --split-fields --output-order --limit --json --csv --tsv" ;;
     report) options="--format --track --max-unit -o --output" ;;
     convert) options="--format --track --max-unit --to --avcc --parameter-sets" ;;
+    edit)
+        options="--format --track --max-unit --set --delete --insert --remove-sei --insert-sei --sei-at --add-aud"
+        options+=" --remove-aud --remove-filler --repeat-headers --sar --rate --level --colour --crop --full-range"
+        options+=" --force --dry-run --json"
+        ;;
     avcc) options="--json --csv --tsv" ;;
     help) options="" ;;
     *) return ;;
@@ -41,6 +46,14 @@ _orv_h264()
         [[ " $options " != *" $before "* ]] || mapfile -t COMPREPLY < <(compgen -W "$framings" -- "$current")
         return
         ;;
+    --sei-at | --level | --full-range)
+        local values="first idr picture"
+        [[ $before != --level ]] || values="auto 1 1b 1.1 1.2 1.3 2 2.1 2.2 3 3.1 3.2 4 4.1 4.2 5 5.1 5.2 6 6.1 6.2"
+        [[ $before != --full-range ]] || values="on off"
+        [[ " $options " != *" $before "* ]] || mapfile -t COMPREPLY < <(compgen -W "$values" -- "$current")
+        return
+        ;;
+    --set | --delete | --insert | --remove-sei | --insert-sei | --sar | --rate | --colour | --crop) return ;;
     --jobs | --limit | --max-unit | --only | --track) return ;;
     esac
     if [[ $current == -* ]]; then

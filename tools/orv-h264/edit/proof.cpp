@@ -99,6 +99,7 @@ public:
             if (failed)
                 std::rethrow_exception(failed);
             take_inserted();
+            compare_moved_sets();
             if (at != done.size())
                 throw contradiction{"units are missing at the end of the input"};
             if (output.next() != nullptr)
@@ -162,9 +163,11 @@ private:
     void take_unit(const listed_unit& place, const h264::unit_reading& reading)
     {
         const unit_fate fate = done.at(at);
+        keep_old_set(reading);
+        if (old->is_slice())
+            compare_moved_sets();
         if (fate == unit_fate::copied)
             return take_copied(reading);
-        keep_old_set(place, reading);
         if (fate == unit_fate::rewritten)
             return take_rewritten(reading);
         if (!may_be_deleted(place, reading))
@@ -228,7 +231,7 @@ private:
         const std::vector<bool> removed = wishes.removed_messages(reading.unit);
         comparison_terms terms;
         terms.wanted = wishes.of({reading, old->elements, number});
-        terms.other_sets = sets_differ && stands_on_sets(old->type());
+        terms.other_sets = (sets_differ || !moved.empty()) && stands_on_sets(old->type());
         terms.slice = old->is_slice();
         terms.force = plan.force;
         add(compare_units(old->elements, now->elements, removed, terms));
@@ -259,18 +262,26 @@ private:
     void take_inserted()
     {
         for (; at < done.size() && done.at(at) == unit_fate::inserted; ++at) {
-            const std::unique_ptr<proof_unit> now = next_of_output();
+            std::unique_ptr<proof_unit> now = next_of_output();
             check_hash(*now);
             between_after += now->zeros;
             ++found.inserted[now->type()];
-            if (!is_parameter_set(now->type()))
-                continue;
+            if (is_parameter_set(now->type()))
+                moved.push_back(std::move(now));
+        }
+    }
+
+    /// Sets that came in are the latest of their ids up to the slices behind them: those of their own picture, too,
+    /// which stood behind their new place.
+    void compare_moved_sets()
+    {
+        for (const std::unique_ptr<proof_unit>& now : std::exchange(moved, {})) {
             const auto set = old_sets.find(set_key(now->unit));
             if (set == old_sets.end())
                 continue; // one that the user brings
             comparison_terms terms;
             terms.wanted = set->second.wanted;
-            terms.other_sets = sets_differ;
+            terms.other_sets = true;
             const comparison compared = compare_units(set->second.unit->elements, now->elements, {}, terms);
             sets_differ = sets_differ || !compared.differences.empty();
             add(compared);
@@ -340,9 +351,13 @@ private:
     }
 
     /// For sets that come before pictures later on.
-    void keep_old_set(const listed_unit&, const h264::unit_reading& reading)
+    void keep_old_set(const h264::unit_reading& reading)
     {
+        using h264::set_arrival;
         if (!is_parameter_set(old->type()) || old->result.failure || (!plan.repeat_headers && !in_container))
+            return;
+        const set_arrival arrival = kept_sets.push(reading.place);
+        if (arrival != set_arrival::added && arrival != set_arrival::changed && arrival != set_arrival::same)
             return;
         old_set& slot = old_sets[set_key(old->unit)];
         slot.unit = std::make_unique<proof_unit>(paths);
@@ -369,6 +384,8 @@ private:
     output_reader output;
     proof found;
     std::unique_ptr<proof_unit> old;
+    h264::parameter_set_store kept_sets;
+    std::vector<std::unique_ptr<proof_unit>> moved; // parameter sets that came in, not compared yet
     std::map<std::pair<unsigned, std::uint32_t>, old_set> old_sets;
     std::map<std::uint32_t, numbered_pictures> numbers;
     std::exception_ptr failed;

@@ -51,7 +51,8 @@ stream_edit::stream_edit(const edit_plan& with, stream_input& from, const std::s
       output(from.in_container() != nullptr ? h264::framing::annex_b : from.framing(), &to),
       problems(from.name()),
       shown_progress(from.size()),
-      editor(with, [this](std::uint64_t offset, const std::string& what) { complain(offset, what, false); }),
+      editor(with, from.name(),
+             [this](std::uint64_t offset, const std::string& what) { complain(offset, what, false); }),
       inserted(with.insertions.size())
 {
 }

@@ -424,7 +424,8 @@ void unit_editor::finish()
 
 void unit_editor::refuse(const planned_unit& unit, const std::string& why) const
 {
-    throw refusal(exit_usage_or_io, fmt::format("unit {}, offset {}: {}", unit.number, unit.reading.place.offset, why));
+    throw refusal(exit_usage_or_io,
+                  fmt::format("{}: unit {}, offset {}: {}", input_name, unit.number, unit.reading.place.offset, why));
 }
 
 } // namespace orv_h264

@@ -28,7 +28,11 @@ using remark_taker = std::function<void(std::uint64_t, const std::string&)>;
 
 class unit_editor {
 public:
-    unit_editor(const edit_plan& with, remark_taker remarks) : plan(with), wishes(with), tell(std::move(remarks)) {}
+    /// @param name of the input, for messages
+    unit_editor(const edit_plan& with, const std::string& name, remark_taker remarks)
+        : plan(with), input_name(name), wishes(with), tell(std::move(remarks))
+    {
+    }
 
     /// The next unit. Throws refusal, with the unit, when it cannot be written as wanted.
     /// @param number of the unit
@@ -56,6 +60,7 @@ private:
     [[noreturn]] void refuse(const planned_unit& unit, const std::string& why) const;
 
     const edit_plan& plan;
+    std::string input_name;
     wanted_changes wishes;
     remark_taker tell;
     path_table paths;
