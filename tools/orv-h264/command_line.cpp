@@ -1,6 +1,7 @@
 #include "command_line.h"
 
 #include "avcc.h"
+#include "check/check.h"
 #include "convert.h"
 #include "explain.h"
 #include "frames.h"
@@ -21,6 +22,7 @@
 #include <map>
 #include <stdexcept>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -55,6 +57,9 @@ CLI::Option* add_framing(CLI::App& app, const char* name, const char* descriptio
         })
         ->type_name("FRAMING");
 }
+
+constexpr const char* json_lines = "Print JSON instead, an object a line";
+constexpr const char* json_object = "Print a JSON object instead";
 
 constexpr const char* digits = "0123456789";
 
@@ -187,6 +192,24 @@ void add_format(CLI::App& app, output_format& format, const char* json, const ch
                                           : describe_rows(rows, "tab"));
 }
 
+/// Adds --json, --sarif and --junit, which stand alone.
+void add_check_format(CLI::App& app, check_format& format)
+{
+    const std::tuple<const char*, check_format, const char*> formats[] = {
+        {"--json", check_format::json_lines, json_lines},
+        {"--sarif", check_format::sarif, "Print SARIF 2.1.0 instead"},
+        {"--junit", check_format::junit, "Print JUnit instead, a test case for each rule"}};
+    for (const auto& [name, value, description] : formats)
+        app.add_flag_callback(
+            name,
+            [&format, name = name, value = value] {
+                if (format != check_format::text)
+                    throw CLI::ValidationError(name, "one of --json, --sarif and --junit is enough");
+                format = value;
+            },
+            description);
+}
+
 /// Throws CLI::ParseError where the options of convert do not go together.
 void check(const convert_options& chosen)
 {
@@ -202,9 +225,6 @@ void check(const convert_options& chosen)
     if (chosen.parameter_sets == "-" && chosen.stream.path == "-")
         throw CLI::ValidationError("--parameter-sets", "the standard input is taken by IN");
 }
-
-constexpr const char* json_lines = "Print JSON instead, an object a line";
-constexpr const char* json_object = "Print a JSON object instead";
 
 std::uint64_t offset_of(const std::string& text)
 {
@@ -240,10 +260,12 @@ struct command_line {
     void add_frames();
     void add_info();
     void add_report();
+    void add_check();
     void add_convert();
     void add_avcc();
     void add_help();
     exit_status print_help();
+    exit_status run_check();
 
     template <typename Options>
     void run_with(CLI::App& subcommand, exit_status (*command)(const Options&), const Options& options)
@@ -269,6 +291,10 @@ struct command_line {
     info_options info_chosen;
     file_set info_files;
     report_options report_chosen;
+    check_options check_chosen;
+    file_set check_files;
+    bool list_rules_wanted = false;
+    std::string rule_wanted; // to be explained
     convert_options convert_chosen;
     avcc_options avcc_chosen;
     std::string help_wanted; // of this subcommand
@@ -285,6 +311,7 @@ command_line::command_line()
     add_explain();
     add_frames();
     add_report();
+    add_check();
     add_convert();
     add_avcc();
     add_help();
@@ -371,6 +398,40 @@ void command_line::add_report()
         ->default_str("");
     page.footer(std::string(help_texts::report) + help_texts::exit_statuses);
     run_with(page, report, report_chosen);
+}
+
+void command_line::add_check()
+{
+    CLI::App& checking = *app.add_subcommand("check", "Tell what a stream breaks of the standard");
+    add_streams(checking, check_files, check_chosen.stream);
+    add_check_format(checking, check_chosen.format);
+    checking
+        .add_option("--ignore", check_chosen.ignore, "Pass this rule over; a * at the end stands for all that begin so")
+        ->delimiter(',')
+        ->allow_extra_args(false)
+        ->type_name("RULES");
+    checking.add_option("--only", check_chosen.only, "Look with these rules alone")
+        ->delimiter(',')
+        ->allow_extra_args(false)
+        ->type_name("RULES");
+    add_limit(checking, check_chosen.limit, "Show N violations of a rule, and count the others");
+    checking.add_flag("--rules", list_rules_wanted, "List the rules instead, in the order of their clauses");
+    checking.add_option("--explain", rule_wanted, "Tell of this rule instead")->type_name("RULE");
+    checking.footer(std::string(help_texts::check) + help_texts::many_files + help_texts::exit_statuses);
+    checking.parse_complete_callback([this] {
+        if (!list_rules_wanted && rule_wanted.empty())
+            check(check_files);
+    });
+    checking.callback([this] { chosen = [this] { return run_check(); }; });
+}
+
+exit_status command_line::run_check()
+{
+    if (list_rules_wanted)
+        return list_rules(check_chosen.format);
+    if (!rule_wanted.empty())
+        return explain_rule(rule_wanted, check_chosen.format);
+    return check_of_files(check_files, check_chosen);
 }
 
 void command_line::add_convert()

@@ -14,11 +14,6 @@ using h264::slice_kind;
 constexpr unsigned baseline = 66;
 constexpr unsigned extended = 88;
 
-breach of(std::string_view element, std::int64_t found, std::string allowed)
-{
-    return {element, fmt::format("{}", found), std::move(allowed)};
-}
-
 bool is_intra(slice_kind kind)
 {
     return kind == slice_kind::I || kind == slice_kind::SI;
@@ -30,36 +25,36 @@ verdict begins_inside_picture(const slice_facts& f)
     const std::uint64_t size = h264::PicSizeInMbs(f.sps, f.slice.field_pic_flag) / (pairs ? 2 : 1);
     if (f.slice.first_mb_in_slice < size)
         return {};
-    return of("first_mb_in_slice", f.slice.first_mb_in_slice,
-              fmt::format("below {}, the macroblock{}s of the picture", size, pairs ? " pair" : ""));
+    return breach_of("first_mb_in_slice", f.slice.first_mb_in_slice,
+                     fmt::format("below {}, the macroblock{}s of the picture", size, pairs ? " pair" : ""));
 }
 
 verdict idr_is_intra(const slice_facts& f)
 {
     if (!f.idr() || is_intra(f.slice.kind()))
         return {};
-    return of("slice_type", f.slice.slice_type, "2, 4, 7 or 9 in an IDR picture");
+    return breach_of("slice_type", f.slice.slice_type, "2, 4, 7 or 9 in an IDR picture");
 }
 
 verdict idr_begins_numbers(const slice_facts& f)
 {
     if (!f.idr() || f.slice.frame_num == 0)
         return {};
-    return of("frame_num", f.slice.frame_num, "0 in an IDR picture");
+    return breach_of("frame_num", f.slice.frame_num, "0 in an IDR picture");
 }
 
 verdict idr_is_reference(const slice_facts& f)
 {
     if (!f.idr() || f.header.nal_ref_idc != 0)
         return {};
-    return of("nal_ref_idc", 0, "above 0 in an IDR picture");
+    return breach_of("nal_ref_idc", 0, "above 0 in an IDR picture");
 }
 
 verdict intra_alone_without_references(const slice_facts& f)
 {
     if (f.sps.max_num_ref_frames != 0 || is_intra(f.slice.kind()))
         return {};
-    return of("slice_type", f.slice.slice_type, "2, 4, 7 or 9 where max_num_ref_frames is 0");
+    return breach_of("slice_type", f.slice.slice_type, "2, 4, 7 or 9 where max_num_ref_frames is 0");
 }
 
 verdict kind_in_profile(const slice_facts& f)
@@ -68,8 +63,9 @@ verdict kind_in_profile(const slice_facts& f)
     const bool switching = kind == slice_kind::SP || kind == slice_kind::SI;
     if ((!switching || f.sps.profile_idc == extended) && (kind != slice_kind::B || f.sps.profile_idc != baseline))
         return {};
-    return of("slice_type", f.slice.slice_type,
-              fmt::format("no {} slices in the {} profile", switching ? "SP and SI" : "B", h264::profile_name(f.sps)));
+    return breach_of(
+        "slice_type", f.slice.slice_type,
+        fmt::format("no {} slices in the {} profile", switching ? "SP and SI" : "B", h264::profile_name(f.sps)));
 }
 
 /// Lists of frames have 16 entries at most, of fields 32.
@@ -78,8 +74,8 @@ verdict list_fits_frames(const slice_facts& f, std::uint32_t num_ref_idx_active_
     const std::uint32_t most = f.slice.field_pic_flag ? 31 : 15;
     if (num_ref_idx_active_minus1 <= most)
         return {};
-    return of(element, num_ref_idx_active_minus1,
-              fmt::format("at most {} in a {}", most, f.slice.field_pic_flag ? "field" : "frame"));
+    return breach_of(element, num_ref_idx_active_minus1,
+                     fmt::format("at most {} in a {}", most, f.slice.field_pic_flag ? "field" : "frame"));
 }
 
 verdict first_list_fits(const slice_facts& f)
@@ -102,8 +98,8 @@ verdict quantiser_inside(const slice_facts& f)
     const std::int64_t qp = std::int64_t{26} + f.pps.pic_init_qp_minus26 + f.slice.slice_qp_delta;
     if (qp >= lowest && qp <= 51)
         return {};
-    return of("slice_qp_delta", f.slice.slice_qp_delta,
-              fmt::format("one that makes SliceQPY {} to 51, not {}", lowest, qp));
+    return breach_of("slice_qp_delta", f.slice.slice_qp_delta,
+                     fmt::format("one that makes SliceQPY {} to 51, not {}", lowest, qp));
 }
 
 std::size_t times(const slice_facts& f, std::uint32_t operation)
@@ -118,7 +114,7 @@ verdict operations_come_once(const slice_facts& f)
 {
     for (const std::uint32_t operation : {4U, 5U, 6U})
         if (times(f, operation) > 1)
-            return of("memory_management_control_operation", operation, "once in a header");
+            return breach_of("memory_management_control_operation", operation, "once in a header");
     return {};
 }
 
@@ -127,7 +123,7 @@ verdict reset_stands_without_others(const slice_facts& f)
     constexpr std::uint32_t reset = 5;
     if (times(f, reset) == 0 || (times(f, 1) == 0 && times(f, 3) == 0))
         return {};
-    return of("memory_management_control_operation", reset, "not together with 1 or 3");
+    return breach_of("memory_management_control_operation", reset, "not together with 1 or 3");
 }
 
 verdict long_term_indexes_inside(const slice_facts& f)
@@ -135,8 +131,8 @@ verdict long_term_indexes_inside(const slice_facts& f)
     for (const h264::marking_operation& o : f.marking().operations) {
         const bool assigns = o.memory_management_control_operation == 3 || o.memory_management_control_operation == 6;
         if (assigns && o.long_term_frame_idx >= std::max(f.sps.max_num_ref_frames, 1U))
-            return of("long_term_frame_idx", o.long_term_frame_idx,
-                      fmt::format("below max_num_ref_frames {}", f.sps.max_num_ref_frames));
+            return breach_of("long_term_frame_idx", o.long_term_frame_idx,
+                             fmt::format("below max_num_ref_frames {}", f.sps.max_num_ref_frames));
     }
     return {};
 }
@@ -145,8 +141,8 @@ verdict indexes_fit_references(const slice_facts& f)
 {
     for (const h264::marking_operation& o : f.marking().operations)
         if (o.memory_management_control_operation == 4 && o.max_long_term_frame_idx_plus1 > f.sps.max_num_ref_frames)
-            return of("max_long_term_frame_idx_plus1", o.max_long_term_frame_idx_plus1,
-                      fmt::format("at most max_num_ref_frames {}", f.sps.max_num_ref_frames));
+            return breach_of("max_long_term_frame_idx_plus1", o.max_long_term_frame_idx_plus1,
+                             fmt::format("at most max_num_ref_frames {}", f.sps.max_num_ref_frames));
     return {};
 }
 
@@ -154,7 +150,7 @@ verdict long_term_idr_has_room(const slice_facts& f)
 {
     if (!f.idr() || !f.marking().long_term_reference_flag || f.sps.max_num_ref_frames != 0)
         return {};
-    return of("long_term_reference_flag", 1, "0 where max_num_ref_frames is 0");
+    return breach_of("long_term_reference_flag", 1, "0 where max_num_ref_frames is 0");
 }
 
 constexpr severity error = severity::error;
