@@ -2,6 +2,8 @@
 
 #include "avcc.h"
 #include "convert.h"
+#include "cut/cut.h"
+#include "cut/exact_order.h"
 #include "explain.h"
 #include "frames.h"
 #include "help_texts.h"
@@ -16,6 +18,7 @@
 #include <orv-utils-v4/version.h>
 
 #include <algorithm>
+#include <bitset>
 #include <charconv>
 #include <functional>
 #include <map>
@@ -203,6 +206,25 @@ void check(const convert_options& chosen)
         throw CLI::ValidationError("--parameter-sets", "the standard input is taken by IN");
 }
 
+void add_only(CLI::App& app, const char* description, const std::function<void(const std::bitset<32>&)>& take)
+{
+    app.add_option_function<std::vector<std::string>>(
+           "--only",
+           [take](const std::vector<std::string>& lists) {
+               std::bitset<32> types;
+               try {
+                   for (const std::string& list : lists)
+                       types |= parse_type_set(list);
+               } catch (const std::invalid_argument& error) {
+                   throw CLI::ValidationError("--only", error.what());
+               }
+               take(types);
+           },
+           description)
+        ->allow_extra_args(false)
+        ->type_name("TYPES");
+}
+
 constexpr const char* json_lines = "Print JSON instead, an object a line";
 constexpr const char* json_object = "Print a JSON object instead";
 
@@ -231,6 +253,89 @@ void take_place(const std::string& text, explain_options& to)
     to.bit = static_cast<unsigned>(bit[0] - '0');
 }
 
+void add_place(CLI::App& app, const char* name, std::optional<cut_place>& place, const char* description)
+{
+    app.add_option_function<std::string>(
+           name,
+           [name, &place](const std::string& text) {
+               try {
+                   place = parse_cut_place(text);
+               } catch (const std::invalid_argument& error) {
+                   throw CLI::ValidationError(name, error.what());
+               }
+           },
+           description)
+        ->type_name("PLACE");
+}
+
+/// Up to three numbers with commas between them, none above the bound of its place; nothing where the text has others.
+std::vector<unsigned> numbers_of(const std::string& text, const std::vector<unsigned>& highest)
+{
+    std::vector<unsigned> numbers;
+    const char* at = text.data();
+    const char* const end = at + text.size();
+    for (const unsigned bound : highest) {
+        unsigned number = 0;
+        const auto [stop, error] = std::from_chars(at, end, number);
+        if (error != std::errc() || number > bound || (stop != end && *stop != ','))
+            return {};
+        numbers.push_back(number);
+        if (stop == end)
+            return numbers;
+        at = stop + 1;
+    }
+    return {};
+}
+
+void take_layer(const std::string& text, cut_options& to)
+{
+    const std::vector<unsigned> ids = numbers_of(text, {7, 15, 7});
+    if (ids.empty())
+        throw CLI::ValidationError("--layer", "'" + text + "' is no layer D[,Q[,T]], up to 7,15,7");
+    layer_target target;
+    target.dependency_id = static_cast<std::uint8_t>(ids[0]);
+    if (ids.size() > 1)
+        target.quality_id = static_cast<std::uint8_t>(ids[1]);
+    if (ids.size() > 2)
+        target.temporal_id = static_cast<std::uint8_t>(ids[2]);
+    to.layers = layer_choice::of_layer(target);
+    to.target = "layer of dependency_id " + std::to_string(ids[0]);
+}
+
+void take_view(const std::string& text, cut_options& to)
+{
+    const std::vector<unsigned> ids = numbers_of(text, {1023});
+    if (ids.empty())
+        throw CLI::ValidationError("--view", "'" + text + "' is no view_id, up to 1023");
+    to.layers = layer_choice::of_view(static_cast<std::uint16_t>(ids[0]));
+    to.target = "view of view_id " + text;
+}
+
+h264::ratio rate_of(const std::string& text)
+{
+    constexpr unsigned most = 1'000'000'000;
+    const std::size_t slash = text.find('/');
+    const std::vector<unsigned> numerator = numbers_of(text.substr(0, slash), {most});
+    const std::vector<unsigned> denominator =
+        slash == std::string::npos ? std::vector<unsigned>{1} : numbers_of(text.substr(slash + 1), {most});
+    if (numerator.empty() || denominator.empty() || numerator[0] == 0 || denominator[0] == 0)
+        throw CLI::ValidationError("--rate", "'" + text + "' is no rate (for example 25 or 30000/1001)");
+    return {numerator[0], denominator[0]};
+}
+
+/// Throws CLI::ParseError where the options of cut do not go together.
+void check(const cut_options& chosen)
+{
+    const std::optional<cut_place>& from = chosen.range.from;
+    const std::optional<cut_place>& to = chosen.range.to;
+    if (from && to && from->what == to->what && from->what != cut_place::kind::time && from->number >= to->number)
+        throw CLI::ValidationError("--to", "it names the first picture that is not written, behind that of --from");
+    if (from && to && from->what == to->what && from->what == cut_place::kind::time && !is_before(from->time, to->time))
+        throw CLI::ValidationError("--to", "it names the first picture that is not written, behind that of --from");
+    if (chosen.json && chosen.out == "-")
+        throw CLI::ValidationError("--json", "the standard output is taken by OUT");
+}
+
 /// The subcommands, their options, and the one that was chosen.
 struct command_line {
     command_line();
@@ -241,6 +346,7 @@ struct command_line {
     void add_info();
     void add_report();
     void add_convert();
+    void add_cut();
     void add_avcc();
     void add_help();
     exit_status print_help();
@@ -270,6 +376,7 @@ struct command_line {
     file_set info_files;
     report_options report_chosen;
     convert_options convert_chosen;
+    cut_options cut_chosen;
     avcc_options avcc_chosen;
     std::string help_wanted; // of this subcommand
     std::function<exit_status()> chosen;
@@ -286,6 +393,7 @@ command_line::command_line()
     add_frames();
     add_report();
     add_convert();
+    add_cut();
     add_avcc();
     add_help();
 }
@@ -296,21 +404,8 @@ void command_line::add_inspect()
     add_stream(inspection, "FILE", inspect_chosen.stream);
     inspection.add_flag("--nals", inspect_chosen.nals, "Units only, without their fields");
     add_limit(inspection, inspect_chosen.limit, "Stop after N units shown");
-    inspection
-        .add_option_function<std::vector<std::string>>(
-            "--only",
-            [this](const std::vector<std::string>& lists) {
-                inspect_chosen.only.reset();
-                try {
-                    for (const std::string& list : lists)
-                        inspect_chosen.only |= parse_type_set(list);
-                } catch (const std::invalid_argument& error) {
-                    throw CLI::ValidationError("--only", error.what());
-                }
-            },
-            "Show these NAL units only, for example 7,8 or 1-5 or sps,pps,idr; may be repeated")
-        ->allow_extra_args(false)
-        ->type_name("TYPES");
+    add_only(inspection, "Show these NAL units only, for example 7,8 or 1-5 or sps,pps,idr; may be repeated",
+             [this](const std::bitset<32>& types) { inspect_chosen.only = types; });
     inspection.add_flag("--positions", inspect_chosen.positions,
                         "Show every element, with its byte, bit and number of bits before it");
     inspection.add_flag("--long-names", inspect_chosen.long_names, "Name the units as H.264 does");
@@ -391,6 +486,45 @@ void command_line::add_convert()
     conversion.parse_complete_callback([this] { check(convert_chosen); });
     conversion.footer(std::string(help_texts::convert) + help_texts::exit_statuses);
     run_with(conversion, convert, convert_chosen);
+}
+
+void command_line::add_cut()
+{
+    CLI::App& cutting = *app.add_subcommand("cut", "Write a part of a stream, or one of its layers");
+    add_stream(cutting, "IN", cut_chosen.stream);
+    add_file(cutting, "OUT", cut_chosen.out, "Where it goes; - is the standard output");
+    add_place(cutting, "--from", cut_chosen.range.from,
+              "The first picture that is written: its number, a time as 12.5s, or a byte offset as @0x1267");
+    add_place(cutting, "--to", cut_chosen.range.to, "The first picture behind it that is not written, named likewise");
+    cutting.add_flag("--key", cut_chosen.key,
+                     "Go back to the IDR picture or recovery point at or before --from, so that decoding can begin");
+    add_only(cutting, "Write these NAL units only, and no parameter sets but theirs; may be repeated",
+             [this](const std::bitset<32>& types) { cut_chosen.only = types; });
+    CLI::Option* const base = cutting.add_flag_callback(
+        "--base", [this] { cut_chosen.layers = layer_choice::of_base(); }, "Write the base layer or view alone");
+    CLI::Option* const layer =
+        cutting
+            .add_option_function<std::string>(
+                "--layer", [this](const std::string& text) { take_layer(text, cut_chosen); },
+                "Write what this layer of a scalable stream needs: dependency_id, quality_id, temporal_id")
+            ->type_name("D[,Q[,T]]")
+            ->excludes(base);
+    cutting
+        .add_option_function<std::string>(
+            "--view", [this](const std::string& text) { take_view(text, cut_chosen); },
+            "Write what this view of a multiview stream needs, by its view_id")
+        ->type_name("ID")
+        ->excludes(base)
+        ->excludes(layer);
+    cutting
+        .add_option_function<std::string>(
+            "--rate", [this](const std::string& text) { cut_chosen.rate = rate_of(text); },
+            "Count times in output order at N/D pictures a second, not as the stream tells them")
+        ->type_name("N[/D]");
+    cutting.add_flag("--json", cut_chosen.json, "Print a JSON object about what was written");
+    cutting.parse_complete_callback([this] { check(cut_chosen); });
+    cutting.footer(std::string(help_texts::cut) + help_texts::exit_statuses);
+    run_with(cutting, cut, cut_chosen);
 }
 
 void command_line::add_avcc()

@@ -147,6 +147,38 @@ Examples:
   orv-h264 convert movie.264 --avcc extradata.bin
   orv-h264 convert sample.bin movie.264 --to annexb --parameter-sets extradata.bin)";
 
+constexpr const char* cut =
+    R"(Writes the access units of IN between two places to OUT, as they are: whole, to the byte, in the framing of IN; of
+a container with start codes. The parameter sets that are in force where the cut begins come first, each once, and
+none that the first access unit carries itself.
+
+A PLACE names one picture: 100 is the one with this number, as frames counts them; 12.5s, 1:02.5 or 0:01:02.5 the first
+in decoding order that is shown then or later, by a container's own times or else by those that frames tells; @4711 or
+@0x1267 the first that begins at this byte or behind it. --from begins with it, and --to ends before it, so that two
+cuts at one place have each picture once. The fields of a frame stay together, but with a byte offset, which may name
+the second one. Without --from a cut begins at the start, without --to it goes to the end.
+
+What cannot be decoded at the seams is told on the standard error stream, and is no error: pictures before the first
+key picture, those of an open group that are shown before it, and those behind the end that would be shown between
+the pictures of the cut. Damage is told where it is written, and what is not written is not looked at. --key and times
+read IN twice, so that it has to be a file; everything else takes a pipe.
+
+--base drops the units of other layers and views (types 14, 15, 16, 20 and 21), their SEI messages, and PPSs that
+only they can use. --layer keeps what a decoder of the layer needs by H.264 G.8.8.1: lower dependency_ids whole, its
+own up to quality_id, all up to temporal_id. --view keeps a view, those it refers to in any picture, and the base view
+(H.8.5.3), without depth.
+
+OUT appears when it is complete, and replaces what was there; - is the standard output. A cut that holds no unit, a layer
+or view that is not there, and a unit larger than --max-unit leave it as it was.
+
+Examples:
+  orv-h264 cut movie.264 part.264 --from 100 --to 200
+  orv-h264 cut movie.264 part.264 --from 1.5s --to 0:00:02.5 --key
+  orv-h264 cut movie.264 part.264 --from @0x1267
+  orv-h264 cut movie.264 sets.264 --only sps,pps
+  orv-h264 cut movie.264 base.264 --base
+  orv-h264 cut movie.264 part.264 --to 50 --json | jq .bytes)";
+
 constexpr const char* avcc =
     R"(FILE holds an AVC decoder configuration record (ISO/IEC 14496-15), the payload of the box avcC of an MP4 file or
 the CodecPrivate of a Matroska track; a whole box, with its size and type in front, does as well. Shows the
