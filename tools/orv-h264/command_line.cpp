@@ -1,9 +1,10 @@
 #include "command_line.h"
 
 #include "avcc.h"
+#include "check/check.h"
 #include "convert.h"
 #include "cut/cut.h"
-#include "cut/exact_order.h"
+#include "cut/cut_arguments.h"
 #include "explain.h"
 #include "frames.h"
 #include "help_texts.h"
@@ -24,6 +25,7 @@
 #include <map>
 #include <stdexcept>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -58,6 +60,9 @@ CLI::Option* add_framing(CLI::App& app, const char* name, const char* descriptio
         })
         ->type_name("FRAMING");
 }
+
+constexpr const char* json_lines = "Print JSON instead, an object a line";
+constexpr const char* json_object = "Print a JSON object instead";
 
 constexpr const char* digits = "0123456789";
 
@@ -190,6 +195,24 @@ void add_format(CLI::App& app, output_format& format, const char* json, const ch
                                           : describe_rows(rows, "tab"));
 }
 
+/// Adds --json, --sarif and --junit, which stand alone.
+void add_check_format(CLI::App& app, check_format& format)
+{
+    const std::tuple<const char*, check_format, const char*> formats[] = {
+        {"--json", check_format::json_lines, json_lines},
+        {"--sarif", check_format::sarif, "Print SARIF 2.1.0 instead"},
+        {"--junit", check_format::junit, "Print JUnit instead, a test case for each rule"}};
+    for (const auto& [name, value, description] : formats)
+        app.add_flag_callback(
+            name,
+            [&format, name = name, value = value] {
+                if (format != check_format::text)
+                    throw CLI::ValidationError(name, "one of --json, --sarif and --junit is enough");
+                format = value;
+            },
+            description);
+}
+
 /// Throws CLI::ParseError where the options of convert do not go together.
 void check(const convert_options& chosen)
 {
@@ -225,9 +248,6 @@ void add_only(CLI::App& app, const char* description, const std::function<void(c
         ->type_name("TYPES");
 }
 
-constexpr const char* json_lines = "Print JSON instead, an object a line";
-constexpr const char* json_object = "Print a JSON object instead";
-
 std::uint64_t offset_of(const std::string& text)
 {
     const bool hexadecimal = text.starts_with("0x");
@@ -253,84 +273,29 @@ void take_place(const std::string& text, explain_options& to)
     to.bit = static_cast<unsigned>(bit[0] - '0');
 }
 
-void add_place(CLI::App& app, const char* name, std::optional<cut_place>& place, const char* description)
+/// An argument that `parse` makes a value of, or refuses by std::invalid_argument.
+template <typename Parse, typename Take>
+CLI::Option* add_parsed(CLI::App& app, const char* name, const char* type, const char* description, Parse parse,
+                        Take take)
 {
-    app.add_option_function<std::string>(
-           name,
-           [name, &place](const std::string& text) {
-               try {
-                   place = parse_cut_place(text);
-               } catch (const std::invalid_argument& error) {
-                   throw CLI::ValidationError(name, error.what());
-               }
-           },
-           description)
-        ->type_name("PLACE");
-}
-
-/// Up to three numbers with commas between them, none above the bound of its place; nothing where the text has others.
-std::vector<unsigned> numbers_of(const std::string& text, const std::vector<unsigned>& highest)
-{
-    std::vector<unsigned> numbers;
-    const char* at = text.data();
-    const char* const end = at + text.size();
-    for (const unsigned bound : highest) {
-        unsigned number = 0;
-        const auto [stop, error] = std::from_chars(at, end, number);
-        if (error != std::errc() || number > bound || (stop != end && *stop != ','))
-            return {};
-        numbers.push_back(number);
-        if (stop == end)
-            return numbers;
-        at = stop + 1;
-    }
-    return {};
-}
-
-void take_layer(const std::string& text, cut_options& to)
-{
-    const std::vector<unsigned> ids = numbers_of(text, {7, 15, 7});
-    if (ids.empty())
-        throw CLI::ValidationError("--layer", "'" + text + "' is no layer D[,Q[,T]], up to 7,15,7");
-    layer_target target;
-    target.dependency_id = static_cast<std::uint8_t>(ids[0]);
-    if (ids.size() > 1)
-        target.quality_id = static_cast<std::uint8_t>(ids[1]);
-    if (ids.size() > 2)
-        target.temporal_id = static_cast<std::uint8_t>(ids[2]);
-    to.layers = layer_choice::of_layer(target);
-    to.target = "layer of dependency_id " + std::to_string(ids[0]);
-}
-
-void take_view(const std::string& text, cut_options& to)
-{
-    const std::vector<unsigned> ids = numbers_of(text, {1023});
-    if (ids.empty())
-        throw CLI::ValidationError("--view", "'" + text + "' is no view_id, up to 1023");
-    to.layers = layer_choice::of_view(static_cast<std::uint16_t>(ids[0]));
-    to.target = "view of view_id " + text;
-}
-
-h264::ratio rate_of(const std::string& text)
-{
-    constexpr unsigned most = 1'000'000'000;
-    const std::size_t slash = text.find('/');
-    const std::vector<unsigned> numerator = numbers_of(text.substr(0, slash), {most});
-    const std::vector<unsigned> denominator =
-        slash == std::string::npos ? std::vector<unsigned>{1} : numbers_of(text.substr(slash + 1), {most});
-    if (numerator.empty() || denominator.empty() || numerator[0] == 0 || denominator[0] == 0)
-        throw CLI::ValidationError("--rate", "'" + text + "' is no rate (for example 25 or 30000/1001)");
-    return {numerator[0], denominator[0]};
+    return app
+        .add_option_function<std::string>(
+            name,
+            [name, parse, take](const std::string& text) {
+                try {
+                    take(parse(text));
+                } catch (const std::invalid_argument& error) {
+                    throw CLI::ValidationError(name, error.what());
+                }
+            },
+            description)
+        ->type_name(type);
 }
 
 /// Throws CLI::ParseError where the options of cut do not go together.
 void check(const cut_options& chosen)
 {
-    const std::optional<cut_place>& from = chosen.range.from;
-    const std::optional<cut_place>& to = chosen.range.to;
-    if (from && to && from->what == to->what && from->what != cut_place::kind::time && from->number >= to->number)
-        throw CLI::ValidationError("--to", "it names the first picture that is not written, behind that of --from");
-    if (from && to && from->what == to->what && from->what == cut_place::kind::time && !is_before(from->time, to->time))
+    if (is_surely_empty(chosen.range))
         throw CLI::ValidationError("--to", "it names the first picture that is not written, behind that of --from");
     if (chosen.json && chosen.out == "-")
         throw CLI::ValidationError("--json", "the standard output is taken by OUT");
@@ -345,11 +310,13 @@ struct command_line {
     void add_frames();
     void add_info();
     void add_report();
+    void add_check();
     void add_convert();
     void add_cut();
     void add_avcc();
     void add_help();
     exit_status print_help();
+    exit_status run_check();
 
     template <typename Options>
     void run_with(CLI::App& subcommand, exit_status (*command)(const Options&), const Options& options)
@@ -375,6 +342,10 @@ struct command_line {
     info_options info_chosen;
     file_set info_files;
     report_options report_chosen;
+    check_options check_chosen;
+    file_set check_files;
+    bool list_rules_wanted = false;
+    std::string rule_wanted; // to be explained
     convert_options convert_chosen;
     cut_options cut_chosen;
     avcc_options avcc_chosen;
@@ -392,6 +363,7 @@ command_line::command_line()
     add_explain();
     add_frames();
     add_report();
+    add_check();
     add_convert();
     add_cut();
     add_avcc();
@@ -468,6 +440,40 @@ void command_line::add_report()
     run_with(page, report, report_chosen);
 }
 
+void command_line::add_check()
+{
+    CLI::App& checking = *app.add_subcommand("check", "Tell what a stream breaks of the standard");
+    add_streams(checking, check_files, check_chosen.stream);
+    add_check_format(checking, check_chosen.format);
+    checking
+        .add_option("--ignore", check_chosen.ignore, "Pass this rule over; a * at the end stands for all that begin so")
+        ->delimiter(',')
+        ->allow_extra_args(false)
+        ->type_name("RULES");
+    checking.add_option("--only", check_chosen.only, "Look with these rules alone")
+        ->delimiter(',')
+        ->allow_extra_args(false)
+        ->type_name("RULES");
+    add_limit(checking, check_chosen.limit, "Show N violations of a rule, and count the others");
+    checking.add_flag("--rules", list_rules_wanted, "List the rules instead, in the order of their clauses");
+    checking.add_option("--explain", rule_wanted, "Tell of this rule instead")->type_name("RULE");
+    checking.footer(std::string(help_texts::check) + help_texts::many_files + help_texts::exit_statuses);
+    checking.parse_complete_callback([this] {
+        if (!list_rules_wanted && rule_wanted.empty())
+            check(check_files);
+    });
+    checking.callback([this] { chosen = [this] { return run_check(); }; });
+}
+
+exit_status command_line::run_check()
+{
+    if (list_rules_wanted)
+        return list_rules(check_chosen.format);
+    if (!rule_wanted.empty())
+        return explain_rule(rule_wanted, check_chosen.format);
+    return check_of_files(check_files, check_chosen);
+}
+
 void command_line::add_convert()
 {
     CLI::App& conversion = *app.add_subcommand("convert", "Write a stream in another framing");
@@ -493,9 +499,11 @@ void command_line::add_cut()
     CLI::App& cutting = *app.add_subcommand("cut", "Write a part of a stream, or one of its layers");
     add_stream(cutting, "IN", cut_chosen.stream);
     add_file(cutting, "OUT", cut_chosen.out, "Where it goes; - is the standard output");
-    add_place(cutting, "--from", cut_chosen.range.from,
-              "The first picture that is written: its number, a time as 12.5s, or a byte offset as @0x1267");
-    add_place(cutting, "--to", cut_chosen.range.to, "The first picture behind it that is not written, named likewise");
+    add_parsed(cutting, "--from", "PLACE",
+               "The first picture that is written: its number, a time as 12.5s, or a byte offset as @0x1267",
+               parse_cut_place, [this](const cut_place& place) { cut_chosen.range.from = place; });
+    add_parsed(cutting, "--to", "PLACE", "The first picture behind it that is not written, named likewise",
+               parse_cut_place, [this](const cut_place& place) { cut_chosen.range.to = place; });
     cutting.add_flag("--key", cut_chosen.key,
                      "Go back to the IDR picture or recovery point at or before --from, so that decoding can begin");
     add_only(cutting, "Write these NAL units only, and no parameter sets but theirs; may be repeated",
@@ -503,24 +511,23 @@ void command_line::add_cut()
     CLI::Option* const base = cutting.add_flag_callback(
         "--base", [this] { cut_chosen.layers = layer_choice::of_base(); }, "Write the base layer or view alone");
     CLI::Option* const layer =
-        cutting
-            .add_option_function<std::string>(
-                "--layer", [this](const std::string& text) { take_layer(text, cut_chosen); },
-                "Write what this layer of a scalable stream needs: dependency_id, quality_id, temporal_id")
-            ->type_name("D[,Q[,T]]")
-            ->excludes(base);
-    cutting
-        .add_option_function<std::string>(
-            "--view", [this](const std::string& text) { take_view(text, cut_chosen); },
-            "Write what this view of a multiview stream needs, by its view_id")
-        ->type_name("ID")
+        add_parsed(cutting, "--layer", "D[,Q[,T]]",
+                   "Write what this layer of a scalable stream needs: dependency_id, quality_id, temporal_id",
+                   parse_layer, [this](const layer_target& target) {
+                       cut_chosen.layers = layer_choice::of_layer(target);
+                       cut_chosen.target = "layer of dependency_id " + std::to_string(target.dependency_id);
+                   });
+    layer->excludes(base);
+    add_parsed(cutting, "--view", "ID", "Write what this view of a multiview stream needs, by its view_id", parse_view,
+               [this](std::uint16_t view_id) {
+                   cut_chosen.layers = layer_choice::of_view(view_id);
+                   cut_chosen.target = "view of view_id " + std::to_string(view_id);
+               })
         ->excludes(base)
         ->excludes(layer);
-    cutting
-        .add_option_function<std::string>(
-            "--rate", [this](const std::string& text) { cut_chosen.rate = rate_of(text); },
-            "Count times in output order at N/D pictures a second, not as the stream tells them")
-        ->type_name("N[/D]");
+    add_parsed(cutting, "--rate", "N[/D]",
+               "Count times in output order at N/D pictures a second, not as the stream tells them", parse_rate,
+               [this](h264::ratio rate) { cut_chosen.rate = rate; });
     cutting.add_flag("--json", cut_chosen.json, "Print a JSON object about what was written");
     cutting.parse_complete_callback([this] { check(cut_chosen); });
     cutting.footer(std::string(help_texts::cut) + help_texts::exit_statuses);

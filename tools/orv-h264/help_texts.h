@@ -125,6 +125,25 @@ Examples:
   orv-h264 report movie.264 -o movie.html
   orv-h264 report movie.264 -o - | wc -c)";
 
+constexpr const char* check =
+    R"(Looks at a stream with rules that the standard states, and prints what breaks them, a line each: the byte offset of
+the unit, its number and type, the byte and bit of the element, the severity, what was found and what is allowed, the
+rule and its clause. The last line counts. Errors are what the standard does not allow; warnings are allowed, or in
+one edition, and go wrong in practice; notes are worth knowing. Lines come in the order of the units, but for what
+only the output order of pictures, or the end of the stream, tells.
+
+--rules lists all rules, --explain tells of one; docs/rules.md has them too.
+
+The exit status is 1 where an error was found.
+
+Examples:
+  orv-h264 check movie.264
+  orv-h264 check --ignore 'vui-*' --limit 3 movie.264
+  orv-h264 check --sarif movie.264 > movie.sarif
+  orv-h264 check --junit *.264 > results.xml
+  orv-h264 check --rules
+  orv-h264 check --explain sps-level-known)";
+
 constexpr const char* convert =
     R"(Writes every NAL unit of IN to OUT in another framing: start codes (annexb) or big-endian lengths of 1 to 4
 bytes, as MP4 and Matroska have them. Units keep their bytes. From annexb to annexb start codes keep their size,

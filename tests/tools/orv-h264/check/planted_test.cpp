@@ -1,0 +1,54 @@
+// Every rule of `orv-h264 check` is broken by some stream, which is told so at the unit and the element, and nothing
+// else is told of it. Streams that come close to breaking a rule stand in the tables too, with nothing to tell.
+#include "support/checked.h"
+#include "support/planted_violation.h"
+#include "support/special_streams.h"
+
+#include <gtest/gtest.h>
+
+#include <set>
+
+namespace {
+
+using support::planted_violation;
+
+std::vector<planted_violation> all_planted()
+{
+    std::vector<planted_violation> all;
+    for (const auto& table :
+         {support::planted_in_units(), support::planted_in_parameter_sets(), support::planted_in_slices()})
+        all.insert(all.end(), table.begin(), table.end());
+    return all;
+}
+
+class PlantedViolation : public testing::TestWithParam<planted_violation> {};
+
+TEST_P(PlantedViolation, IsToldAtItsPlaceAndNothingElse)
+{
+    orv_h264::stream_options options;
+    options.format = GetParam().how;
+    options.max_unit = GetParam().most_unit_bytes;
+    EXPECT_EQ(support::broken_rules(GetParam().make(), options), GetParam().broken);
+}
+
+INSTANTIATE_TEST_SUITE_P(All, PlantedViolation, testing::ValuesIn(all_planted()));
+
+TEST(PlantedViolations, BreakEveryRule)
+{
+    std::set<std::string_view> unbroken;
+    for (const orv_h264::rule* one : orv_h264::all_rules())
+        unbroken.insert(one->id);
+    for (const planted_violation& planted : all_planted())
+        unbroken.erase(planted.broken.substr(0, planted.broken.find_first_of("@,")));
+    EXPECT_EQ(std::vector(unbroken.begin(), unbroken.end()), std::vector<std::string_view>());
+}
+
+TEST(PlantedViolations, SoundStreamsBreakNoRule)
+{
+    using namespace orv_utils_v4::h264;
+    made_stream stream;
+    stream.add_sets().add(idr()).add(reference(1)).add(reference(2));
+    EXPECT_EQ(support::broken_rules(stream.bytes), "");
+}
+
+} // namespace

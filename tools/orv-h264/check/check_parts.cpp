@@ -1,0 +1,55 @@
+// The parts of a check, and the list of all rules.
+#include "check/check_part.h"
+#include "check/facts.h"
+#include "check/general_rules.h"
+
+#include <algorithm>
+
+namespace orv_h264 {
+
+namespace {
+
+using rule_list = std::vector<const rule*>;
+
+template <class Facts>
+void append(rule_list& list, std::span<const rule_over<Facts>> rules)
+{
+    for (const rule_over<Facts>& one : rules)
+        list.push_back(&one.what);
+}
+
+rule_list every_rule()
+{
+    rule_list list;
+    for (const rule* one : general_rules::all)
+        list.push_back(one);
+    append(list, unit_rules());
+    append(list, sps_rules());
+    append(list, pps_rules());
+    append(list, slice_rules());
+    std::stable_sort(list.begin(), list.end(), stands_before);
+    return list;
+}
+
+} // namespace
+
+std::vector<std::unique_ptr<check_part>> make_check_parts(violation_log& log)
+{
+    static_cast<void>(log);
+    return {};
+}
+
+std::span<const rule* const> all_rules()
+{
+    static const rule_list list = every_rule();
+    return list;
+}
+
+const rule* find_rule(std::string_view id)
+{
+    const std::span<const rule* const> rules = all_rules();
+    const auto found = std::find_if(rules.begin(), rules.end(), [id](const rule* one) { return one->id == id; });
+    return found == rules.end() ? nullptr : *found;
+}
+
+} // namespace orv_h264
