@@ -332,8 +332,8 @@ TEST_F(Cut, PlacesThatAreNoneAreRefused)
 
 TEST_F(Cut, OptionsThatDoNotGoTogetherAreRefused)
 {
-    expect_refused({}, {"--base", "--layer", "1"}, 2, "--base");
-    expect_refused({}, {"--view", "1", "--layer", "1"}, 2, "--layer");
+    expect_refused({}, {"--base", "--layer", "1"}, 2, "one of --base, --layer and --view is enough");
+    expect_refused({}, {"--view", "1", "--layer", "1"}, 2, "one of --base, --layer and --view is enough");
     expect_refused({}, {"--layer", "8"}, 2, "is no layer");
     expect_refused({}, {"--layer", "1,2,3,4"}, 2, "is no layer");
     expect_refused({}, {"--view", "1024"}, 2, "is no view_id");

@@ -313,6 +313,7 @@ struct command_line {
     void add_check();
     void add_convert();
     void add_cut();
+    void add_layer_choices(CLI::App& cutting);
     void add_avcc();
     void add_help();
     exit_status print_help();
@@ -494,6 +495,29 @@ void command_line::add_convert()
     run_with(conversion, convert, convert_chosen);
 }
 
+/// --base, --layer and --view, which stand alone.
+void command_line::add_layer_choices(CLI::App& cutting)
+{
+    const auto choose = [this](const char* name, const layer_choice& layers, const std::string& target) {
+        if (cut_chosen.layers.is_some())
+            throw CLI::ValidationError(name, "one of --base, --layer and --view is enough");
+        cut_chosen.layers = layers;
+        cut_chosen.target = target;
+    };
+    cutting.add_flag_callback(
+        "--base", [choose] { choose("--base", layer_choice::of_base(), ""); }, "Write the base layer or view alone");
+    add_parsed(cutting, "--layer", "D[,Q[,T]]",
+               "Write what this layer of a scalable stream needs: dependency_id, quality_id, temporal_id", parse_layer,
+               [choose](const layer_target& target) {
+                   choose("--layer", layer_choice::of_layer(target),
+                          "layer of dependency_id " + std::to_string(target.dependency_id));
+               });
+    add_parsed(cutting, "--view", "ID", "Write what this view of a multiview stream needs, by its view_id", parse_view,
+               [choose](std::uint16_t view_id) {
+                   choose("--view", layer_choice::of_view(view_id), "view of view_id " + std::to_string(view_id));
+               });
+}
+
 void command_line::add_cut()
 {
     CLI::App& cutting = *app.add_subcommand("cut", "Write a part of a stream, or one of its layers");
@@ -508,23 +532,7 @@ void command_line::add_cut()
                      "Go back to the IDR picture or recovery point at or before --from, so that decoding can begin");
     add_only(cutting, "Write these NAL units only, and no parameter sets but theirs; may be repeated",
              [this](const std::bitset<32>& types) { cut_chosen.only = types; });
-    CLI::Option* const base = cutting.add_flag_callback(
-        "--base", [this] { cut_chosen.layers = layer_choice::of_base(); }, "Write the base layer or view alone");
-    CLI::Option* const layer =
-        add_parsed(cutting, "--layer", "D[,Q[,T]]",
-                   "Write what this layer of a scalable stream needs: dependency_id, quality_id, temporal_id",
-                   parse_layer, [this](const layer_target& target) {
-                       cut_chosen.layers = layer_choice::of_layer(target);
-                       cut_chosen.target = "layer of dependency_id " + std::to_string(target.dependency_id);
-                   });
-    layer->excludes(base);
-    add_parsed(cutting, "--view", "ID", "Write what this view of a multiview stream needs, by its view_id", parse_view,
-               [this](std::uint16_t view_id) {
-                   cut_chosen.layers = layer_choice::of_view(view_id);
-                   cut_chosen.target = "view of view_id " + std::to_string(view_id);
-               })
-        ->excludes(base)
-        ->excludes(layer);
+    add_layer_choices(cutting);
     add_parsed(cutting, "--rate", "N[/D]",
                "Count times in output order at N/D pictures a second, not as the stream tells them", parse_rate,
                [this](h264::ratio rate) { cut_chosen.rate = rate; });

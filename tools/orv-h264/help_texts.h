@@ -191,12 +191,12 @@ OUT appears when it is complete, and replaces what was there; - is the standard 
 or view that is not there, and a unit larger than --max-unit leave it as it was.
 
 Examples:
-  orv-h264 cut movie.264 part.264 --from 100 --to 200
-  orv-h264 cut movie.264 part.264 --from 1.5s --to 0:00:02.5 --key
-  orv-h264 cut movie.264 part.264 --from @0x1267
+  orv-h264 cut movie.264 part.264 --to 43
+  orv-h264 cut movie.264 part.264 --from 1.5s --to 0:00:01.76 --key
+  orv-h264 cut movie.264 - --from @0x1267 --only slice | wc -c
   orv-h264 cut movie.264 sets.264 --only sps,pps
   orv-h264 cut movie.264 base.264 --base
-  orv-h264 cut movie.264 part.264 --to 50 --json | jq .bytes)";
+  orv-h264 cut movie.264 part.264 --to 43 --json | jq .bytes)";
 
 constexpr const char* avcc =
     R"(FILE holds an AVC decoder configuration record (ISO/IEC 14496-15), the payload of the box avcC of an MP4 file or

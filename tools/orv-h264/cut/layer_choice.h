@@ -31,6 +31,9 @@ public:
     /// The view with those that it refers to, in anchor pictures or others, and the base view. Depth views go.
     static layer_choice of_view(std::uint16_t view_id);
 
+    /// It is not all units that stay.
+    bool is_some() const noexcept { return what != kind::everything; }
+
     /// Which units of the access unit stay, by their place in it: all of them, or none where none of its slices does.
     /// @param sets as they stand
     std::vector<bool> kept(const h264::access_unit& unit, const h264::parameter_sets& sets);
