@@ -5,6 +5,7 @@
 #include "convert.h"
 #include "cut/cut.h"
 #include "cut/cut_arguments.h"
+#include "diff/diff.h"
 #include "explain.h"
 #include "frames.h"
 #include "help_texts.h"
@@ -314,6 +315,7 @@ struct command_line {
     void add_convert();
     void add_cut();
     void add_layer_choices(CLI::App& cutting);
+    void add_diff();
     void add_avcc();
     void add_help();
     exit_status print_help();
@@ -349,6 +351,7 @@ struct command_line {
     std::string rule_wanted; // to be explained
     convert_options convert_chosen;
     cut_options cut_chosen;
+    diff_options diff_chosen;
     avcc_options avcc_chosen;
     std::string help_wanted; // of this subcommand
     std::function<exit_status()> chosen;
@@ -367,6 +370,7 @@ command_line::command_line()
     add_check();
     add_convert();
     add_cut();
+    add_diff();
     add_avcc();
     add_help();
 }
@@ -540,6 +544,28 @@ void command_line::add_cut()
     cutting.parse_complete_callback([this] { check(cut_chosen); });
     cutting.footer(std::string(help_texts::cut) + help_texts::exit_statuses);
     run_with(cutting, cut, cut_chosen);
+}
+
+void command_line::add_diff()
+{
+    CLI::App& comparison = *app.add_subcommand("diff", "Tell what two streams have otherwise");
+    add_file(comparison, "A", diff_chosen.a, "A stream");
+    add_file(comparison, "B", diff_chosen.b, "Another one, which is compared with it");
+    add_stream_options(comparison, diff_chosen.stream);
+    comparison
+        .add_option_function<std::vector<std::string>>(
+            "--ignore",
+            [this](const std::vector<std::string>& lists) {
+                for (const std::string& list : lists)
+                    diff_chosen.ignored.add(list);
+            },
+            "Elements, structures and units that may differ: ends of their paths, with * for anything; may be repeated")
+        ->allow_extra_args(false)
+        ->type_name("PATHS");
+    comparison.add_flag("--all", diff_chosen.all, "List every difference, and not a screen of them");
+    comparison.add_flag("--json", diff_chosen.json, json_object);
+    comparison.footer(std::string(help_texts::diff) + help_texts::diff_statuses);
+    run_with(comparison, diff, diff_chosen);
 }
 
 void command_line::add_avcc()

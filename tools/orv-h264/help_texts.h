@@ -198,6 +198,30 @@ Examples:
   orv-h264 cut movie.264 base.264 --base
   orv-h264 cut movie.264 part.264 --to 43 --json | jq .bytes)";
 
+constexpr const char* diff =
+    R"(Lays the access units of two streams beside each other by their slice data: those that are the same, changed,
+removed, inserted or moved. Those with a partner that are not the same are compared unit by unit and element by element:
+how often each differs, old and new values, and the byte offset of the unit in both files where it was first. Slice
+data are compared by their bits, and told as slice_data. What lies around units is no difference of streams, and is
+told in one line: start codes, lengths, emulation prevention, zero bytes at the end.
+
+--ignore takes paths as inspect --tsv has structures and names, from any dot on: frame_num, slice_header.*, [] for any
+index. A structure that only one stream has is one difference, and so is a unit: access_unit_delimiter_rbsp,
+sei_rbsp.sei_message.sei_payload.user_data_unregistered. The text is a screen; --all lists all of it, as --json does.
+Both files are read twice where they differ. Memory grows by some 100 bytes with each access unit.
+
+Examples:
+  orv-h264 diff movie.264 movie.avc
+  orv-h264 diff --ignore access_unit_delimiter_rbsp,user_data_unregistered movie.264 movie.avc
+  orv-h264 diff --json movie.264 movie.avc | jq .same)";
+
+/// Below diff, whose statuses are those of programs that compare.
+constexpr const char* diff_statuses =
+    R"(
+
+Exit status: 0 the streams are the same, 1 they differ, 2 usage or input and output, 3 an input is recognised but not
+supported. A stream that is broken is compared as far as it can be read.)";
+
 constexpr const char* avcc =
     R"(FILE holds an AVC decoder configuration record (ISO/IEC 14496-15), the payload of the box avcC of an MP4 file or
 the CodecPrivate of a Matroska track; a whole box, with its size and type in front, does as well. Shows the
