@@ -2,6 +2,7 @@
 #include "check/check_part.h"
 #include "check/facts.h"
 #include "check/general_rules.h"
+#include "check/marking_part.h"
 
 #include <algorithm>
 
@@ -27,6 +28,9 @@ rule_list every_rule()
     append(list, sps_rules());
     append(list, pps_rules());
     append(list, slice_rules());
+    append(list, operation_rules());
+    append(list, marking_rules());
+    append(list, list_rules());
     std::stable_sort(list.begin(), list.end(), stands_before);
     return list;
 }
@@ -35,8 +39,9 @@ rule_list every_rule()
 
 std::vector<std::unique_ptr<check_part>> make_check_parts(violation_log& log)
 {
-    static_cast<void>(log);
-    return {};
+    std::vector<std::unique_ptr<check_part>> parts;
+    parts.push_back(std::make_unique<marking_part>(log));
+    return parts;
 }
 
 std::span<const rule* const> all_rules()
