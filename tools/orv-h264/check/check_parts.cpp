@@ -3,6 +3,7 @@
 #include "check/facts.h"
 #include "check/general_rules.h"
 #include "check/marking_part.h"
+#include "check/output_part.h"
 
 #include <algorithm>
 
@@ -31,6 +32,10 @@ rule_list every_rule()
     append(list, operation_rules());
     append(list, marking_rules());
     append(list, list_rules());
+    append(list, decoded_order_rules());
+    append(list, output_rules());
+    append(list, new_sequence_rules());
+    append(list, sps_order_rules());
     std::stable_sort(list.begin(), list.end(), stands_before);
     return list;
 }
@@ -41,6 +46,7 @@ std::vector<std::unique_ptr<check_part>> make_check_parts(violation_log& log)
 {
     std::vector<std::unique_ptr<check_part>> parts;
     parts.push_back(std::make_unique<marking_part>(log));
+    parts.push_back(std::make_unique<output_part>(log));
     return parts;
 }
 

@@ -1,5 +1,7 @@
 #include "check/marking_part.h"
 
+#include "check/unit_of_picture.h"
+
 #include <algorithm>
 
 namespace orv_h264 {
@@ -18,14 +20,6 @@ bool is_damaged(const h264::access_unit& unit)
                                       picture_finding::first_slice_missing, picture_finding::no_primary_picture,
                                       picture_finding::limit_reached};
     return std::any_of(std::begin(losses), std::end(losses), [&](picture_finding f) { return unit.findings.has(f); });
-}
-
-/// The unit that its header comes from.
-std::uint64_t first_slice_of(const h264::access_unit& unit)
-{
-    const auto is_it = [](const h264::access_unit_part& p) { return p.role == h264::unit_role::primary && !p.failure; };
-    const auto found = std::find_if(unit.parts.begin(), unit.parts.end(), is_it);
-    return found == unit.parts.end() ? unit.parts.front().place.number : found->place.number;
 }
 
 /// MaxLongTermFrameIdx behind the operation.

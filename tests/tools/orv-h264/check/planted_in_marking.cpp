@@ -21,7 +21,7 @@ constexpr planted_violation planted[] = {
                           {top(idr()), bottom(reference(0)), top(with(reference(1), {unmark_short(1)})),
                            bottom(reference(1)), with(reference(2), {unmark_short(1)})});
      }},
-    {"operation 1 names the IDR picture, and one from before frame_num began again", "",
+    {"operation 1 names the IDR picture, and one from before frame_num began again", "output-delay-told@0",
      [] {
          return slices_of(sps_of_references(16),
                           {idr(), with(reference(1), {unmark_short(0)}), reference(2), reference(3), reference(4),
