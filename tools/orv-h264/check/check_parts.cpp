@@ -2,6 +2,8 @@
 #include "check/check_part.h"
 #include "check/facts.h"
 #include "check/general_rules.h"
+#include "check/marking_part.h"
+#include "check/output_part.h"
 
 #include <algorithm>
 
@@ -27,6 +29,13 @@ rule_list every_rule()
     append(list, sps_rules());
     append(list, pps_rules());
     append(list, slice_rules());
+    append(list, operation_rules());
+    append(list, marking_rules());
+    append(list, list_rules());
+    append(list, decoded_order_rules());
+    append(list, output_rules());
+    append(list, new_sequence_rules());
+    append(list, sps_order_rules());
     std::stable_sort(list.begin(), list.end(), stands_before);
     return list;
 }
@@ -35,8 +44,10 @@ rule_list every_rule()
 
 std::vector<std::unique_ptr<check_part>> make_check_parts(violation_log& log)
 {
-    static_cast<void>(log);
-    return {};
+    std::vector<std::unique_ptr<check_part>> parts;
+    parts.push_back(std::make_unique<marking_part>(log));
+    parts.push_back(std::make_unique<output_part>(log));
+    return parts;
 }
 
 std::span<const rule* const> all_rules()
