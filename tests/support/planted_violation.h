@@ -19,5 +19,7 @@ struct planted_violation {
 std::span<const planted_violation> planted_in_parameter_sets();
 std::span<const planted_violation> planted_in_units();
 std::span<const planted_violation> planted_in_slices();
+std::span<const planted_violation> planted_in_order();
+std::span<const planted_violation> planted_in_pictures();
 
 } // namespace support

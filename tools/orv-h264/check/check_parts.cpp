@@ -1,4 +1,6 @@
 // The parts of a check, and the list of all rules.
+#include "check/access_unit_check.h"
+#include "check/access_unit_facts.h"
 #include "check/check_part.h"
 #include "check/facts.h"
 #include "check/general_rules.h"
@@ -27,6 +29,9 @@ rule_list every_rule()
     append(list, sps_rules());
     append(list, pps_rules());
     append(list, slice_rules());
+    append(list, unit_order_rules());
+    append(list, access_unit_rules());
+    append(list, picture_slice_rules());
     std::stable_sort(list.begin(), list.end(), stands_before);
     return list;
 }
@@ -35,8 +40,9 @@ rule_list every_rule()
 
 std::vector<std::unique_ptr<check_part>> make_check_parts(violation_log& log)
 {
-    static_cast<void>(log);
-    return {};
+    std::vector<std::unique_ptr<check_part>> parts;
+    parts.push_back(std::make_unique<access_unit_check>(log));
+    return parts;
 }
 
 std::span<const rule* const> all_rules()

@@ -37,7 +37,7 @@ verdict type_is_specified(const unit_facts& f)
 verdict can_be_read(const unit_facts& f)
 {
     const h264::failure& failure = f.reading.result.failure;
-    if (!failure)
+    if (!failure || failure.why == h264::reason::no_partition_a) // that is for the order of units
         return {};
     return breach{failure.element.name(), h264::text_of(failure.why), "the syntax of the unit, whole"};
 }

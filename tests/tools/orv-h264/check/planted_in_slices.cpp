@@ -14,7 +14,8 @@ std::vector<unsigned char> of(const made_slice& slice)
 }
 
 constexpr planted_violation planted[] = {
-    {"first_mb_in_slice beyond the picture", "slice-begins-inside-picture@2 first_mb_in_slice",
+    {"first_mb_in_slice beyond the picture",
+     "slice-begins-inside-picture@2 first_mb_in_slice, picture-has-first-slice@2 first_mb_in_slice",
      [] { return of(from_macroblock(idr(), 4000)); }},
 };
 

@@ -16,7 +16,7 @@ std::vector<unsigned char> with(More more)
 }
 
 constexpr planted_violation planted[] = {
-    {"an SEI unit with nal_ref_idc 1", "unit-other-is-not-kept@3 nal_ref_idc",
+    {"an SEI unit with nal_ref_idc 1", "unit-other-is-not-kept@3 nal_ref_idc, order-picture-in-access-unit@3",
      [] { return with([](made_stream& stream) {
               stream.add_bytes(0x26, {0x0D, 0x01, 0xC0, 0x80});
           }); }},
