@@ -19,12 +19,19 @@ public:
     std::vector<orv_h264::violation> all;
 };
 
-inline std::vector<orv_h264::violation> violations_of(const bytes& stream)
+/// Options for a file with the stream, which is to be named.
+inline orv_h264::stream_options annex_b_options()
+{
+    orv_h264::stream_options options;
+    options.format = orv_utils_v4::h264::framing::annex_b;
+    return options;
+}
+
+inline std::vector<orv_h264::violation> violations_of(const bytes& stream,
+                                                      orv_h264::stream_options options = annex_b_options())
 {
     const temporary_folder folder;
-    orv_h264::stream_options options;
     options.path = folder.write("stream.264", stream);
-    options.format = orv_utils_v4::h264::framing::annex_b;
     orv_h264::stream_input input(options);
     kept_violations kept;
     orv_h264::stream_check(input.name(), input.max_unit(), kept).look_at(input);
@@ -32,10 +39,10 @@ inline std::vector<orv_h264::violation> violations_of(const bytes& stream)
 }
 
 /// Each as "rule@unit element", or "rule@unit", or "rule" where it is of no unit; commas between them.
-inline std::string broken_rules(const bytes& stream)
+inline std::string broken_rules(const bytes& stream, const orv_h264::stream_options& options = annex_b_options())
 {
     std::string text;
-    for (const orv_h264::violation& what : violations_of(stream)) {
+    for (const orv_h264::violation& what : violations_of(stream, options)) {
         text += text.empty() ? "" : ", ";
         text += what.broken->id;
         if (what.unit)

@@ -3,8 +3,10 @@
 
 #include "support/made_stream.h"
 
+#include <ostream>
 #include <span>
 #include <string_view>
+#include <vector>
 
 namespace support {
 
@@ -13,7 +15,14 @@ struct planted_violation {
     std::string_view what;   ///< was planted
     std::string_view broken; ///< as broken_rules() tells it
     std::vector<unsigned char> (*make)();
+    orv_utils_v4::h264::framing how = orv_utils_v4::h264::framing::annex_b;
+    std::uint64_t most_unit_bytes = orv_utils_v4::h264::unit_splitter::usual_most_bytes;
 };
+
+inline std::ostream& operator<<(std::ostream& out, const planted_violation& planted)
+{
+    return out << planted.what;
+}
 
 /// The tables, each in a file of its own.
 std::span<const planted_violation> planted_in_parameter_sets();

@@ -29,7 +29,6 @@ struct access_unit_facts {
     const sent_slice* first_slice; ///< of the primary coded picture, where its header was read; or null
 
     bool has_slices() const;
-    bool has_end() const;
     /// Its slices differ in one element alone from the picture before, whose last ones they may be.
     const char* one_difference() const;
 };

@@ -94,12 +94,9 @@ verdict has_primary_picture(const access_unit_facts& f)
 {
     const bool whole = std::none_of(f.of.parts.begin(), f.of.parts.end(),
                                     [](const h264::access_unit_part& p) { return static_cast<bool>(p.failure); });
-    if (f.of.header != nullptr || f.has_end() || !whole)
+    if (f.of.header != nullptr || !f.has_slices() || !whole)
         return {};
-    breach how{"", f.has_slices() ? "slices of none" : "no slices", "one primary coded picture"};
-    if (!f.has_slices())
-        how.level = warning;
-    return how;
+    return breach{"", "slices of none", "one primary coded picture"};
 }
 
 verdict differs_from_picture_before(const access_unit_facts& f)
@@ -148,10 +145,7 @@ constexpr rule_over<access_unit_facts> rules[] = {
       "SEI behind an end of stream"},
      nothing_behind_end_of_stream},
     {{"order-picture-in-access-unit", error, "7.4.1.2.3", "an access unit has a primary coded picture",
-      "Slices of other layers or of redundant pictures have none to go with. Where there are no slices at all the "
-      "stream "
-      "may have been cut: a warning.",
-      "redundant slices alone"},
+      "Slices of other layers or of redundant pictures have none to go with.", "redundant slices alone"},
      has_primary_picture},
     {{"picture-differs-from-last", error, "7.4.1.2.4", "the first slice of a picture differs from the picture before",
       "It is taken for a slice of that picture. What stands between was lost, or a picture stands there twice.",
@@ -177,11 +171,6 @@ bool access_unit_facts::has_slices() const
     return std::any_of(of.parts.begin(), of.parts.end(), [](const h264::access_unit_part& p) {
         return p.role >= h264::unit_role::primary && p.role <= h264::unit_role::layer;
     });
-}
-
-bool access_unit_facts::has_end() const
-{
-    return !of.parts.empty() && of.parts.back().role == h264::unit_role::end;
 }
 
 const char* access_unit_facts::one_difference() const

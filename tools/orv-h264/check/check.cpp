@@ -114,6 +114,7 @@ exit_status check_of_files(const file_set& files, const check_options& options)
         printer.output->fail(file, failure.at("error").get<std::string>(), failure.at("status").get<int>());
     };
     work.between = printer.frame.between;
+    work.between_failures = true;
     write_output(printer.frame.head);
     const exit_status status = read_files(files, work);
     write_output(printer.frame.tail);

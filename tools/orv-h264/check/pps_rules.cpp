@@ -93,10 +93,11 @@ verdict rectangles_inside_picture(const pps_facts& f)
         const std::uint64_t from = f.pps.top_left[i];
         const std::uint64_t to = f.pps.bottom_right[i];
         if (to >= h264::PicSizeInMapUnits(f.sps))
-            return breach_of("bottom_right", to,
+            return breach_of(fmt::format("bottom_right[{}]", i), static_cast<std::int64_t>(to),
                              fmt::format("below PicSizeInMapUnits {}", h264::PicSizeInMapUnits(f.sps)));
         if (from > to || from % width > to % width)
-            return breach{"top_left", fmt::format("{}", from), fmt::format("above and left of bottom_right {}", to)};
+            return breach{fmt::format("top_left[{}]", i), fmt::format("{}", from),
+                          fmt::format("above and left of bottom_right {}", to)};
     }
     return {};
 }

@@ -1,5 +1,5 @@
-// Violations as SARIF 2.1.0 (OASIS): a run with the rules, then a result each. It is printed when the file has ended:
-// no reader makes anything of a part.
+// Violations as SARIF 2.1.0 (OASIS): a run with the rules, then a result each. It is one line, printed when the file
+// has ended: no reader makes anything of a part.
 #include "check/check_output.h"
 #include "standard_output.h"
 
@@ -76,7 +76,7 @@ public:
                        {"message", {{"text", fmt::format("{} ({})", found_and_allowed(what), what.broken->title)}}},
                        {"locations", json::array({{{"physicalLocation", place}}})},
                        {"properties", std::move(properties)}});
-        run += (any ? ",\n" : "\n") + text_of(result);
+        run += (any ? "," : "") + text_of(result);
         any = true;
     }
 
@@ -84,9 +84,8 @@ public:
     {
         const json properties = {
             {"errors", counts[0]}, {"warnings", counts[1]}, {"notes", counts[2]}, {"not_shown", untold}};
+        run += R"(],"invocations":[{"executionSuccessful":true}],"properties":)" + text_of(properties) + "}\n";
         write_output(run);
-        write_output(
-            fmt::format(R"(],"invocations":[{{"executionSuccessful":true}}],"properties":{}}})", text_of(properties)));
     }
 
     void fail(const std::string& file, const std::string& reason, int status) override
@@ -101,7 +100,7 @@ public:
         const json failed = {{"tool", {{"driver", {{"name", "orv-h264"}, {"version", ORV_UTILS_V4_VERSION}}}}},
                              {"results", json::array()},
                              {"invocations", json::array({ended})}};
-        write_output(text_of(failed));
+        write_output(text_of(failed) + '\n');
     }
 
 private:
@@ -110,8 +109,9 @@ private:
     bool any = false;
 };
 
-constexpr output_frame log = {
-    R"({"$schema":"https://json.schemastore.org/sarif-2.1.0.json","version":"2.1.0","runs":[)", ",\n", "]}\n"};
+constexpr output_frame log = {R"({"$schema":"https://json.schemastore.org/sarif-2.1.0.json","version":"2.1.0","runs":[)"
+                              "\n",
+                              ",\n", "]}\n"};
 
 } // namespace
 

@@ -68,40 +68,6 @@ verdict kind_in_profile(const slice_facts& f)
         fmt::format("no {} slices in the {} profile", switching ? "SP and SI" : "B", h264::profile_name(f.sps)));
 }
 
-/// Lists of frames have 16 entries at most, of fields 32.
-verdict list_fits_frames(const slice_facts& f, std::uint32_t num_ref_idx_active_minus1, std::string_view element)
-{
-    const std::uint32_t most = f.slice.field_pic_flag ? 31 : 15;
-    if (num_ref_idx_active_minus1 <= most)
-        return {};
-    return breach_of(element, num_ref_idx_active_minus1,
-                     fmt::format("at most {} in a {}", most, f.slice.field_pic_flag ? "field" : "frame"));
-}
-
-verdict first_list_fits(const slice_facts& f)
-{
-    if (is_intra(f.slice.kind()))
-        return {};
-    return list_fits_frames(f, f.slice.num_ref_idx_l0_active_minus1, "num_ref_idx_l0_active_minus1");
-}
-
-verdict second_list_fits(const slice_facts& f)
-{
-    if (f.slice.kind() != slice_kind::B)
-        return {};
-    return list_fits_frames(f, f.slice.num_ref_idx_l1_active_minus1, "num_ref_idx_l1_active_minus1");
-}
-
-verdict quantiser_inside(const slice_facts& f)
-{
-    const std::int64_t lowest = -6 * static_cast<std::int64_t>(f.sps.bit_depth_luma_minus8);
-    const std::int64_t qp = std::int64_t{26} + f.pps.pic_init_qp_minus26 + f.slice.slice_qp_delta;
-    if (qp >= lowest && qp <= 51)
-        return {};
-    return breach_of("slice_qp_delta", f.slice.slice_qp_delta,
-                     fmt::format("one that makes SliceQPY {} to 51, not {}", lowest, qp));
-}
-
 std::size_t times(const slice_facts& f, std::uint32_t operation)
 {
     const auto& list = f.marking().operations;
@@ -124,26 +90,6 @@ verdict reset_stands_without_others(const slice_facts& f)
     if (times(f, reset) == 0 || (times(f, 1) == 0 && times(f, 3) == 0))
         return {};
     return breach_of("memory_management_control_operation", reset, "not together with 1 or 3");
-}
-
-verdict long_term_indexes_inside(const slice_facts& f)
-{
-    for (const h264::marking_operation& o : f.marking().operations) {
-        const bool assigns = o.memory_management_control_operation == 3 || o.memory_management_control_operation == 6;
-        if (assigns && o.long_term_frame_idx >= std::max(f.sps.max_num_ref_frames, 1U))
-            return breach_of("long_term_frame_idx", o.long_term_frame_idx,
-                             fmt::format("below max_num_ref_frames {}", f.sps.max_num_ref_frames));
-    }
-    return {};
-}
-
-verdict indexes_fit_references(const slice_facts& f)
-{
-    for (const h264::marking_operation& o : f.marking().operations)
-        if (o.memory_management_control_operation == 4 && o.max_long_term_frame_idx_plus1 > f.sps.max_num_ref_frames)
-            return breach_of("max_long_term_frame_idx_plus1", o.max_long_term_frame_idx_plus1,
-                             fmt::format("at most max_num_ref_frames {}", f.sps.max_num_ref_frames));
-    return {};
 }
 
 verdict long_term_idr_has_room(const slice_facts& f)
@@ -172,15 +118,6 @@ constexpr rule_over<slice_facts> rules[] = {
     {{"slice-idr-begins-numbers", error, "7.4.3", "frame_num of an IDR picture is 0",
       "The numbers begin again there; all gaps are counted from it.", "frame_num 3 with nal_unit_type 5"},
      idr_begins_numbers},
-    {{"slice-first-list-fits", error, "7.4.3", "the first list has at most 16 frames or 32 fields",
-      "A frame refers to frames, of which the buffer has 16.", "num_ref_idx_l0_active_minus1 20 in a frame"},
-     first_list_fits},
-    {{"slice-second-list-fits", error, "7.4.3", "the second list has at most 16 frames or 32 fields",
-      "A frame refers to frames, of which the buffer has 16.", "num_ref_idx_l1_active_minus1 20 in a frame"},
-     second_list_fits},
-    {{"slice-quantiser-inside", error, "7.4.3", "SliceQPY lies between -QpBdOffsetY and 51",
-      "It is 26, pic_init_qp_minus26 and slice_qp_delta together.", "pic_init_qp_minus26 20 with slice_qp_delta 10"},
-     quantiser_inside},
     {{"slice-long-term-idr-has-room", error, "7.4.3.3", "a long-term IDR picture has a frame to lie in",
       "max_num_ref_frames 0 keeps none.", "long_term_reference_flag 1 with max_num_ref_frames 0"},
      long_term_idr_has_room},
@@ -191,13 +128,6 @@ constexpr rule_over<slice_facts> rules[] = {
       "It marks all pictures as unused; there is none left for the others.",
       "memory_management_control_operation 1 and 5 in a header"},
      reset_stands_without_others},
-    {{"slice-long-term-index-inside", error, "7.4.3.3", "long_term_frame_idx is below max_num_ref_frames",
-      "There are as many indexes as operation 4 allows, which is at most max_num_ref_frames.",
-      "long_term_frame_idx 4 with max_num_ref_frames 4"},
-     long_term_indexes_inside},
-    {{"slice-long-term-indexes-fit", error, "7.4.3.3", "max_long_term_frame_idx_plus1 is at most max_num_ref_frames",
-      "The buffer has no more frames.", "max_long_term_frame_idx_plus1 5 with max_num_ref_frames 4"},
-     indexes_fit_references},
     {{"slice-kind-in-profile", error, "A.2", "the slice type is one that the profile has",
       "Baseline has no B slices, and only Extended has SP and SI.", "slice_type 6 (B) with profile_idc 66"},
      kind_in_profile},

@@ -205,14 +205,6 @@ verdict reordering_in_buffering(const sps_facts& f)
                      fmt::format("at most max_dec_frame_buffering {}", f.vui().max_dec_frame_buffering));
 }
 
-verdict ticks_tell_a_rate(const sps_facts& f)
-{
-    if (!f.vui().timing_info_present_flag || h264::field_rate(f.vui()).denominator != 0)
-        return {};
-    return f.vui().num_units_in_tick == 0 ? breach_of("num_units_in_tick", 0, "above 0")
-                                          : breach_of("time_scale", 0, "above 0");
-}
-
 verdict no_low_delay_at_a_fixed_rate(const sps_facts& f)
 {
     const bool sent = f.vui().nal_hrd_parameters_present_flag || f.vui().vcl_hrd_parameters_present_flag;
@@ -268,7 +260,8 @@ verdict nal_rate_at_level(const sps_facts& f)
 {
     if (!f.vui().nal_hrd_parameters_present_flag)
         return {};
-    return hrd_keeps_to_level(f, f.vui().nal_hrd_parameters, true, &h264::level_limits::MaxBR, "bit_rate_value_minus1");
+    return hrd_keeps_to_level(f, f.vui().nal_hrd_parameters, true, &h264::level_limits::MaxBR,
+                              "bit_rate_value_minus1[0]");
 }
 
 verdict vcl_rate_at_level(const sps_facts& f)
@@ -276,7 +269,7 @@ verdict vcl_rate_at_level(const sps_facts& f)
     if (!f.vui().vcl_hrd_parameters_present_flag)
         return {};
     return hrd_keeps_to_level(f, f.vui().vcl_hrd_parameters, false, &h264::level_limits::MaxBR,
-                              "bit_rate_value_minus1");
+                              "bit_rate_value_minus1[0]");
 }
 
 verdict nal_buffer_at_level(const sps_facts& f)
@@ -284,7 +277,7 @@ verdict nal_buffer_at_level(const sps_facts& f)
     if (!f.vui().nal_hrd_parameters_present_flag)
         return {};
     return hrd_keeps_to_level(f, f.vui().nal_hrd_parameters, true, &h264::level_limits::MaxCPB,
-                              "cpb_size_value_minus1");
+                              "cpb_size_value_minus1[0]");
 }
 
 verdict vcl_buffer_at_level(const sps_facts& f)
@@ -292,7 +285,7 @@ verdict vcl_buffer_at_level(const sps_facts& f)
     if (!f.vui().vcl_hrd_parameters_present_flag)
         return {};
     return hrd_keeps_to_level(f, f.vui().vcl_hrd_parameters, false, &h264::level_limits::MaxCPB,
-                              "cpb_size_value_minus1");
+                              "cpb_size_value_minus1[0]");
 }
 
 /// Rates go up and sizes go down from schedule to schedule.
@@ -303,10 +296,10 @@ verdict schedules_are_ordered(const sps_facts& f)
                                   vui.vcl_hrd_parameters_present_flag ? &vui.vcl_hrd_parameters : nullptr})
         for (std::uint32_t i = 1; hrd != nullptr && i < h264::schedule_count(*hrd); ++i) {
             if (hrd->bit_rate_value_minus1[i] <= hrd->bit_rate_value_minus1[i - 1])
-                return breach_of("bit_rate_value_minus1", hrd->bit_rate_value_minus1[i],
+                return breach_of(fmt::format("bit_rate_value_minus1[{}]", i), hrd->bit_rate_value_minus1[i],
                                  "more than that of the schedule before");
             if (hrd->cpb_size_value_minus1[i] > hrd->cpb_size_value_minus1[i - 1])
-                return breach_of("cpb_size_value_minus1", hrd->cpb_size_value_minus1[i],
+                return breach_of(fmt::format("cpb_size_value_minus1[{}]", i), hrd->cpb_size_value_minus1[i],
                                  "at most that of the schedule before");
         }
     return {};
@@ -351,7 +344,7 @@ verdict vectors_at_level(const sps_facts& f)
 {
     const h264::level_limits* const level = h264::limits_of_level(f.sps);
     const std::uint32_t bits = f.vui().log2_max_mv_length_vertical;
-    if (level == nullptr || !f.vui().bitstream_restriction_flag || bits > 16 || 1U << bits <= 4 * level->MaxVmvR)
+    if (level == nullptr || !f.vui().bitstream_restriction_flag || bits > 15 || 1U << bits <= 4 * level->MaxVmvR)
         return {};
     return breach_of(
         "log2_max_mv_length_vertical", fmt::format("{} at level {}", bits, level->name),
@@ -460,9 +453,6 @@ constexpr rule_over<sps_facts> rules[] = {
     {{"vui-chroma-location-fits-format", error, "E.2.1", "only 4:2:0 has locations of chroma samples",
       "In the other formats they lie where Table 6-1 puts them.", "chroma_loc_info_present_flag 1 in a 4:2:2 stream"},
      chroma_location_fits_format},
-    {{"vui-rate-is-told", error, "E.2.1", "num_units_in_tick and time_scale are above 0", "Both of them make the tick.",
-      "time_scale 0"},
-     ticks_tell_a_rate},
     {{"vui-low-delay-at-fixed-rate", error, "E.2.1", "a fixed frame rate leaves no room for big pictures",
       "low_delay_hrd_flag lets a picture come late, which a fixed rate forbids.",
       "fixed_frame_rate_flag 1, low_delay_hrd_flag 1"},

@@ -13,13 +13,14 @@ namespace orv_h264 {
 
 namespace {
 
-/// What older editions allowed is no error.
-std::optional<severity> level_of(const h264::traced_element& e)
+/// A rule of its own is about the element.
+bool is_ruled_otherwise(const h264::traced_element& e)
 {
-    constexpr std::int64_t older = 16;
+    constexpr std::int64_t older = 16; // which older editions allowed
     const std::string_view name = e.name.name();
-    const bool vectors = name == "log2_max_mv_length_horizontal" || name == "log2_max_mv_length_vertical";
-    return vectors && e.value == older ? std::optional(severity::warning) : std::nullopt;
+    if (name == "log2_max_mv_length_horizontal" || name == "log2_max_mv_length_vertical")
+        return e.value == older;
+    return name == "rbsp_stop_one_bit" || name == "rbsp_alignment_zero_bit";
 }
 
 std::string allowed_text(const h264::traced_element& e)
@@ -64,10 +65,9 @@ void stream_check::look_at_elements(std::uint64_t unit)
 {
     for (const element_outside& outside : elements.outside) {
         const h264::traced_element& e = outside.element;
-        const std::string_view name = e.name.name();
-        if (name == "rbsp_stop_one_bit" || name == "rbsp_alignment_zero_bit")
-            continue; // a rule of their own is about them
-        breach how{text_of(e.name), "", allowed_text(e), level_of(e)};
+        if (is_ruled_otherwise(e))
+            continue;
+        breach how{text_of(e.name), "", allowed_text(e)};
         append_value(how.found, e);
         log.tell_of_element(general_rules::value_in_range, unit, std::move(how), h264::semantics_of(outside.structure));
     }

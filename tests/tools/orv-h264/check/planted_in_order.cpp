@@ -121,6 +121,8 @@ constexpr planted_violation planted[] = {
      [] { return sets_and([](made_stream& s) { s.add(reference(1)); }); }},
     {"no IDR picture behind an end of sequence", "order-idr-behind-end-of-sequence@4 nal_unit_type",
      [] { return idr_and([](made_stream& s) { s.add_bytes(10, {}).add(reference(1)); }); }},
+    {"SEI behind an end of stream", "order-nothing-behind-end-of-stream@4",
+     [] { return idr_and([](made_stream& s) { s.add_bytes(11, {}).add_bytes(6, user_data); }); }},
     {"a picture behind an end of stream", "order-begins-with-idr@4 nal_unit_type, order-nothing-behind-end-of-stream@4",
      [] { return idr_and([](made_stream& s) { s.add_bytes(11, {}).add(reference(1)); }); }},
     {"a redundant picture alone", "order-picture-in-access-unit@4",

@@ -1,5 +1,5 @@
 // Every rule of `orv-h264 check` is broken by some stream, which is told so at the unit and the element, and nothing
-// else is told of it.
+// else is told of it. Streams that come close to breaking a rule stand in the tables too, with nothing to tell.
 #include "support/checked.h"
 #include "support/planted_violation.h"
 #include "support/special_streams.h"
@@ -26,7 +26,10 @@ class PlantedViolation : public testing::TestWithParam<planted_violation> {};
 
 TEST_P(PlantedViolation, IsToldAtItsPlaceAndNothingElse)
 {
-    EXPECT_EQ(support::broken_rules(GetParam().make()), GetParam().broken) << GetParam().what;
+    orv_h264::stream_options options;
+    options.format = GetParam().how;
+    options.max_unit = GetParam().most_unit_bytes;
+    EXPECT_EQ(support::broken_rules(GetParam().make(), options), GetParam().broken);
 }
 
 INSTANTIATE_TEST_SUITE_P(All, PlantedViolation, testing::ValuesIn(all_planted()));
@@ -37,7 +40,7 @@ TEST(PlantedViolations, BreakEveryRule)
     for (const orv_h264::rule* one : orv_h264::all_rules())
         unbroken.insert(one->id);
     for (const planted_violation& planted : all_planted())
-        unbroken.erase(planted.broken.substr(0, planted.broken.find('@')));
+        unbroken.erase(planted.broken.substr(0, planted.broken.find_first_of("@,")));
     EXPECT_EQ(std::vector(unbroken.begin(), unbroken.end()), std::vector<std::string_view>());
 }
 
