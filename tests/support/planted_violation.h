@@ -28,6 +28,7 @@ inline std::ostream& operator<<(std::ostream& out, const planted_violation& plan
 std::span<const planted_violation> planted_in_parameter_sets();
 std::span<const planted_violation> planted_in_units();
 std::span<const planted_violation> planted_in_slices();
+std::span<const planted_violation> planted_in_activation();
 std::span<const planted_violation> planted_in_order();
 std::span<const planted_violation> planted_in_pictures();
 
