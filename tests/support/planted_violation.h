@@ -29,6 +29,7 @@ std::span<const planted_violation> planted_in_parameter_sets();
 std::span<const planted_violation> planted_in_units();
 std::span<const planted_violation> planted_in_slices();
 std::span<const planted_violation> planted_in_activation();
+std::span<const planted_violation> planted_in_numbers();
 std::span<const planted_violation> planted_in_order();
 std::span<const planted_violation> planted_in_pictures();
 

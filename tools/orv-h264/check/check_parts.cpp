@@ -4,6 +4,8 @@
 #include "check/check_part.h"
 #include "check/facts.h"
 #include "check/general_rules.h"
+#include "check/number_check.h"
+#include "check/number_facts.h"
 #include "check/set_check.h"
 #include "check/set_facts.h"
 
@@ -34,6 +36,10 @@ rule_list every_rule()
     append(list, unit_order_rules());
     append(list, access_unit_rules());
     append(list, picture_slice_rules());
+    append(list, numbering_rules());
+    append(list, count_rules());
+    append(list, output_step_rules());
+    append(list, recovery_rules());
     append(list, naming_rules());
     append(list, set_content_rules());
     append(list, activation_rules());
@@ -48,6 +54,7 @@ std::vector<std::unique_ptr<check_part>> make_check_parts(violation_log& log)
     std::vector<std::unique_ptr<check_part>> parts;
     parts.push_back(std::make_unique<set_check>(log));
     parts.push_back(std::make_unique<access_unit_check>(log));
+    parts.push_back(std::make_unique<number_check>(log));
     return parts;
 }
 
