@@ -4,6 +4,7 @@
 #include "check/check_part.h"
 #include "check/facts.h"
 #include "check/general_rules.h"
+#include "check/habit_check.h"
 #include "check/number_check.h"
 #include "check/number_facts.h"
 #include "check/set_check.h"
@@ -40,6 +41,7 @@ rule_list every_rule()
     append(list, count_rules());
     append(list, output_step_rules());
     append(list, recovery_rules());
+    append(list, habit_rules());
     append(list, naming_rules());
     append(list, set_content_rules());
     append(list, activation_rules());
@@ -55,6 +57,7 @@ std::vector<std::unique_ptr<check_part>> make_check_parts(violation_log& log)
     parts.push_back(std::make_unique<set_check>(log));
     parts.push_back(std::make_unique<access_unit_check>(log));
     parts.push_back(std::make_unique<number_check>(log));
+    parts.push_back(std::make_unique<habit_check>(log));
     return parts;
 }
 

@@ -38,7 +38,7 @@ private:
     std::map<std::uint64_t, std::uint64_t> first_slices; // units, by the number of their picture; of the latest ones
 
     // of output
-    static constexpr std::uint64_t enough_steps = 8;
+    static constexpr std::uint64_t enough_steps = 4;
     std::uint64_t output_sequence = 0;
     std::optional<std::int64_t> output_count;
     std::int64_t output_step = 0;

@@ -76,6 +76,23 @@ std::vector<unsigned char> steps(std::uint32_t pictures, std::uint32_t longer)
     return counted(slices);
 }
 
+/// Pictures of three slices, behind a delimiter each; number `less` lacks that of `lacks`: 0 the delimiter, 4 and 8 the
+/// slice that begins with that macroblock.
+std::vector<unsigned char> alike(std::uint32_t pictures, std::uint32_t less, std::uint32_t lacks)
+{
+    made_stream stream;
+    for (std::uint32_t n = 0; n < pictures; ++n) {
+        if (n != less || lacks != 0)
+            stream.add_bytes(9, {0xF0});
+        if (n == 0)
+            stream.add_sets();
+        for (const std::uint32_t first_mb_in_slice : {0U, 4U, 8U})
+            if (n != less || lacks == 0 || first_mb_in_slice != lacks)
+                stream.add(from_macroblock(n == 0 ? idr() : reference(n), first_mb_in_slice));
+    }
+    return stream.bytes;
+}
+
 /// An IDR picture with a recovery point that speaks of slice groups.
 std::vector<unsigned char> recovering(const pic_parameter_set_rbsp& pps)
 {
@@ -147,6 +164,8 @@ constexpr planted_violation planted[] = {
          return counted_apart({idr(), apart(reference(1, 4), 1), apart(reference(2, 2), 6)});
      }},
     {"a picture order count that is left out", "picture-counts-go-on@12", [] { return steps(13, 10); }},
+    {"a delimiter that is missing", "order-delimiters-as-before@34", [] { return alike(10, 8, 0); }},
+    {"a slice that is missing", "picture-slices-as-before@34", [] { return alike(10, 8, 4); }},
     {"a recovery point of slice groups that are not there", "sei-recovery-groups-change@2 changing_slice_group_idc",
      [] { return recovering(pps_rbsp()); }},
     // Nothing is wrong with these.
@@ -188,7 +207,9 @@ constexpr planted_violation planted[] = {
      [] {
          return counted_apart({idr(), apart(reference(1, 2), 1), apart(reference(2, 5), -1)});
      }},
-    {"a longer step behind a few", "", [] { return steps(8, 4); }},
+    {"a longer step behind a few", "", [] { return steps(8, 3); }},
+    {"a delimiter that is missing behind a few", "", [] { return alike(10, 7, 0); }},
+    {"a slice that is missing behind a few", "", [] { return alike(10, 7, 8); }},
     {"a recovery point of slice groups that change", "", [] { return recovering(two_growing_groups()); }},
 };
 
