@@ -76,8 +76,8 @@ bool habit_check::lacks_delimiter(const h264::access_unit& unit)
     return lacks;
 }
 
-/// A picture that lacks one does not end the row; one with other slices does. What lacks more is coded that way. A
-/// picture without its first slice breaks a rule of its own.
+/// A picture that lacks one does not end the row; one with other slices does. What lacks more than half is coded that
+/// way. A picture without its first slice breaks a rule of its own.
 std::optional<std::uint32_t> habit_check::lacks_slice(const h264::access_unit& unit)
 {
     slice_row& row = rows[unit.field() ? 1 : 0];
@@ -86,9 +86,9 @@ std::optional<std::uint32_t> habit_check::lacks_slice(const h264::access_unit& u
         ++row.pictures;
         return {};
     }
-    const bool one_less = begins.size() + 1 == row.begins.size() &&
-                          std::includes(row.begins.begin(), row.begins.end(), begins.begin(), begins.end());
-    if (!one_less || row.pictures < enough) {
+    const bool most_are_there = 2 * begins.size() >= row.begins.size() &&
+                                std::includes(row.begins.begin(), row.begins.end(), begins.begin(), begins.end());
+    if (!most_are_there || row.pictures < enough) {
         row = {std::move(begins), 1};
         return {};
     }
