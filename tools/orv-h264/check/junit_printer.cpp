@@ -43,7 +43,11 @@ std::string escaped(std::string_view text)
 
 class junit_suite final : public check_output {
 public:
-    void begin(const std::string& file) override { name = escaped(file); }
+    void begin(const std::string& file, std::span<const rule* const> in_play) override
+    {
+        name = escaped(file);
+        rules = in_play;
+    }
 
     void print(const violation& what) override
     {
@@ -56,8 +60,8 @@ public:
     void end(const violation_counts&, std::uint64_t) override
     {
         std::string suite = fmt::format("<testsuite name=\"{}\" tests=\"{}\" failures=\"{}\" errors=\"0\">", name,
-                                        all_rules().size(), failures.size());
-        for (const rule* one : all_rules())
+                                        rules.size(), failures.size());
+        for (const rule* one : rules)
             append_case(suite, *one);
         write_output(suite + "</testsuite>\n");
     }
@@ -86,6 +90,7 @@ private:
     }
 
     std::string name;
+    std::span<const rule* const> rules;
     texts failures;
     texts remarks;
 };

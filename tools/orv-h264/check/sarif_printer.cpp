@@ -34,18 +34,12 @@ json sarif_of(const rule& one)
             {"properties", {{"clause", one.clause}}}};
 }
 
-json driver()
+json driver_of(std::span<const rule* const> rules)
 {
-    json rules = json::array();
-    for (const rule* one : all_rules())
-        rules.push_back(sarif_of(*one));
-    return {{"driver", {{"name", "orv-h264"}, {"version", ORV_UTILS_V4_VERSION}, {"rules", std::move(rules)}}}};
-}
-
-std::size_t index_of(const rule* one)
-{
-    const auto rules = all_rules();
-    return static_cast<std::size_t>(std::find(rules.begin(), rules.end(), one) - rules.begin());
+    json list = json::array();
+    for (const rule* one : rules)
+        list.push_back(sarif_of(*one));
+    return {{"driver", {{"name", "orv-h264"}, {"version", ORV_UTILS_V4_VERSION}, {"rules", std::move(list)}}}};
 }
 
 /// Bytes that are no UTF-8 become U+FFFD.
@@ -56,10 +50,11 @@ std::string text_of(const json& value)
 
 class sarif_run final : public check_output {
 public:
-    void begin(const std::string& file) override
+    void begin(const std::string& file, std::span<const rule* const> in_play) override
     {
         uri = uri_of(file);
-        run = fmt::format(R"({{"tool":{},"columnKind":"utf16CodeUnits","results":[)", text_of(driver()));
+        rules = in_play;
+        run = fmt::format(R"({{"tool":{},"columnKind":"utf16CodeUnits","results":[)", text_of(driver_of(rules)));
         any = false;
     }
 
@@ -70,9 +65,8 @@ public:
         const json place = {{"artifactLocation", {{"uri", uri}}},
                             {"region", {{"byteOffset", offset}, {"byteLength", 1}}}};
         json result = {{"ruleId", what.broken->id}};
-        if (const std::size_t index = index_of(what.broken); index < all_rules().size())
-            result["ruleIndex"] = index;
-        result.update({{"level", name_of(what.level)},
+        result.update({{"ruleIndex", std::find(rules.begin(), rules.end(), what.broken) - rules.begin()},
+                       {"level", name_of(what.level)},
                        {"message", {{"text", fmt::format("{} ({})", found_and_allowed(what), what.broken->title)}}},
                        {"locations", json::array({{{"physicalLocation", place}}})},
                        {"properties", std::move(properties)}});
@@ -105,6 +99,7 @@ public:
 
 private:
     std::string uri;
+    std::span<const rule* const> rules;
     std::string run; // so far
     bool any = false;
 };
