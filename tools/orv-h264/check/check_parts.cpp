@@ -2,6 +2,10 @@
 #include "check/check_part.h"
 #include "check/facts.h"
 #include "check/general_rules.h"
+#include "check/hrd_facts.h"
+#include "check/hrd_part.h"
+#include "check/sei_facts.h"
+#include "check/sei_part.h"
 
 #include <algorithm>
 
@@ -27,6 +31,18 @@ rule_list every_rule()
     append(list, sps_rules());
     append(list, pps_rules());
     append(list, slice_rules());
+    append(list, hrd_start_rules());
+    append(list, hrd_removal_rules());
+    append(list, hrd_arrival_rules());
+    append(list, hrd_delay_rules());
+    append(list, hrd_period_rules());
+    append(list, output_time_rules());
+    append(list, field_time_rules());
+    append(list, picture_buffer_rules());
+    append(list, unit_message_rules());
+    append(list, message_rules());
+    append(list, picture_timing_rules());
+    append(list, vui_time_rules());
     std::stable_sort(list.begin(), list.end(), stands_before);
     return list;
 }
@@ -35,8 +51,10 @@ rule_list every_rule()
 
 std::vector<std::unique_ptr<check_part>> make_check_parts(violation_log& log)
 {
-    static_cast<void>(log);
-    return {};
+    std::vector<std::unique_ptr<check_part>> parts;
+    parts.push_back(std::make_unique<hrd_part>(log));
+    parts.push_back(std::make_unique<sei_part>(log));
+    return parts;
 }
 
 std::span<const rule* const> all_rules()

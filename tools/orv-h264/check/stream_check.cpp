@@ -32,6 +32,8 @@ std::string allowed_text(const h264::traced_element& e)
 
 void stream_check::look_at(stream_input& input)
 {
+    for (const std::unique_ptr<check_part>& part : parts)
+        part->begin(input);
     run(input);
     if (!any_unit)
         log.tell_at(general_rules::some_unit, input.bytes_read(), {"", describe_no_unit(input.is_empty()), "a unit"});
