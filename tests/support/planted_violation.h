@@ -28,5 +28,7 @@ inline std::ostream& operator<<(std::ostream& out, const planted_violation& plan
 std::span<const planted_violation> planted_in_parameter_sets();
 std::span<const planted_violation> planted_in_units();
 std::span<const planted_violation> planted_in_slices();
+std::span<const planted_violation> planted_in_hrd();
+std::span<const planted_violation> planted_in_sei();
 
 } // namespace support

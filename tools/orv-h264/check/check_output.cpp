@@ -27,7 +27,8 @@ std::string found_and_allowed(const violation& what)
 
 std::string name_of_clause(std::string_view clause)
 {
-    return (clause.starts_with("ISO/IEC") ? "" : "H.264 ") + std::string(clause);
+    const bool elsewhere = clause.find(' ') != std::string_view::npos;
+    return (elsewhere ? "" : "H.264 ") + std::string(clause);
 }
 
 json json_of(const rule& one)

@@ -69,7 +69,8 @@ verdict timing_comes_once(const message_facts& f)
 
 verdict timing_has_use(const message_facts& f)
 {
-    if (f.as<h264::pic_timing>() == nullptr || has_hrd(f.all) || tells_pic_struct(f.all))
+    const bool timing = std::holds_alternative<h264::pic_timing>(f.message.message->payload); // it may be empty
+    if (!timing || has_hrd(f.all) || tells_pic_struct(f.all))
         return {};
     return breach_of("", "a picture timing", "none without HRD parameters and pic_struct_present_flag");
 }
