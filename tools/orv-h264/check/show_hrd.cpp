@@ -77,8 +77,11 @@ private:
         ++runs;
     }
 
-    void removed(const hrd_schedule& schedule, const cpb_step& step) override
+    void removed(const hrd_schedule& schedule, const cpb_step& of_model) override
     {
+        cpb_step step = of_model;
+        step.before = std::max<std::int64_t>(step.before, 0); // what comes behind its removal is in no buffer
+        step.after = std::max<std::int64_t>(step.after, 0);
         const schedule_key key{!schedule.nal, schedule.SchedSelIdx, schedule.bit_rate,
                                schedule.size, schedule.cbr,         schedule.low_delay};
         any_breach = any_breach || step.underflow || step.overflow;

@@ -27,7 +27,7 @@ _orv_h264()
     explain) options="--format --track --max-unit --json --csv --tsv" ;;
     frames) options="$many --format --track --max-unit --fields --split-fields --output-order --limit --json --csv --tsv" ;;
     report) options="--format --track --max-unit -o --output" ;;
-    check) options="$many --format --track --max-unit --json --sarif --junit --ignore --only --profile --limit --rules --explain" ;;
+    check) options="$many --format --track --max-unit --json --sarif --junit --ignore --only --profile --limit --hrd --rules --explain" ;;
     convert) options="--format --track --max-unit --to --avcc --parameter-sets" ;;
     avcc) options="--json --csv --tsv" ;;
     help) options="" ;;
