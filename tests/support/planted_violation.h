@@ -35,5 +35,7 @@ std::span<const planted_violation> planted_in_activation();
 std::span<const planted_violation> planted_in_numbers();
 std::span<const planted_violation> planted_in_order();
 std::span<const planted_violation> planted_in_pictures();
+std::span<const planted_violation> planted_in_hrd();
+std::span<const planted_violation> planted_in_sei();
 
 } // namespace support
