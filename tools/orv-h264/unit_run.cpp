@@ -50,7 +50,7 @@ void unit_run::unit(const h264::split_unit& u)
     const listed_unit whole = listed(u);
     ++units;
     if (u.cut)
-        complain(&whole, whole.shown(), describe_cut(u), true);
+        take_cut(whole, u);
     if (unread()) {
         if ((u.bytes[0] & 0x80U) != 0)
             complain(&whole, whole.shown(), forbidden_bit, true);
@@ -58,6 +58,11 @@ void unit_run::unit(const h264::split_unit& u)
     }
     waiting.push_back(whole);
     stream.push(whole.place, *this);
+}
+
+void unit_run::take_cut(const listed_unit& unit, const h264::split_unit& as_split)
+{
+    complain(&unit, unit.shown(), describe_cut(as_split), true);
 }
 
 void unit_run::gap(const h264::split_gap& g)

@@ -50,6 +50,8 @@ protected:
     /// The unit was read; null where it is not.
     virtual void take(const listed_unit& unit, const h264::unit_reading* reading) = 0;
     virtual void take_gap(const h264::split_gap& gap) { static_cast<void>(gap); }
+    /// The stream ends inside the unit, which comes to the others behind this.
+    virtual void take_cut(const listed_unit& unit, const h264::split_unit& as_split);
 
     /// For one that is not run, but given the units that are read for something else, and told when they have ended.
     void begin_units(const stream_input& input);

@@ -14,11 +14,6 @@ constexpr unsigned main_profile = 77;
 constexpr unsigned extended = 88;
 constexpr unsigned cavlc_444 = 44;
 
-breach of(std::string_view element, std::uint64_t found, std::string allowed)
-{
-    return {element, fmt::format("{}", found), std::move(allowed)};
-}
-
 /// Baseline, Main or Extended, and the streams that say that decoders of these read them.
 bool without_high_tools(const h264::seq_parameter_set_data& sps)
 {
@@ -30,15 +25,16 @@ verdict cabac_in_profile(const pps_facts& f)
     const unsigned profile = f.sps.profile_idc;
     if (!f.pps.entropy_coding_mode_flag || (profile != baseline && profile != extended && profile != cavlc_444))
         return {};
-    return of("entropy_coding_mode_flag", 1, fmt::format("0 in the {} profile", h264::profile_name(f.sps)));
+    return breach_of("entropy_coding_mode_flag", 1, fmt::format("0 in the {} profile", h264::profile_name(f.sps)));
 }
 
 verdict weights_in_baseline(const pps_facts& f)
 {
     if (f.sps.profile_idc != baseline || (!f.pps.weighted_pred_flag && f.pps.weighted_bipred_idc == 0))
         return {};
-    return f.pps.weighted_pred_flag ? of("weighted_pred_flag", 1, "0 in the Baseline profile")
-                                    : of("weighted_bipred_idc", f.pps.weighted_bipred_idc, "0 in the Baseline profile");
+    return f.pps.weighted_pred_flag
+               ? breach_of("weighted_pred_flag", 1, "0 in the Baseline profile")
+               : breach_of("weighted_bipred_idc", f.pps.weighted_bipred_idc, "0 in the Baseline profile");
 }
 
 verdict slice_groups_in_profile(const pps_facts& f)
@@ -47,8 +43,8 @@ verdict slice_groups_in_profile(const pps_facts& f)
     const bool allowed = (f.sps.profile_idc == baseline && !constrained) || f.sps.profile_idc == extended;
     if (allowed || f.pps.num_slice_groups_minus1 == 0)
         return {};
-    return of("num_slice_groups_minus1", f.pps.num_slice_groups_minus1,
-              fmt::format("0 in the {} profile", h264::profile_name(f.sps)));
+    return breach_of("num_slice_groups_minus1", f.pps.num_slice_groups_minus1,
+                     fmt::format("0 in the {} profile", h264::profile_name(f.sps)));
 }
 
 verdict redundant_pictures_in_profile(const pps_facts& f)
@@ -57,21 +53,23 @@ verdict redundant_pictures_in_profile(const pps_facts& f)
     const bool allowed = (f.sps.profile_idc == baseline && !constrained) || f.sps.profile_idc == extended;
     if (allowed || !f.pps.redundant_pic_cnt_present_flag)
         return {};
-    return of("redundant_pic_cnt_present_flag", 1, fmt::format("0 in the {} profile", h264::profile_name(f.sps)));
+    return breach_of("redundant_pic_cnt_present_flag", 1,
+                     fmt::format("0 in the {} profile", h264::profile_name(f.sps)));
 }
 
 verdict large_transform_in_profile(const pps_facts& f)
 {
     if (!without_high_tools(f.sps) || !f.pps.transform_8x8_mode_flag)
         return {};
-    return of("transform_8x8_mode_flag", 1, fmt::format("0 in the {} profile", h264::profile_name(f.sps)));
+    return breach_of("transform_8x8_mode_flag", 1, fmt::format("0 in the {} profile", h264::profile_name(f.sps)));
 }
 
 verdict scaling_in_profile(const pps_facts& f)
 {
     if (!without_high_tools(f.sps) || !f.pps.pic_scaling_matrix_present_flag)
         return {};
-    return of("pic_scaling_matrix_present_flag", 1, fmt::format("0 in the {} profile", h264::profile_name(f.sps)));
+    return breach_of("pic_scaling_matrix_present_flag", 1,
+                     fmt::format("0 in the {} profile", h264::profile_name(f.sps)));
 }
 
 verdict second_offset_in_profile(const pps_facts& f)
@@ -95,9 +93,11 @@ verdict rectangles_inside_picture(const pps_facts& f)
         const std::uint64_t from = f.pps.top_left[i];
         const std::uint64_t to = f.pps.bottom_right[i];
         if (to >= h264::PicSizeInMapUnits(f.sps))
-            return of("bottom_right", to, fmt::format("below PicSizeInMapUnits {}", h264::PicSizeInMapUnits(f.sps)));
+            return breach_of(fmt::format("bottom_right[{}]", i), static_cast<std::int64_t>(to),
+                             fmt::format("below PicSizeInMapUnits {}", h264::PicSizeInMapUnits(f.sps)));
         if (from > to || from % width > to % width)
-            return breach{"top_left", fmt::format("{}", from), fmt::format("above and left of bottom_right {}", to)};
+            return breach{fmt::format("top_left[{}]", i), fmt::format("{}", from),
+                          fmt::format("above and left of bottom_right {}", to)};
     }
     return {};
 }
@@ -108,8 +108,8 @@ verdict map_has_the_picture(const pps_facts& f)
     const bool sent = f.pps.num_slice_groups_minus1 != 0 && f.pps.slice_group_map_type == explicit_map;
     if (!sent || f.pps.pic_size_in_map_units_minus1 + std::uint64_t{1} == h264::PicSizeInMapUnits(f.sps))
         return {};
-    return of("pic_size_in_map_units_minus1", f.pps.pic_size_in_map_units_minus1,
-              fmt::format("PicSizeInMapUnits - 1, {}", h264::PicSizeInMapUnits(f.sps) - 1));
+    return breach_of("pic_size_in_map_units_minus1", f.pps.pic_size_in_map_units_minus1,
+                     fmt::format("PicSizeInMapUnits - 1, {}", h264::PicSizeInMapUnits(f.sps) - 1));
 }
 
 constexpr severity error = severity::error;

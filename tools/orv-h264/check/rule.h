@@ -2,6 +2,7 @@
 // each kind of thing that they look at has a table of them.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -29,19 +30,30 @@ struct rule {
 
 /// What breaks a rule.
 struct breach {
-    std::string_view element; ///< the syntax element to blame, as a trace names it; "" where it is no single one
+    std::string element; ///< the syntax element to blame, with its indices; "" where it is no single one
     std::string found;
     std::string allowed;
+    std::optional<severity> level = {}; ///< where it weighs less than the rule says
+    std::size_t nth = 0;                ///< of the elements with that name in the unit, from 0
 };
+
+/// What breaks a rule by the value of an element.
+breach breach_of(std::string_view element, std::int64_t found, std::string allowed);
+/// Likewise, of one that is not shown as a number.
+breach breach_of(std::string_view element, std::string found, std::string allowed);
 
 /// Nothing where the rule is kept, or has nothing to say.
 using verdict = std::optional<breach>;
 
+/// A rule with the function that judges.
 template <class Facts>
 struct rule_over {
     rule what;
     verdict (*judge)(const Facts& of);
 };
+
+/// Its clause stands before the other's: by numbers, H.264 before other standards, annexes behind clauses.
+bool stands_before(const rule* one, const rule* other);
 
 /// All rules, in the order of their clauses.
 std::span<const rule* const> all_rules();

@@ -27,28 +27,18 @@ bool is_one_of(unsigned value, std::initializer_list<unsigned> list)
     return std::find(list.begin(), list.end(), value) != list.end();
 }
 
-breach of(std::string_view element, std::string found, std::string allowed)
-{
-    return {element, std::move(found), std::move(allowed)};
-}
-
-breach of(std::string_view element, std::uint64_t found, std::string allowed)
-{
-    return {element, fmt::format("{}", found), std::move(allowed)};
-}
-
 verdict known_profile(const sps_facts& f)
 {
     if (h264::profile_name(f.sps)[0] != '\0')
         return {};
-    return of("profile_idc", f.sps.profile_idc, "a profile of Annex A, G, H, I or J");
+    return breach_of("profile_idc", f.sps.profile_idc, "a profile of Annex A, G, H, I or J");
 }
 
 verdict known_level(const sps_facts& f)
 {
     if (h264::limits_of_level(f.sps) != nullptr)
         return {};
-    return of("level_idc", f.sps.level_idc, "a level of Table A-1");
+    return breach_of("level_idc", f.sps.level_idc, "a level of Table A-1");
 }
 
 /// The greatest chroma_format_idc of the profiles that send it.
@@ -64,8 +54,8 @@ verdict chroma_format_of_profile(const sps_facts& f)
     const std::uint32_t most = greatest_chroma_format(f.sps.profile_idc);
     if (f.is_subset || f.sps.chroma_format_idc <= most)
         return {};
-    return of("chroma_format_idc", f.sps.chroma_format_idc,
-              fmt::format("at most {} in the {} profile", most, h264::profile_name(f.sps)));
+    return breach_of("chroma_format_idc", f.sps.chroma_format_idc,
+                     fmt::format("at most {} in the {} profile", most, h264::profile_name(f.sps)));
 }
 
 /// Of luma and chroma, in bits.
@@ -81,8 +71,8 @@ verdict luma_depth_of_profile(const sps_facts& f)
     const std::uint64_t most = greatest_bit_depth(f.sps.profile_idc);
     if (f.is_subset || h264::BitDepthY(f.sps) <= most)
         return {};
-    return of("bit_depth_luma_minus8", f.sps.bit_depth_luma_minus8,
-              fmt::format("at most {} in the {} profile", most - 8, h264::profile_name(f.sps)));
+    return breach_of("bit_depth_luma_minus8", f.sps.bit_depth_luma_minus8,
+                     fmt::format("at most {} in the {} profile", most - 8, h264::profile_name(f.sps)));
 }
 
 verdict chroma_depth_of_profile(const sps_facts& f)
@@ -90,22 +80,22 @@ verdict chroma_depth_of_profile(const sps_facts& f)
     const std::uint64_t most = greatest_bit_depth(f.sps.profile_idc);
     if (f.is_subset || h264::BitDepthC(f.sps) <= most)
         return {};
-    return of("bit_depth_chroma_minus8", f.sps.bit_depth_chroma_minus8,
-              fmt::format("at most {} in the {} profile", most - 8, h264::profile_name(f.sps)));
+    return breach_of("bit_depth_chroma_minus8", f.sps.bit_depth_chroma_minus8,
+                     fmt::format("at most {} in the {} profile", most - 8, h264::profile_name(f.sps)));
 }
 
 verdict bypass_of_profile(const sps_facts& f)
 {
     if (!f.sps.qpprime_y_zero_transform_bypass_flag || is_one_of(f.sps.profile_idc, {high_444, cavlc_444}))
         return {};
-    return of("qpprime_y_zero_transform_bypass_flag", 1, "0 but in the 4:4:4 profiles");
+    return breach_of("qpprime_y_zero_transform_bypass_flag", 1, "0 but in the 4:4:4 profiles");
 }
 
 verdict frames_only_in_baseline(const sps_facts& f)
 {
     if (f.sps.profile_idc != baseline || f.sps.frame_mbs_only_flag)
         return {};
-    return of("frame_mbs_only_flag", 0, "1 in the Baseline profile");
+    return breach_of("frame_mbs_only_flag", 0, "1 in the Baseline profile");
 }
 
 verdict frames_only_at_level(const sps_facts& f)
@@ -115,21 +105,22 @@ verdict frames_only_at_level(const sps_facts& f)
     const h264::level_limits* const level = h264::limits_of_level(f.sps);
     if (level == nullptr || f.sps.profile_idc == baseline)
         return {};
-    return of("frame_mbs_only_flag", 0, fmt::format("1 at level {} (fields are for levels 2.1 to 4.1)", level->name));
+    return breach_of("frame_mbs_only_flag", 0,
+                     fmt::format("1 at level {} (fields are for levels 2.1 to 4.1)", level->name));
 }
 
 verdict direct_inference_of_fields(const sps_facts& f)
 {
     if (f.sps.frame_mbs_only_flag || f.sps.direct_8x8_inference_flag)
         return {};
-    return of("direct_8x8_inference_flag", 0, "1 where frame_mbs_only_flag is 0");
+    return breach_of("direct_8x8_inference_flag", 0, "1 where frame_mbs_only_flag is 0");
 }
 
 verdict direct_inference_of_extended(const sps_facts& f)
 {
     if (f.sps.profile_idc != extended || f.sps.direct_8x8_inference_flag)
         return {};
-    return of("direct_8x8_inference_flag", 0, "1 in the Extended profile");
+    return breach_of("direct_8x8_inference_flag", 0, "1 in the Extended profile");
 }
 
 verdict crop_inside_picture(const sps_facts& f)
@@ -138,11 +129,11 @@ verdict crop_inside_picture(const sps_facts& f)
     if (!f.sps.frame_cropping_flag || (left.width != 0 && left.height != 0))
         return {};
     const h264::picture_size whole = h264::coded_size(f.sps);
-    return of("frame_cropping_flag",
-              fmt::format("{} + {} units of {}, {} + {} of {}", f.sps.frame_crop_left_offset,
-                          f.sps.frame_crop_right_offset, whole.width, f.sps.frame_crop_top_offset,
-                          f.sps.frame_crop_bottom_offset, whole.height),
-              "less than the picture");
+    return breach_of("frame_cropping_flag",
+                     fmt::format("{} + {} units of {}, {} + {} of {}", f.sps.frame_crop_left_offset,
+                                 f.sps.frame_crop_right_offset, whole.width, f.sps.frame_crop_top_offset,
+                                 f.sps.frame_crop_bottom_offset, whole.height),
+                     "less than the picture");
 }
 
 verdict frame_size_at_level(const sps_facts& f)
@@ -151,8 +142,8 @@ verdict frame_size_at_level(const sps_facts& f)
     const std::uint64_t size = h264::picture_area(h264::PicWidthInMbs(f.sps), h264::FrameHeightInMbs(f.sps));
     if (level == nullptr || size <= level->MaxFS)
         return {};
-    return of("level_idc", fmt::format("{} macroblocks a frame at level {}", size, level->name),
-              fmt::format("MaxFS {}", level->MaxFS));
+    return breach_of("level_idc", fmt::format("{} macroblocks a frame at level {}", size, level->name),
+                     fmt::format("MaxFS {}", level->MaxFS));
 }
 
 verdict frame_shape_at_level(const sps_facts& f)
@@ -161,8 +152,9 @@ verdict frame_shape_at_level(const sps_facts& f)
     const std::uint64_t side = std::max(h264::PicWidthInMbs(f.sps), h264::FrameHeightInMbs(f.sps));
     if (level == nullptr || h264::picture_area(side, side) <= std::uint64_t{level->MaxFS} * 8)
         return {};
-    return of("level_idc", fmt::format("a side of {} macroblocks at level {}", side, level->name),
-              fmt::format("at most {}, the root of 8 * MaxFS", static_cast<unsigned>(std::sqrt(level->MaxFS * 8.0))));
+    return breach_of(
+        "level_idc", fmt::format("a side of {} macroblocks at level {}", side, level->name),
+        fmt::format("at most {}, the root of 8 * MaxFS", static_cast<unsigned>(std::sqrt(level->MaxFS * 8.0))));
 }
 
 verdict macroblock_rate_at_level(const sps_facts& f)
@@ -176,8 +168,8 @@ verdict macroblock_rate_at_level(const sps_facts& f)
         static_cast<double>(size) * static_cast<double>(rate.numerator) / static_cast<double>(rate.denominator);
     if (per_second <= level->MaxMBPS)
         return {};
-    return of("time_scale", fmt::format("{:.0f} macroblocks a second at level {}", per_second, level->name),
-              fmt::format("MaxMBPS {}", level->MaxMBPS));
+    return breach_of("time_scale", fmt::format("{:.0f} macroblocks a second at level {}", per_second, level->name),
+                     fmt::format("MaxMBPS {}", level->MaxMBPS));
 }
 
 verdict references_in_buffer(const sps_facts& f)
@@ -185,7 +177,7 @@ verdict references_in_buffer(const sps_facts& f)
     const std::uint32_t most = h264::MaxDpbFrames(f.sps);
     if (h264::limits_of_level(f.sps) == nullptr || f.sps.max_num_ref_frames <= most)
         return {};
-    return of("max_num_ref_frames", f.sps.max_num_ref_frames, fmt::format("at most MaxDpbFrames {}", most));
+    return breach_of("max_num_ref_frames", f.sps.max_num_ref_frames, fmt::format("at most MaxDpbFrames {}", most));
 }
 
 verdict buffering_in_buffer(const sps_facts& f)
@@ -193,30 +185,24 @@ verdict buffering_in_buffer(const sps_facts& f)
     const std::uint32_t most = h264::MaxDpbFrames(f.sps);
     if (!f.vui().bitstream_restriction_flag || f.vui().max_dec_frame_buffering <= most)
         return {};
-    return of("max_dec_frame_buffering", f.vui().max_dec_frame_buffering, fmt::format("at most MaxDpbFrames {}", most));
+    return breach_of("max_dec_frame_buffering", f.vui().max_dec_frame_buffering,
+                     fmt::format("at most MaxDpbFrames {}", most));
 }
 
 verdict buffering_holds_references(const sps_facts& f)
 {
     if (!f.vui().bitstream_restriction_flag || f.vui().max_dec_frame_buffering >= f.sps.max_num_ref_frames)
         return {};
-    return of("max_dec_frame_buffering", f.vui().max_dec_frame_buffering,
-              fmt::format("at least max_num_ref_frames {}", f.sps.max_num_ref_frames));
+    return breach_of("max_dec_frame_buffering", f.vui().max_dec_frame_buffering,
+                     fmt::format("at least max_num_ref_frames {}", f.sps.max_num_ref_frames));
 }
 
 verdict reordering_in_buffering(const sps_facts& f)
 {
     if (!f.vui().bitstream_restriction_flag || f.vui().max_num_reorder_frames <= f.vui().max_dec_frame_buffering)
         return {};
-    return of("max_num_reorder_frames", f.vui().max_num_reorder_frames,
-              fmt::format("at most max_dec_frame_buffering {}", f.vui().max_dec_frame_buffering));
-}
-
-verdict ticks_tell_a_rate(const sps_facts& f)
-{
-    if (!f.vui().timing_info_present_flag || h264::field_rate(f.vui()).denominator != 0)
-        return {};
-    return f.vui().num_units_in_tick == 0 ? of("num_units_in_tick", 0, "above 0") : of("time_scale", 0, "above 0");
+    return breach_of("max_num_reorder_frames", f.vui().max_num_reorder_frames,
+                     fmt::format("at most max_dec_frame_buffering {}", f.vui().max_dec_frame_buffering));
 }
 
 verdict no_low_delay_at_a_fixed_rate(const sps_facts& f)
@@ -224,7 +210,7 @@ verdict no_low_delay_at_a_fixed_rate(const sps_facts& f)
     const bool sent = f.vui().nal_hrd_parameters_present_flag || f.vui().vcl_hrd_parameters_present_flag;
     if (!sent || !f.vui().fixed_frame_rate_flag || !f.vui().low_delay_hrd_flag)
         return {};
-    return of("low_delay_hrd_flag", 1, "0 where fixed_frame_rate_flag is 1");
+    return breach_of("low_delay_hrd_flag", 1, "0 where fixed_frame_rate_flag is 1");
 }
 
 verdict hrds_share_their_lengths(const sps_facts& f)
@@ -238,7 +224,7 @@ verdict hrds_share_their_lengths(const sps_facts& f)
     };
     if (lengths(vui.nal_hrd_parameters) == lengths(vui.vcl_hrd_parameters))
         return {};
-    return of("initial_cpb_removal_delay_length_minus1", "other lengths for VCL than for NAL", "the same");
+    return breach_of("initial_cpb_removal_delay_length_minus1", "other lengths for VCL than for NAL", "the same");
 }
 
 /// cpbBrNalFactor of Table A-2 is 1.2 times this; 1000 where the profile has no row.
@@ -267,14 +253,15 @@ verdict hrd_keeps_to_level(const sps_facts& f, const h264::hrd_parameters& hrd, 
         lowest = std::min(lowest, which == &h264::level_limits::MaxBR ? h264::BitRate(hrd, i) : h264::CpbSize(hrd, i));
     if (lowest <= most)
         return {};
-    return of(element, fmt::format("{} at level {}", lowest, level->name), fmt::format("at most {}", most));
+    return breach_of(element, fmt::format("{} at level {}", lowest, level->name), fmt::format("at most {}", most));
 }
 
 verdict nal_rate_at_level(const sps_facts& f)
 {
     if (!f.vui().nal_hrd_parameters_present_flag)
         return {};
-    return hrd_keeps_to_level(f, f.vui().nal_hrd_parameters, true, &h264::level_limits::MaxBR, "bit_rate_value_minus1");
+    return hrd_keeps_to_level(f, f.vui().nal_hrd_parameters, true, &h264::level_limits::MaxBR,
+                              "bit_rate_value_minus1[0]");
 }
 
 verdict vcl_rate_at_level(const sps_facts& f)
@@ -282,7 +269,7 @@ verdict vcl_rate_at_level(const sps_facts& f)
     if (!f.vui().vcl_hrd_parameters_present_flag)
         return {};
     return hrd_keeps_to_level(f, f.vui().vcl_hrd_parameters, false, &h264::level_limits::MaxBR,
-                              "bit_rate_value_minus1");
+                              "bit_rate_value_minus1[0]");
 }
 
 verdict nal_buffer_at_level(const sps_facts& f)
@@ -290,7 +277,7 @@ verdict nal_buffer_at_level(const sps_facts& f)
     if (!f.vui().nal_hrd_parameters_present_flag)
         return {};
     return hrd_keeps_to_level(f, f.vui().nal_hrd_parameters, true, &h264::level_limits::MaxCPB,
-                              "cpb_size_value_minus1");
+                              "cpb_size_value_minus1[0]");
 }
 
 verdict vcl_buffer_at_level(const sps_facts& f)
@@ -298,7 +285,7 @@ verdict vcl_buffer_at_level(const sps_facts& f)
     if (!f.vui().vcl_hrd_parameters_present_flag)
         return {};
     return hrd_keeps_to_level(f, f.vui().vcl_hrd_parameters, false, &h264::level_limits::MaxCPB,
-                              "cpb_size_value_minus1");
+                              "cpb_size_value_minus1[0]");
 }
 
 /// Rates go up and sizes go down from schedule to schedule.
@@ -309,11 +296,11 @@ verdict schedules_are_ordered(const sps_facts& f)
                                   vui.vcl_hrd_parameters_present_flag ? &vui.vcl_hrd_parameters : nullptr})
         for (std::uint32_t i = 1; hrd != nullptr && i < h264::schedule_count(*hrd); ++i) {
             if (hrd->bit_rate_value_minus1[i] <= hrd->bit_rate_value_minus1[i - 1])
-                return of("bit_rate_value_minus1", hrd->bit_rate_value_minus1[i],
-                          "more than that of the schedule before");
+                return breach_of(fmt::format("bit_rate_value_minus1[{}]", i), hrd->bit_rate_value_minus1[i],
+                                 "more than that of the schedule before");
             if (hrd->cpb_size_value_minus1[i] > hrd->cpb_size_value_minus1[i - 1])
-                return of("cpb_size_value_minus1", hrd->cpb_size_value_minus1[i],
-                          "at most that of the schedule before");
+                return breach_of(fmt::format("cpb_size_value_minus1[{}]", i), hrd->cpb_size_value_minus1[i],
+                                 "at most that of the schedule before");
         }
     return {};
 }
@@ -324,14 +311,14 @@ verdict matrix_fits_format(const sps_facts& f)
     if (f.vui().matrix_coefficients != identity ||
         (h264::BitDepthY(f.sps) == h264::BitDepthC(f.sps) && f.sps.chroma_format_idc == 3))
         return {};
-    return of("matrix_coefficients", identity, "not 0 unless 4:4:4 with equal bit depths");
+    return breach_of("matrix_coefficients", identity, "not 0 unless 4:4:4 with equal bit depths");
 }
 
 verdict chroma_location_fits_format(const sps_facts& f)
 {
     if (!f.vui().chroma_loc_info_present_flag || f.sps.chroma_format_idc == 1)
         return {};
-    return of("chroma_loc_info_present_flag", 1, "0 unless 4:2:0");
+    return breach_of("chroma_loc_info_present_flag", 1, "0 unless 4:2:0");
 }
 
 verdict extended_sar_is_told(const sps_facts& f)
@@ -340,7 +327,7 @@ verdict extended_sar_is_told(const sps_facts& f)
     const h264::vui_parameters& vui = f.vui();
     if (vui.aspect_ratio_idc != Extended_SAR || (vui.sar_width != 0 && vui.sar_height != 0))
         return {};
-    return of(vui.sar_width == 0 ? "sar_width" : "sar_height", 0, "above 0, or the ratio is unspecified");
+    return breach_of(vui.sar_width == 0 ? "sar_width" : "sar_height", 0, "above 0, or the ratio is unspecified");
 }
 
 verdict vectors_have_a_length(const sps_facts& f)
@@ -348,26 +335,27 @@ verdict vectors_have_a_length(const sps_facts& f)
     constexpr unsigned older = 16;
     if (f.vui().log2_max_mv_length_horizontal != older && f.vui().log2_max_mv_length_vertical != older)
         return {};
-    return of(f.vui().log2_max_mv_length_horizontal == older ? "log2_max_mv_length_horizontal"
-                                                             : "log2_max_mv_length_vertical",
-              older, "at most 15; older editions allow 16");
+    return breach_of(f.vui().log2_max_mv_length_horizontal == older ? "log2_max_mv_length_horizontal"
+                                                                    : "log2_max_mv_length_vertical",
+                     older, "at most 15; older editions allow 16");
 }
 
 verdict vectors_at_level(const sps_facts& f)
 {
     const h264::level_limits* const level = h264::limits_of_level(f.sps);
     const std::uint32_t bits = f.vui().log2_max_mv_length_vertical;
-    if (level == nullptr || !f.vui().bitstream_restriction_flag || bits > 16 || 1U << bits <= 4 * level->MaxVmvR)
+    if (level == nullptr || !f.vui().bitstream_restriction_flag || bits > 15 || 1U << bits <= 4 * level->MaxVmvR)
         return {};
-    return of("log2_max_mv_length_vertical", fmt::format("{} at level {}", bits, level->name),
-              fmt::format("vectors of at most {} lines, which is {} quarters", level->MaxVmvR, 4 * level->MaxVmvR));
+    return breach_of(
+        "log2_max_mv_length_vertical", fmt::format("{} at level {}", bits, level->name),
+        fmt::format("vectors of at most {} lines, which is {} quarters", level->MaxVmvR, 4 * level->MaxVmvR));
 }
 
 verdict constrained_baseline_flag(const sps_facts& f)
 {
     if (!is_one_of(f.sps.profile_idc, {high, high_10, high_422, high_444, cavlc_444}) || !f.sps.constraint_set1_flag)
         return {};
-    return of("constraint_set1_flag", 1, "0 where profile_idc is 100 or above, which Main decoders do not read");
+    return breach_of("constraint_set1_flag", 1, "0 where profile_idc is 100 or above, which Main decoders do not read");
 }
 
 verdict frames_only_in_progressive_high(const sps_facts& f)
@@ -375,7 +363,7 @@ verdict frames_only_in_progressive_high(const sps_facts& f)
     if (!is_one_of(f.sps.profile_idc, {main_profile, extended, high, high_10}) || !f.sps.constraint_set4_flag ||
         f.sps.frame_mbs_only_flag)
         return {};
-    return of("constraint_set4_flag", 1, "0 where frame_mbs_only_flag is 0");
+    return breach_of("constraint_set4_flag", 1, "0 where frame_mbs_only_flag is 0");
 }
 
 constexpr severity error = severity::error;
@@ -465,9 +453,6 @@ constexpr rule_over<sps_facts> rules[] = {
     {{"vui-chroma-location-fits-format", error, "E.2.1", "only 4:2:0 has locations of chroma samples",
       "In the other formats they lie where Table 6-1 puts them.", "chroma_loc_info_present_flag 1 in a 4:2:2 stream"},
      chroma_location_fits_format},
-    {{"vui-rate-is-told", error, "E.2.1", "num_units_in_tick and time_scale are above 0", "Both of them make the tick.",
-      "time_scale 0"},
-     ticks_tell_a_rate},
     {{"vui-low-delay-at-fixed-rate", error, "E.2.1", "a fixed frame rate leaves no room for big pictures",
       "low_delay_hrd_flag lets a picture come late, which a fixed rate forbids.",
       "fixed_frame_rate_flag 1, low_delay_hrd_flag 1"},

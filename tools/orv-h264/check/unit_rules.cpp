@@ -7,11 +7,6 @@ namespace orv_h264 {
 
 namespace {
 
-breach of(std::string_view element, std::uint64_t found, std::string allowed)
-{
-    return {element, fmt::format("{}", found), std::move(allowed)};
-}
-
 bool is_set(unsigned type)
 {
     return type == 7 || type == 8 || type == 13 || type == 15;
@@ -21,7 +16,7 @@ verdict sets_are_kept(const unit_facts& f)
 {
     if (!is_set(f.type()) || f.reading.unit.header.nal_ref_idc != 0)
         return {};
-    return of("nal_ref_idc", 0, fmt::format("above 0 for nal_unit_type {}", f.type()));
+    return breach_of("nal_ref_idc", 0, fmt::format("above 0 for nal_unit_type {}", f.type()));
 }
 
 verdict others_are_not(const unit_facts& f)
@@ -29,20 +24,26 @@ verdict others_are_not(const unit_facts& f)
     const bool may = f.type() != 6 && (f.type() < 9 || f.type() > 12);
     if (may || f.reading.unit.header.nal_ref_idc == 0)
         return {};
-    return of("nal_ref_idc", f.reading.unit.header.nal_ref_idc, fmt::format("0 for nal_unit_type {}", f.type()));
+    return breach_of("nal_ref_idc", f.reading.unit.header.nal_ref_idc, fmt::format("0 for nal_unit_type {}", f.type()));
 }
 
 verdict type_is_specified(const unit_facts& f)
 {
     if (f.type() != 17 && f.type() != 18 && f.type() != 22 && f.type() != 23)
         return {};
-    return of("nal_unit_type", f.type(), "a type that is not reserved");
+    return breach_of("nal_unit_type", f.type(), "a type that is not reserved");
+}
+
+/// What it names is not there; nothing is wrong with the unit itself.
+bool lacks_another_unit(h264::reason why)
+{
+    return why == h264::reason::no_sps || why == h264::reason::no_pps || why == h264::reason::no_partition_a;
 }
 
 verdict can_be_read(const unit_facts& f)
 {
     const h264::failure& failure = f.reading.result.failure;
-    if (!failure)
+    if (!failure || lacks_another_unit(failure.why)) // other rules are about that
         return {};
     return breach{failure.element.name(), h264::text_of(failure.why), "the syntax of the unit, whole"};
 }

@@ -9,7 +9,7 @@
 
 namespace orv_h264 {
 
-/// The unit that breaks a rule.
+/// The unit that breaks it.
 struct unit_of_violation {
     std::uint64_t number = 0; ///< from 0
     unsigned nal_unit_type = 0;
@@ -24,13 +24,13 @@ struct element_place {
 struct violation {
     const rule* broken = nullptr;
     severity level = severity::error; ///< that of the rule, or less where it says so of a value
-    std::uint64_t offset = 0;         ///< of the framing of its unit, for a person
-    std::optional<unit_of_violation> unit;
-    std::optional<element_place> place;
-    std::string element; ///< with its indices
-    std::string found;
-    std::string allowed;
-    std::string clause; ///< the rule's, or that of the structure where the rule is about any element
+    std::uint64_t offset = 0;         ///< of the framing of its unit, or of what belongs to no unit
+    std::optional<unit_of_violation> unit = {};
+    std::optional<element_place> place = {};
+    std::string element = {}; ///< with its indices
+    std::string found = {};
+    std::string allowed = {};
+    std::string clause = {}; ///< the rule's, or that of the structure where the rule is about any element
 };
 
 class violation_sink {

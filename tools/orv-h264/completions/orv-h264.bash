@@ -2,7 +2,7 @@
 
 _orv_h264()
 {
-    local subcommands="info inspect explain frames report convert edit avcc help"
+    local subcommands="info inspect explain frames report check convert cut edit avcc help"
     local framings="annexb length1 length2 length3 length4"
     local help="-h --help"
     local many="--files-from -0 --null --jobs"
@@ -27,7 +27,9 @@ _orv_h264()
     explain) options="--format --track --max-unit --json --csv --tsv" ;;
     frames) options="$many --format --track --max-unit --fields --split-fields --output-order --limit --json --csv --tsv" ;;
     report) options="--format --track --max-unit -o --output" ;;
+    check) options="$many --format --track --max-unit --json --sarif --junit --ignore --only --profile --limit --hrd --rules --explain" ;;
     convert) options="--format --track --max-unit --to --avcc --parameter-sets" ;;
+    cut) options="--format --track --max-unit --from --to --key --only --base --layer --view --rate --json" ;;
     edit)
         options="--format --track --max-unit --set --delete --insert --remove-sei --insert-sei --sei-at --add-aud"
         options+=" --remove-aud --remove-filler --repeat-headers --sar --rate --level --colour --crop --full-range"
@@ -41,9 +43,17 @@ _orv_h264()
         mapfile -t COMPREPLY < <(compgen -W "$subcommands" -- "$current")
         return
     fi
+    case $subcommand$before in
+    cut--to) return ;;
+    esac
     case $before in
     --format | --to)
         [[ " $options " != *" $before "* ]] || mapfile -t COMPREPLY < <(compgen -W "$framings" -- "$current")
+        return
+        ;;
+    --profile)
+        compopt -o filenames 2>/dev/null
+        mapfile -t COMPREPLY < <(compgen -W "disc low-latency streaming" -- "$current"; compgen -f -- "$current")
         return
         ;;
     --sei-at | --level | --full-range)
@@ -54,7 +64,7 @@ _orv_h264()
         return
         ;;
     --set | --delete | --insert | --remove-sei | --insert-sei | --sar | --rate | --colour | --crop) return ;;
-    --jobs | --limit | --max-unit | --only | --track) return ;;
+    --explain | --from | --ignore | --jobs | --layer | --limit | --max-unit | --only | --track | --view) return ;;
     esac
     if [[ $current == -* ]]; then
         mapfile -t COMPREPLY < <(compgen -W "$help $options" -- "$current")
