@@ -12,10 +12,10 @@
 
 namespace {
 
-using orv_h264::edit_log;
-using orv_h264::edit_options;
-using orv_h264::edit_plan;
-using orv_h264::proof;
+using orv_h264::editing::edit_log;
+using orv_h264::editing::edit_options;
+using orv_h264::editing::edit_plan;
+using orv_h264::editing::proof;
 using support::bytes;
 using support::read_file;
 
@@ -37,7 +37,7 @@ protected:
         from.path = stream;
         orv_h264::stream_input input(from);
         orv_h264::output_file file(path);
-        orv_h264::stream_edit run(plan, input, stream, file);
+        orv_h264::editing::stream_edit run(plan, input, stream, file);
         run.run();
         file.commit();
         log = run.log();
@@ -50,7 +50,7 @@ protected:
         write_over(path, other);
         orv_h264::stream_options from;
         from.path = stream;
-        return orv_h264::prove(plan, from, path, orv_utils_v4::h264::framing::annex_b, log);
+        return orv_h264::editing::prove(plan, from, path, orv_utils_v4::h264::framing::annex_b, log);
     }
 
     void expect_fails(const bytes& other, const std::string& why)
@@ -71,7 +71,7 @@ edit_plan plan_of(const std::vector<std::string>& sets)
 {
     edit_plan plan;
     for (const std::string& set : sets)
-        plan.sets.push_back(orv_h264::parse_assignment(set));
+        plan.sets.push_back(orv_h264::editing::parse_assignment(set));
     return plan;
 }
 
@@ -157,11 +157,11 @@ TEST_F(Proof, ADamagedOutputIsRefusedAndNothingIsLeft)
         damaged[40000] = static_cast<unsigned char>(damaged[40000] ^ 1U);
         write_over(written, damaged);
     };
-    EXPECT_THROW(orv_h264::edit_stream(options), orv_h264::refusal);
+    EXPECT_THROW(orv_h264::editing::edit_stream(options), orv_h264::refusal);
     EXPECT_EQ(0, folder.files());
     write_over(path, {1, 2, 3});
     try {
-        orv_h264::edit_stream(options);
+        orv_h264::editing::edit_stream(options);
         ADD_FAILURE() << "it went through";
     } catch (const orv_h264::refusal& refused) {
         EXPECT_EQ(orv_h264::exit_usage_or_io, refused.status);

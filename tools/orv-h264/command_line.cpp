@@ -269,24 +269,8 @@ CLI::Option* add_each(CLI::App& app, const char* name, const char* description,
         ->allow_extra_args(false);
 }
 
-/// Likewise, of one that stands once.
-CLI::Option* add_parsed(CLI::App& app, const char* name, const char* description,
-                        const std::function<void(const std::string&)>& take)
-{
-    return app.add_option_function<std::string>(
-        name,
-        [name, take](const std::string& text) {
-            try {
-                take(text);
-            } catch (const std::invalid_argument& error) {
-                throw CLI::ValidationError(name, error.what());
-            }
-        },
-        description);
-}
-
 /// Throws CLI::ParseError where the options of edit do not go together.
-void check(const edit_options& chosen)
+void check(const editing::edit_options& chosen)
 {
     if (chosen.out.empty() && !chosen.dry_run)
         throw CLI::RequiredError("OUT");
@@ -295,9 +279,6 @@ void check(const edit_options& chosen)
     if (chosen.json && chosen.out == "-" && !chosen.dry_run)
         throw CLI::ValidationError("--json", "the standard output is taken by OUT");
 }
-
-constexpr const char* json_lines = "Print JSON instead, an object a line";
-constexpr const char* json_object = "Print a JSON object instead";
 
 std::uint64_t offset_of(const std::string& text)
 {
@@ -368,8 +349,8 @@ struct command_line {
     void add_diff();
     void add_avcc();
     void add_edit();
-    void add_edit_shortcuts(CLI::App& editing);
-    void add_edit_units(CLI::App& editing);
+    void add_edit_shortcuts(CLI::App& subcommand);
+    void add_edit_units(CLI::App& subcommand);
     void add_help();
     exit_status print_help();
     exit_status run_check();
@@ -407,7 +388,7 @@ struct command_line {
     cut_options cut_chosen;
     diff_options diff_chosen;
     avcc_options avcc_chosen;
-    edit_options edit_chosen;
+    editing::edit_options edit_chosen;
     std::string help_wanted; // of this subcommand
     std::function<exit_status()> chosen;
 };
@@ -633,81 +614,79 @@ void command_line::add_diff()
     comparison.add_flag("--json", diff_chosen.json, json_object);
     comparison.footer(std::string(help_texts::diff) + help_texts::diff_statuses);
     run_with(comparison, diff, diff_chosen);
+}
+
 void command_line::add_edit()
 {
-    CLI::App& editing = *app.add_subcommand("edit", "Change header fields, and prove that nothing else has changed");
-    edit_plan& plan = edit_chosen.plan;
-    add_stream(editing, "IN", edit_chosen.stream);
-    editing.add_option("OUT", edit_chosen.out, "Where it goes; - is the standard output")->type_name("");
-    add_each(editing, "--set",
+    CLI::App& subcommand = *app.add_subcommand("edit", "Change header fields, and prove that nothing else has changed");
+    editing::edit_plan& plan = edit_chosen.plan;
+    add_stream(subcommand, "IN", edit_chosen.stream);
+    subcommand.add_option("OUT", edit_chosen.out, "Where it goes; - is the standard output")->type_name("");
+    add_each(subcommand, "--set",
              "Give the element whose path ends so this value, in every unit that has it; with ' where NAME=VALUE and "
              "...' behind it where these hold; may be repeated",
-             [&plan](const std::string& text) { plan.sets.push_back(parse_assignment(text)); })
+             [&plan](const std::string& text) { plan.sets.push_back(editing::parse_assignment(text)); })
         ->type_name("PATH=VALUE");
-    add_edit_units(editing);
-    add_edit_shortcuts(editing);
-    editing.add_flag("--force", plan.force, "Write what makes slice data unreadable or decode otherwise, too");
-    editing.add_flag("--dry-run", edit_chosen.dry_run, "Print the proof, and write nothing; OUT is not needed then");
-    editing.add_flag("--json", edit_chosen.json, "Print the proof as a JSON object");
-    editing.parse_complete_callback([this] { check(edit_chosen); });
-    editing.footer(std::string(help_texts::edit) + help_texts::exit_statuses);
-    run_with(editing, edit_stream, edit_chosen);
+    add_edit_units(subcommand);
+    add_edit_shortcuts(subcommand);
+    subcommand.add_flag("--force", plan.force, "Write what makes slice data unreadable or decode otherwise, too");
+    subcommand.add_flag("--dry-run", edit_chosen.dry_run, "Print the proof, and write nothing; OUT is not needed then");
+    subcommand.add_flag("--json", edit_chosen.json, "Print the proof as a JSON object");
+    subcommand.parse_complete_callback([this] { check(edit_chosen); });
+    subcommand.footer(std::string(help_texts::edit) + help_texts::exit_statuses);
+    run_with(subcommand, editing::edit_stream, edit_chosen);
 }
 
 /// What comes and goes.
-void command_line::add_edit_units(CLI::App& editing)
+void command_line::add_edit_units(CLI::App& subcommand)
 {
-    edit_plan& plan = edit_chosen.plan;
-    add_each(editing, "--delete",
+    editing::edit_plan& plan = edit_chosen.plan;
+    add_each(subcommand, "--delete",
              "Leave out units of these types, for example filler or 14,20, with a condition as --set",
-             [&plan](const std::string& text) { plan.deletions.push_back(parse_deletion(text)); })
+             [&plan](const std::string& text) { plan.deletions.push_back(editing::parse_deletion(text)); })
         ->type_name("TYPES");
-    add_each(editing, "--insert",
+    add_each(subcommand, "--insert",
              "Put a unit in: hex:BYTES or file:PATH, then before or after, then unit N, first, idr or picture",
-             [&plan](const std::string& text) { plan.insertions.push_back(parse_insertion(text)); })
+             [&plan](const std::string& text) { plan.insertions.push_back(editing::parse_insertion(text)); })
         ->type_name("'UNIT WHERE'");
-    add_each(editing, "--remove-sei", "Leave out SEI messages of these payload types, by number or name",
+    add_each(subcommand, "--remove-sei", "Leave out SEI messages of these payload types, by number or name",
              [&plan](const std::string& text) {
-                 for (const std::uint32_t type : parse_payload_types(text))
+                 for (const std::uint32_t type : editing::parse_payload_types(text))
                      plan.removed_payloads.push_back(type);
              })
         ->type_name("TYPES");
-    add_each(editing, "--insert-sei", "Put user data into an SEI message before the slices of the first picture",
-             [&plan](const std::string& text) { plan.insertions.push_back(parse_sei_insertion(text)); })
+    add_each(subcommand, "--insert-sei", "Put user data into an SEI message before the slices of the first picture",
+             [&plan](const std::string& text) { plan.insertions.push_back(editing::parse_sei_insertion(text)); })
         ->type_name("UUID:TEXT");
-    add_parsed(editing, "--sei-at",
+    add_parsed(subcommand, "--sei-at", "PLACE",
                "Put what --insert-sei has before the slices of first, idr or picture: of each of them",
-               [&plan](const std::string& text) { plan.sei_at = parse_picture_place(text); })
-        ->type_name("PLACE");
-    editing.add_flag("--add-aud", plan.add_aud, "Put an access unit delimiter before each picture that has none");
-    editing.add_flag("--remove-aud", plan.remove_aud, "Leave access unit delimiters out");
-    editing.add_flag("--remove-filler", plan.remove_filler, "Leave filler data units and filler payload messages out");
-    editing.add_flag("--repeat-headers", plan.repeat_headers,
-                     "Put the parameter sets in force before each IDR picture that does not carry its own");
+               editing::parse_picture_place, [&plan](editing::edit_place place) { plan.sei_at = place; });
+    subcommand.add_flag("--add-aud", plan.add_aud, "Put an access unit delimiter before each picture that has none");
+    subcommand.add_flag("--remove-aud", plan.remove_aud, "Leave access unit delimiters out");
+    subcommand.add_flag("--remove-filler", plan.remove_filler,
+                        "Leave filler data units and filler payload messages out");
+    subcommand.add_flag("--repeat-headers", plan.repeat_headers,
+                        "Put the parameter sets in force before each IDR picture that does not carry its own");
 }
 
 /// What stands for several elements of sequence parameter sets.
-void command_line::add_edit_shortcuts(CLI::App& editing)
+void command_line::add_edit_shortcuts(CLI::App& subcommand)
 {
-    sps_wishes& sps = edit_chosen.plan.sps;
-    add_parsed(editing, "--sar", "Sample aspect ratio", [&sps](const std::string& text) {
-        sps.sar = parse_sar(text);
-    })->type_name("W:H");
-    add_parsed(editing, "--rate", "Frames in a second: num_units_in_tick and time_scale",
-               [&sps](const std::string& text) { sps.rate = parse_rate(text); })
-        ->type_name("N/D");
-    add_parsed(editing, "--level", "The level, for example 4.1 or 1b; auto is the lowest that Table A-1 allows",
-               [&sps](const std::string& text) { sps.level = parse_level(text); })
-        ->type_name("LEVEL");
-    add_parsed(editing, "--colour", "Colour primaries, transfer characteristics and matrix, by name or number",
-               [&sps](const std::string& text) { sps.colour = parse_colour(text); })
-        ->type_name("P:T:M");
-    add_parsed(editing, "--crop", "Luma samples to cut off: left, top, right, bottom", [&sps](const std::string& text) {
-        sps.crop = parse_crop(text);
-    })->type_name("L,T,R,B");
-    add_parsed(editing, "--full-range", "Whether samples use all values: on or off", [&sps](const std::string& text) {
-        sps.full_range = parse_range(text);
-    })->type_name("on|off");
+    editing::sps_wishes& sps = edit_chosen.plan.sps;
+    add_parsed(subcommand, "--sar", "W:H", "Sample aspect ratio", editing::parse_sar,
+               [&sps](const h264::ratio& sar) { sps.sar = sar; });
+    add_parsed(subcommand, "--rate", "N/D", "Frames in a second: num_units_in_tick and time_scale", editing::parse_rate,
+               [&sps](const h264::ratio& rate) { sps.rate = rate; });
+    add_parsed(subcommand, "--level", "LEVEL",
+               "The level, for example 4.1 or 1b; auto is the lowest that Table A-1 allows", editing::parse_level,
+               [&sps](const std::string& level) { sps.level = level; });
+    add_parsed(subcommand, "--colour", "P:T:M",
+               "Colour primaries, transfer characteristics and matrix, by name or number", editing::parse_colour,
+               [&sps](const editing::wanted_colour& colour) { sps.colour = colour; });
+    add_parsed(subcommand, "--crop", "L,T,R,B", "Luma samples to cut off: left, top, right, bottom",
+               editing::parse_crop, [&sps](const editing::wanted_crop& crop) { sps.crop = crop; });
+    add_parsed(subcommand, "--full-range", "on|off", "Whether samples use all values: on or off", editing::parse_range,
+               [&sps](bool on) { sps.full_range = on; });
 }
 
 void command_line::add_avcc()

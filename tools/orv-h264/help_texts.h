@@ -226,6 +226,7 @@ constexpr const char* diff_statuses =
 
 Exit status: 0 the streams are the same, 1 they differ, 2 usage or input and output, 3 an input is recognised but not
 supported. A stream that is broken is compared as far as it can be read.)";
+
 constexpr const char* edit =
     R"(Writes IN to OUT with other header elements, and with units and SEI messages that come or go. Everything else is
 copied byte for byte, in the framing that it had; so is what cannot be read. OUT is read back and held against IN

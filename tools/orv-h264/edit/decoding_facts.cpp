@@ -7,7 +7,7 @@
 #include <iterator>
 #include <string_view>
 
-namespace orv_h264 {
+namespace orv_h264::editing {
 
 namespace {
 
@@ -166,4 +166,4 @@ const inferred_value* inferred_value_of(const char* element_name)
     return found == std::end(inferred_values) ? nullptr : found;
 }
 
-} // namespace orv_h264
+} // namespace orv_h264::editing

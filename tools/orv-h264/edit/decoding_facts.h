@@ -7,7 +7,7 @@
 
 #include <cstdint>
 
-namespace orv_h264 {
+namespace orv_h264::editing {
 
 namespace h264 = orv_utils_v4::h264;
 
@@ -45,4 +45,4 @@ struct inferred_value {
 /// Null of an element that nothing is inferred for.
 const inferred_value* inferred_value_of(const char* element_name);
 
-} // namespace orv_h264
+} // namespace orv_h264::editing

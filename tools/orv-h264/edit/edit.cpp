@@ -13,7 +13,7 @@
 
 #include <fmt/format.h>
 
-namespace orv_h264 {
+namespace orv_h264::editing {
 
 namespace {
 
@@ -107,4 +107,4 @@ exit_status edit_stream(const edit_options& options)
     return status;
 }
 
-} // namespace orv_h264
+} // namespace orv_h264::editing

@@ -9,7 +9,7 @@
 #include <functional>
 #include <string>
 
-namespace orv_h264 {
+namespace orv_h264::editing {
 
 struct edit_options {
     stream_options stream;
@@ -26,4 +26,4 @@ struct edit_options {
 /// std::system_error when reading or writing fails.
 exit_status edit_stream(const edit_options& options);
 
-} // namespace orv_h264
+} // namespace orv_h264::editing

@@ -8,7 +8,7 @@
 #include <span>
 #include <vector>
 
-namespace orv_h264 {
+namespace orv_h264::editing {
 
 class edit_log {
 public:
@@ -31,4 +31,4 @@ private:
     std::vector<std::uint64_t> hashes;
 };
 
-} // namespace orv_h264
+} // namespace orv_h264::editing

@@ -11,7 +11,7 @@
 
 #include <fmt/format.h>
 
-namespace orv_h264 {
+namespace orv_h264::editing {
 
 namespace {
 
@@ -268,4 +268,4 @@ std::vector<std::uint32_t> parse_payload_types(const std::string& text)
     return types;
 }
 
-} // namespace orv_h264
+} // namespace orv_h264::editing

@@ -11,7 +11,7 @@
 #include <string_view>
 #include <vector>
 
-namespace orv_h264 {
+namespace orv_h264::editing {
 
 namespace h264 = orv_utils_v4::h264;
 
@@ -92,4 +92,4 @@ std::vector<std::uint32_t> parse_payload_types(const std::string& text);
 /// A number in decimal or behind 0x in hexadecimal, perhaps with a sign.
 std::int64_t parse_value(std::string_view text);
 
-} // namespace orv_h264
+} // namespace orv_h264::editing

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <iterator>
 
-namespace orv_h264 {
+namespace orv_h264::editing {
 
 std::uint32_t path_table::child(std::uint32_t parent, const char* name)
 {
@@ -147,4 +147,4 @@ void element_digest::element(const h264::traced_element& e)
         hash = hash_of(e.bytes, e.size, hash);
 }
 
-} // namespace orv_h264
+} // namespace orv_h264::editing

@@ -14,7 +14,7 @@
 #include <utility>
 #include <vector>
 
-namespace orv_h264 {
+namespace orv_h264::editing {
 
 namespace h264 = orv_utils_v4::h264;
 
@@ -98,4 +98,4 @@ private:
     void add(std::uint64_t number);
 };
 
-} // namespace orv_h264
+} // namespace orv_h264::editing

@@ -10,7 +10,7 @@
 
 #include <fmt/format.h>
 
-namespace orv_h264 {
+namespace orv_h264::editing {
 
 namespace {
 
@@ -154,4 +154,4 @@ bool parse_range(const std::string& text)
     return text == "on";
 }
 
-} // namespace orv_h264
+} // namespace orv_h264::editing

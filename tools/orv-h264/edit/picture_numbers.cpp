@@ -4,7 +4,7 @@
 
 #include <fmt/format.h>
 
-namespace orv_h264 {
+namespace orv_h264::editing {
 
 namespace {
 
@@ -138,4 +138,4 @@ std::optional<std::string> picture_numbers::compare(const numbered_slice& now)
     return std::nullopt;
 }
 
-} // namespace orv_h264
+} // namespace orv_h264::editing

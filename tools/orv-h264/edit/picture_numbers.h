@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-namespace orv_h264 {
+namespace orv_h264::editing {
 
 namespace h264 = orv_utils_v4::h264;
 
@@ -71,4 +71,4 @@ private:
     h264::picture_order_count new_order;
 };
 
-} // namespace orv_h264
+} // namespace orv_h264::editing

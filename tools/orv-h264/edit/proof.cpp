@@ -12,7 +12,7 @@
 
 #include <fmt/format.h>
 
-namespace orv_h264 {
+namespace orv_h264::editing {
 
 namespace {
 
@@ -425,4 +425,4 @@ proof prove(const edit_plan& plan, const stream_options& in, const std::string& 
     return proving(plan, input, out_path, framing, log).run(input);
 }
 
-} // namespace orv_h264
+} // namespace orv_h264::editing

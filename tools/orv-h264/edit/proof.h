@@ -12,7 +12,7 @@
 #include <string>
 #include <vector>
 
-namespace orv_h264 {
+namespace orv_h264::editing {
 
 /// Elements that changed alike.
 struct changed_elements {
@@ -59,4 +59,4 @@ struct proof {
 proof prove(const edit_plan& plan, const stream_options& in, const std::string& out_path, h264::framing framing,
             const edit_log& log);
 
-} // namespace orv_h264
+} // namespace orv_h264::editing

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-namespace orv_h264 {
+namespace orv_h264::editing {
 
 namespace {
 
@@ -160,4 +160,4 @@ void output_reader::take(const h264::unit_reading& reading)
     }
 }
 
-} // namespace orv_h264
+} // namespace orv_h264::editing

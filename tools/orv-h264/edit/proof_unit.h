@@ -16,7 +16,7 @@
 #include <optional>
 #include <vector>
 
-namespace orv_h264 {
+namespace orv_h264::editing {
 
 /// How the elements of a unit are kept.
 enum class kept_elements { digest, list };
@@ -106,4 +106,4 @@ private:
 bool same_data(const std::vector<unsigned char>& before, std::uint64_t before_bit,
                const std::vector<unsigned char>& after, std::uint64_t after_bit);
 
-} // namespace orv_h264
+} // namespace orv_h264::editing

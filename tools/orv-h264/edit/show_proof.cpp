@@ -6,7 +6,7 @@
 
 #include <fmt/format.h>
 
-namespace orv_h264 {
+namespace orv_h264::editing {
 
 namespace {
 
@@ -142,4 +142,4 @@ void print_json(const proof& shown, const std::string& input_name, const std::st
     orv_h264::print_json(object);
 }
 
-} // namespace orv_h264
+} // namespace orv_h264::editing

@@ -5,7 +5,7 @@
 
 #include <string>
 
-namespace orv_h264 {
+namespace orv_h264::editing {
 
 /// Lines.
 std::string text_of(const proof& shown, bool dry_run);
@@ -14,4 +14,4 @@ std::string text_of(const proof& shown, bool dry_run);
 void print_json(const proof& shown, const std::string& input_name, const std::string& out, h264::framing framing,
                 bool dry_run);
 
-} // namespace orv_h264
+} // namespace orv_h264::editing

@@ -7,7 +7,7 @@
 #include <fmt/format.h>
 #include <unistd.h>
 
-namespace orv_h264 {
+namespace orv_h264::editing {
 
 spool_file::spool_file()
 {
@@ -25,4 +25,4 @@ spool_file::~spool_file()
     ::close(descriptor);
 }
 
-} // namespace orv_h264
+} // namespace orv_h264::editing

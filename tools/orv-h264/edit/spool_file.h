@@ -4,7 +4,7 @@
 
 #include <string>
 
-namespace orv_h264 {
+namespace orv_h264::editing {
 
 class spool_file {
 public:
@@ -22,4 +22,4 @@ private:
     std::string name;
 };
 
-} // namespace orv_h264
+} // namespace orv_h264::editing

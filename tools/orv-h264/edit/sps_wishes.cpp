@@ -8,7 +8,7 @@
 
 #include <fmt/format.h>
 
-namespace orv_h264 {
+namespace orv_h264::editing {
 
 namespace {
 
@@ -216,4 +216,4 @@ std::vector<element_value> changes_of(const seq_parameter_set_data& sps, const s
     return to.changes;
 }
 
-} // namespace orv_h264
+} // namespace orv_h264::editing

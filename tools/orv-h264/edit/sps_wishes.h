@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-namespace orv_h264 {
+namespace orv_h264::editing {
 
 namespace h264 = orv_utils_v4::h264;
 
@@ -64,4 +64,4 @@ wanted_crop parse_crop(const std::string& text);
 /// on or off.
 bool parse_range(const std::string& text);
 
-} // namespace orv_h264
+} // namespace orv_h264::editing

@@ -10,7 +10,7 @@
 
 #include <fmt/format.h>
 
-namespace orv_h264 {
+namespace orv_h264::editing {
 
 namespace {
 
@@ -371,4 +371,4 @@ void stream_edit::stop(exit_status status, std::uint64_t offset, const std::stri
     throw refusal(status, fmt::format("{}: offset {}: {}; nothing is written", input.name(), offset, why));
 }
 
-} // namespace orv_h264
+} // namespace orv_h264::editing

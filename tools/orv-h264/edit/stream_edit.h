@@ -18,7 +18,7 @@
 #include <span>
 #include <vector>
 
-namespace orv_h264 {
+namespace orv_h264::editing {
 
 class stream_edit final : h264::split_sink, h264::access_unit_sink, h264::unit_sink {
 public:
@@ -95,4 +95,4 @@ private:
     bool any_picture = false;
 };
 
-} // namespace orv_h264
+} // namespace orv_h264::editing

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace orv_h264 {
+namespace orv_h264::editing {
 
 std::vector<unsigned char> unescaped(const h264::unit_place& unit)
 {
@@ -35,4 +35,4 @@ void retrace(const h264::unit_reading& reading, element_list& to)
     to.check();
 }
 
-} // namespace orv_h264
+} // namespace orv_h264::editing

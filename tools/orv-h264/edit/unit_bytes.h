@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <vector>
 
-namespace orv_h264 {
+namespace orv_h264::editing {
 
 /// The whole unit without emulation-prevention bytes.
 std::vector<unsigned char> unescaped(const h264::unit_place& unit);
@@ -17,4 +17,4 @@ std::vector<unsigned char> escaped(const std::vector<unsigned char>& clean);
 /// Tells the elements of a unit that has been read, with what it was read with.
 void retrace(const h264::unit_reading& reading, element_list& to);
 
-} // namespace orv_h264
+} // namespace orv_h264::editing

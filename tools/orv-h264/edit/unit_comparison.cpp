@@ -8,7 +8,7 @@
 
 #include <fmt/format.h>
 
-namespace orv_h264 {
+namespace orv_h264::editing {
 
 namespace {
 
@@ -201,4 +201,4 @@ std::string text_of(const difference& what)
     return "";
 }
 
-} // namespace orv_h264
+} // namespace orv_h264::editing

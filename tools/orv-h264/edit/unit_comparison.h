@@ -3,13 +3,14 @@
 
 #include "edit/element_list.h"
 #include "edit/sps_wishes.h"
+#include "element_text.h"
 
 #include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
 
-namespace orv_h264 {
+namespace orv_h264::editing {
 
 enum class difference_kind { changed, added, removed };
 
@@ -52,7 +53,8 @@ struct comparison {
 comparison compare_units(const element_list& before, const element_list& after,
                          const std::vector<bool>& removed_messages, const comparison_terms& terms);
 
+using orv_h264::text_of; // of failures and labels
 /// "frame_num 3 would be 4".
 std::string text_of(const difference& what);
 
-} // namespace orv_h264
+} // namespace orv_h264::editing

@@ -8,7 +8,7 @@
 
 #include <fmt/format.h>
 
-namespace orv_h264 {
+namespace orv_h264::editing {
 
 namespace {
 
@@ -428,4 +428,4 @@ void unit_editor::refuse(const planned_unit& unit, const std::string& why) const
                   fmt::format("{}: unit {}, offset {}: {}", input_name, unit.number, unit.reading.place.offset, why));
 }
 
-} // namespace orv_h264
+} // namespace orv_h264::editing

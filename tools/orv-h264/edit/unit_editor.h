@@ -13,7 +13,7 @@
 #include <string>
 #include <vector>
 
-namespace orv_h264 {
+namespace orv_h264::editing {
 
 /// What becomes of a unit.
 enum class unit_fate : std::uint8_t { copied, rewritten, deleted, inserted };
@@ -91,4 +91,4 @@ numbered_slice numbered(const h264::nal_unit& unit, const h264::unit_context& co
 const decoding_fact* first_difference(const h264::nal_unit& before, const h264::parameter_sets& sets_before,
                                       const h264::nal_unit& after, const h264::parameter_sets& sets_after);
 
-} // namespace orv_h264
+} // namespace orv_h264::editing

@@ -6,7 +6,7 @@
 
 #include <fmt/format.h>
 
-namespace orv_h264 {
+namespace orv_h264::editing {
 
 namespace {
 
@@ -100,4 +100,4 @@ void wanted_changes::remark(const std::string& text)
         told.push_back(text);
 }
 
-} // namespace orv_h264
+} // namespace orv_h264::editing

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-namespace orv_h264 {
+namespace orv_h264::editing {
 
 /// A unit as it was.
 struct planned_unit {
@@ -50,4 +50,4 @@ private:
     std::vector<std::string> told;
 };
 
-} // namespace orv_h264
+} // namespace orv_h264::editing
