@@ -1,6 +1,6 @@
-# cmake -D OUT=FILE.cpp -D "FILES=A|B..." -P embed.cmake   writes the table page_parts() of tools/orv-h264/report/page_parts.h: each
-# file with its name, its bytes and its SHA-256, in the order given. No script or style sheet among them may hold what ends
-# its element in a page.
+# cmake -D OUT=FILE.cpp -D HEADER=FILE.h -D FUNCTION=NAME -D "FILES=A|B..." -P embed.cmake   writes the function of that name,
+# which the header declares: the table of the files, each with its name, its bytes and its SHA-256, in the order given. No
+# script or style sheet among them may hold what ends its element in a page.
 string(REPLACE "|" ";" FILES "${FILES}")
 set(arrays)
 set(table)
@@ -23,21 +23,21 @@ foreach(file IN LISTS FILES)
     string(APPEND table "    {\"${name}\", {part_${number}, ${size}}, \"${sum}\"},\n")
     math(EXPR number "${number} + 1")
 endforeach()
-file(WRITE ${OUT} "#include \"report/page_parts.h\"
+file(WRITE ${OUT} "#include \"${HEADER}\"
 
 namespace orv_h264 {
 
 namespace {
 
 ${arrays}
-constexpr page_part parts[] = {
+constexpr embedded_file files[] = {
 ${table}};
 
 } // namespace
 
-std::span<const page_part> page_parts()
+std::span<const embedded_file> ${FUNCTION}()
 {
-    return parts;
+    return files;
 }
 
 } // namespace orv_h264

@@ -6,6 +6,7 @@
 
 #include <fmt/format.h>
 
+#include <span>
 #include <string>
 #include <vector>
 
@@ -28,13 +29,14 @@ inline orv_h264::stream_options annex_b_options()
 }
 
 inline std::vector<orv_h264::violation> violations_of(const bytes& stream,
-                                                      orv_h264::stream_options options = annex_b_options())
+                                                      orv_h264::stream_options options = annex_b_options(),
+                                                      std::span<const orv_h264::delivery_profile> profiles = {})
 {
     const temporary_folder folder;
     options.path = folder.write("stream.264", stream);
     orv_h264::stream_input input(options);
     kept_violations kept;
-    orv_h264::stream_check(input.name(), input.max_unit(), kept).look_at(input);
+    orv_h264::stream_check(input.name(), input.max_unit(), kept, profiles).look_at(input);
     return kept.all;
 }
 

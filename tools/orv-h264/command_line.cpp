@@ -459,6 +459,11 @@ void command_line::add_check()
         ->delimiter(',')
         ->allow_extra_args(false)
         ->type_name("RULES");
+    checking
+        .add_option("--profile", check_chosen.profiles,
+                    "Look with the requirements of a delivery profile too: disc, low-latency, streaming, or a file")
+        ->allow_extra_args(false)
+        ->type_name("NAME");
     add_limit(checking, check_chosen.limit, "Show N violations of a rule, and count the others");
     checking.add_flag("--rules", list_rules_wanted, "List the rules instead, in the order of their clauses");
     checking.add_option("--explain", rule_wanted, "Tell of this rule instead")->type_name("RULE");

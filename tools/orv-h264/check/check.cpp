@@ -5,6 +5,7 @@
 #include "standard_output.h"
 
 #include <algorithm>
+#include <iterator>
 #include <map>
 #include <set>
 
@@ -20,32 +21,53 @@ bool names(std::string_view pattern, std::string_view id)
     return pattern.ends_with('*') ? id.starts_with(pattern.substr(0, pattern.size() - 1)) : id == pattern;
 }
 
-/// Throws refusal where nothing has such a name.
-void refuse_unknown(const std::vector<std::string>& patterns)
+bool any_names(const std::vector<std::string>& patterns, const rule& one)
 {
-    for (const std::string& pattern : patterns) {
-        const auto fits = [&](const rule* one) { return names(pattern, one->id); };
-        if (std::none_of(all_rules().begin(), all_rules().end(), fits))
-            throw refusal(exit_usage_or_io, fmt::format("there is no rule '{}'; --rules lists them", pattern));
-    }
+    return std::any_of(patterns.begin(), patterns.end(), [&](const std::string& p) { return names(p, one.id); });
 }
+
+/// The profiles that are asked for, and the rules that a stream is looked at with.
+class chosen_rules {
+public:
+    /// Throws refusal for what there is not.
+    explicit chosen_rules(const check_options& options)
+    {
+        for (const std::string& name : options.profiles)
+            profiles.push_back(load_profile(name));
+        std::vector<const rule*> all(all_rules().begin(), all_rules().end());
+        for (const delivery_profile& profile : profiles)
+            for (const std::unique_ptr<requirement>& asked : profile.requirements)
+                all.push_back(&asked->what);
+        refuse_unknown(options.only, all);
+        refuse_unknown(options.ignore, all);
+        std::copy_if(all.begin(), all.end(), std::back_inserter(rules), [&](const rule* one) {
+            return (options.only.empty() || any_names(options.only, *one)) && !any_names(options.ignore, *one);
+        });
+    }
+
+    std::vector<delivery_profile> profiles;
+    std::vector<const rule*> rules;
+
+private:
+    static void refuse_unknown(const std::vector<std::string>& patterns, const std::vector<const rule*>& all)
+    {
+        for (const std::string& pattern : patterns)
+            if (std::none_of(all.begin(), all.end(), [&](const rule* one) { return names(pattern, one->id); }))
+                throw refusal(exit_usage_or_io, fmt::format("there is no rule '{}'; --rules lists them", pattern));
+    }
+};
 
 /// Lets the violations of the chosen rules through to the output, as many of each as are wanted, and counts.
 class chosen_violations final : public violation_sink {
 public:
-    chosen_violations(const check_options& options, check_output& to) : limit(options.limit), output(to)
+    chosen_violations(const std::vector<const rule*>& rules, std::uint64_t most_of_a_rule, check_output& to)
+        : limit(most_of_a_rule), output(to), looked_at(rules.begin(), rules.end())
     {
-        for (const rule* one : all_rules()) {
-            const auto fits = [one](const std::string& pattern) { return names(pattern, one->id); };
-            if ((!options.only.empty() && std::none_of(options.only.begin(), options.only.end(), fits)) ||
-                std::any_of(options.ignore.begin(), options.ignore.end(), fits))
-                passed_over.insert(one);
-        }
     }
 
     void take(const violation& what) override
     {
-        if (passed_over.contains(what.broken))
+        if (!looked_at.contains(what.broken))
             return;
         ++counts[static_cast<std::size_t>(what.level)];
         if (told[what.broken]++ < limit)
@@ -60,17 +82,18 @@ public:
 private:
     std::uint64_t limit;
     check_output& output;
-    std::set<const rule*> passed_over;
+    std::set<const rule*> looked_at;
     std::map<const rule*, std::uint64_t> told;
 };
 
 /// What prints its output when the file has ended does it in this frame.
-exit_status check_with(const check_options& options, check_output& output, const output_frame& frame)
+exit_status check_with(const check_options& options, const chosen_rules& chosen, check_output& output,
+                       const output_frame& frame)
 {
     stream_input input(options.stream);
-    output.begin(input.name());
-    chosen_violations violations(options, output);
-    stream_check(input.name(), input.max_unit(), violations).look_at(input);
+    output.begin(input.name(), chosen.rules);
+    chosen_violations violations(chosen.rules, options.limit, output);
+    stream_check(input.name(), input.max_unit(), violations, chosen.profiles).look_at(input);
     write_output(frame.head);
     output.end(violations.counts, violations.untold);
     write_output(frame.tail);
@@ -89,10 +112,9 @@ void print_rule(const rule& one, check_format format)
 
 exit_status check(const check_options& options)
 {
-    refuse_unknown(options.only);
-    refuse_unknown(options.ignore);
+    const chosen_rules chosen(options);
     const check_printer printer = make_check_printer(options.format, false);
-    return check_with(options, *printer.output, printer.frame);
+    return check_with(options, chosen, *printer.output, printer.frame);
 }
 
 exit_status check_of_files(const file_set& files, const check_options& options)
@@ -102,18 +124,18 @@ exit_status check_of_files(const file_set& files, const check_options& options)
         one.stream.path = files.paths.front();
         return check(one);
     }
-    refuse_unknown(options.only);
-    refuse_unknown(options.ignore);
+    const chosen_rules chosen(options);
     const check_printer printer = make_check_printer(options.format, true);
     file_work work;
     work.read = [&](const std::string& path) {
         one.stream.path = path;
-        return check_with(one, *printer.output, {});
+        return check_with(one, chosen, *printer.output, {});
     };
     work.print_failure = [&](const std::string& file, const json& failure) {
         printer.output->fail(file, failure.at("error").get<std::string>(), failure.at("status").get<int>());
     };
     work.between = printer.frame.between;
+    work.between_failures = true;
     write_output(printer.frame.head);
     const exit_status status = read_files(files, work);
     write_output(printer.frame.tail);

@@ -7,6 +7,7 @@
 #include <array>
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -23,7 +24,8 @@ public:
     check_output& operator=(const check_output&) = delete;
     virtual ~check_output() = default;
 
-    virtual void begin(const std::string& file) = 0;
+    /// The rules are those that are looked at; they outlive it.
+    virtual void begin(const std::string& file, std::span<const rule* const> rules) = 0;
     virtual void print(const violation& what) = 0;
     /// That was all: so many, of which some were not printed.
     virtual void end(const violation_counts& counts, std::uint64_t untold) = 0;
@@ -55,7 +57,7 @@ check_printer make_junit_printer();
 
 /// "slice_type 5; allowed: 2, 4, 7 or 9": what was found and what is allowed.
 std::string found_and_allowed(const violation& what);
-/// "H.264 7.4.3", or that of another standard.
+/// "H.264 7.4.3"; that of another standard, or a profile, as it stands.
 std::string name_of_clause(std::string_view clause);
 /// What JSON says of a rule.
 json json_of(const rule& one);

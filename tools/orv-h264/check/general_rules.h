@@ -50,6 +50,27 @@ inline constexpr rule unit_whole = {
     "a length prefix of 1000 before 10 bytes",
 };
 
-inline constexpr const rule* all[] = {&value_in_range, &every_byte_in_a_unit, &some_unit, &unit_taken, &unit_whole};
+inline constexpr rule container_whole = {
+    "container-whole",
+    severity::error,
+    "ISO/IEC 14496-12 4.2",
+    "a container holds its track to the end, and no parameter sets beside those of its record",
+    "What is lost of the container is lost of the stream. What is only odd is a note.",
+    "an MP4 file that ends inside of a sample",
+};
+
+inline constexpr rule container_agrees = {
+    "container-agrees-with-stream",
+    severity::warning,
+    "ISO/IEC 14496-15 5.3",
+    "a container says of its pictures what the stream says: which are key pictures, and when they are shown",
+    "Players seek by the container and decode by the stream; where the two disagree, they show garbage behind a seek, "
+    "or "
+    "pictures at another speed.",
+    "a picture marked as a key frame that is neither an IDR picture nor a recovery point",
+};
+
+inline constexpr const rule* all[] = {&value_in_range, &every_byte_in_a_unit, &some_unit,       &unit_taken,
+                                      &unit_whole,     &container_whole,      &container_agrees};
 
 } // namespace orv_h264::general_rules

@@ -9,7 +9,7 @@ class line_printer final : public check_output {
 public:
     explicit line_printer(bool of_many) : among_many(of_many) {}
 
-    void begin(const std::string& name) override
+    void begin(const std::string& name, std::span<const rule* const>) override
     {
         file = name;
         print_json(json_first_line("orv-h264/check", name));

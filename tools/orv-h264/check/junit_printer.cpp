@@ -1,4 +1,5 @@
-// Violations as JUnit's XML: a test case for each rule, which fails where an error was found.
+// Violations as JUnit's XML: a test case for each rule, which fails where an error was found. The suite of a file
+// begins a line and ends one: of a process that was killed no part of it is taken.
 #include "check/check_output.h"
 #include "standard_output.h"
 
@@ -31,7 +32,7 @@ std::string escaped(std::string_view text)
             out += "&quot;";
             break;
         default:
-            if (static_cast<unsigned char>(c) < ' ' && c != '\n' && c != '\t')
+            if (static_cast<unsigned char>(c) < ' ' && c != '\t')
                 out += "\xEF\xBF\xBD";
             else
                 out += c;
@@ -42,7 +43,11 @@ std::string escaped(std::string_view text)
 
 class junit_suite final : public check_output {
 public:
-    void begin(const std::string& file) override { name = escaped(file); }
+    void begin(const std::string& file, std::span<const rule* const> in_play) override
+    {
+        name = escaped(file);
+        rules = in_play;
+    }
 
     void print(const violation& what) override
     {
@@ -54,25 +59,25 @@ public:
 
     void end(const violation_counts&, std::uint64_t) override
     {
-        write_output(fmt::format("<testsuite name=\"{}\" tests=\"{}\" failures=\"{}\" errors=\"0\">\n", name,
-                                 all_rules().size(), failures.size()));
-        for (const rule* one : all_rules())
-            print_case(*one);
-        write_output("</testsuite>\n");
+        std::string suite = fmt::format("<testsuite name=\"{}\" tests=\"{}\" failures=\"{}\" errors=\"0\">", name,
+                                        rules.size(), failures.size());
+        for (const rule* one : rules)
+            append_case(suite, *one);
+        write_output(suite + "</testsuite>\n");
     }
 
     void fail(const std::string& file, const std::string& reason, int) override
     {
-        write_output(fmt::format("<testsuite name=\"{0}\" tests=\"1\" failures=\"0\" errors=\"1\">\n"
+        write_output(fmt::format("<testsuite name=\"{0}\" tests=\"1\" failures=\"0\" errors=\"1\">"
                                  "<testcase classname=\"orv-h264\" name=\"file-is-read\"><error message=\"{1}\"/>"
-                                 "</testcase>\n</testsuite>\n",
+                                 "</testcase></testsuite>\n",
                                  escaped(file), escaped(reason)));
     }
 
 private:
     using texts = std::map<std::string_view, std::string>; // of each rule that has any
 
-    void print_case(const rule& one) const
+    void append_case(std::string& suite, const rule& one) const
     {
         const std::string open =
             fmt::format("<testcase classname=\"{}\" name=\"{}\"", escaped(name_of_clause(one.clause)), one.id);
@@ -81,10 +86,11 @@ private:
             inside += fmt::format("<failure message=\"{}\">{}</failure>", escaped(one.title), failed->second);
         if (const auto told = remarks.find(one.id); told != remarks.end())
             inside += fmt::format("<system-out>{}</system-out>", told->second);
-        write_output(inside.empty() ? open + "/>\n" : open + ">" + inside + "</testcase>\n");
+        suite += inside.empty() ? open + "/>" : open + ">" + inside + "</testcase>";
     }
 
     std::string name;
+    std::span<const rule* const> rules;
     texts failures;
     texts remarks;
 };

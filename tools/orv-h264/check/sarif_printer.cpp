@@ -1,5 +1,5 @@
-// Violations as SARIF 2.1.0 (OASIS): a run with the rules, then a result each. It is printed when the file has ended:
-// no reader makes anything of a part.
+// Violations as SARIF 2.1.0 (OASIS): a run with the rules, then a result each. It is one line, printed when the file
+// has ended: no reader makes anything of a part.
 #include "check/check_output.h"
 #include "standard_output.h"
 
@@ -34,18 +34,12 @@ json sarif_of(const rule& one)
             {"properties", {{"clause", one.clause}}}};
 }
 
-json driver()
+json driver_of(std::span<const rule* const> rules)
 {
-    json rules = json::array();
-    for (const rule* one : all_rules())
-        rules.push_back(sarif_of(*one));
-    return {{"driver", {{"name", "orv-h264"}, {"version", ORV_UTILS_V4_VERSION}, {"rules", std::move(rules)}}}};
-}
-
-std::size_t index_of(const rule* one)
-{
-    const auto rules = all_rules();
-    return static_cast<std::size_t>(std::find(rules.begin(), rules.end(), one) - rules.begin());
+    json list = json::array();
+    for (const rule* one : rules)
+        list.push_back(sarif_of(*one));
+    return {{"driver", {{"name", "orv-h264"}, {"version", ORV_UTILS_V4_VERSION}, {"rules", std::move(list)}}}};
 }
 
 /// Bytes that are no UTF-8 become U+FFFD.
@@ -56,10 +50,11 @@ std::string text_of(const json& value)
 
 class sarif_run final : public check_output {
 public:
-    void begin(const std::string& file) override
+    void begin(const std::string& file, std::span<const rule* const> in_play) override
     {
         uri = uri_of(file);
-        run = fmt::format(R"({{"tool":{},"columnKind":"utf16CodeUnits","results":[)", text_of(driver()));
+        rules = in_play;
+        run = fmt::format(R"({{"tool":{},"columnKind":"utf16CodeUnits","results":[)", text_of(driver_of(rules)));
         any = false;
     }
 
@@ -70,13 +65,12 @@ public:
         const json place = {{"artifactLocation", {{"uri", uri}}},
                             {"region", {{"byteOffset", offset}, {"byteLength", 1}}}};
         json result = {{"ruleId", what.broken->id}};
-        if (const std::size_t index = index_of(what.broken); index < all_rules().size())
-            result["ruleIndex"] = index;
-        result.update({{"level", name_of(what.level)},
+        result.update({{"ruleIndex", std::find(rules.begin(), rules.end(), what.broken) - rules.begin()},
+                       {"level", name_of(what.level)},
                        {"message", {{"text", fmt::format("{} ({})", found_and_allowed(what), what.broken->title)}}},
                        {"locations", json::array({{{"physicalLocation", place}}})},
                        {"properties", std::move(properties)}});
-        run += (any ? ",\n" : "\n") + text_of(result);
+        run += (any ? "," : "") + text_of(result);
         any = true;
     }
 
@@ -84,9 +78,8 @@ public:
     {
         const json properties = {
             {"errors", counts[0]}, {"warnings", counts[1]}, {"notes", counts[2]}, {"not_shown", untold}};
+        run += R"(],"invocations":[{"executionSuccessful":true}],"properties":)" + text_of(properties) + "}\n";
         write_output(run);
-        write_output(
-            fmt::format(R"(],"invocations":[{{"executionSuccessful":true}}],"properties":{}}})", text_of(properties)));
     }
 
     void fail(const std::string& file, const std::string& reason, int status) override
@@ -101,17 +94,19 @@ public:
         const json failed = {{"tool", {{"driver", {{"name", "orv-h264"}, {"version", ORV_UTILS_V4_VERSION}}}}},
                              {"results", json::array()},
                              {"invocations", json::array({ended})}};
-        write_output(text_of(failed));
+        write_output(text_of(failed) + '\n');
     }
 
 private:
     std::string uri;
+    std::span<const rule* const> rules;
     std::string run; // so far
     bool any = false;
 };
 
-constexpr output_frame log = {
-    R"({"$schema":"https://json.schemastore.org/sarif-2.1.0.json","version":"2.1.0","runs":[)", ",\n", "]}\n"};
+constexpr output_frame log = {R"({"$schema":"https://json.schemastore.org/sarif-2.1.0.json","version":"2.1.0","runs":[)"
+                              "\n",
+                              ",\n", "]}\n"};
 
 } // namespace
 

@@ -1,7 +1,9 @@
 #include "check/stream_check.h"
 
+#include "check/container_part.h"
 #include "check/facts.h"
 #include "check/general_rules.h"
+#include "check/profile_part.h"
 #include "element_text.h"
 #include "loss_texts.h"
 
@@ -30,15 +32,26 @@ std::string allowed_text(const h264::traced_element& e)
 
 } // namespace
 
+stream_check::stream_check(const std::string& name, std::uint64_t most_unit_bytes, violation_sink& sink,
+                           std::span<const delivery_profile> profiles)
+    : unit_run(name, false), most_bytes(most_unit_bytes), log(sink), parts(make_check_parts(log))
+{
+    for (const delivery_profile& profile : profiles)
+        parts.push_back(std::make_unique<profile_part>(log, profile));
+}
+
 void stream_check::look_at(stream_input& input)
 {
-    run(input);
-    if (!any_unit)
+    begin_units(input);
+    container_part container(input, units_in());
+    if (!input.read_units(container))
         log.tell_at(general_rules::some_unit, input.bytes_read(), {"", describe_no_unit(input.is_empty()), "a unit"});
+    end_units();
     access_units.flush(*this);
     pictures.flush(*this);
     for (const std::unique_ptr<check_part>& part : parts)
         part->end();
+    container.finish(input, log);
     log.release_all();
 }
 
@@ -50,7 +63,6 @@ h264::visitor* stream_check::before(const listed_unit& unit)
 
 void stream_check::take(const listed_unit& unit, const h264::unit_reading* reading)
 {
-    any_unit = true;
     log.begin({{unit.place.number, unit.type()}, unit.shown(), elements.end()});
     look_at_elements(unit.place.number);
     log.judge(unit_rules(), unit_facts{*reading}, unit.place.number);
@@ -103,7 +115,6 @@ void stream_check::take_cut(const listed_unit& unit, const h264::split_unit& as_
 
 void stream_check::take_gap(const h264::split_gap& gap)
 {
-    any_unit = any_unit || gap.is_unit();
     const rule& broken = gap.is_unit() ? general_rules::unit_taken : general_rules::every_byte_in_a_unit;
     log.tell_at(broken, gap.offset, {"", describe_with_size(gap, most_bytes), "none"});
 }

@@ -2,16 +2,16 @@
 #pragma once
 
 #include "check/check_part.h"
+#include "check/delivery_profile.h"
 #include "check/unit_elements.h"
 
 namespace orv_h264 {
 
 class stream_check final : public unit_run, h264::access_unit_sink, h264::picture_sink {
 public:
-    stream_check(const std::string& name, std::uint64_t most_unit_bytes, violation_sink& sink)
-        : unit_run(name, false), most_bytes(most_unit_bytes), log(sink), parts(make_check_parts(log))
-    {
-    }
+    /// The profiles outlive it.
+    stream_check(const std::string& name, std::uint64_t most_unit_bytes, violation_sink& sink,
+                 std::span<const delivery_profile> profiles = {});
 
     /// Reads the stream to its end.
     void look_at(stream_input& input);
@@ -39,7 +39,6 @@ private:
     std::vector<std::unique_ptr<check_part>> parts;
     h264::access_units access_units;
     h264::pictures pictures;
-    bool any_unit = false;
 };
 
 } // namespace orv_h264

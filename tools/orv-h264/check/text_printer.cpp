@@ -33,7 +33,7 @@ std::string place_of(const violation& what)
 
 class text_output final : public check_output {
 public:
-    void begin(const std::string& name) override { file = printable(name); }
+    void begin(const std::string& name, std::span<const rule* const>) override { file = printable(name); }
 
     void print(const violation& what) override
     {

@@ -48,10 +48,11 @@ public:
     void element(const h264::traced_element& e) override
     {
         guarded([&] {
+            const char* const structure = path.empty() ? "" : path.back();
             if (elements.size() < most_elements)
-                elements.push_back({e.name, {offset + bytes(e.bit / 8), e.bit}});
+                elements.push_back({e.name, {offset + bytes(e.bit / 8), e.bit}, e.value, structure});
             if (!e.inside && outside.size() < most_elements)
-                outside.push_back({e, path.empty() ? "" : path.back()});
+                outside.push_back({e, structure});
         });
     }
 

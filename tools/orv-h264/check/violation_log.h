@@ -17,6 +17,8 @@ namespace orv_h264 {
 struct placed_element {
     h264::label name;
     element_place place;
+    std::int64_t value = 0;
+    const char* structure = ""; ///< around it
 };
 
 /// A unit that rules may be broken in.
@@ -36,6 +38,9 @@ public:
 
     /// The unit that is judged from now on. Of units long gone the elements are known no more, and last the units.
     void begin(known_unit&& unit);
+
+    /// It.
+    const known_unit& unit_at_hand() const { return known.back(); }
 
     /// The unit of this number breaks the rule.
     void tell(const rule& broken, std::uint64_t unit, breach&& how);

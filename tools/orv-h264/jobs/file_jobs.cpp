@@ -226,13 +226,18 @@ private:
 
     void print_of(job& first, std::string_view lines)
     {
-        if (!first.has_printed && any_printed && !work.between.empty())
-            write_output(work.between);
-        first.has_printed = any_printed = true;
+        begin_printing(first);
         write_output(lines);
     }
 
-    void finish(const job& ended)
+    void begin_printing(job& first)
+    {
+        if (!first.has_printed && any_printed && !work.between.empty())
+            write_output(work.between);
+        first.has_printed = any_printed = true;
+    }
+
+    void finish(job& ended)
     {
         const int status = ended.process ? ended.process->wait_status() : 0;
         std::string why;
@@ -242,8 +247,11 @@ private:
             why = fmt::format("ended by signal {} ({})", WTERMSIG(status), ::strsignal(WTERMSIG(status)));
         else if (WEXITSTATUS(status) >= status_untold)
             why = fmt::format("ended with status {}", WEXITSTATUS(status));
-        if (!why.empty())
+        if (!why.empty()) {
+            if (work.between_failures)
+                begin_printing(ended);
             tell_failure(work, ended.path, why, exit_usage_or_io);
+        }
         worst = std::max(worst, why.empty() ? WEXITSTATUS(status) : int{exit_usage_or_io});
     }
 

@@ -31,6 +31,8 @@ struct file_work {
     std::function<void(const std::string& file, const json& failure)> print_failure;
     /// Stands between what two files have printed.
     std::string_view between;
+    /// It stands before what print_failure() prints of a file that has printed nothing, too.
+    bool between_failures = false;
 };
 
 /// Reads all the files.

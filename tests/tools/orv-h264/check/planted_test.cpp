@@ -37,7 +37,8 @@ TEST(PlantedViolations, BreakEveryRule)
 {
     std::set<std::string_view> unbroken;
     for (const orv_h264::rule* one : orv_h264::all_rules())
-        unbroken.insert(one->id);
+        if (!one->id.starts_with("container-")) // check-containers breaks those
+            unbroken.insert(one->id);
     for (const planted_violation& planted : all_planted())
         unbroken.erase(planted.broken.substr(0, planted.broken.find_first_of("@,")));
     EXPECT_EQ(std::vector(unbroken.begin(), unbroken.end()), std::vector<std::string_view>());
