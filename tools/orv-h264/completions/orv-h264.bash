@@ -2,7 +2,7 @@
 
 _orv_h264()
 {
-    local subcommands="info inspect explain frames report check convert cut avcc help"
+    local subcommands="info inspect explain frames report check convert cut diff avcc help"
     local framings="annexb length1 length2 length3 length4"
     local help="-h --help"
     local many="--files-from -0 --null --jobs"
@@ -30,6 +30,7 @@ _orv_h264()
     check) options="$many --format --track --max-unit --json --sarif --junit --ignore --only --profile --limit --rules --explain" ;;
     convert) options="--format --track --max-unit --to --avcc --parameter-sets" ;;
     cut) options="--format --track --max-unit --from --to --key --only --base --layer --view --rate --json" ;;
+    diff) options="--format --track --max-unit --ignore --all --json" ;;
     avcc) options="--json --csv --tsv" ;;
     help) options="" ;;
     *) return ;;

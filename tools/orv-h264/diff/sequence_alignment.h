@@ -31,8 +31,8 @@ struct alignment {
 };
 
 /// First what is the same: what stands once in both, as far as it is in order, and between that the entries of a kind
-/// by their number. Then, between those, what has the same data and stands once. What is left and is the same, or has
-/// the same data, has moved.
+/// by their number. Then, between those, what has the same slices, and what the same data, and stands once. What is
+/// left and is the same by one of these has moved.
 /// @param pair_rest what is left between two partners then is paired in its order, for entries that have changed
 alignment align(const std::vector<aligned_entry>& a, const std::vector<aligned_entry>& b, bool pair_rest);
 
