@@ -31,5 +31,6 @@ std::span<const planted_violation> planted_in_slices();
 std::span<const planted_violation> planted_in_marking();
 std::span<const planted_violation> planted_in_lists();
 std::span<const planted_violation> planted_in_output();
+std::span<const planted_violation> planted_in_levels();
 
 } // namespace support

@@ -2,6 +2,7 @@
 #include "check/check_part.h"
 #include "check/facts.h"
 #include "check/general_rules.h"
+#include "check/level_part.h"
 #include "check/marking_part.h"
 #include "check/output_part.h"
 
@@ -36,6 +37,10 @@ rule_list every_rule()
     append(list, output_rules());
     append(list, new_sequence_rules());
     append(list, sps_order_rules());
+    append(list, picture_load_rules());
+    append(list, decoding_interval_rules());
+    append(list, output_interval_rules());
+    append(list, level_sps_rules());
     std::stable_sort(list.begin(), list.end(), stands_before);
     return list;
 }
@@ -47,6 +52,7 @@ std::vector<std::unique_ptr<check_part>> make_check_parts(violation_log& log)
     std::vector<std::unique_ptr<check_part>> parts;
     parts.push_back(std::make_unique<marking_part>(log));
     parts.push_back(std::make_unique<output_part>(log));
+    parts.push_back(std::make_unique<level_part>(log));
     return parts;
 }
 

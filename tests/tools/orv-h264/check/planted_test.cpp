@@ -15,9 +15,9 @@ using support::planted_violation;
 std::vector<planted_violation> all_planted()
 {
     std::vector<planted_violation> all;
-    for (const auto& table :
-         {support::planted_in_units(), support::planted_in_parameter_sets(), support::planted_in_slices(),
-          support::planted_in_marking(), support::planted_in_lists(), support::planted_in_output()})
+    for (const auto& table : {support::planted_in_units(), support::planted_in_parameter_sets(),
+                              support::planted_in_slices(), support::planted_in_marking(), support::planted_in_lists(),
+                              support::planted_in_output(), support::planted_in_levels()})
         all.insert(all.end(), table.begin(), table.end());
     return all;
 }
