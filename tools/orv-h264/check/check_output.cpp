@@ -39,15 +39,22 @@ json json_of(const rule& one)
 
 json json_of(const violation& what)
 {
-    json object = {
-        {"rule", what.broken->id}, {"severity", name_of(what.level)}, {"clause", what.clause}, {"offset", what.offset}};
-    if (what.unit)
-        object.update({{"unit", what.unit->number}, {"nal_unit_type", what.unit->nal_unit_type}});
+    json object = {{"rule", what.broken->id}, {"severity", name_of(what.level)},
+                   {"clause", what.clause},   {"offset", what.offset},
+                   {"unit", nullptr},         {"nal_unit_type", nullptr},
+                   {"element", nullptr},      {"byte", nullptr},
+                   {"bit", nullptr},          {"found", what.found},
+                   {"allowed", what.allowed}};
+    if (what.unit) {
+        object["unit"] = what.unit->number;
+        object["nal_unit_type"] = what.unit->nal_unit_type;
+    }
     if (!what.element.empty())
         object["element"] = what.element;
-    if (what.place)
-        object.update({{"byte", what.place->byte}, {"bit", what.place->bit}});
-    object.update({{"found", what.found}, {"allowed", what.allowed}});
+    if (what.place) {
+        object["byte"] = what.place->byte;
+        object["bit"] = what.place->bit;
+    }
     return object;
 }
 

@@ -33,8 +33,8 @@ constexpr planted_violation planted[] = {
              stream.add(slice);
          });
      }},
-    {"first_mb_in_slice beyond the picture", "slice-begins-inside-picture@2 first_mb_in_slice",
-     [] { return with_slices([](made_stream& stream) { stream.add(from_macroblock(idr(), 4000)); }); }},
+    {"first_mb_in_slice beyond the picture", "slice-begins-inside-picture@3 first_mb_in_slice",
+     [] { return with_slices([](made_stream& stream) { stream.add(idr()).add(from_macroblock(idr(), 4000)); }); }},
     {"frame_num 3 in an IDR picture", "slice-idr-begins-numbers@2 frame_num",
      [] {
          return with_slices([](made_stream& stream) {
