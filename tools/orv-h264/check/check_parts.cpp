@@ -7,6 +7,7 @@
 #include "check/habit_check.h"
 #include "check/hrd_facts.h"
 #include "check/hrd_part.h"
+#include "check/level_part.h"
 #include "check/marking_part.h"
 #include "check/number_check.h"
 #include "check/number_facts.h"
@@ -69,6 +70,10 @@ rule_list every_rule()
     append(list, message_rules());
     append(list, picture_timing_rules());
     append(list, vui_time_rules());
+    append(list, picture_load_rules());
+    append(list, decoding_interval_rules());
+    append(list, output_interval_rules());
+    append(list, level_sps_rules());
     std::stable_sort(list.begin(), list.end(), stands_before);
     return list;
 }
@@ -86,6 +91,7 @@ std::vector<std::unique_ptr<check_part>> make_check_parts(violation_log& log)
     parts.push_back(std::make_unique<habit_check>(log));
     parts.push_back(std::make_unique<hrd_part>(log));
     parts.push_back(std::make_unique<sei_part>(log));
+    parts.push_back(std::make_unique<level_part>(log));
     return parts;
 }
 
