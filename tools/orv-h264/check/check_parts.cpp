@@ -1,6 +1,7 @@
 // The parts of a check, and the list of all rules.
 #include "check/access_unit_check.h"
 #include "check/access_unit_facts.h"
+#include "check/byte_check.h"
 #include "check/check_part.h"
 #include "check/facts.h"
 #include "check/general_rules.h"
@@ -34,6 +35,7 @@ rule_list every_rule()
     append(list, sps_rules());
     append(list, pps_rules());
     append(list, slice_rules());
+    append(list, byte_rules());
     append(list, unit_order_rules());
     append(list, access_unit_rules());
     append(list, picture_slice_rules());
@@ -54,6 +56,7 @@ rule_list every_rule()
 std::vector<std::unique_ptr<check_part>> make_check_parts(violation_log& log)
 {
     std::vector<std::unique_ptr<check_part>> parts;
+    parts.push_back(std::make_unique<byte_check>(log));
     parts.push_back(std::make_unique<set_check>(log));
     parts.push_back(std::make_unique<access_unit_check>(log));
     parts.push_back(std::make_unique<number_check>(log));
