@@ -37,6 +37,7 @@ rule_list every_rule()
     append(list, slice_rules());
     append(list, byte_rules());
     append(list, unit_order_rules());
+    append(list, slice_order_rules());
     append(list, access_unit_rules());
     append(list, picture_slice_rules());
     append(list, numbering_rules());
@@ -47,6 +48,7 @@ rule_list every_rule()
     append(list, naming_rules());
     append(list, set_content_rules());
     append(list, activation_rules());
+    append(list, auxiliary_rules());
     std::stable_sort(list.begin(), list.end(), stands_before);
     return list;
 }
