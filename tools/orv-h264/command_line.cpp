@@ -2,6 +2,7 @@
 
 #include "avcc.h"
 #include "check/check.h"
+#include "check/show_hrd.h"
 #include "convert.h"
 #include "cut/cut.h"
 #include "cut/cut_arguments.h"
@@ -348,6 +349,7 @@ struct command_line {
     check_options check_chosen;
     file_set check_files;
     bool list_rules_wanted = false;
+    bool hrd_wanted = false;
     std::string rule_wanted; // to be explained
     convert_options convert_chosen;
     cut_options cut_chosen;
@@ -465,10 +467,14 @@ void command_line::add_check()
         ->allow_extra_args(false)
         ->type_name("NAME");
     add_limit(checking, check_chosen.limit, "Show N violations of a rule, and count the others");
+    checking.add_flag("--hrd", hrd_wanted,
+                      "Show how full the buffers of the hypothetical reference decoder are instead");
     checking.add_flag("--rules", list_rules_wanted, "List the rules instead, in the order of their clauses");
     checking.add_option("--explain", rule_wanted, "Tell of this rule instead")->type_name("RULE");
     checking.footer(std::string(help_texts::check) + help_texts::many_files + help_texts::exit_statuses);
     checking.parse_complete_callback([this] {
+        if (hrd_wanted && check_chosen.format > check_format::json_lines)
+            throw CLI::ValidationError("--hrd", "not together with --sarif or --junit");
         if (!list_rules_wanted && rule_wanted.empty())
             check(check_files);
     });
@@ -481,6 +487,8 @@ exit_status command_line::run_check()
         return list_rules(check_chosen.format);
     if (!rule_wanted.empty())
         return explain_rule(rule_wanted, check_chosen.format);
+    if (hrd_wanted)
+        return show_hrd_of_files(check_files, {check_chosen.stream, check_chosen.format == check_format::json_lines});
     return check_of_files(check_files, check_chosen);
 }
 

@@ -134,13 +134,18 @@ only the output order of pictures, or the end of the stream, tells.
 
 --rules lists all rules, --explain tells of one; docs/rules.md has them too.
 
-The exit status is 1 where an error was found.
+--hrd runs the hypothetical reference decoder of Annex C, and prints a line for each access unit and schedule: when its
+bits arrive and it is removed, in seconds, and how many bits are in the coded picture buffer before and behind that;
+then the least and the most of each schedule. The NAL HRD counts all bytes, the VCL HRD slices and filler data.
+
+The exit status is 1 where an error was found, with --hrd where a buffer underflows or overflows.
 
 Examples:
   orv-h264 check movie.264
   orv-h264 check --ignore 'vui-*' --limit 3 movie.264
   orv-h264 check --sarif movie.264 > movie.sarif
   orv-h264 check --junit *.264 > results.xml
+  orv-h264 check --hrd movie.264
   orv-h264 check --rules
   orv-h264 check --explain sps-level-known)";
 

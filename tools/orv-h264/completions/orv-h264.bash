@@ -27,7 +27,7 @@ _orv_h264()
     explain) options="--format --track --max-unit --json --csv --tsv" ;;
     frames) options="$many --format --track --max-unit --fields --split-fields --output-order --limit --json --csv --tsv" ;;
     report) options="--format --track --max-unit -o --output" ;;
-    check) options="$many --format --track --max-unit --json --sarif --junit --ignore --only --profile --limit --rules --explain" ;;
+    check) options="$many --format --track --max-unit --json --sarif --junit --ignore --only --profile --limit --hrd --rules --explain" ;;
     convert) options="--format --track --max-unit --to --avcc --parameter-sets" ;;
     cut) options="--format --track --max-unit --from --to --key --only --base --layer --view --rate --json" ;;
     avcc) options="--json --csv --tsv" ;;
