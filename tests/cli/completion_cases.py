@@ -6,7 +6,7 @@ import tempfile
 
 import tool_help
 
-SUBCOMMANDS = ["avcc", "check", "convert", "explain", "frames", "help", "info", "inspect", "report"]
+SUBCOMMANDS = ["avcc", "check", "convert", "cut", "explain", "frames", "help", "info", "inspect", "report"]
 FRAMINGS = ["annexb", "length1", "length2", "length3", "length4"]
 LENGTHS = FRAMINGS[1:]
 FILES = ["movie.264", "movie.avc", "sample.bin"]
@@ -14,7 +14,7 @@ FILES = ["movie.264", "movie.avc", "sample.bin"]
 CASES = [
     ("orv-h264 ", SUBCOMMANDS),
     ("orv-h264 in", ["info", "inspect"]),
-    ("orv-h264 c", ["check", "convert"]),
+    ("orv-h264 c", ["check", "convert", "cut"]),
     ("orv-h264 mov", []),
     ("orv-h264 convert --to ", FRAMINGS),
     ("orv-h264 convert --to le", LENGTHS),
@@ -33,6 +33,9 @@ CASES = [
     ("orv-h264 inspect --limit 3 s", ["sample.bin"]),
     ("orv-h264 convert movie.264 sa", ["sample.bin"]),
     ("orv-h264 convert --to length4 s", ["sample.bin"]),
+    ("orv-h264 cut movie.264 sa", ["sample.bin"]),
+    ("orv-h264 cut movie.264 --to ", []),
+    ("orv-h264 cut --from ", []),
     ("orv-h264 avcc s", ["sample.bin"]),
     ("orv-h264 convert movie.264 --avcc s", ["sample.bin"]),
     ("orv-h264 convert movie.264 --parameter-sets s", ["sample.bin"]),

@@ -4,6 +4,9 @@
 #include "check/check.h"
 #include "check/show_hrd.h"
 #include "convert.h"
+#include "cut/cut.h"
+#include "cut/cut_arguments.h"
+#include "diff/diff.h"
 #include "explain.h"
 #include "frames.h"
 #include "help_texts.h"
@@ -18,6 +21,7 @@
 #include <orv-utils-v4/version.h>
 
 #include <algorithm>
+#include <bitset>
 #include <charconv>
 #include <functional>
 #include <map>
@@ -227,6 +231,25 @@ void check(const convert_options& chosen)
         throw CLI::ValidationError("--parameter-sets", "the standard input is taken by IN");
 }
 
+void add_only(CLI::App& app, const char* description, const std::function<void(const std::bitset<32>&)>& take)
+{
+    app.add_option_function<std::vector<std::string>>(
+           "--only",
+           [take](const std::vector<std::string>& lists) {
+               std::bitset<32> types;
+               try {
+                   for (const std::string& list : lists)
+                       types |= parse_type_set(list);
+               } catch (const std::invalid_argument& error) {
+                   throw CLI::ValidationError("--only", error.what());
+               }
+               take(types);
+           },
+           description)
+        ->allow_extra_args(false)
+        ->type_name("TYPES");
+}
+
 std::uint64_t offset_of(const std::string& text)
 {
     const bool hexadecimal = text.starts_with("0x");
@@ -252,6 +275,34 @@ void take_place(const std::string& text, explain_options& to)
     to.bit = static_cast<unsigned>(bit[0] - '0');
 }
 
+/// An argument that `parse` makes a value of, or refuses by std::invalid_argument.
+template <typename Parse, typename Take>
+CLI::Option* add_parsed(CLI::App& app, const char* name, const char* type, const char* description, Parse parse,
+                        Take take)
+{
+    return app
+        .add_option_function<std::string>(
+            name,
+            [name, parse, take](const std::string& text) {
+                try {
+                    take(parse(text));
+                } catch (const std::invalid_argument& error) {
+                    throw CLI::ValidationError(name, error.what());
+                }
+            },
+            description)
+        ->type_name(type);
+}
+
+/// Throws CLI::ParseError where the options of cut do not go together.
+void check(const cut_options& chosen)
+{
+    if (is_surely_empty(chosen.range))
+        throw CLI::ValidationError("--to", "it names the first picture that is not written, behind that of --from");
+    if (chosen.json && chosen.out == "-")
+        throw CLI::ValidationError("--json", "the standard output is taken by OUT");
+}
+
 /// The subcommands, their options, and the one that was chosen.
 struct command_line {
     command_line();
@@ -263,6 +314,9 @@ struct command_line {
     void add_report();
     void add_check();
     void add_convert();
+    void add_cut();
+    void add_layer_choices(CLI::App& cutting);
+    void add_diff();
     void add_avcc();
     void add_help();
     exit_status print_help();
@@ -298,6 +352,8 @@ struct command_line {
     bool hrd_wanted = false;
     std::string rule_wanted; // to be explained
     convert_options convert_chosen;
+    cut_options cut_chosen;
+    diff_options diff_chosen;
     avcc_options avcc_chosen;
     std::string help_wanted; // of this subcommand
     std::function<exit_status()> chosen;
@@ -315,6 +371,8 @@ command_line::command_line()
     add_report();
     add_check();
     add_convert();
+    add_cut();
+    add_diff();
     add_avcc();
     add_help();
 }
@@ -325,21 +383,8 @@ void command_line::add_inspect()
     add_stream(inspection, "FILE", inspect_chosen.stream);
     inspection.add_flag("--nals", inspect_chosen.nals, "Units only, without their fields");
     add_limit(inspection, inspect_chosen.limit, "Stop after N units shown");
-    inspection
-        .add_option_function<std::vector<std::string>>(
-            "--only",
-            [this](const std::vector<std::string>& lists) {
-                inspect_chosen.only.reset();
-                try {
-                    for (const std::string& list : lists)
-                        inspect_chosen.only |= parse_type_set(list);
-                } catch (const std::invalid_argument& error) {
-                    throw CLI::ValidationError("--only", error.what());
-                }
-            },
-            "Show these NAL units only, for example 7,8 or 1-5 or sps,pps,idr; may be repeated")
-        ->allow_extra_args(false)
-        ->type_name("TYPES");
+    add_only(inspection, "Show these NAL units only, for example 7,8 or 1-5 or sps,pps,idr; may be repeated",
+             [this](const std::bitset<32>& types) { inspect_chosen.only = types; });
     inspection.add_flag("--positions", inspect_chosen.positions,
                         "Show every element, with its byte, bit and number of bits before it");
     inspection.add_flag("--long-names", inspect_chosen.long_names, "Name the units as H.264 does");
@@ -465,6 +510,75 @@ void command_line::add_convert()
     conversion.parse_complete_callback([this] { check(convert_chosen); });
     conversion.footer(std::string(help_texts::convert) + help_texts::exit_statuses);
     run_with(conversion, convert, convert_chosen);
+}
+
+/// --base, --layer and --view, which stand alone.
+void command_line::add_layer_choices(CLI::App& cutting)
+{
+    const auto choose = [this](const char* name, const layer_choice& layers, const std::string& target) {
+        if (cut_chosen.layers.is_some())
+            throw CLI::ValidationError(name, "one of --base, --layer and --view is enough");
+        cut_chosen.layers = layers;
+        cut_chosen.target = target;
+    };
+    cutting.add_flag_callback(
+        "--base", [choose] { choose("--base", layer_choice::of_base(), ""); }, "Write the base layer or view alone");
+    add_parsed(cutting, "--layer", "D[,Q[,T]]",
+               "Write what this layer of a scalable stream needs: dependency_id, quality_id, temporal_id", parse_layer,
+               [choose](const layer_target& target) {
+                   choose("--layer", layer_choice::of_layer(target),
+                          "layer of dependency_id " + std::to_string(target.dependency_id));
+               });
+    add_parsed(cutting, "--view", "ID", "Write what this view of a multiview stream needs, by its view_id", parse_view,
+               [choose](std::uint16_t view_id) {
+                   choose("--view", layer_choice::of_view(view_id), "view of view_id " + std::to_string(view_id));
+               });
+}
+
+void command_line::add_cut()
+{
+    CLI::App& cutting = *app.add_subcommand("cut", "Write a part of a stream, or one of its layers");
+    add_stream(cutting, "IN", cut_chosen.stream);
+    add_file(cutting, "OUT", cut_chosen.out, "Where it goes; - is the standard output");
+    add_parsed(cutting, "--from", "PLACE",
+               "The first picture that is written: its number, a time as 12.5s, or a byte offset as @0x1267",
+               parse_cut_place, [this](const cut_place& place) { cut_chosen.range.from = place; });
+    add_parsed(cutting, "--to", "PLACE", "The first picture behind it that is not written, named likewise",
+               parse_cut_place, [this](const cut_place& place) { cut_chosen.range.to = place; });
+    cutting.add_flag("--key", cut_chosen.key,
+                     "Go back to the IDR picture or recovery point at or before --from, so that decoding can begin");
+    add_only(cutting, "Write these NAL units only, and no parameter sets but theirs; may be repeated",
+             [this](const std::bitset<32>& types) { cut_chosen.only = types; });
+    add_layer_choices(cutting);
+    add_parsed(cutting, "--rate", "N[/D]",
+               "Count times in output order at N/D pictures a second, not as the stream tells them", parse_rate,
+               [this](h264::ratio rate) { cut_chosen.rate = rate; });
+    cutting.add_flag("--json", cut_chosen.json, "Print a JSON object about what was written");
+    cutting.parse_complete_callback([this] { check(cut_chosen); });
+    cutting.footer(std::string(help_texts::cut) + help_texts::exit_statuses);
+    run_with(cutting, cut, cut_chosen);
+}
+
+void command_line::add_diff()
+{
+    CLI::App& comparison = *app.add_subcommand("diff", "Tell what two streams have otherwise");
+    add_file(comparison, "A", diff_chosen.a, "A stream");
+    add_file(comparison, "B", diff_chosen.b, "Another one, which is compared with it");
+    add_stream_options(comparison, diff_chosen.stream);
+    comparison
+        .add_option_function<std::vector<std::string>>(
+            "--ignore",
+            [this](const std::vector<std::string>& lists) {
+                for (const std::string& list : lists)
+                    diff_chosen.ignored.add(list);
+            },
+            "Elements, structures and units that may differ: ends of their paths, with * for anything; may be repeated")
+        ->allow_extra_args(false)
+        ->type_name("PATHS");
+    comparison.add_flag("--all", diff_chosen.all, "List every difference, and not a screen of them");
+    comparison.add_flag("--json", diff_chosen.json, json_object);
+    comparison.footer(std::string(help_texts::diff) + help_texts::diff_statuses);
+    run_with(comparison, diff, diff_chosen);
 }
 
 void command_line::add_avcc()

@@ -171,6 +171,62 @@ Examples:
   orv-h264 convert movie.264 --avcc extradata.bin
   orv-h264 convert sample.bin movie.264 --to annexb --parameter-sets extradata.bin)";
 
+constexpr const char* cut =
+    R"(Writes the access units of IN between two places to OUT, as they are: whole, to the byte, in the framing of IN; of
+a container with start codes. The parameter sets that are in force where the cut begins come first, each once, and
+none that the first access unit carries itself.
+
+A PLACE names one picture: 100 is the one with this number, as frames counts them; 12.5s, 1:02.5 or 0:01:02.5 the first
+in decoding order that is shown then or later, by a container's own times or else by those that frames tells; @4711 or
+@0x1267 the first that begins at this byte or behind it. --from begins with it, and --to ends before it, so that two
+cuts at one place have each picture once. The fields of a frame stay together, but with a byte offset, which may name
+the second one. Without --from a cut begins at the start, without --to it goes to the end.
+
+What cannot be decoded at the seams is told on the standard error stream, and is no error: pictures before the first
+key picture, those of an open group that are shown before it, and those behind the end that would be shown between
+the pictures of the cut. Damage is told where it is written, and what is not written is not looked at. --key and times
+read IN twice, so that it has to be a file; everything else takes a pipe.
+
+--base drops the units of other layers and views (types 14, 15, 16, 20 and 21), their SEI messages, and PPSs that
+only they can use. --layer keeps what a decoder of the layer needs by H.264 G.8.8.1: lower dependency_ids whole, its
+own up to quality_id, all up to temporal_id. --view keeps a view, those it refers to in any picture, and the base view
+(H.8.5.3), without depth.
+
+OUT appears when it is complete, and replaces what was there; - is the standard output. A cut that holds no unit, a layer
+or view that is not there, and a unit larger than --max-unit leave it as it was.
+
+Examples:
+  orv-h264 cut movie.264 part.264 --to 43
+  orv-h264 cut movie.264 part.264 --from 1.5s --to 0:00:01.76 --key
+  orv-h264 cut movie.264 - --from @0x1267 --only slice | wc -c
+  orv-h264 cut movie.264 sets.264 --only sps,pps
+  orv-h264 cut movie.264 base.264 --base
+  orv-h264 cut movie.264 part.264 --to 43 --json | jq .bytes)";
+
+constexpr const char* diff =
+    R"(Lays the access units of two streams beside each other by their slice data: those that are the same, changed,
+removed, inserted or moved. Those with a partner that are not the same are compared unit by unit and element by element:
+how often each differs, old and new values, and the byte offset of the unit in both files where it was first. Slice
+data are compared by their bits, and told as slice_data. What lies around units is no difference of streams, and is
+told in one line: start codes, lengths, emulation prevention, zero bytes at the end.
+
+--ignore takes paths as inspect --tsv has structures and names, from any dot on: frame_num, slice_header.*, [] for any
+index. A structure that only one stream has is one difference, and so is a unit: access_unit_delimiter_rbsp,
+sei_rbsp.sei_message.sei_payload.user_data_unregistered. The text is a screen; --all lists all of it, as --json does.
+Both files are read twice where they differ. Memory grows by some 100 bytes with each access unit.
+
+Examples:
+  orv-h264 diff movie.264 movie.avc
+  orv-h264 diff --ignore access_unit_delimiter_rbsp,user_data_unregistered movie.264 movie.avc
+  orv-h264 diff --json movie.264 movie.avc | jq .same)";
+
+/// Below diff, whose statuses are those of programs that compare.
+constexpr const char* diff_statuses =
+    R"(
+
+Exit status: 0 the streams are the same, 1 they differ, 2 usage or input and output, 3 an input is recognised but not
+supported. A stream that is broken is compared as far as it can be read.)";
+
 constexpr const char* avcc =
     R"(FILE holds an AVC decoder configuration record (ISO/IEC 14496-15), the payload of the box avcC of an MP4 file or
 the CodecPrivate of a Matroska track; a whole box, with its size and type in front, does as well. Shows the

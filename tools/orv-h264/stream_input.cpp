@@ -93,23 +93,36 @@ h264::framing stream_input::find_framing(const stream_options& options)
 bool stream_input::read_units(h264::split_sink& to, const std::function<bool()>& enough)
 {
     counting_sink counted(to, enough);
+    const auto is_more = [this] {
+        window.fill(1);
+        return container || window.size() != 0;
+    };
+    while (!(counted.done() && is_more()) && read_piece(counted))
+        ;
+    return counted.any || !ended;
+}
+
+bool stream_input::read_piece(h264::split_sink& to)
+{
+    if (ended)
+        return false;
+    if (container && container->read_packet(to))
+        return true;
     if (container) {
-        while (!counted.done())
-            if (!container->read_packet(counted)) {
-                container->finish(counted);
-                break;
-            }
-        return counted.any;
+        container->finish(to);
+        ended = true;
+        return false;
     }
-    h264::unit_splitter splitter(frames, static_cast<std::size_t>(most));
-    for (window.fill(1); window.size() != 0; window.fill(1)) {
-        if (counted.done())
-            return true;
-        splitter.push(window.start(), window.size(), counted);
-        window.drop(window.size());
-    }
-    splitter.flush(counted);
-    return counted.any;
+    if (!splitter)
+        splitter.emplace(frames, static_cast<std::size_t>(most));
+    window.fill(1);
+    ended = window.size() == 0;
+    if (ended)
+        splitter->flush(to);
+    else
+        splitter->push(window.start(), window.size(), to);
+    window.drop(window.size());
+    return !ended;
 }
 
 } // namespace orv_h264

@@ -70,6 +70,10 @@ public:
     bool read_units(
         h264::split_sink& to, const std::function<bool()>& enough = [] { return false; });
 
+    /// Gives the units and gaps of the next piece of it, for who reads several inputs side by side.
+    /// @return false when the input has ended, and all were given
+    bool read_piece(h264::split_sink& to);
+
 private:
     h264::framing find_framing(const stream_options& options);
 
@@ -80,6 +84,8 @@ private:
     std::unique_ptr<container_stream> container;
     h264::framing frames;
     bool recognised;
+    std::optional<h264::unit_splitter> splitter; // of what is no container
+    bool ended = false;
 };
 
 } // namespace orv_h264

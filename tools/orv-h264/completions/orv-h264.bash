@@ -2,7 +2,7 @@
 
 _orv_h264()
 {
-    local subcommands="info inspect explain frames report check convert avcc help"
+    local subcommands="info inspect explain frames report check convert cut avcc help"
     local framings="annexb length1 length2 length3 length4"
     local help="-h --help"
     local many="--files-from -0 --null --jobs"
@@ -29,6 +29,7 @@ _orv_h264()
     report) options="--format --track --max-unit -o --output" ;;
     check) options="$many --format --track --max-unit --json --sarif --junit --ignore --only --profile --limit --hrd --rules --explain" ;;
     convert) options="--format --track --max-unit --to --avcc --parameter-sets" ;;
+    cut) options="--format --track --max-unit --from --to --key --only --base --layer --view --rate --json" ;;
     avcc) options="--json --csv --tsv" ;;
     help) options="" ;;
     *) return ;;
@@ -37,6 +38,9 @@ _orv_h264()
         mapfile -t COMPREPLY < <(compgen -W "$subcommands" -- "$current")
         return
     fi
+    case $subcommand$before in
+    cut--to) return ;;
+    esac
     case $before in
     --format | --to)
         [[ " $options " != *" $before "* ]] || mapfile -t COMPREPLY < <(compgen -W "$framings" -- "$current")
@@ -47,7 +51,7 @@ _orv_h264()
         mapfile -t COMPREPLY < <(compgen -W "disc low-latency streaming" -- "$current"; compgen -f -- "$current")
         return
         ;;
-    --ignore | --explain | --jobs | --limit | --max-unit | --only | --track) return ;;
+    --explain | --from | --ignore | --jobs | --layer | --limit | --max-unit | --only | --rate | --track | --view) return ;;
     esac
     if [[ $current == -* ]]; then
         mapfile -t COMPREPLY < <(compgen -W "$help $options" -- "$current")

@@ -1,6 +1,6 @@
 # Completion of orv-h264 for fish.
 
-set -l subcommands info inspect explain frames report check convert avcc help
+set -l subcommands info inspect explain frames report check convert cut avcc help
 set -l none "not __fish_seen_subcommand_from $subcommands"
 set -l framings "annexb length1 length2 length3 length4"
 
@@ -12,6 +12,7 @@ complete -c orv-h264 -n $none -a frames -d "List the frames of a stream"
 complete -c orv-h264 -n $none -a report -d "Write a page about a stream, for a browser"
 complete -c orv-h264 -n $none -a check -d "Tell what a stream breaks of the standard"
 complete -c orv-h264 -n $none -a convert -d "Write a stream in another framing"
+complete -c orv-h264 -n $none -a cut -d "Write a part of a stream, or one of its layers"
 complete -c orv-h264 -n $none -a avcc -d "Show an AVC decoder configuration record"
 complete -c orv-h264 -n $none -a help -d "Print the help of the tool, or of a subcommand"
 complete -c orv-h264 -n "__fish_seen_subcommand_from help" -f -a "$subcommands"
@@ -25,9 +26,10 @@ set -l of_frames "__fish_seen_subcommand_from frames"
 set -l of_report "__fish_seen_subcommand_from report"
 set -l of_check "__fish_seen_subcommand_from check"
 set -l of_convert "__fish_seen_subcommand_from convert"
+set -l of_cut "__fish_seen_subcommand_from cut"
 set -l of_avcc "__fish_seen_subcommand_from avcc"
 
-for subcommand in $of_info $of_inspect $of_explain $of_frames $of_report $of_check $of_convert
+for subcommand in $of_info $of_inspect $of_explain $of_frames $of_report $of_check $of_convert $of_cut
     complete -c orv-h264 -n $subcommand -l format -x -a $framings -d "The framing"
     complete -c orv-h264 -n $subcommand -l track -x -d "The track of a container"
     complete -c orv-h264 -n $subcommand -l max-unit -x -d "Report a longer unit instead of reading it"
@@ -61,6 +63,15 @@ complete -c orv-h264 -n $of_check -l profile -r -F -a "disc low-latency streamin
 complete -c orv-h264 -n $of_check -l hrd -d "Show how full the buffers of the HRD are"
 complete -c orv-h264 -n $of_check -l rules -d "List the rules"
 complete -c orv-h264 -n $of_check -l explain -x -d "Tell of a rule"
+complete -c orv-h264 -n $of_cut -l from -x -d "The first picture that is written"
+complete -c orv-h264 -n $of_cut -l to -x -d "The first picture that is not written"
+complete -c orv-h264 -n $of_cut -l key -d "Go back to a key picture"
+complete -c orv-h264 -n $of_cut -l only -x -d "Write these NAL units only, for example 7,8 or sps,pps"
+complete -c orv-h264 -n $of_cut -l base -d "Write the base layer or view alone"
+complete -c orv-h264 -n $of_cut -l layer -x -d "Write what this layer needs"
+complete -c orv-h264 -n $of_cut -l view -x -d "Write what this view needs"
+complete -c orv-h264 -n $of_cut -l rate -x -d "Count times at so many pictures a second"
+complete -c orv-h264 -n $of_cut -l json -d "Print a JSON object about what was written"
 complete -c orv-h264 -n $of_convert -l to -x -a $framings -d "The framing to write"
 complete -c orv-h264 -n $of_convert -l avcc -r -F -d "Write the decoder configuration record"
 complete -c orv-h264 -n $of_convert -l parameter-sets -r -F -d "Take parameter sets from a record"
