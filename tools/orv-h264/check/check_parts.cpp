@@ -53,7 +53,6 @@ rule_list every_rule()
     append(list, numbering_rules());
     append(list, count_rules());
     append(list, output_step_rules());
-    append(list, recovery_rules());
     append(list, habit_rules());
     append(list, naming_rules());
     append(list, set_content_rules());

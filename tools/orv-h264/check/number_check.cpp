@@ -43,21 +43,10 @@ void number_check::access_unit(const h264::access_unit& unit, const h264::pictur
     first_slices.emplace(of->number, slice);
     if (first_slices.size() > most_units)
         first_slices.erase(first_slices.begin());
-    look_at_recovery(unit);
     const numbered_picture picture = numbered(unit, *of);
     if (picture.known)
         look_at_number(unit, picture, slice);
     go_on(unit, picture);
-}
-
-void number_check::look_at_recovery(const h264::access_unit& unit) const
-{
-    for (const h264::access_unit_part& part : unit.parts) {
-        const auto* const sei = part.content == nullptr ? nullptr : std::get_if<h264::sei_rbsp>(&part.content->rbsp);
-        for (std::size_t i = 0; sei != nullptr && unit.pps != nullptr && i < sei->sei_messages.size(); ++i)
-            if (const auto* const point = std::get_if<h264::recovery_point>(&sei->sei_messages[i].payload))
-                log.judge(recovery_rules(), recovery_facts{*point, *unit.pps}, part.place.number);
-    }
 }
 
 void number_check::look_at_number(const h264::access_unit& unit, const numbered_picture& picture, std::uint64_t slice)

@@ -1,4 +1,4 @@
-// The part of a check that looks at frame_num, picture order counts and recovery points.
+// The part of a check that looks at frame_num and picture order counts.
 #pragma once
 
 #include "check/check_part.h"
@@ -22,7 +22,6 @@ public:
 private:
     static constexpr std::size_t most_units = 1024;
 
-    void look_at_recovery(const h264::access_unit& unit) const;
     void look_at_number(const h264::access_unit& unit, const numbered_picture& picture, std::uint64_t slice);
     void go_on(const h264::access_unit& unit, const numbered_picture& picture);
     std::uint64_t missing_before(const h264::picture& picture);

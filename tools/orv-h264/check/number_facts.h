@@ -61,15 +61,8 @@ struct output_step_facts {
     std::uint64_t missing; ///< pictures that would go between, were all steps the same
 };
 
-/// A recovery point message with the PPS of its picture.
-struct recovery_facts {
-    const h264::recovery_point& message;
-    const h264::pic_parameter_set_rbsp& pps;
-};
-
 std::span<const rule_over<numbering_facts>> numbering_rules();
 std::span<const rule_over<count_facts>> count_rules();
 std::span<const rule_over<output_step_facts>> output_step_rules();
-std::span<const rule_over<recovery_facts>> recovery_rules();
 
 } // namespace orv_h264

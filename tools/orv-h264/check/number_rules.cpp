@@ -1,4 +1,4 @@
-// Rules over frame_num, picture order counts and recovery points (H.264 7.4.1.2.2, 7.4.2.1.1, 7.4.3, 8.2.1, D.2.8).
+// Rules over frame_num and picture order counts (H.264 7.4.1.2.2, 7.4.2.1.1, 7.4.3, 8.2.1).
 #include "check/number_facts.h"
 
 #include <fmt/format.h>
@@ -113,15 +113,6 @@ verdict has_both_fields(const count_facts& f)
     return breach{"", "a field alone", "both fields of a frame"};
 }
 
-verdict groups_change(const recovery_facts& f)
-{
-    const std::uint32_t type = f.pps.slice_group_map_type;
-    if (f.message.changing_slice_group_idc == 0 || (f.pps.num_slice_groups_minus1 == 1 && type >= 3 && type <= 5))
-        return {};
-    return breach_of("changing_slice_group_idc", f.message.changing_slice_group_idc,
-                     "0 where the PPS has no two slice groups of slice_group_map_type 3 to 5");
-}
-
 constexpr rule_over<numbering_facts> rules_of_numbers[] = {
     {{"picture-others-in-output-order", error, "7.4.1.2.2",
       "non-reference pictures one behind the other are sent in output order",
@@ -166,14 +157,6 @@ constexpr rule_over<output_step_facts> rules_of_steps[] = {
      counts_go_on},
 };
 
-constexpr rule_over<recovery_facts> rules_of_recovery[] = {
-    {{"sei-recovery-groups-change", error, "D.2.8",
-      "a recovery point speaks of changing slice groups where there are such",
-      "It says which of two slice groups is to be decoded for the picture to be right.",
-      "changing_slice_group_idc 1 where there is one slice group"},
-     groups_change},
-};
-
 } // namespace
 
 std::span<const rule_over<numbering_facts>> numbering_rules()
@@ -189,11 +172,6 @@ std::span<const rule_over<count_facts>> count_rules()
 std::span<const rule_over<output_step_facts>> output_step_rules()
 {
     return rules_of_steps;
-}
-
-std::span<const rule_over<recovery_facts>> recovery_rules()
-{
-    return rules_of_recovery;
 }
 
 } // namespace orv_h264

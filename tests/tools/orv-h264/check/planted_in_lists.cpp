@@ -24,7 +24,7 @@ constexpr planted_violation planted[] = {
          return slices_of(sps_of_references(2),
                           {idr(), reference(1), changed(predicted(reference(2), 2), {pic_num_down(1), pic_num_up(0)})});
      }},
-    {"a P frame behind a lone IDR field", "slice-has-reference@3 slice_type",
+    {"a P frame behind a lone IDR field", "picture-has-both-fields@2, slice-has-reference@3 slice_type",
      [] {
          return slices_of(sps_of_fields(2), {top(idr()), predicted(reference(1))});
      }},

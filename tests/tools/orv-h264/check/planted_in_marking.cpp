@@ -123,7 +123,9 @@ constexpr planted_violation planted[] = {
      [] {
          return slices_of(sps_of_fields(2), {top(long_term(idr())), bottom(with(reference(0), {current_to_long(0)}))});
      }},
-    {"operation 5 between two fields", "marking-reset-between-fields@3 memory_management_control_operation",
+    {"operation 5 between two fields",
+     "picture-has-both-fields@2, marking-reset-between-fields@3 memory_management_control_operation, "
+     "picture-has-both-fields@3",
      [] {
          return slices_of(sps_of_fields(2), {top(idr()), bottom(with(reference(0), {forget_all()}))});
      }},

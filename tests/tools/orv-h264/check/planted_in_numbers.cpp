@@ -166,8 +166,6 @@ constexpr planted_violation planted[] = {
     {"a picture order count that is left out", "picture-counts-go-on@12", [] { return steps(13, 10); }},
     {"a delimiter that is missing", "order-delimiters-as-before@34", [] { return alike(10, 8, 0); }},
     {"a slice that is missing", "picture-slices-as-before@34", [] { return alike(10, 8, 4); }},
-    {"a recovery point of slice groups that are not there", "sei-recovery-groups-change@2 changing_slice_group_idc",
-     [] { return recovering(pps_rbsp()); }},
     // Nothing is wrong with these.
     {"gaps where they are allowed", "",
      [] {
@@ -177,7 +175,7 @@ constexpr planted_violation planted[] = {
      [] {
          return numbered({idr(), reference(1), with(reference(2), {forget_all()}), reference(1)});
      }},
-    {"frame_num that begins again at 0", "",
+    {"frame_num that begins again at 0", "output-delay-told@0",
      [] {
          std::vector<made_slice> slices = {idr()};
          for (std::uint32_t n = 1; n < 40; ++n)

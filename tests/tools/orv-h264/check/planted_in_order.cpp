@@ -41,12 +41,6 @@ std::vector<unsigned char> with_redundant(More more)
     return stream.bytes;
 }
 
-made_slice predicted(made_slice slice)
-{
-    slice.header.slice_type = 5;
-    return slice;
-}
-
 constexpr planted_violation planted[] = {
     {"a delimiter behind SEI", "order-delimiter-first@4",
      [] { return idr_and([](made_stream& s) { s.add_bytes(6, user_data).add_bytes(9, {0xF0}).add(reference(1)); }); }},
