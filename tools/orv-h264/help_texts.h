@@ -204,10 +204,10 @@ Examples:
   orv-h264 cut movie.264 part.264 --to 43 --json | jq .bytes)";
 
 constexpr const char* diff =
-    R"(Lays the access units of two streams beside each other by their slice data: those that are the same, changed,
-removed, inserted or moved. Those with a partner that are not the same are compared unit by unit and element by element:
-how often each differs, old and new values, and the byte offset of the unit in both files where it was first. Slice
-data are compared by their bits, and told as slice_data. What lies around units is no difference of streams, and is
+    R"(Lays the access units of two streams beside each other: those that are the same, changed, removed, inserted or
+moved. Those with a partner that are not the same are compared unit by unit and element by element: how often each
+differs, old and new values, and the byte offset of the unit in both files where it was first. Slice data are compared
+by their bits, and told as slice_data. What lies around units is no difference of streams, and is
 told in one line: start codes, lengths, emulation prevention, zero bytes at the end.
 
 --ignore takes paths as inspect --tsv has structures and names, from any dot on: frame_num, slice_header.*, [] for any

@@ -2,7 +2,7 @@
 
 _orv_h264()
 {
-    local subcommands="info inspect explain frames report check convert cut edit avcc help"
+    local subcommands="info inspect explain frames report check convert cut edit diff avcc help"
     local framings="annexb length1 length2 length3 length4"
     local help="-h --help"
     local many="--files-from -0 --null --jobs"
@@ -35,6 +35,7 @@ _orv_h264()
         options+=" --remove-aud --remove-filler --repeat-headers --sar --rate --level --colour --crop --full-range"
         options+=" --force --dry-run --json"
         ;;
+    diff) options="--format --track --max-unit --ignore --all --json" ;;
     avcc) options="--json --csv --tsv" ;;
     help) options="" ;;
     *) return ;;

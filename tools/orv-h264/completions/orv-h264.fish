@@ -1,6 +1,6 @@
 # Completion of orv-h264 for fish.
 
-set -l subcommands info inspect explain frames report check convert cut edit avcc help
+set -l subcommands info inspect explain frames report check convert cut edit diff avcc help
 set -l none "not __fish_seen_subcommand_from $subcommands"
 set -l framings "annexb length1 length2 length3 length4"
 
@@ -14,6 +14,7 @@ complete -c orv-h264 -n $none -a check -d "Tell what a stream breaks of the stan
 complete -c orv-h264 -n $none -a convert -d "Write a stream in another framing"
 complete -c orv-h264 -n $none -a cut -d "Write a part of a stream, or one of its layers"
 complete -c orv-h264 -n $none -a edit -d "Change header fields, and prove that nothing else has changed"
+complete -c orv-h264 -n $none -a diff -d "Tell what two streams have otherwise"
 complete -c orv-h264 -n $none -a avcc -d "Show an AVC decoder configuration record"
 complete -c orv-h264 -n $none -a help -d "Print the help of the tool, or of a subcommand"
 complete -c orv-h264 -n "__fish_seen_subcommand_from help" -f -a "$subcommands"
@@ -28,12 +29,11 @@ set -l of_report "__fish_seen_subcommand_from report"
 set -l of_check "__fish_seen_subcommand_from check"
 set -l of_convert "__fish_seen_subcommand_from convert"
 set -l of_cut "__fish_seen_subcommand_from cut"
-set -l of_avcc "__fish_seen_subcommand_from avcc"
-
+set -l of_diff "__fish_seen_subcommand_from diff"
 set -l of_edit "__fish_seen_subcommand_from edit"
 set -l of_avcc "__fish_seen_subcommand_from avcc"
 
-for subcommand in $of_info $of_inspect $of_explain $of_frames $of_report $of_check $of_convert $of_cut $of_edit
+for subcommand in $of_info $of_inspect $of_explain $of_frames $of_report $of_check $of_convert $of_cut $of_edit $of_diff
     complete -c orv-h264 -n $subcommand -l format -x -a $framings -d "The framing"
     complete -c orv-h264 -n $subcommand -l track -x -d "The track of a container"
     complete -c orv-h264 -n $subcommand -l max-unit -x -d "Report a longer unit instead of reading it"
@@ -76,6 +76,9 @@ complete -c orv-h264 -n $of_cut -l layer -x -d "Write what this layer needs"
 complete -c orv-h264 -n $of_cut -l view -x -d "Write what this view needs"
 complete -c orv-h264 -n $of_cut -l rate -x -d "Count times at so many pictures a second"
 complete -c orv-h264 -n $of_cut -l json -d "Print a JSON object about what was written"
+complete -c orv-h264 -n $of_diff -l ignore -x -d "Elements, structures and units that may differ"
+complete -c orv-h264 -n $of_diff -l all -d "List every difference"
+complete -c orv-h264 -n $of_diff -l json -d "Print JSON instead"
 complete -c orv-h264 -n $of_convert -l to -x -a $framings -d "The framing to write"
 complete -c orv-h264 -n $of_convert -l avcc -r -F -d "Write the decoder configuration record"
 complete -c orv-h264 -n $of_convert -l parameter-sets -r -F -d "Take parameter sets from a record"
