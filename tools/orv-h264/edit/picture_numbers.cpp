@@ -21,6 +21,17 @@ std::uint64_t MaxPicNum(const h264::seq_parameter_set_data& sps, const h264::sli
     return h264::MaxFrameNum(sps) * (slice.field_pic_flag ? 2 : 1);
 }
 
+/// An operation goes back farther than a PicNum can tell.
+bool marks_beyond(const numbered_slice& slice)
+{
+    const auto& operations = slice.slice.dec_ref_pic_marking.operations;
+    return std::any_of(operations.begin(), operations.end(), [&](const h264::marking_operation& entry) {
+        const std::uint32_t operation = entry.memory_management_control_operation;
+        return (operation == 1 || operation == 3) &&
+               entry.difference_of_pic_nums_minus1 >= MaxPicNum(slice.sps, slice.slice);
+    });
+}
+
 bool is_short_term(const h264::pic_num_modification& m)
 {
     return m.modification_of_pic_nums_idc <= 1;
@@ -97,6 +108,7 @@ void picture_numbers::see(const numbered_slice& old, std::uint64_t picture)
         return;
     current = picture;
     compared = false;
+    max_frame_num = h264::MaxFrameNum(old.sps);
     frame = old_frames.next(old);
     order = old_orders.next(old.sps, old.slice, old.nal_ref_idc, old.idr);
 }
@@ -135,6 +147,8 @@ std::optional<std::string> picture_numbers::compare(const numbered_slice& now)
         return fmt::format("frame {} of its sequence by frame_num would be frame {} (H.264 7.4.3)", frame, new_frame);
     if (new_order.top != order.top || new_order.bottom != order.bottom)
         return fmt::format("picture order count {} would be {} (H.264 8.2.1)", order.lower(), new_order.lower());
+    if (h264::MaxFrameNum(now.sps) < max_frame_num && marks_beyond(now))
+        return std::string("a marking operation names a picture farther back than MaxPicNum (H.264 8.2.5.4)");
     return std::nullopt;
 }
 

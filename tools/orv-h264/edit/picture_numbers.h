@@ -61,6 +61,7 @@ private:
 
     std::optional<std::uint64_t> current; // picture
     bool compared = false;                // its first slice
+    std::uint64_t max_frame_num = 0;      // as it was
     frame_counter old_frames;
     frame_counter new_frames;
     h264::picture_order_counter old_orders;
