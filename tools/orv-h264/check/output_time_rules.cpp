@@ -76,8 +76,10 @@ constexpr rule_over<picture_buffer_facts> buffer_rules[] = {
     {{"hrd-no-output-delay-without-buffer", error, "D.2.3", "with max_dec_frame_buffering 0 dpb_output_delay is 0",
       "There is no buffer that a picture could wait in.", "dpb_output_delay 2 in a stream that buffers no frame"},
      no_delay_without_buffer},
-    {{"hrd-picture-buffer-fits", error, "E.2.1", "max_dec_frame_buffering frames are enough for all output times",
-      "A decoder with a buffer of that size has no place for a picture that waits so long.",
+    {{"hrd-picture-buffer-fits", severity::warning, "E.2.1",
+      "max_dec_frame_buffering frames are enough for all output times",
+      "A decoder with a buffer of that size has no place for a picture that waits so long; one that outputs pictures "
+      "when it needs the place shows it earlier.",
       "a dpb_output_delay of 100 pictures"},
      pictures_fit},
 };
