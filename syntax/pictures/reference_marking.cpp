@@ -139,6 +139,28 @@ void reference_marking::slide(std::uint32_t frame_num, const seq_parameter_set_d
     }
 }
 
+bool reference_marking::operate(const marked_picture& picture, const marking_operation& operation) noexcept
+{
+    const bool begun = !frames.empty() && frames.back().number == picture.number && !frames.back().non_existing;
+    const bool known = operate(picture, operation, begun ? frames.back() : entry_of(picture));
+    drop_unused();
+    return known;
+}
+
+named_reference reference_marking::short_term(const marked_picture& picture, std::int64_t PicNum) const noexcept
+{
+    reference_marking copy = *this;
+    const named_fields found = copy.find_short_term(picture, PicNum);
+    return {found.of == nullptr ? nullptr : begin() + (found.of - copy.begin()), found.fields};
+}
+
+named_reference reference_marking::long_term(const marked_picture& picture, std::uint32_t LongTermPicNum) const noexcept
+{
+    reference_marking copy = *this;
+    const named_fields found = copy.find_long_term(picture, LongTermPicNum);
+    return {found.of == nullptr ? nullptr : begin() + (found.of - copy.begin()), found.fields};
+}
+
 /// 8.2.5.4; false when the operation names a picture that is not there.
 bool reference_marking::operate(const marked_picture& picture, const marking_operation& operation,
                                 reference_frame& current) noexcept

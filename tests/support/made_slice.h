@@ -63,6 +63,48 @@ inline made_slice bottom(made_slice slice)
     return slice;
 }
 
+inline made_slice long_term(made_slice slice)
+{
+    slice.header.dec_ref_pic_marking.long_term_reference_flag = true;
+    return slice;
+}
+
+inline made_slice predicted(made_slice slice, std::uint32_t entries = 1)
+{
+    slice.header.slice_type = 5;
+    slice.header.num_ref_idx_active_override_flag = entries != 1;
+    slice.header.num_ref_idx_l0_active_minus1 = entries - 1;
+    return slice;
+}
+
+// Changes of a list, clause 7.4.3.1.
+inline pic_num_modification pic_num_down(std::uint32_t abs_diff_pic_num_minus1)
+{
+    return {0, abs_diff_pic_num_minus1, 0, 0};
+}
+inline pic_num_modification pic_num_up(std::uint32_t abs_diff_pic_num_minus1)
+{
+    return {1, abs_diff_pic_num_minus1, 0, 0};
+}
+inline pic_num_modification long_pic_num(std::uint32_t long_term_pic_num)
+{
+    return {2, 0, long_term_pic_num, 0};
+}
+
+/// The first list with these changes, and the one that ends them.
+inline made_slice changed(made_slice slice, std::initializer_list<pic_num_modification> changes)
+{
+    ref_pic_list_modification& lists = slice.header.ref_pic_list_modification;
+    lists.ref_pic_list_modification_flag_l0 = true;
+    for (const pic_num_modification& change : changes) {
+        lists.l0.grow();
+        lists.l0.back() = change;
+    }
+    lists.l0.grow();
+    lists.l0.back() = {3, 0, 0, 0};
+    return slice;
+}
+
 // Operations of clause 8.2.5.4.
 inline marking_operation unmark_short(std::uint32_t difference_of_pic_nums_minus1)
 {

@@ -28,5 +28,15 @@ inline std::ostream& operator<<(std::ostream& out, const planted_violation& plan
 std::span<const planted_violation> planted_in_parameter_sets();
 std::span<const planted_violation> planted_in_units();
 std::span<const planted_violation> planted_in_slices();
+std::span<const planted_violation> planted_in_marking();
+std::span<const planted_violation> planted_in_lists();
+std::span<const planted_violation> planted_in_output();
+std::span<const planted_violation> planted_in_activation();
+std::span<const planted_violation> planted_in_numbers();
+std::span<const planted_violation> planted_in_order();
+std::span<const planted_violation> planted_in_pictures();
+std::span<const planted_violation> planted_in_hrd();
+std::span<const planted_violation> planted_in_sei();
+std::span<const planted_violation> planted_in_levels();
 
 } // namespace support

@@ -33,6 +33,12 @@ struct marked_picture {
     std::uint64_t number = 0;  ///< of its frame
 };
 
+/// A frame by one of its numbers (clause 8.2.4.1), and those of its fields that are meant.
+struct named_reference {
+    const reference_frame* frame; ///< null: nothing is marked so
+    std::uint8_t fields;
+};
+
 /// What a picture broke.
 struct marking_result {
     std::uint64_t missing = 0;    ///< reference frames, by a gap in frame_num (clause 7.4.3)
@@ -50,6 +56,15 @@ public:
     marking_result before_picture(const marked_picture& picture) noexcept;
     /// Marks the frames before a reference picture by its sliding window or operations, and then itself.
     marking_result after_picture(const marked_picture& picture) noexcept;
+
+    /// One operation of a picture, as after_picture() carries out each of them in turn: for a caller who looks at the
+    /// marking between them. Frames beyond the limit stay.
+    /// @return false when it names a picture that is not marked so
+    bool operate(const marked_picture& picture, const marking_operation& operation) noexcept;
+    /// What this PicNum names where `picture` is the current one: the two fields of a frame, or a field.
+    named_reference short_term(const marked_picture& picture, std::int64_t PicNum) const noexcept;
+    /// Likewise, by a LongTermPicNum.
+    named_reference long_term(const marked_picture& picture, std::uint32_t LongTermPicNum) const noexcept;
 
     /// Frames of which something is used for reference, in decoding order.
     const reference_frame* begin() const noexcept { return frames.begin(); }

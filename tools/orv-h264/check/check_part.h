@@ -18,6 +18,8 @@ public:
     check_part& operator=(const check_part&) = delete;
     virtual ~check_part() = default;
 
+    /// Before all others: what is known of the input by then.
+    virtual void begin(const stream_input& input) { static_cast<void>(input); }
     /// The next unit that was read.
     virtual void unit(const listed_unit& unit, const h264::unit_reading& reading)
     {

@@ -2,6 +2,7 @@
 // each kind of thing that they look at has a table of them.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -33,6 +34,7 @@ struct breach {
     std::string found;
     std::string allowed;
     std::optional<severity> level = {}; ///< where it weighs less than the rule says
+    std::size_t nth = 0;                ///< of the elements with that name in the unit, from 0
 };
 
 /// What breaks a rule by the value of an element.

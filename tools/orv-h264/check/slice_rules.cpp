@@ -87,9 +87,9 @@ verdict operations_come_once(const slice_facts& f)
 verdict reset_stands_without_others(const slice_facts& f)
 {
     constexpr std::uint32_t reset = 5;
-    if (times(f, reset) == 0 || (times(f, 1) == 0 && times(f, 3) == 0))
+    if (times(f, reset) == 0 || times(f, 1) + times(f, 2) + times(f, 3) == 0)
         return {};
-    return breach_of("memory_management_control_operation", reset, "not together with 1 or 3");
+    return breach_of("memory_management_control_operation", reset, "not together with 1 to 3");
 }
 
 verdict long_term_idr_has_room(const slice_facts& f)
@@ -124,7 +124,7 @@ constexpr rule_over<slice_facts> rules[] = {
     {{"slice-operations-once", error, "7.4.3.3", "operations 4, 5 and 6 come once in a header",
       "Each of them says something of the picture as a whole.", "memory_management_control_operation 5 twice"},
      operations_come_once},
-    {{"slice-reset-without-others", error, "7.4.3.3", "operation 5 stands without operations 1 and 3",
+    {{"slice-reset-without-others", error, "7.4.3.3", "operation 5 stands without operations 1 to 3",
       "It marks all pictures as unused; there is none left for the others.",
       "memory_management_control_operation 1 and 5 in a header"},
      reset_stands_without_others},

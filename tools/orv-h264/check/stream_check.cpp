@@ -42,6 +42,8 @@ stream_check::stream_check(const std::string& name, std::uint64_t most_unit_byte
 
 void stream_check::look_at(stream_input& input)
 {
+    for (const std::unique_ptr<check_part>& part : parts)
+        part->begin(input);
     begin_units(input);
     container_part container(input, units_in());
     if (!input.read_units(container))

@@ -34,10 +34,16 @@ verdict type_is_specified(const unit_facts& f)
     return breach_of("nal_unit_type", f.type(), "a type that is not reserved");
 }
 
+/// What it names is not there; nothing is wrong with the unit itself.
+bool lacks_another_unit(h264::reason why)
+{
+    return why == h264::reason::no_sps || why == h264::reason::no_pps || why == h264::reason::no_partition_a;
+}
+
 verdict can_be_read(const unit_facts& f)
 {
     const h264::failure& failure = f.reading.result.failure;
-    if (!failure)
+    if (!failure || lacks_another_unit(failure.why)) // other rules are about that
         return {};
     return breach{failure.element.name(), h264::text_of(failure.why), "the syntax of the unit, whole"};
 }

@@ -6,10 +6,10 @@
 
 namespace orv_h264 {
 
-std::optional<element_place> known_unit::place_of(std::string_view element) const
+std::optional<element_place> known_unit::place_of(std::string_view element, std::size_t nth) const
 {
-    const auto is_it = [element](const placed_element& e) {
-        return element.starts_with(e.name.name()) && text_of(e.name) == element;
+    const auto is_it = [element, &nth](const placed_element& e) {
+        return element.starts_with(e.name.name()) && text_of(e.name) == element && nth-- == 0;
     };
     const auto found = std::find_if(elements.begin(), elements.end(), is_it);
     return found == elements.end() ? std::nullopt : std::optional(found->place);
@@ -44,7 +44,7 @@ void violation_log::tell_of_element(const rule& broken, std::uint64_t unit, brea
     if (const known_unit* const of = find(unit)) {
         what.offset = of->offset;
         what.unit = of->unit;
-        what.place = of->place_of(how.element);
+        what.place = of->place_of(how.element, how.nth);
     }
     what.element = std::move(how.element);
     what.found = std::move(how.found);

@@ -27,7 +27,8 @@ struct known_unit {
     std::uint64_t offset = 0; ///< of its framing, for a person
     std::vector<placed_element> elements;
 
-    std::optional<element_place> place_of(std::string_view element) const;
+    /// Of the nth of that name, from 0.
+    std::optional<element_place> place_of(std::string_view element, std::size_t nth) const;
 };
 
 /// What rules say of a unit is told when its access unit has been judged, too: a rule that looks at whole pictures

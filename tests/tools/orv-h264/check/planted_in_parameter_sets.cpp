@@ -49,8 +49,16 @@ void make_small(hrd_parameters& hrd)
     hrd.cpb_size_value_minus1[0] = 999;
 }
 
+void set_tick(seq_parameter_set_data& sps)
+{
+    vui(sps).timing_info_present_flag = true;
+    vui(sps).num_units_in_tick = 1;
+    vui(sps).time_scale = 50;
+}
+
 hrd_parameters& nal_hrd(seq_parameter_set_data& sps)
 {
+    set_tick(sps);
     vui(sps).nal_hrd_parameters_present_flag = true;
     vui(sps).low_delay_hrd_flag = false;
     make_small(vui(sps).nal_hrd_parameters);
@@ -59,6 +67,7 @@ hrd_parameters& nal_hrd(seq_parameter_set_data& sps)
 
 hrd_parameters& vcl_hrd(seq_parameter_set_data& sps)
 {
+    set_tick(sps);
     vui(sps).vcl_hrd_parameters_present_flag = true;
     vui(sps).low_delay_hrd_flag = false;
     make_small(vui(sps).vcl_hrd_parameters);

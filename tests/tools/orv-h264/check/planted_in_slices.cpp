@@ -33,8 +33,8 @@ constexpr planted_violation planted[] = {
              stream.add(slice);
          });
      }},
-    {"first_mb_in_slice beyond the picture", "slice-begins-inside-picture@2 first_mb_in_slice",
-     [] { return with_slices([](made_stream& stream) { stream.add(from_macroblock(idr(), 4000)); }); }},
+    {"first_mb_in_slice beyond the picture", "slice-begins-inside-picture@3 first_mb_in_slice",
+     [] { return with_slices([](made_stream& stream) { stream.add(idr()).add(from_macroblock(idr(), 4000)); }); }},
     {"frame_num 3 in an IDR picture", "slice-idr-begins-numbers@2 frame_num",
      [] {
          return with_slices([](made_stream& stream) {
@@ -94,13 +94,14 @@ constexpr planted_violation planted[] = {
     {"a long-term index as large as max_num_ref_frames", "value-in-range@3 long_term_frame_idx",
      [] {
          return with_slices([](made_stream& stream) {
-             stream.add(idr()).add(with(reference(1), {keep_long_below(1), current_to_long(1)}));
+             stream.add(idr()).add(with(reference(1), {unmark_short(0), keep_long_below(1), current_to_long(1)}));
          });
      }},
     {"more long-term indexes than frames", "value-in-range@3 max_long_term_frame_idx_plus1",
      [] {
-         return with_slices(
-             [](made_stream& stream) { stream.add(idr()).add(with(reference(1), {keep_long_below(2)})); });
+         return with_slices([](made_stream& stream) {
+             stream.add(idr()).add(with(reference(1), {unmark_short(0), keep_long_below(2)}));
+         });
      }},
     {"a P slice without reference frames", "slice-intra-without-references@3 slice_type",
      [] {
@@ -141,7 +142,8 @@ constexpr planted_violation planted[] = {
     // Nothing is wrong with these.
     {"the last macroblock, behind the others", "",
      [] { return with_slices([](made_stream& stream) { stream.add(idr()).add(from_macroblock(idr(), 11)); }); }},
-    {"16 entries in each list", "",
+    {"16 entries in each list, of one picture",
+     "slice-list-is-full@3 num_ref_idx_l0_active_minus1, slice-list-is-full@3 num_ref_idx_l1_active_minus1",
      [] {
          return with_slices([](made_stream& stream) {
              made_slice slice = reference(1);
@@ -163,10 +165,16 @@ constexpr planted_violation planted[] = {
              stream.add(slice);
          });
      }},
+    {"operations 2 and 5 together", "slice-reset-without-others@3 memory_management_control_operation",
+     [] {
+         return with_slices([](made_stream& stream) {
+             stream.add(long_term(idr())).add(with(reference(1), {unmark_long(0), forget_all()}));
+         });
+     }},
     {"operations 4, 5 and 6 once", "",
      [] {
          return with_slices([](made_stream& stream) {
-             stream.add(idr()).add(with(reference(1), {keep_long_below(1), forget_all(), current_to_long(0)}));
+             stream.add(idr()).add(with(reference(1), {forget_all(), keep_long_below(1), current_to_long(0)}));
          });
      }},
     {"a long-term IDR picture", "",

@@ -15,8 +15,11 @@ using support::planted_violation;
 std::vector<planted_violation> all_planted()
 {
     std::vector<planted_violation> all;
-    for (const auto& table :
-         {support::planted_in_units(), support::planted_in_parameter_sets(), support::planted_in_slices()})
+    for (const auto& table : {support::planted_in_activation(), support::planted_in_hrd(), support::planted_in_levels(),
+                              support::planted_in_lists(), support::planted_in_marking(), support::planted_in_numbers(),
+                              support::planted_in_order(), support::planted_in_output(),
+                              support::planted_in_parameter_sets(), support::planted_in_pictures(),
+                              support::planted_in_sei(), support::planted_in_slices(), support::planted_in_units()})
         all.insert(all.end(), table.begin(), table.end());
     return all;
 }
@@ -40,7 +43,11 @@ TEST(PlantedViolations, BreakEveryRule)
         if (!one->id.starts_with("container-")) // check-containers breaks those
             unbroken.insert(one->id);
     for (const planted_violation& planted : all_planted())
-        unbroken.erase(planted.broken.substr(0, planted.broken.find_first_of("@,")));
+        for (std::string_view rest = planted.broken; !rest.empty();) {
+            unbroken.erase(rest.substr(0, rest.find_first_of("@,")));
+            const std::size_t comma = rest.find(", ");
+            rest.remove_prefix(comma == std::string_view::npos ? rest.size() : comma + 2);
+        }
     EXPECT_EQ(std::vector(unbroken.begin(), unbroken.end()), std::vector<std::string_view>());
 }
 

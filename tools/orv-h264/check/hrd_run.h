@@ -1,0 +1,40 @@
+// A run of the hypothetical reference decoder over the units of a stream, without the rest of a check.
+#pragma once
+
+#include "check/hrd_model.h"
+#include "check/unit_sizes.h"
+#include "unit_run.h"
+
+namespace orv_h264 {
+
+class hrd_run : public unit_run, h264::access_unit_sink {
+public:
+    /// The listener is told.
+    hrd_run(const stream_input& input, hrd_listener& to, bool in_json) : unit_run(input.name(), in_json), model(to)
+    {
+        sizes.begin(input);
+    }
+
+    /// All units have come.
+    void finish();
+
+    /// Those with a picture, and those of them that the model had no times for.
+    std::uint64_t access_units() const noexcept { return pictures; }
+    std::uint64_t untimed() const noexcept { return without_times; }
+
+private:
+    bool enough() const override { return false; }
+    h264::visitor* before(const listed_unit&) override { return nullptr; }
+    void take(const listed_unit& unit, const h264::unit_reading* reading) override;
+    void take(const h264::access_unit& unit) override;
+    /// Values outside of their ranges are no matter of buffers.
+    void complain(const listed_unit* unit, std::uint64_t offset, const std::string& what, bool is_problem) override;
+
+    hrd_model model;
+    unit_sizes sizes;
+    h264::access_units units;
+    std::uint64_t pictures = 0;
+    std::uint64_t without_times = 0;
+};
+
+} // namespace orv_h264
