@@ -337,7 +337,7 @@ TEST_F(Cut, OptionsThatDoNotGoTogetherAreRefused)
     expect_refused({}, {"--layer", "8"}, 2, "is no layer");
     expect_refused({}, {"--layer", "1,2,3,4"}, 2, "is no layer");
     expect_refused({}, {"--view", "1024"}, 2, "is no view_id");
-    expect_refused({}, {"--rate", "0/1"}, 2, "is no rate");
+    expect_refused({}, {"--rate", "0/1"}, 2, "rate");
     const tool_result result = run_tool({"cut", "nowhere", "-", "--json"});
     EXPECT_EQ(2, result.status);
     EXPECT_NE(std::string::npos, result.err.find("taken by OUT")) << result.err;

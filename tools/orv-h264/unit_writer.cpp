@@ -85,6 +85,7 @@ void unit_writer::flush()
 
 void unit_writer::put(std::span<const unsigned char> bytes)
 {
+    given += bytes.size();
     if (output == nullptr)
         return;
     out.insert(out.end(), bytes.begin(), bytes.end());

@@ -39,6 +39,8 @@ public:
     void put_raw(std::span<const unsigned char> bytes) { put(bytes); }
     /// What was gathered goes to the file.
     void flush();
+    /// All that was given to it takes, whether it was flushed or not.
+    std::uint64_t bytes() const noexcept { return given; }
 
 private:
     unit_written write_escaped(std::span<const unsigned char> unit, unsigned start_code_size);
@@ -49,6 +51,7 @@ private:
     h264::framing frames;
     output_file* output;
     std::vector<unsigned char> out;
+    std::uint64_t given = 0;
 };
 
 } // namespace orv_h264

@@ -10,8 +10,8 @@ namespace orv_h264 {
 
 namespace {
 
-/// Numbers with `separator` between them, none above the bound of its place; none at all where the text has others.
-std::vector<unsigned> numbers_of(const std::string& text, char separator, const std::vector<unsigned>& highest)
+/// Numbers with commas between them, none above the bound of its place; none at all where the text has others.
+std::vector<unsigned> numbers_of(const std::string& text, const std::vector<unsigned>& highest)
 {
     std::vector<unsigned> numbers;
     const char* at = text.data();
@@ -19,7 +19,7 @@ std::vector<unsigned> numbers_of(const std::string& text, char separator, const 
     for (const unsigned bound : highest) {
         unsigned number = 0;
         const auto [stop, error] = std::from_chars(at, end, number);
-        if (error != std::errc() || number > bound || (stop != end && *stop != separator))
+        if (error != std::errc() || number > bound || (stop != end && *stop != ','))
             return {};
         numbers.push_back(number);
         if (stop == end)
@@ -33,7 +33,7 @@ std::vector<unsigned> numbers_of(const std::string& text, char separator, const 
 
 layer_target parse_layer(const std::string& text)
 {
-    const std::vector<unsigned> ids = numbers_of(text, ',', {7, 15, 7});
+    const std::vector<unsigned> ids = numbers_of(text, {7, 15, 7});
     if (ids.empty())
         throw std::invalid_argument("'" + text + "' is no layer D[,Q[,T]], up to 7,15,7");
     layer_target target;
@@ -47,19 +47,10 @@ layer_target parse_layer(const std::string& text)
 
 std::uint16_t parse_view(const std::string& text)
 {
-    const std::vector<unsigned> ids = numbers_of(text, ',', {1023});
+    const std::vector<unsigned> ids = numbers_of(text, {1023});
     if (ids.empty())
         throw std::invalid_argument("'" + text + "' is no view_id, up to 1023");
     return static_cast<std::uint16_t>(ids[0]);
-}
-
-h264::ratio parse_rate(const std::string& text)
-{
-    constexpr unsigned most = 1'000'000'000;
-    const std::vector<unsigned> rate = numbers_of(text, '/', {most, most});
-    if (rate.empty() || rate.front() == 0 || rate.back() == 0)
-        throw std::invalid_argument("'" + text + "' is no rate (for example 25 or 30000/1001)");
-    return {rate[0], rate.size() > 1 ? rate[1] : 1};
 }
 
 bool is_surely_empty(const cut_range& range)

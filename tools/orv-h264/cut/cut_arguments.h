@@ -2,7 +2,7 @@
 #pragma once
 
 #include "cut/layer_choice.h"
-#include "cut/range_finder.h"
+#include "cut/place_finder.h"
 
 #include <cstdint>
 #include <string>
@@ -13,8 +13,6 @@ namespace orv_h264 {
 layer_target parse_layer(const std::string& text);
 /// A view_id.
 std::uint16_t parse_view(const std::string& text);
-/// `25` or `30000/1001`.
-h264::ratio parse_rate(const std::string& text);
 
 /// Both places are of one kind, and nothing lies between them whatever the stream is.
 bool is_surely_empty(const cut_range& range);

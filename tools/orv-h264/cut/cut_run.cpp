@@ -24,7 +24,7 @@ cut_run::cut_run(const cut_options& chosen, const cut_range& where_to, stream_in
     : options(chosen),
       range(where_to),
       input(from),
-      output(from.in_container() != nullptr ? h264::framing::annex_b : from.framing(), &into),
+      output(from, into, [this](std::uint64_t offset, const std::string& what) { complain(offset, what); }),
       problems(from.name()),
       shown_progress(from.size()),
       layers(chosen.layers)
@@ -46,7 +46,7 @@ exit_status cut_run::run()
         pictures.flush(*this);
         tell_problems(~std::uint64_t{0}, where == stretch::inside);
         if (where == stretch::inside && last_stayed)
-            pad(input.bytes_read() - passed);
+            output.pad(input.bytes_read() - passed);
     }
     shown_progress.clear();
     if (const container_stream* const container = input.in_container())
@@ -95,8 +95,11 @@ void cut_run::gap(const h264::split_gap& g)
     if (g.reason == h264::split_gap_reason::no_memory)
         throw std::bad_alloc();
     constexpr std::size_t most_found = 4096; // without an access unit
+    const found_problem problem = {g.offset, describe_with_size(g, input.max_unit()), g.is_unit()};
     if (found.size() < most_found)
-        found.push_back({g.offset, describe_with_size(g, input.max_unit()), g.is_unit()});
+        found.push_back(problem);
+    else if (g.is_unit())
+        found.back() = problem;
 }
 
 void cut_run::take(const h264::access_unit& unit)
@@ -121,7 +124,7 @@ void cut_run::access_unit_came(const h264::access_unit& unit, const h264::pictur
     if (where == stretch::before || !any_written)
         keep_sets(unit);
     if (where == stretch::behind && last_stayed) {
-        pad(fed_of(unit.parts.front()).zeros);
+        output.pad(fed_of(unit.parts.front()).zeros);
         last_stayed = false;
     }
     if (where != stretch::inside)
@@ -185,44 +188,21 @@ void cut_run::write_part(const h264::access_unit_part& part, bool stays)
 {
     const fed_unit& place = fed_of(part);
     if (last_stayed)
-        pad(place.zeros);
+        output.pad(place.zeros);
     last_stayed = stays;
     totals.units += stays ? 1 : 0;
     totals.left_out += stays ? 0 : 1;
     any_written = any_written || stays;
     if (stays)
-        write({part.place.bytes, part.place.size}, place.begin, static_cast<unsigned>(place.header - place.begin));
+        output.write({part.place.bytes, part.place.size}, input.packets().shown(place.begin),
+                     static_cast<unsigned>(place.header - place.begin));
 }
 
 void cut_run::write_sets(const std::vector<h264::unit_view>& more)
 {
     for (const h264::unit_view& set : more)
-        write({set.bytes, set.size}, totals.first_offset, 4);
+        output.write({set.bytes, set.size}, totals.first_offset, 4);
     totals.sets_added += more.size();
-}
-
-void cut_run::write(std::span<const unsigned char> bytes, std::uint64_t begin, unsigned framing_size)
-{
-    const unsigned prefix = prefix_size_of(output.framing());
-    const bool as_found = input.framing() == h264::framing::annex_b;
-    const unit_written became =
-        output.write(bytes, as_found ? h264::framing::annex_b : h264::framing::length_4, as_found ? framing_size : 4);
-    totals.bytes += bytes.size() + (prefix != 0 ? prefix : as_found ? framing_size : 4);
-    switch (became) {
-    case unit_written::as_it_is:
-        return;
-    case unit_written::escaped:
-        return complain(begin, "start code inside the unit: an emulation-prevention byte is put into it");
-    case unit_written::shorter:
-        return complain(begin, "unit ends in 00, which start codes cannot carry: left out");
-    case unit_written::left_out:
-        return complain(begin, "unit of one byte 00, which start codes cannot carry: left out");
-    case unit_written::too_long:
-        throw refusal(exit_usage_or_io,
-                      fmt::format("{}: offset {}: parameter set of {} bytes does not fit behind a length of {} "
-                                  "byte{}; nothing is written",
-                                  input.name(), begin, bytes.size(), prefix, prefix == 1 ? "" : "s"));
-    }
 }
 
 void cut_run::keep_sets(const h264::access_unit& unit)
@@ -277,15 +257,6 @@ void cut_run::complain(std::uint64_t offset, const std::string& what)
     problems.add(offset, what);
 }
 
-/// Zero bytes around start codes.
-void cut_run::pad(std::uint64_t zeros)
-{
-    if (output.framing() != h264::framing::annex_b || input.in_container() != nullptr)
-        return;
-    output.pad(zeros);
-    totals.bytes += zeros;
-}
-
 json cut_run::summary() const
 {
     json object = json_head("orv-h264/cut", input.name());
@@ -298,7 +269,7 @@ json cut_run::summary() const
     object["units"] = totals.units;
     object["units_left_out"] = totals.left_out;
     object["parameter_sets_added"] = totals.sets_added;
-    object["bytes"] = totals.bytes;
+    object["bytes"] = output.bytes();
     json notes = json::array();
     for (const seam_note& n : other_notes)
         notes.push_back({{"offset", n.offset}, {"message", n.text}});

@@ -2,11 +2,11 @@
 #pragma once
 
 #include "cut/cut.h"
+#include "cut/cut_output.h"
 #include "cut/seam_notes.h"
 #include "json_output.h"
 #include "messages.h"
 #include "progress.h"
-#include "unit_writer.h"
 
 #include <orv-utils-v4/h264_syntax/parameter_set_store.h>
 
@@ -57,11 +57,9 @@ private:
     void write_unit(const h264::access_unit& unit, const std::vector<bool>& stays);
     void write_part(const h264::access_unit_part& part, bool stays);
     void write_sets(const std::vector<h264::unit_view>& sets);
-    void write(std::span<const unsigned char> bytes, std::uint64_t begin, unsigned framing_size);
     void keep_sets(const h264::access_unit& unit);
     void tell_problems(std::uint64_t fence, bool written);
     void tell_seams();
-    void pad(std::uint64_t zeros);
     void complain(std::uint64_t offset, const std::string& what);
     [[noreturn]] void refuse_nothing() const;
     const fed_unit& fed_of(const h264::access_unit_part& part) const { return fed[part.place.number - first_fed]; }
@@ -69,7 +67,7 @@ private:
     const cut_options& options;
     const cut_range& range;
     stream_input& input;
-    unit_writer output;
+    cut_output output;
     complaints problems;
     progress shown_progress;
     layer_choice layers;
@@ -96,7 +94,6 @@ private:
         std::uint64_t units = 0;
         std::uint64_t left_out = 0; // units between the places
         std::uint64_t sets_added = 0;
-        std::uint64_t bytes = 0;
     } totals;
 };
 

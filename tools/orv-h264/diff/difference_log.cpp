@@ -19,7 +19,8 @@ std::string clipped(const std::string& value)
 
 } // namespace
 
-difference_kind* difference_log::kind_of(difference what, bool of_unit, const std::string& path, const place_pair& at)
+told_difference* difference_log::kind_of(stream_difference what, bool of_unit, const std::string& path,
+                                         const place_pair& at)
 {
     if (ignored.match(path))
         return nullptr;
@@ -38,22 +39,22 @@ difference_kind* difference_log::kind_of(difference what, bool of_unit, const st
     return &list.back();
 }
 
-void difference_log::add(difference what, bool of_unit, const std::string& path, const place_pair& at)
+void difference_log::add(stream_difference what, bool of_unit, const std::string& path, const place_pair& at)
 {
-    if (difference_kind* const kind = kind_of(what, of_unit, path, at))
+    if (told_difference* const kind = kind_of(what, of_unit, path, at))
         ++kind->count;
 }
 
 void difference_log::add_changed(const std::string& path, const std::string& a, const std::string& b,
                                  const place_pair& at)
 {
-    difference_kind* const kind = kind_of(difference::changed, false, path, at);
+    told_difference* const kind = kind_of(stream_difference::changed, false, path, at);
     if (kind == nullptr)
         return;
     ++kind->count;
     const std::pair<std::string, std::string> values = {clipped(a), clipped(b)};
     const bool known = std::find(kind->examples.begin(), kind->examples.end(), values) != kind->examples.end();
-    if (!known && kind->examples.size() < difference_kind::most_examples)
+    if (!known && kind->examples.size() < told_difference::most_examples)
         kind->examples.push_back(values);
 }
 

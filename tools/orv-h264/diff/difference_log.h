@@ -11,7 +11,7 @@
 
 namespace orv_h264 {
 
-enum class difference : std::uint8_t {
+enum class stream_difference : std::uint8_t {
     changed, ///< other values
     only_a,
     only_b,
@@ -19,10 +19,10 @@ enum class difference : std::uint8_t {
 };
 
 /// One element, structure or unit, wherever it differs in one way.
-struct difference_kind {
+struct told_difference {
     static constexpr std::size_t most_examples = 3;
 
-    difference what = difference::changed;
+    stream_difference what = stream_difference::changed;
     bool of_unit = false;
     std::string path; ///< without indices
     std::uint64_t count = 0;
@@ -46,19 +46,19 @@ public:
 
     bool ignores(const std::string& path) const { return ignored.match(path); }
     void add_changed(const std::string& path, const std::string& a, const std::string& b, const place_pair& at);
-    void add(difference what, bool of_unit, const std::string& path, const place_pair& at);
+    void add(stream_difference what, bool of_unit, const std::string& path, const place_pair& at);
 
     /// As they came.
-    const std::vector<difference_kind>& kinds() const noexcept { return list; }
+    const std::vector<told_difference>& kinds() const noexcept { return list; }
     std::uint64_t count() const noexcept { return total; }
     /// Of kinds that are not told apart.
     std::uint64_t further() const noexcept { return not_told; }
 
 private:
-    difference_kind* kind_of(difference what, bool of_unit, const std::string& path, const place_pair& at);
+    told_difference* kind_of(stream_difference what, bool of_unit, const std::string& path, const place_pair& at);
 
     const path_patterns& ignored;
-    std::vector<difference_kind> list;
+    std::vector<told_difference> list;
     std::unordered_map<std::string, std::size_t> places; // in the list, by what it is and its path
     std::uint64_t total = 0;
     std::uint64_t not_told = 0;

@@ -80,10 +80,10 @@ std::string before(std::uint64_t number, const compared_stream& of, const char* 
 std::string line_of(const unit_run_difference& run, const stream_comparison& found)
 {
     switch (run.what) {
-    case difference::only_a:
+    case stream_difference::only_a:
         return fmt::format("removed   {} of A, offset {}, {}\n", numbers(run.first_a, run.count), run.offset_a,
                            before(run.first_b, found.stream(true), "B"));
-    case difference::only_b:
+    case stream_difference::only_b:
         return fmt::format("inserted  {} of B, offset {}, {}\n", numbers(run.first_b, run.count), run.offset_b,
                            before(run.first_a, found.stream(false), "A"));
     default:
@@ -104,37 +104,37 @@ std::string runs_text(const stream_comparison& found, std::size_t lines)
     return text;
 }
 
-std::string unit_line(const difference_kind& kind)
+std::string unit_line(const told_difference& kind)
 {
-    const char* const what = kind.what == difference::only_a   ? "only in A"
-                             : kind.what == difference::only_b ? "only in B"
-                                                               : "moved";
+    const char* const what = kind.what == stream_difference::only_a   ? "only in A"
+                             : kind.what == stream_difference::only_b ? "only in B"
+                                                                      : "moved";
     return fmt::format("{:>7}  {:<9}  {}, first at {}\n", kind.count, what, kind.path,
-                       kind.what == difference::only_a ? fmt::format("{} of A", kind.offset_a)
-                       : kind.what == difference::only_b
+                       kind.what == stream_difference::only_a ? fmt::format("{} of A", kind.offset_a)
+                       : kind.what == stream_difference::only_b
                            ? fmt::format("{} of B", kind.offset_b)
                            : fmt::format("{} of A, {} of B", kind.offset_a, kind.offset_b));
 }
 
-std::string element_line(const difference_kind& kind)
+std::string element_line(const told_difference& kind)
 {
     std::string values;
     for (const auto& [a, b] : kind.examples)
         values += fmt::format("{}{} -> {}", values.empty() ? "" : "; ", a, b);
-    if (kind.what != difference::changed)
-        values = kind.what == difference::only_a ? "only in A" : "only in B";
+    if (kind.what != stream_difference::changed)
+        values = kind.what == stream_difference::only_a ? "only in A" : "only in B";
     return fmt::format(
         "{:>7}  {}: {}{}, first at {} of A, {} of B\n", kind.count, kind.path, values,
-        kind.examples.size() == difference_kind::most_examples && kind.count > kind.examples.size() ? " ..." : "",
+        kind.examples.size() == told_difference::most_examples && kind.count > kind.examples.size() ? " ..." : "",
         kind.offset_a, kind.offset_b);
 }
 
 /// The first lines of the kinds that are of units, or of those that are not.
 std::string kinds_text(const stream_comparison& found, bool of_unit, const char* heading, std::size_t lines)
 {
-    std::vector<const difference_kind*> kinds;
+    std::vector<const told_difference*> kinds;
     std::uint64_t count = 0;
-    for (const difference_kind& kind : found.elements().kinds())
+    for (const told_difference& kind : found.elements().kinds())
         if (kind.of_unit == of_unit) {
             kinds.push_back(&kind);
             count += kind.count;
@@ -196,13 +196,13 @@ json json_of_stream(const compared_stream& stream)
             {"bytes_in_no_unit", t.lost_bytes}};
 }
 
-const char* name_of(difference what)
+const char* name_of(stream_difference what)
 {
     constexpr const char* names[] = {"changed", "only_a", "only_b", "moved"};
     return names[static_cast<std::size_t>(what)];
 }
 
-json json_of_kind(const difference_kind& kind)
+json json_of_kind(const told_difference& kind)
 {
     json examples = json::array();
     for (const auto& [a, b] : kind.examples)
@@ -230,7 +230,7 @@ std::string text_of(const stream_comparison& found, bool all)
 {
     const auto& kinds = found.elements().kinds();
     const auto of_units = static_cast<std::size_t>(
-        std::count_if(kinds.begin(), kinds.end(), [](const difference_kind& kind) { return kind.of_unit; }));
+        std::count_if(kinds.begin(), kinds.end(), [](const told_difference& kind) { return kind.of_unit; }));
     const line_counts lines = share({found.runs().size(), of_units, kinds.size() - of_units}, all);
     std::string text = summary_text(found) + runs_text(found, lines.runs);
     text += kinds_text(found, true, "Units", lines.units);
@@ -255,7 +255,7 @@ json json_of(const stream_comparison& found)
     object["further_stretches"] = found.further_runs();
     object["units"] = json::array();
     object["elements"] = json::array();
-    for (const difference_kind& kind : found.elements().kinds())
+    for (const told_difference& kind : found.elements().kinds())
         object[kind.of_unit ? "units" : "elements"].push_back(json_of_kind(kind));
     object["further_differences"] = found.elements().further();
     return object;

@@ -58,37 +58,37 @@ void stream_comparison::add_runs()
     const auto add_only_b = [&] {
         for (; j < partners.of_b.size() && (partners.of_b[j] == alignment::none || partners.moved_b[j]); ++j)
             if (partners.of_b[j] == alignment::none)
-                add_run(difference::only_b, partners.of_a.size(), j);
+                add_run(stream_difference::only_b, partners.of_a.size(), j);
     };
     for (std::uint64_t i = 0; i < partners.of_a.size(); ++i) {
         const std::uint32_t partner = partners.of_a[i];
         if (partner == alignment::none) {
-            add_run(difference::only_a, i, j);
+            add_run(stream_difference::only_a, i, j);
         } else if (partners.moved_a[i]) {
-            add_run(difference::moved, i, partner);
+            add_run(stream_difference::moved, i, partner);
         } else {
             for (; j < partner; ++j)
                 if (partners.of_b[j] == alignment::none)
-                    add_run(difference::only_b, i, j);
+                    add_run(stream_difference::only_b, i, j);
             ++j;
         }
     }
     add_only_b();
     for (; j < partners.of_b.size(); ++j)
         if (partners.of_b[j] == alignment::none)
-            add_run(difference::only_b, partners.of_a.size(), j);
+            add_run(stream_difference::only_b, partners.of_a.size(), j);
 }
 
-void stream_comparison::add_run(difference what, std::uint64_t a, std::uint64_t b)
+void stream_comparison::add_run(stream_difference what, std::uint64_t a, std::uint64_t b)
 {
-    std::uint64_t& count = what == difference::only_a   ? counts.only_a
-                           : what == difference::only_b ? counts.only_b
-                                                        : counts.moved;
+    std::uint64_t& count = what == stream_difference::only_a   ? counts.only_a
+                           : what == stream_difference::only_b ? counts.only_b
+                                                               : counts.moved;
     ++count;
     if (!stretches.empty()) {
         unit_run_difference& last = stretches.back();
-        const bool next_a = what == difference::only_b ? last.first_a == a : last.first_a + last.count == a;
-        const bool next_b = what == difference::only_a ? last.first_b == b : last.first_b + last.count == b;
+        const bool next_a = what == stream_difference::only_b ? last.first_a == a : last.first_a + last.count == a;
+        const bool next_b = what == stream_difference::only_a ? last.first_b == b : last.first_b + last.count == b;
         if (last.what == what && next_a && next_b) {
             ++last.count;
             return;

@@ -16,7 +16,7 @@ namespace orv_h264 {
 
 /// Access units in a row that one stream lacks, or has at another place.
 struct unit_run_difference {
-    difference what = difference::only_a;
+    stream_difference what = stream_difference::only_a;
     std::uint64_t first_a = 0; ///< number of the first; where B alone has them, of the one that follows
     std::uint64_t first_b = 0;
     std::uint64_t count = 0;
@@ -64,7 +64,7 @@ private:
 
     prints read(const std::string& path, compared_stream& what) const;
     void add_runs();
-    void add_run(difference what, std::uint64_t a, std::uint64_t b);
+    void add_run(stream_difference what, std::uint64_t a, std::uint64_t b);
     bool is_same(std::uint64_t a, std::uint64_t b) const;
     void compare_elements();
     static bool skip_to(access_unit_feed& feed, std::uint64_t& next, std::uint64_t wanted, compared_access_unit& to);

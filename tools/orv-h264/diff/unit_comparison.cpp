@@ -111,8 +111,8 @@ public:
         for (std::size_t i = 0; i < a.size(); ++i)
             if (!taken[i])
                 only_in_a.push_back(&a[i]);
-        tell(only_in_a, difference::only_a, b);
-        tell(only_in_b, difference::only_b, a);
+        tell(only_in_a, stream_difference::only_a, b);
+        tell(only_in_b, stream_difference::only_b, a);
     }
 
 private:
@@ -125,7 +125,7 @@ private:
     }
 
     /// A structure that the other has nothing of is told once a unit, not element by element.
-    void tell(const std::vector<const compared_element*>& lone, difference what,
+    void tell(const std::vector<const compared_element*>& lone, stream_difference what,
               const std::vector<compared_element>& others) const
     {
         if (lone.empty())
@@ -182,22 +182,23 @@ bool unit_comparison::compare(const compared_access_unit& a, const compared_acce
         const std::uint32_t j = partners.of_a[i];
         if (j == alignment::none)
             alone =
-                keep_alone(only_a, unit, {unit.offset, place_beside(partners.of_a, i, b)}, difference::only_a) || alone;
+                keep_alone(only_a, unit, {unit.offset, place_beside(partners.of_a, i, b)}, stream_difference::only_a) ||
+                alone;
         else if (partners.moved_a[i])
-            log.add(difference::moved, true, path_of(unit), {unit.offset, b.units[j].offset});
+            log.add(stream_difference::moved, true, path_of(unit), {unit.offset, b.units[j].offset});
         else if (unit.whole != b.units[j].whole)
             compare_units(unit, b.units[j]);
     }
     for (std::uint32_t j = 0; j < b.units.size(); ++j)
         if (partners.of_b[j] == alignment::none)
             alone = keep_alone(only_b, b.units[j], {place_beside(partners.of_b, j, a), b.units[j].offset},
-                               difference::only_b) ||
+                               stream_difference::only_b) ||
                     alone;
     return alone || log.count() != before;
 }
 
 bool unit_comparison::keep_alone(std::vector<lone_unit>& of, const compared_unit& unit, const place_pair& at,
-                                 difference what)
+                                 stream_difference what)
 {
     std::string path = path_of(unit);
     if (log.ignores(path))
@@ -218,16 +219,16 @@ void unit_comparison::finish()
     for (const lone_unit& unit : only_a) {
         std::vector<const lone_unit*>& same = waiting[unit.whole];
         if (same.empty()) {
-            log.add(difference::only_a, true, unit.path, unit.at);
+            log.add(stream_difference::only_a, true, unit.path, unit.at);
             continue;
         }
-        log.add(difference::moved, true, unit.path, {unit.at.a, same.back()->at.b});
+        log.add(stream_difference::moved, true, unit.path, {unit.at.a, same.back()->at.b});
         moved.insert(same.back());
         same.pop_back();
     }
     for (const lone_unit& unit : only_b)
         if (!moved.contains(&unit))
-            log.add(difference::only_b, true, unit.path, unit.at);
+            log.add(stream_difference::only_b, true, unit.path, unit.at);
 }
 
 void unit_comparison::compare_units(const compared_unit& a, const compared_unit& b)

@@ -34,7 +34,8 @@ private:
 
     void compare_units(const compared_unit& a, const compared_unit& b);
     void compare_rest(const compared_unit& a, const compared_unit& b, const place_pair& at);
-    bool keep_alone(std::vector<lone_unit>& of, const compared_unit& unit, const place_pair& at, difference what);
+    bool keep_alone(std::vector<lone_unit>& of, const compared_unit& unit, const place_pair& at,
+                    stream_difference what);
 
     difference_log& log;
     std::vector<lone_unit> only_a;
