@@ -6,7 +6,7 @@ import tempfile
 
 import tool_help
 
-SUBCOMMANDS = ["avcc", "check", "convert", "cut", "explain", "frames", "help", "info", "inspect", "report"]
+SUBCOMMANDS = ["avcc", "check", "convert", "cut", "diff", "edit", "explain", "frames", "help", "info", "inspect", "report"]
 FRAMINGS = ["annexb", "length1", "length2", "length3", "length4"]
 LENGTHS = FRAMINGS[1:]
 FILES = ["movie.264", "movie.avc", "sample.bin"]
@@ -36,6 +36,8 @@ CASES = [
     ("orv-h264 cut movie.264 sa", ["sample.bin"]),
     ("orv-h264 cut movie.264 --to ", []),
     ("orv-h264 cut --from ", []),
+    ("orv-h264 diff movie.264 sa", ["sample.bin"]),
+    ("orv-h264 diff --ignore ", []),
     ("orv-h264 avcc s", ["sample.bin"]),
     ("orv-h264 convert movie.264 --avcc s", ["sample.bin"]),
     ("orv-h264 convert movie.264 --parameter-sets s", ["sample.bin"]),
@@ -48,6 +50,13 @@ CASES = [
     ("orv-h264 check --profile mov", ["movie.264", "movie.avc"]),
     ("orv-h264 check --ignore ", []),
     ("orv-h264 check --explain ", []),
+    ("orv-h264 ed", ["edit"]),
+    ("orv-h264 edit mov", ["movie.264", "movie.avc"]),
+    ("orv-h264 edit movie.264 sa", ["sample.bin"]),
+    ("orv-h264 edit --format length4 --full-range o", ["off", "on"]),
+    ("orv-h264 edit --sei-at ", ["first", "idr", "picture"]),
+    ("orv-h264 edit --level au", ["auto"]),
+    ("orv-h264 edit --set ", []),
     ("orv-h264 help ", SUBCOMMANDS),
     ("orv-h264 help co", ["convert"]),
 ]

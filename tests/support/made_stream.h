@@ -80,6 +80,15 @@ public:
         unit.header.nal_unit_header_mvc_extension = extension_of_view(view_id);
         return add(unit);
     }
+    /// A slice with so many bytes of data.
+    made_stream& add_large(const made_slice& slice, std::size_t data)
+    {
+        made_stream alone(sps());
+        alone.add(slice);
+        std::vector<unsigned char> payload(alone.units[0].begin() + 1, alone.units[0].end());
+        payload.insert(payload.end() - 1, data, 0x55);
+        return add_bytes(alone.units[0][0], payload);
+    }
     /// The same slice again, of a redundant coded picture.
     made_stream& add_redundant(made_slice slice, std::uint32_t redundant_pic_cnt)
     {

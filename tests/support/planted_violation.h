@@ -37,5 +37,6 @@ std::span<const planted_violation> planted_in_order();
 std::span<const planted_violation> planted_in_pictures();
 std::span<const planted_violation> planted_in_hrd();
 std::span<const planted_violation> planted_in_sei();
+std::span<const planted_violation> planted_in_levels();
 
 } // namespace support

@@ -59,6 +59,8 @@ private:
         vui.time_scale = time_scale;
         vui.pic_struct_present_flag = true;
         vui.bitstream_restriction_flag = true;
+        vui.log2_max_mv_length_horizontal = 10;
+        vui.log2_max_mv_length_vertical = 10;
         vui.max_dec_frame_buffering = 4;
         vui.max_num_reorder_frames = 1;
         return sps;

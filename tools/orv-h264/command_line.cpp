@@ -7,6 +7,7 @@
 #include "cut/cut.h"
 #include "cut/cut_arguments.h"
 #include "diff/diff.h"
+#include "edit/edit.h"
 #include "explain.h"
 #include "frames.h"
 #include "help_texts.h"
@@ -249,6 +250,54 @@ void add_only(CLI::App& app, const char* description, const std::function<void(c
         ->allow_extra_args(false)
         ->type_name("TYPES");
 }
+/// An option that may be repeated; what `take` throws as std::invalid_argument is told of the option.
+CLI::Option* add_each(CLI::App& app, const char* name, const char* description,
+                      const std::function<void(const std::string&)>& take)
+{
+    return app
+        .add_option_function<std::vector<std::string>>(
+            name,
+            [name, take](const std::vector<std::string>& texts) {
+                try {
+                    for (const std::string& text : texts)
+                        take(text);
+                } catch (const std::invalid_argument& error) {
+                    throw CLI::ValidationError(name, error.what());
+                }
+            },
+            description)
+        ->allow_extra_args(false);
+}
+
+/// Likewise, of one that stands once.
+CLI::Option* add_parsed(CLI::App& app, const char* name, const char* description,
+                        const std::function<void(const std::string&)>& take)
+{
+    return app.add_option_function<std::string>(
+        name,
+        [name, take](const std::string& text) {
+            try {
+                take(text);
+            } catch (const std::invalid_argument& error) {
+                throw CLI::ValidationError(name, error.what());
+            }
+        },
+        description);
+}
+
+/// Throws CLI::ParseError where the options of edit do not go together.
+void check(const edit_options& chosen)
+{
+    if (chosen.out.empty() && !chosen.dry_run)
+        throw CLI::RequiredError("OUT");
+    if (!chosen.plan.any())
+        throw CLI::ValidationError("edit", "nothing to edit is given");
+    if (chosen.json && chosen.out == "-" && !chosen.dry_run)
+        throw CLI::ValidationError("--json", "the standard output is taken by OUT");
+}
+
+constexpr const char* json_lines = "Print JSON instead, an object a line";
+constexpr const char* json_object = "Print a JSON object instead";
 
 std::uint64_t offset_of(const std::string& text)
 {
@@ -318,6 +367,9 @@ struct command_line {
     void add_layer_choices(CLI::App& cutting);
     void add_diff();
     void add_avcc();
+    void add_edit();
+    void add_edit_shortcuts(CLI::App& editing);
+    void add_edit_units(CLI::App& editing);
     void add_help();
     exit_status print_help();
     exit_status run_check();
@@ -355,6 +407,7 @@ struct command_line {
     cut_options cut_chosen;
     diff_options diff_chosen;
     avcc_options avcc_chosen;
+    edit_options edit_chosen;
     std::string help_wanted; // of this subcommand
     std::function<exit_status()> chosen;
 };
@@ -373,6 +426,7 @@ command_line::command_line()
     add_convert();
     add_cut();
     add_diff();
+    add_edit();
     add_avcc();
     add_help();
 }
@@ -579,6 +633,81 @@ void command_line::add_diff()
     comparison.add_flag("--json", diff_chosen.json, json_object);
     comparison.footer(std::string(help_texts::diff) + help_texts::diff_statuses);
     run_with(comparison, diff, diff_chosen);
+void command_line::add_edit()
+{
+    CLI::App& editing = *app.add_subcommand("edit", "Change header fields, and prove that nothing else has changed");
+    edit_plan& plan = edit_chosen.plan;
+    add_stream(editing, "IN", edit_chosen.stream);
+    editing.add_option("OUT", edit_chosen.out, "Where it goes; - is the standard output")->type_name("");
+    add_each(editing, "--set",
+             "Give the element whose path ends so this value, in every unit that has it; with ' where NAME=VALUE and "
+             "...' behind it where these hold; may be repeated",
+             [&plan](const std::string& text) { plan.sets.push_back(parse_assignment(text)); })
+        ->type_name("PATH=VALUE");
+    add_edit_units(editing);
+    add_edit_shortcuts(editing);
+    editing.add_flag("--force", plan.force, "Write what makes slice data unreadable or decode otherwise, too");
+    editing.add_flag("--dry-run", edit_chosen.dry_run, "Print the proof, and write nothing; OUT is not needed then");
+    editing.add_flag("--json", edit_chosen.json, "Print the proof as a JSON object");
+    editing.parse_complete_callback([this] { check(edit_chosen); });
+    editing.footer(std::string(help_texts::edit) + help_texts::exit_statuses);
+    run_with(editing, edit_stream, edit_chosen);
+}
+
+/// What comes and goes.
+void command_line::add_edit_units(CLI::App& editing)
+{
+    edit_plan& plan = edit_chosen.plan;
+    add_each(editing, "--delete",
+             "Leave out units of these types, for example filler or 14,20, with a condition as --set",
+             [&plan](const std::string& text) { plan.deletions.push_back(parse_deletion(text)); })
+        ->type_name("TYPES");
+    add_each(editing, "--insert",
+             "Put a unit in: hex:BYTES or file:PATH, then before or after, then unit N, first, idr or picture",
+             [&plan](const std::string& text) { plan.insertions.push_back(parse_insertion(text)); })
+        ->type_name("'UNIT WHERE'");
+    add_each(editing, "--remove-sei", "Leave out SEI messages of these payload types, by number or name",
+             [&plan](const std::string& text) {
+                 for (const std::uint32_t type : parse_payload_types(text))
+                     plan.removed_payloads.push_back(type);
+             })
+        ->type_name("TYPES");
+    add_each(editing, "--insert-sei", "Put user data into an SEI message before the slices of the first picture",
+             [&plan](const std::string& text) { plan.insertions.push_back(parse_sei_insertion(text)); })
+        ->type_name("UUID:TEXT");
+    add_parsed(editing, "--sei-at",
+               "Put what --insert-sei has before the slices of first, idr or picture: of each of them",
+               [&plan](const std::string& text) { plan.sei_at = parse_picture_place(text); })
+        ->type_name("PLACE");
+    editing.add_flag("--add-aud", plan.add_aud, "Put an access unit delimiter before each picture that has none");
+    editing.add_flag("--remove-aud", plan.remove_aud, "Leave access unit delimiters out");
+    editing.add_flag("--remove-filler", plan.remove_filler, "Leave filler data units and filler payload messages out");
+    editing.add_flag("--repeat-headers", plan.repeat_headers,
+                     "Put the parameter sets in force before each IDR picture that does not carry its own");
+}
+
+/// What stands for several elements of sequence parameter sets.
+void command_line::add_edit_shortcuts(CLI::App& editing)
+{
+    sps_wishes& sps = edit_chosen.plan.sps;
+    add_parsed(editing, "--sar", "Sample aspect ratio", [&sps](const std::string& text) {
+        sps.sar = parse_sar(text);
+    })->type_name("W:H");
+    add_parsed(editing, "--rate", "Frames in a second: num_units_in_tick and time_scale",
+               [&sps](const std::string& text) { sps.rate = parse_rate(text); })
+        ->type_name("N/D");
+    add_parsed(editing, "--level", "The level, for example 4.1 or 1b; auto is the lowest that Table A-1 allows",
+               [&sps](const std::string& text) { sps.level = parse_level(text); })
+        ->type_name("LEVEL");
+    add_parsed(editing, "--colour", "Colour primaries, transfer characteristics and matrix, by name or number",
+               [&sps](const std::string& text) { sps.colour = parse_colour(text); })
+        ->type_name("P:T:M");
+    add_parsed(editing, "--crop", "Luma samples to cut off: left, top, right, bottom", [&sps](const std::string& text) {
+        sps.crop = parse_crop(text);
+    })->type_name("L,T,R,B");
+    add_parsed(editing, "--full-range", "Whether samples use all values: on or off", [&sps](const std::string& text) {
+        sps.full_range = parse_range(text);
+    })->type_name("on|off");
 }
 
 void command_line::add_avcc()

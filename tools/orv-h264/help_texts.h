@@ -204,10 +204,10 @@ Examples:
   orv-h264 cut movie.264 part.264 --to 43 --json | jq .bytes)";
 
 constexpr const char* diff =
-    R"(Lays the access units of two streams beside each other by their slice data: those that are the same, changed,
-removed, inserted or moved. Those with a partner that are not the same are compared unit by unit and element by element:
-how often each differs, old and new values, and the byte offset of the unit in both files where it was first. Slice
-data are compared by their bits, and told as slice_data. What lies around units is no difference of streams, and is
+    R"(Lays the access units of two streams beside each other: those that are the same, changed, removed, inserted or
+moved. Those with a partner that are not the same are compared unit by unit and element by element: how often each
+differs, old and new values, and the byte offset of the unit in both files where it was first. Slice data are compared
+by their bits, and told as slice_data. What lies around units is no difference of streams, and is
 told in one line: start codes, lengths, emulation prevention, zero bytes at the end.
 
 --ignore takes paths as inspect --tsv has structures and names, from any dot on: frame_num, slice_header.*, [] for any
@@ -226,6 +226,38 @@ constexpr const char* diff_statuses =
 
 Exit status: 0 the streams are the same, 1 they differ, 2 usage or input and output, 3 an input is recognised but not
 supported. A stream that is broken is compared as far as it can be read.)";
+constexpr const char* edit =
+    R"(Writes IN to OUT with other header elements, and with units and SEI messages that come or go. Everything else is
+copied byte for byte, in the framing that it had; so is what cannot be read. OUT is read back and held against IN
+element by element before it takes its place: what has changed is printed, and anything else that had would be told,
+with status 2 and OUT as it was.
+
+PATH is the end of a path that inspect --tsv prints: structures and name joined by dots, indices in brackets. Where it
+names several elements of a unit, the edit is refused, and they are listed. A presence flag brings what belongs to it
+with the values that the standard infers. Several --set take effect one after another. Values are decimal, or
+hexadecimal behind 0x; one that the element cannot hold is refused, one outside of its range written and told.
+Conditions name elements of the same unit, as it was; unit is its number, as inspect --tsv counts.
+
+What other units take from a changed parameter set is rewritten so that they say the same: slice headers, with frame_num
+and picture order counts in the new lengths, picture timing, buffering periods. Where that cannot be, or slice data
+would be read or decoded otherwise, the edit is refused with the first unit concerned; --force writes the latter.
+
+--rate sets num_units_in_tick and time_scale, and leaves fixed_frame_rate_flag. --level auto looks at MaxFS, MaxMBPS and
+MaxDpbMbs. --crop is refused where the stream cannot tell it: chroma is cropped with luma. Colours have names such as
+bt709, bt601, bt2020 (primaries), pq, hlg, srgb (transfer), bt2020nc, rgb (matrix), or the numbers of Tables E-3 to E-5.
+--insert takes a unit as it stands behind a start code; before a picture is behind its delimiter. A container is written
+as Annex B, with the parameter sets of its record before pictures that lack them.
+
+Examples:
+  orv-h264 edit movie.264 new.264 --rate 30000/1001 --sar 4:3
+  orv-h264 edit movie.264 new.264 --set vui_parameters.max_num_reorder_frames=0 --set max_dec_frame_buffering=1
+  orv-h264 edit movie.264 new.264 --set 'log2_max_frame_num_minus4=4 where seq_parameter_set_id=0'
+  orv-h264 edit movie.264 new.264 --remove-sei user_data_unregistered --remove-filler --level auto
+  orv-h264 edit movie.264 --dry-run --crop 0,0,0,8
+  orv-h264 edit movie.264 new.264 --add-aud --repeat-headers
+  orv-h264 edit movie.264 --dry-run --json --level 4 | jq '.changes[].path'
+  orv-h264 edit movie.264 new.264 --insert 'hex:0910 before unit 3'
+  orv-h264 edit movie.264 new.264 --insert-sei 01234567-89ab-cdef-0123-456789abcdef:hello)";
 
 constexpr const char* avcc =
     R"(FILE holds an AVC decoder configuration record (ISO/IEC 14496-15), the payload of the box avcC of an MP4 file or

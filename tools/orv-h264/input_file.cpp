@@ -31,8 +31,10 @@ std::string input_name(const std::string& path)
     return path == "-" ? "standard input" : path;
 }
 
-input_file::input_file(const std::string& path)
-    : shown_name(input_name(path)), descriptor(path == "-" ? STDIN_FILENO : ::open(path.c_str(), O_RDONLY | O_CLOEXEC))
+input_file::input_file(const std::string& path) : input_file(path, input_name(path)) {}
+
+input_file::input_file(const std::string& path, const std::string& name)
+    : shown_name(name), descriptor(path == "-" ? STDIN_FILENO : ::open(path.c_str(), O_RDONLY | O_CLOEXEC))
 {
     if (descriptor < 0)
         throw std::system_error(errno, std::generic_category(), shown_name);

@@ -23,6 +23,9 @@ public:
     /// Throws std::system_error when writing fails.
     void write(std::span<const unsigned char> bytes);
 
+    /// Where it can be read until commit(): beside its place. "" of what is written as it comes.
+    const std::string& readable_at() const { return beside; }
+
     /// Puts the file in its place; nothing is written behind it. Throws std::system_error when that fails.
     void commit();
 

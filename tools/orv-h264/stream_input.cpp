@@ -51,7 +51,7 @@ private:
 } // namespace
 
 stream_input::stream_input(const stream_options& options)
-    : file(options.path),
+    : file(options.path, options.name.empty() ? input_name(options.path) : options.name),
       window([this](unsigned char* out, std::size_t size) {
           flush_output(); // reading may wait
           return file.read(out, size);

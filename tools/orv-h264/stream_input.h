@@ -26,6 +26,7 @@ struct stream_options {
     std::optional<h264::framing> format; ///< where the user tells it
     std::uint64_t max_unit = h264::unit_splitter::usual_most_bytes;
     std::optional<unsigned> track; ///< of a container, counted from 1; the first of H.264 where it is not told
+    std::string name = {};         ///< for messages, where it is not that of the path
 };
 
 /// Why the tool does not go on; main() tells the user and ends with `status`.

@@ -35,6 +35,8 @@ public:
     unit_written write(std::span<const unsigned char> unit, h264::framing from, unsigned start_code_size = 4);
     /// Zero bytes between units, in Annex B.
     void pad(std::uint64_t zeros);
+    /// Bytes that are written as they are.
+    void put_raw(std::span<const unsigned char> bytes) { put(bytes); }
     /// What was gathered goes to the file.
     void flush();
 

@@ -21,6 +21,17 @@ const sent_slice* first_of(const h264::access_unit& unit, const sent_slices& sli
     return nullptr;
 }
 
+unsigned planes_of(const h264::access_unit& unit, const sent_slices& slices)
+{
+    unsigned planes = 0;
+    for (const h264::access_unit_part& part : unit.parts) {
+        const sent_slice* const slice = part.role == unit_role::primary ? slices.find(part.place.number) : nullptr;
+        if (slice != nullptr && slice->has_header && slice->first_mb_in_slice == 0)
+            planes |= 1U << (slice->colour_plane_id & 3U);
+    }
+    return planes;
+}
+
 /// The unit that a breach of the whole is one of: its first primary slice, else its first slice, else its first unit.
 std::uint64_t blamed(const access_unit_facts& facts)
 {
@@ -50,10 +61,13 @@ void access_unit_check::access_unit(const h264::access_unit& unit, const h264::p
     if (unit.parts.empty() || unit.findings.has(h264::picture_finding::limit_reached))
         return;
     const sent_slice* const first = first_of(unit, slices);
-    const access_unit_facts facts{unit, before, first};
+    const access_unit_facts facts{unit, before, first, planes_of(unit, slices)};
     log.judge(access_unit_rules(), facts, blamed(facts));
-    for (std::size_t i = 0; i < unit.parts.size(); ++i)
-        log.judge(unit_order_rules(), ordered_unit_facts{unit, i, slices, before}, unit.parts[i].place.number);
+    for (std::size_t i = 0; i < unit.parts.size(); ++i) {
+        const ordered_unit_facts ordered{unit, i, slices, before};
+        log.judge(unit_order_rules(), ordered, unit.parts[i].place.number);
+        log.judge(slice_order_rules(), ordered, unit.parts[i].place.number);
+    }
     look_at_slices(unit);
     go_on(unit, first);
 }

@@ -27,6 +27,7 @@ struct access_unit_facts {
     const h264::access_unit& of;
     const stream_so_far& before;
     const sent_slice* first_slice; ///< of the primary coded picture, where its header was read; or null
+    unsigned planes_begun;         ///< colour planes with a slice from macroblock 0 on: bit 1 << colour_plane_id
 
     bool has_slices() const;
     /// Its slices differ in one element alone from the picture before, whose last ones they may be.
@@ -61,6 +62,7 @@ struct picture_slice_facts {
 
 std::span<const rule_over<access_unit_facts>> access_unit_rules();
 std::span<const rule_over<ordered_unit_facts>> unit_order_rules();
+std::span<const rule_over<ordered_unit_facts>> slice_order_rules();
 std::span<const rule_over<picture_slice_facts>> picture_slice_rules();
 
 } // namespace orv_h264

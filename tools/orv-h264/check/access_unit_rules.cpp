@@ -132,6 +132,16 @@ verdict has_first_macroblock(const access_unit_facts& f)
     return breach_of("first_mb_in_slice", f.first_slice->first_mb_in_slice, "0 in a slice of the picture");
 }
 
+verdict has_all_planes(const access_unit_facts& f)
+{
+    const bool separate = f.of.sps != nullptr && f.of.sps->separate_colour_plane_flag;
+    if (!separate || f.first_slice == nullptr || lacks_first_macroblock(f) || f.planes_begun == 7)
+        return {};
+    const unsigned missing = (f.planes_begun & 1) == 0 ? 0 : (f.planes_begun & 2) == 0 ? 1 : 2;
+    return breach{"", fmt::format("no slice of colour plane {} from macroblock 0 on", missing),
+                  "one of each colour plane"};
+}
+
 constexpr rule_over<access_unit_facts> rules[] = {
     {{"order-begins-with-idr", error, "7.4.1.2.2", "a stream begins with an IDR picture",
       "Nothing else can be decoded by itself. Decoders begin with a recovery point, too: that is a warning.",
@@ -147,6 +157,11 @@ constexpr rule_over<access_unit_facts> rules[] = {
     {{"order-picture-in-access-unit", error, "7.4.1.2.3", "an access unit has a primary coded picture",
       "Slices of other layers or of redundant pictures have none to go with.", "redundant slices alone"},
      has_primary_picture},
+    {{"picture-has-colour-planes", error, "7.4.2.1.1",
+      "a picture has all three colour planes where they are sent by themselves",
+      "With separate_colour_plane_flag each of them is coded like a monochrome picture.",
+      "slices with colour_plane_id 0 and 1 alone"},
+     has_all_planes},
     {{"picture-differs-from-last", error, "7.4.1.2.4", "the first slice of a picture differs from the picture before",
       "It is taken for a slice of that picture. What stands between was lost, or a picture stands there twice.",
       "a picture that is repeated"},

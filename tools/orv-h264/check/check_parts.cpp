@@ -1,12 +1,14 @@
 // The parts of a check, and the list of all rules.
 #include "check/access_unit_check.h"
 #include "check/access_unit_facts.h"
+#include "check/byte_check.h"
 #include "check/check_part.h"
 #include "check/facts.h"
 #include "check/general_rules.h"
 #include "check/habit_check.h"
 #include "check/hrd_facts.h"
 #include "check/hrd_part.h"
+#include "check/level_part.h"
 #include "check/marking_part.h"
 #include "check/number_check.h"
 #include "check/number_facts.h"
@@ -40,6 +42,7 @@ rule_list every_rule()
     append(list, sps_rules());
     append(list, pps_rules());
     append(list, slice_rules());
+    append(list, byte_rules());
     append(list, operation_rules());
     append(list, marking_rules());
     append(list, list_rules());
@@ -48,6 +51,7 @@ rule_list every_rule()
     append(list, new_sequence_rules());
     append(list, sps_order_rules());
     append(list, unit_order_rules());
+    append(list, slice_order_rules());
     append(list, access_unit_rules());
     append(list, picture_slice_rules());
     append(list, numbering_rules());
@@ -57,6 +61,7 @@ rule_list every_rule()
     append(list, naming_rules());
     append(list, set_content_rules());
     append(list, activation_rules());
+    append(list, auxiliary_rules());
     append(list, hrd_start_rules());
     append(list, hrd_removal_rules());
     append(list, hrd_arrival_rules());
@@ -69,6 +74,10 @@ rule_list every_rule()
     append(list, message_rules());
     append(list, picture_timing_rules());
     append(list, vui_time_rules());
+    append(list, picture_load_rules());
+    append(list, decoding_interval_rules());
+    append(list, output_interval_rules());
+    append(list, level_sps_rules());
     std::stable_sort(list.begin(), list.end(), stands_before);
     return list;
 }
@@ -78,6 +87,7 @@ rule_list every_rule()
 std::vector<std::unique_ptr<check_part>> make_check_parts(violation_log& log)
 {
     std::vector<std::unique_ptr<check_part>> parts;
+    parts.push_back(std::make_unique<byte_check>(log));
     parts.push_back(std::make_unique<marking_part>(log));
     parts.push_back(std::make_unique<output_part>(log));
     parts.push_back(std::make_unique<set_check>(log));
@@ -86,6 +96,7 @@ std::vector<std::unique_ptr<check_part>> make_check_parts(violation_log& log)
     parts.push_back(std::make_unique<habit_check>(log));
     parts.push_back(std::make_unique<hrd_part>(log));
     parts.push_back(std::make_unique<sei_part>(log));
+    parts.push_back(std::make_unique<level_part>(log));
     return parts;
 }
 

@@ -67,11 +67,12 @@ void habit_check::access_unit(const h264::access_unit& unit, const h264::picture
     log.judge(habit_rules(), facts, unit.parts.front().place.number);
 }
 
+/// A sequence may begin another stream, which has none.
 bool habit_check::lacks_delimiter(const h264::access_unit& unit)
 {
     const bool has = std::any_of(unit.parts.begin(), unit.parts.end(),
                                  [](const h264::access_unit_part& p) { return p.role == unit_role::delimiter; });
-    const bool lacks = !has && with_delimiter >= enough;
+    const bool lacks = !has && !unit.idr && with_delimiter >= enough;
     with_delimiter = has ? with_delimiter + 1 : 0;
     return lacks;
 }

@@ -27,6 +27,12 @@ struct activation_facts {
     std::uint32_t active_id;
 };
 
+/// A primary coded picture, and what the SPS extension of its sequence says of auxiliary ones.
+struct auxiliary_facts {
+    std::uint32_t aux_format_idc; ///< 0 without an SPS extension
+    bool sent;                    ///< it has an auxiliary picture
+};
+
 /// A unit that names parameter sets.
 struct naming_facts {
     const h264::unit_reading& reading;
@@ -34,6 +40,7 @@ struct naming_facts {
 
 std::span<const rule_over<set_content_facts>> set_content_rules();
 std::span<const rule_over<activation_facts>> activation_rules();
+std::span<const rule_over<auxiliary_facts>> auxiliary_rules();
 std::span<const rule_over<naming_facts>> naming_rules();
 
 } // namespace orv_h264

@@ -58,6 +58,15 @@ verdict idr_activates_sps(const activation_facts& f)
                   fmt::format("one with SPS {}, which is active", f.active_id)};
 }
 
+verdict auxiliary_as_announced(const auxiliary_facts& f)
+{
+    if (f.sent == (f.aux_format_idc != 0))
+        return {};
+    return breach{"", f.sent ? "an auxiliary picture" : "no auxiliary picture",
+                  f.sent ? "none without an SPS extension that has an aux_format_idc above 0"
+                         : fmt::format("one, for aux_format_idc is {}", f.aux_format_idc)};
+}
+
 constexpr rule_over<naming_facts> rules_of_names[] = {
     {{"set-is-there", error, "7.4.1.2.1", "a parameter set comes before what names it",
       "Without it the unit cannot be read, and the picture not be decoded.", "a slice with the id of no PPS"},
@@ -85,7 +94,20 @@ constexpr rule_over<activation_facts> rules_of_activation[] = {
      idr_activates_sps},
 };
 
+constexpr rule_over<auxiliary_facts> rules_of_auxiliaries[] = {
+    {{"set-announces-auxiliary", error, "7.4.2.1.2",
+      "pictures have an auxiliary picture each where aux_format_idc is above 0, and none elsewhere",
+      "Nothing else tells what its samples mean, and how many bits they have.",
+      "a unit of type 19 without an SPS extension"},
+     auxiliary_as_announced},
+};
+
 } // namespace
+
+std::span<const rule_over<auxiliary_facts>> auxiliary_rules()
+{
+    return rules_of_auxiliaries;
+}
 
 std::span<const rule_over<naming_facts>> naming_rules()
 {

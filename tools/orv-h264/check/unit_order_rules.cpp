@@ -146,55 +146,6 @@ verdict end_behind_slices(const ordered_unit_facts& f)
     return breach{"", "no picture before it in its access unit", "one"};
 }
 
-verdict slice_behind_prefix(const ordered_unit_facts& f)
-{
-    if (f.unit().role != unit_role::prefix)
-        return {};
-    const unsigned next = f.at + 1 < f.of.parts.size() ? f.of.parts[f.at + 1].header.nal_unit_type : 0;
-    if (next == 1 || next == 5)
-        return {};
-    return breach{"", next == 0 ? "no slice behind it" : fmt::format("nal_unit_type {} behind it", next),
-                  "nal_unit_type 1 or 5"};
-}
-
-/// The partition of that type and slice in front of the unit, in its picture.
-const sent_slice* partition_before(const ordered_unit_facts& f, const sent_slice& slice, unsigned type)
-{
-    for (std::size_t i = f.at; i > 0; --i) {
-        const sent_slice* const other = f.slices.find(f.of.parts[i - 1].place.number);
-        const bool same_picture = f.of.parts[i - 1].role == f.unit().role;
-        if (same_picture && other != nullptr && other->nal_unit_type == type && other->slice_id == slice.slice_id)
-            return other;
-    }
-    return nullptr;
-}
-
-verdict partitions_behind_a(const ordered_unit_facts& f)
-{
-    const sent_slice* const slice = f.slices.find(f.unit().place.number);
-    if ((f.type() != 3 && f.type() != 4) || slice == nullptr || !slice->slice_id ||
-        partition_before(f, *slice, 2) != nullptr)
-        return {};
-    return breach_of("slice_id", *slice->slice_id, "that of a partition A before it");
-}
-
-verdict partition_c_behind_b(const ordered_unit_facts& f)
-{
-    const sent_slice* const slice = f.slices.find(f.unit().place.number);
-    if (f.type() != 3 || slice == nullptr || !slice->slice_id || partition_before(f, *slice, 4) == nullptr)
-        return {};
-    return breach_of("slice_id", *slice->slice_id, "one whose partition C has not come yet");
-}
-
-verdict slice_ids_differ(const ordered_unit_facts& f)
-{
-    const sent_slice* const slice = f.slices.find(f.unit().place.number);
-    if (f.type() != 2 || f.unit().role != unit_role::primary || slice == nullptr || !slice->has_header ||
-        partition_before(f, *slice, 2) == nullptr)
-        return {};
-    return breach_of("slice_id", slice->slice_id.value_or(0), "one that no slice of the picture has");
-}
-
 constexpr rule_over<ordered_unit_facts> rules[] = {
     {{"order-delimiter-first", error, "7.4.1.2.3", "an access unit delimiter is the first unit of its access unit",
       "Readers cut the stream there: what stands before it goes to the picture before.",
@@ -228,21 +179,9 @@ constexpr rule_over<ordered_unit_facts> rules[] = {
     {{"order-end-behind-picture", error, "7.4.1.2.3", "an end of sequence or stream stands behind a picture",
       "It belongs to the access unit that it ends.", "two ends of sequence in a row"},
      end_behind_slices},
-    {{"order-partitions-behind-a", error, "7.4.1.2.5", "partitions B and C stand behind partition A of their slice",
-      "Only partition A tells the slice header, by which the others are read.", "a partition B before its partition A"},
-     partitions_behind_a},
-    {{"order-partition-c-behind-b", error, "7.4.1.2.5", "partition C stands behind partition B of its slice",
-      "The data of inter macroblocks need those of intra macroblocks.", "a partition B behind the C of its slice"},
-     partition_c_behind_b},
     {{"order-delimiter-names-kinds", error, "7.4.2.4", "a delimiter admits the slice types of its picture",
       "Splitters and indexes take the picture for another kind by it.", "primary_pic_type 0 (I) before a P slice"},
      delimiter_names_kinds},
-    {{"order-slice-behind-prefix", warning, "7.4.2.12", "a prefix unit stands directly before a slice of the base",
-      "It tells the layer or view of that slice, and else of none.", "a prefix unit before SEI"},
-     slice_behind_prefix},
-    {{"order-slice-ids-differ", error, "7.4.2.9.1", "slice_id is another one in each slice of a picture",
-      "Partitions find their slice by it.", "two partitions A with slice_id 0 in a picture"},
-     slice_ids_differ},
 };
 
 } // namespace

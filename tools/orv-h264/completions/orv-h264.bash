@@ -2,7 +2,7 @@
 
 _orv_h264()
 {
-    local subcommands="info inspect explain frames report check convert cut avcc help"
+    local subcommands="info inspect explain frames report check convert cut edit diff avcc help"
     local framings="annexb length1 length2 length3 length4"
     local help="-h --help"
     local many="--files-from -0 --null --jobs"
@@ -30,6 +30,12 @@ _orv_h264()
     check) options="$many --format --track --max-unit --json --sarif --junit --ignore --only --profile --limit --hrd --rules --explain" ;;
     convert) options="--format --track --max-unit --to --avcc --parameter-sets" ;;
     cut) options="--format --track --max-unit --from --to --key --only --base --layer --view --rate --json" ;;
+    edit)
+        options="--format --track --max-unit --set --delete --insert --remove-sei --insert-sei --sei-at --add-aud"
+        options+=" --remove-aud --remove-filler --repeat-headers --sar --rate --level --colour --crop --full-range"
+        options+=" --force --dry-run --json"
+        ;;
+    diff) options="--format --track --max-unit --ignore --all --json" ;;
     avcc) options="--json --csv --tsv" ;;
     help) options="" ;;
     *) return ;;
@@ -51,7 +57,15 @@ _orv_h264()
         mapfile -t COMPREPLY < <(compgen -W "disc low-latency streaming" -- "$current"; compgen -f -- "$current")
         return
         ;;
-    --explain | --from | --ignore | --jobs | --layer | --limit | --max-unit | --only | --rate | --track | --view) return ;;
+    --sei-at | --level | --full-range)
+        local values="first idr picture"
+        [[ $before != --level ]] || values="auto 1 1b 1.1 1.2 1.3 2 2.1 2.2 3 3.1 3.2 4 4.1 4.2 5 5.1 5.2 6 6.1 6.2"
+        [[ $before != --full-range ]] || values="on off"
+        [[ " $options " != *" $before "* ]] || mapfile -t COMPREPLY < <(compgen -W "$values" -- "$current")
+        return
+        ;;
+    --set | --delete | --insert | --remove-sei | --insert-sei | --sar | --rate | --colour | --crop) return ;;
+    --explain | --from | --ignore | --jobs | --layer | --limit | --max-unit | --only | --track | --view) return ;;
     esac
     if [[ $current == -* ]]; then
         mapfile -t COMPREPLY < <(compgen -W "$help $options" -- "$current")

@@ -29,24 +29,23 @@ std::uint32_t first_message_of(const h264::nal_unit& unit)
 
 } // namespace
 
-fingerprint compared_access_unit::whole() const
+aligned_entry compared_access_unit::print() const
 {
-    fingerprint_maker maker;
-    for (const compared_unit& unit : units)
-        maker.add(unit.whole);
-    return maker.made();
-}
-
-fingerprint compared_access_unit::data() const
-{
-    fingerprint_maker maker;
-    bool any = false;
-    for (const compared_unit& unit : units)
-        if (unit.slice) {
-            maker.add(unit.rest);
-            any = true;
-        }
-    return any ? maker.made() : whole();
+    fingerprint_maker whole;
+    fingerprint_maker slices;
+    fingerprint_maker data;
+    bool any_slice = false;
+    std::uint64_t bits = 0;
+    for (const compared_unit& unit : units) {
+        whole.add(unit.whole);
+        if (!unit.slice)
+            continue;
+        any_slice = true;
+        slices.add(unit.whole);
+        data.add(unit.rest);
+        bits += unit.rest_bits;
+    }
+    return {whole.made(), slices.made(), data.made(), any_slice, bits >= telling_bits};
 }
 
 access_unit_feed::access_unit_feed(const stream_options& options, bool with_elements)

@@ -5,6 +5,7 @@
 
 #include "diff/element_list.h"
 #include "diff/fingerprint.h"
+#include "diff/sequence_alignment.h"
 #include "unit_run.h"
 
 #include <cstdint>
@@ -31,10 +32,11 @@ struct compared_access_unit {
     std::vector<compared_unit> units;
     bool picture = false; ///< it has slices of a primary coded picture
 
-    /// Equal ones hold the same.
-    fingerprint whole() const;
-    /// Equal ones have the same slice data, or without slices are the same.
-    fingerprint data() const;
+    /// So many bits of slice data tell a picture from others; those of skipped ones are the same again and again.
+    static constexpr std::uint64_t telling_bits = 128;
+
+    /// What it is aligned by.
+    aligned_entry print() const;
 };
 
 /// What an input is besides its elements.

@@ -16,44 +16,57 @@ struct stretch {
     std::uint32_t end;
 };
 
-/// The places of a stretch whose entries have no partner, in the order of their fingerprints, then of the places.
-std::vector<std::uint32_t> sorted_places(const std::vector<fingerprint>& of, const std::vector<std::uint32_t>& partners,
+using entries = std::vector<aligned_entry>;
+
+/// What entries are compared by.
+enum class key : std::uint8_t { whole, slices, data };
+
+const fingerprint& key_of(const aligned_entry& entry, key by)
+{
+    return by == key::whole ? entry.whole : by == key::slices ? entry.slices : entry.data;
+}
+
+bool has_key(const aligned_entry& entry, key by)
+{
+    return by == key::whole || (by == key::slices ? entry.any_slice : entry.telling);
+}
+
+/// The places of a stretch whose entries have no partner, in the order of their keys, then of the places.
+std::vector<std::uint32_t> sorted_places(const entries& of, key by, const std::vector<std::uint32_t>& partners,
                                          const stretch& in)
 {
     std::vector<std::uint32_t> places;
     for (std::uint32_t i = in.begin; i < in.end; ++i)
-        if (partners[i] == none)
+        if (partners[i] == none && has_key(of[i], by))
             places.push_back(i);
-    std::stable_sort(places.begin(), places.end(), [&](std::uint32_t x, std::uint32_t y) { return of[x] < of[y]; });
+    std::stable_sort(places.begin(), places.end(),
+                     [&](std::uint32_t x, std::uint32_t y) { return key_of(of[x], by) < key_of(of[y], by); });
     return places;
 }
 
 /// Equal entries of both by their number: the first with the first. Or those alone of which each has one.
-std::vector<entry_pair> equal_pairs(const std::vector<fingerprint>& a, const std::vector<std::uint32_t>& places_a,
-                                    const std::vector<fingerprint>& b, const std::vector<std::uint32_t>& places_b,
-                                    bool once)
+std::vector<entry_pair> equal_pairs(const entries& a, const std::vector<std::uint32_t>& places_a, const entries& b,
+                                    const std::vector<std::uint32_t>& places_b, key by, bool once)
 {
     std::vector<entry_pair> pairs;
-    const auto run_end = [](const std::vector<fingerprint>& of, const std::vector<std::uint32_t>& places,
-                            std::size_t from) {
+    const auto run_end = [by](const entries& of, const std::vector<std::uint32_t>& places, std::size_t from) {
         std::size_t end = from;
-        while (end < places.size() && of[places[end]] == of[places[from]])
+        while (end < places.size() && key_of(of[places[end]], by) == key_of(of[places[from]], by))
             ++end;
         return end;
     };
     for (std::size_t i = 0, j = 0; i < places_a.size() && j < places_b.size();) {
         const std::size_t end_a = run_end(a, places_a, i);
         const std::size_t end_b = run_end(b, places_b, j);
-        const bool before = a[places_a[i]] < b[places_b[j]];
-        if (a[places_a[i]] == b[places_b[j]]) {
-            const std::size_t count = std::min(end_a - i, end_b - j);
-            for (std::size_t k = 0; k < count && !(once && (end_a - i != 1 || end_b - j != 1)); ++k)
+        const auto order = key_of(a[places_a[i]], by) <=> key_of(b[places_b[j]], by);
+        const bool single = end_a - i == 1 && end_b - j == 1;
+        if (order == 0 && (single || !once))
+            for (std::size_t k = 0; k < std::min(end_a - i, end_b - j); ++k)
                 pairs.emplace_back(places_a[i + k], places_b[j + k]);
+        if (order <= 0)
             i = end_a;
+        if (order >= 0)
             j = end_b;
-        } else {
-            (before ? i : j) = before ? end_a : end_b;
-        }
     }
     std::sort(pairs.begin(), pairs.end());
     return pairs;
@@ -82,7 +95,7 @@ std::vector<entry_pair> longest_rising(const std::vector<entry_pair>& pairs)
 
 class aligner {
 public:
-    aligner(const std::vector<fingerprint>& of_a, const std::vector<fingerprint>& of_b) : a(of_a), b(of_b)
+    aligner(const entries& of_a, const entries& of_b) : a(of_a), b(of_b)
     {
         made.of_a.assign(a.size(), none);
         made.of_b.assign(b.size(), none);
@@ -95,14 +108,16 @@ public:
         const stretch all_a = {0, static_cast<std::uint32_t>(a.size())};
         const stretch all_b = {0, static_cast<std::uint32_t>(b.size())};
         match_ends(all_a, all_b);
-        match(all_a, all_b, true);
+        match(all_a, all_b, key::whole, true);
         between([this](const stretch& in_a, const stretch& in_b) { match_ends(in_a, in_b); });
-        between([this](const stretch& in_a, const stretch& in_b) { match(in_a, in_b, false); });
-        for (const auto& [i, j] :
-             equal_pairs(a, sorted_places(a, made.of_a, all_a), b, sorted_places(b, made.of_b, all_b), false)) {
-            join(i, j);
-            made.moved_a[i] = made.moved_b[j] = true;
-        }
+        between([this](const stretch& in_a, const stretch& in_b) { match(in_a, in_b, key::whole, false); });
+        for (const key by : {key::slices, key::data})
+            between([&](const stretch& in_a, const stretch& in_b) { match(in_a, in_b, by, true); });
+        for (const key by : {key::whole, key::slices, key::data})
+            for (const auto& [i, j] : equal_between(all_a, all_b, by, by != key::whole)) {
+                join(i, j);
+                made.moved_a[i] = made.moved_b[j] = true;
+            }
         if (pair_rest)
             between([this](const stretch& in_a, const stretch& in_b) { pair_by_number(in_a, in_b); });
         return std::move(made);
@@ -115,19 +130,24 @@ private:
         made.of_b[j] = i;
     }
 
-    void match(const stretch& in_a, const stretch& in_b, bool once)
+    std::vector<entry_pair> equal_between(const stretch& in_a, const stretch& in_b, key by, bool once) const
     {
-        for (const auto& [i, j] : longest_rising(
-                 equal_pairs(a, sorted_places(a, made.of_a, in_a), b, sorted_places(b, made.of_b, in_b), once)))
+        return equal_pairs(a, sorted_places(a, by, made.of_a, in_a), b, sorted_places(b, by, made.of_b, in_b), by,
+                           once);
+    }
+
+    void match(const stretch& in_a, const stretch& in_b, key by, bool once)
+    {
+        for (const auto& [i, j] : longest_rising(equal_between(in_a, in_b, by, once)))
             join(i, j);
     }
 
     /// What both begin with, and what both end with.
     void match_ends(stretch in_a, stretch in_b)
     {
-        while (in_a.begin < in_a.end && in_b.begin < in_b.end && a[in_a.begin] == b[in_b.begin])
+        while (in_a.begin < in_a.end && in_b.begin < in_b.end && a[in_a.begin].whole == b[in_b.begin].whole)
             join(in_a.begin++, in_b.begin++);
-        while (in_a.begin < in_a.end && in_b.begin < in_b.end && a[in_a.end - 1] == b[in_b.end - 1])
+        while (in_a.begin < in_a.end && in_b.begin < in_b.end && a[in_a.end - 1].whole == b[in_b.end - 1].whole)
             join(--in_a.end, --in_b.end);
     }
 
@@ -166,14 +186,14 @@ private:
         }
     }
 
-    const std::vector<fingerprint>& a;
-    const std::vector<fingerprint>& b;
+    const entries& a;
+    const entries& b;
     alignment made;
 };
 
 } // namespace
 
-alignment align(const std::vector<fingerprint>& a, const std::vector<fingerprint>& b, bool pair_rest)
+alignment align(const entries& a, const entries& b, bool pair_rest)
 {
     return aligner(a, b).run(pair_rest);
 }

@@ -10,6 +10,15 @@
 
 namespace orv_h264 {
 
+/// An entry of a sequence.
+struct aligned_entry {
+    fingerprint whole;  ///< equal ones are the same
+    fingerprint slices; ///< of those in it, with their headers: the picture is the same
+    fingerprint data;   ///< of their data, which tell the picture where headers have changed
+    bool any_slice = false;
+    bool telling = false; ///< there are enough data for that
+};
+
 struct alignment {
     static constexpr std::uint32_t none = std::numeric_limits<std::uint32_t>::max();
 
@@ -21,9 +30,10 @@ struct alignment {
     std::vector<bool> moved_b;
 };
 
-/// First what stands once in both, as far as it is in order; between that the entries of a kind by their number; then
-/// what is left and is the same, as moved.
-/// @param pair_rest what is left between two partners is paired in its order, for entries that have changed
-alignment align(const std::vector<fingerprint>& a, const std::vector<fingerprint>& b, bool pair_rest);
+/// First what is the same: what stands once in both, as far as it is in order, and between that the entries of a kind
+/// by their number. Then, between those, what has the same slices, and what the same data, and stands once. What is
+/// left and is the same by one of these has moved.
+/// @param pair_rest what is left between two partners then is paired in its order, for entries that have changed
+alignment align(const std::vector<aligned_entry>& a, const std::vector<aligned_entry>& b, bool pair_rest);
 
 } // namespace orv_h264

@@ -160,14 +160,15 @@ std::string framing_of(const compared_stream& stream)
     std::string text;
     const auto add = [&](std::uint64_t count, const std::string& what) {
         if (count != 0)
-            text += fmt::format("{}{} {}", text.empty() ? "" : ", ", count, what);
+            text +=
+                fmt::format("{}{} {}", text.empty() ? "" : ", ", count, fmt::format(fmt::runtime(what), plural(count)));
     };
-    add(t.short_start_codes, "start codes of 3 bytes");
-    add(t.long_start_codes, "of 4");
-    add(t.length_prefixes, fmt::format("lengths of {} byte{}", t.prefix_size, plural(t.prefix_size)));
-    add(t.escapes, "emulation prevention");
-    add(t.zeros, "zero bytes");
-    add(t.lost_bytes, "bytes in no unit");
+    add(t.short_start_codes, "start code{} of 3 bytes");
+    add(t.long_start_codes, "start code{} of 4 bytes");
+    add(t.length_prefixes, fmt::format("length{{}} of {} byte{}", t.prefix_size, plural(t.prefix_size)));
+    add(t.escapes, "emulation-prevention byte{}");
+    add(t.zeros, "zero byte{}");
+    add(t.lost_bytes, "byte{} in no unit");
     return text.empty() ? "nothing" : text;
 }
 

@@ -34,26 +34,21 @@ void stream_comparison::run()
 {
     prints_a = read(options.a, streams[0]);
     prints_b = read(options.b, streams[1]);
-    const auto data_of = [](const std::vector<print>& prints) {
-        std::vector<fingerprint> data;
-        for (const print& one : prints)
-            data.push_back(one.data);
-        return data;
-    };
-    partners = align(data_of(prints_a), data_of(prints_b), true);
+    partners = align(prints_a.entries, prints_b.entries, true);
     add_runs();
     compare_elements();
 }
 
-std::vector<stream_comparison::print> stream_comparison::read(const std::string& path, compared_stream& what) const
+stream_comparison::prints stream_comparison::read(const std::string& path, compared_stream& what) const
 {
     access_unit_feed feed(at_path(options, path), false);
-    std::vector<print> prints;
-    while (const auto unit = feed.next())
-        prints.push_back(
-            {unit->whole(), unit->data(), unit->units.empty() ? 0 : unit->units[0].offset, unit->units.size()});
+    prints made;
+    while (const auto unit = feed.next()) {
+        made.entries.push_back(unit->print());
+        made.offsets.push_back(unit->units.empty() ? 0 : unit->units[0].offset);
+    }
     what = {feed.name(), feed.framing(), feed.bytes(), feed.totals()};
-    return prints;
+    return made;
 }
 
 /// Stretches in the order of A, those of B alone where they lie.
@@ -61,11 +56,11 @@ void stream_comparison::add_runs()
 {
     std::uint64_t j = 0;
     const auto add_only_b = [&] {
-        for (; j < prints_b.size() && (partners.of_b[j] == alignment::none || partners.moved_b[j]); ++j)
+        for (; j < partners.of_b.size() && (partners.of_b[j] == alignment::none || partners.moved_b[j]); ++j)
             if (partners.of_b[j] == alignment::none)
                 add_run(difference::only_b, partners.of_a.size(), j);
     };
-    for (std::uint64_t i = 0; i < prints_a.size(); ++i) {
+    for (std::uint64_t i = 0; i < partners.of_a.size(); ++i) {
         const std::uint32_t partner = partners.of_a[i];
         if (partner == alignment::none) {
             add_run(difference::only_a, i, j);
@@ -79,9 +74,9 @@ void stream_comparison::add_runs()
         }
     }
     add_only_b();
-    for (; j < prints_b.size(); ++j)
+    for (; j < partners.of_b.size(); ++j)
         if (partners.of_b[j] == alignment::none)
-            add_run(difference::only_b, prints_a.size(), j);
+            add_run(difference::only_b, partners.of_a.size(), j);
 }
 
 void stream_comparison::add_run(difference what, std::uint64_t a, std::uint64_t b)
@@ -103,18 +98,23 @@ void stream_comparison::add_run(difference what, std::uint64_t a, std::uint64_t 
         ++stretches_not_kept;
         return;
     }
-    stretches.push_back({what, a, b, 1, a < prints_a.size() ? prints_a[a].offset : streams[0].bytes,
-                         b < prints_b.size() ? prints_b[b].offset : streams[1].bytes});
+    stretches.push_back({what, a, b, 1, a < partners.of_a.size() ? prints_a.offsets[a] : streams[0].bytes,
+                         b < partners.of_b.size() ? prints_b.offsets[b] : streams[1].bytes});
+}
+
+bool stream_comparison::is_same(std::uint64_t a, std::uint64_t b) const
+{
+    return prints_a.entries[a].whole == prints_b.entries[b].whole;
 }
 
 /// The pairs that hold something else, in their order, which is that of both streams.
 void stream_comparison::compare_elements()
 {
     bool any = false;
-    for (std::uint64_t i = 0; i < prints_a.size(); ++i) {
+    for (std::uint64_t i = 0; i < partners.of_a.size(); ++i) {
         const std::uint32_t j = partners.of_a[i];
         const bool beside = j != alignment::none && !partners.moved_a[i];
-        if (beside && prints_a[i].whole == prints_b[j].whole)
+        if (beside && is_same(i, j))
             ++counts.same;
         else
             any = any || beside;
@@ -128,9 +128,9 @@ void stream_comparison::compare_elements()
     compared_access_unit b;
     std::uint64_t next_a = 0;
     std::uint64_t next_b = 0;
-    for (std::uint64_t i = 0; i < prints_a.size(); ++i) {
+    for (std::uint64_t i = 0; i < partners.of_a.size(); ++i) {
         const std::uint32_t j = partners.of_a[i];
-        if (j == alignment::none || partners.moved_a[i] || prints_a[i].whole == prints_b[j].whole)
+        if (j == alignment::none || partners.moved_a[i] || is_same(i, j))
             continue;
         if (!skip_to(feed_a, next_a, i, a) || !skip_to(feed_b, next_b, j, b))
             throw refusal(exit_usage_or_io, "a file became shorter while it was read");

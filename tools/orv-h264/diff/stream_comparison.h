@@ -1,5 +1,5 @@
-// Two streams laid beside each other: their access units by fingerprints, 48 bytes each in memory, then those that
-// are not the same unit by unit and element by element, an access unit at a time.
+// Two streams laid beside each other: their access units by fingerprints, 48 bytes each in memory and as much while
+// they are sorted, then those that are not the same unit by unit and element by element, an access unit at a time.
 #pragma once
 
 #include "diff/access_unit_feed.h"
@@ -56,24 +56,23 @@ public:
     const difference_log& elements() const { return log; }
 
 private:
-    /// An access unit as it is remembered.
-    struct print {
-        fingerprint whole;
-        fingerprint data;
-        std::uint64_t offset = 0;
-        std::uint64_t units = 0;
+    /// The access units of a stream as they are remembered.
+    struct prints {
+        std::vector<aligned_entry> entries;
+        std::vector<std::uint64_t> offsets;
     };
 
-    std::vector<print> read(const std::string& path, compared_stream& what) const;
+    prints read(const std::string& path, compared_stream& what) const;
     void add_runs();
     void add_run(difference what, std::uint64_t a, std::uint64_t b);
+    bool is_same(std::uint64_t a, std::uint64_t b) const;
     void compare_elements();
     static bool skip_to(access_unit_feed& feed, std::uint64_t& next, std::uint64_t wanted, compared_access_unit& to);
 
     const diff_options& options;
     compared_stream streams[2];
-    std::vector<print> prints_a;
-    std::vector<print> prints_b;
+    prints prints_a;
+    prints prints_b;
     alignment partners;
     access_unit_counts counts;
     std::vector<unit_run_difference> stretches;

@@ -13,12 +13,12 @@ namespace orv_h264 {
 
 namespace {
 
-std::vector<fingerprint> fingerprints_of(const compared_access_unit& of)
+std::vector<aligned_entry> entries_of(const compared_access_unit& of)
 {
-    std::vector<fingerprint> prints;
+    std::vector<aligned_entry> entries;
     for (const compared_unit& unit : of.units)
-        prints.push_back(unit.whole);
-    return prints;
+        entries.push_back({unit.whole, {}, {}, false, false});
+    return entries;
 }
 
 /// Those that are left over are held against each other by their kind; a slice of an IDR picture is as any other.
@@ -175,7 +175,7 @@ bool unit_comparison::compare(const compared_access_unit& a, const compared_acce
     const std::uint64_t before = log.count();
     bool alone = false;
     constexpr bool pair_rest = false;
-    alignment partners = align(fingerprints_of(a), fingerprints_of(b), pair_rest);
+    alignment partners = align(entries_of(a), entries_of(b), pair_rest);
     pair_by_kind(a, b, partners);
     for (std::uint32_t i = 0; i < a.units.size(); ++i) {
         const compared_unit& unit = a.units[i];

@@ -14,7 +14,8 @@ std::string told_of_order(const std::vector<unsigned char>& stream)
     std::string told;
     for (const orv_h264::violation& what : support::violations_of(stream)) {
         const std::string_view id = what.broken->id;
-        if (id.starts_with("order-") || id.starts_with("picture-") || id.starts_with("slice-"))
+        if (id.starts_with("order-") || id.starts_with("set-") || id.starts_with("picture-") ||
+            id.starts_with("slice-"))
             told += fmt::format("{}@{} ", id, what.unit ? what.unit->number : 0);
     }
     return told;
@@ -57,9 +58,13 @@ TEST(OrderRules, AnSpsExtensionMayStandBehindItsSps)
 
 TEST(OrderRules, AnAuxiliaryPictureMayStandBehindARedundantOne)
 {
-    sound_stream s(66);
+    made_stream s(sps_of_profile(66));
+    s.pps().redundant_pic_cnt_present_flag = true;
     s.sets.context.primary_idr = true;
-    s.add(idr()).add_redundant(idr(), 1).add_redundant(idr(), 2).add(slice_unit(19)).add(reference(1));
+    seq_parameter_set_extension_rbsp extension;
+    extension.aux_format_idc = 1;
+    s.add(unit_of(7, s.sets.sps)).add(unit_of(13, extension)).add(unit_of(8, s.sets.pps));
+    s.add(idr()).add_redundant(idr(), 1).add_redundant(idr(), 2).add(slice_unit(19));
     EXPECT_EQ(told_of_order(s.bytes), "");
 }
 

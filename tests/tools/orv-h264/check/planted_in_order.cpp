@@ -41,6 +41,39 @@ std::vector<unsigned char> with_redundant(More more)
     return stream.bytes;
 }
 
+/// Likewise, with an SPS extension; the first slice is unit 3.
+template <class More>
+std::vector<unsigned char> with_auxiliary(std::uint32_t aux_format_idc, More more)
+{
+    made_stream stream(sps_of_profile(100));
+    stream.sets.context.primary_idr = true;
+    seq_parameter_set_extension_rbsp extension;
+    extension.aux_format_idc = aux_format_idc;
+    stream.add(unit_of(7, stream.sets.sps)).add(unit_of(13, extension)).add(unit_of(8, stream.sets.pps));
+    more(stream);
+    return stream.bytes;
+}
+
+/// An IDR picture whose layer 1 has slices of these quality_ids, units 6 and on.
+std::vector<unsigned char> layers(const std::vector<std::uint8_t>& quality_ids)
+{
+    subset_seq_parameter_set_rbsp subset;
+    subset.seq_parameter_set_data = sps_data(1);
+    subset.seq_parameter_set_data.profile_idc = 86;
+    made_stream stream(sps_of_profile(100));
+    const special_layer layer(stream, subset);
+    stream.add(unit_of_layer(14, prefix_nal_unit_rbsp(), 0, 0, 0)).add(idr());
+    for (const std::uint8_t quality_id : quality_ids) {
+        slice_header_in_scalable_extension header;
+        header.slice_type = 7;
+        header.pic_parameter_set_id = 1;
+        slice_layer_extension_rbsp slice;
+        slice.header = header;
+        stream.add(unit_of_layer(20, slice, 0, 1, quality_id));
+    }
+    return stream.bytes;
+}
+
 constexpr planted_violation planted[] = {
     {"a delimiter behind SEI", "order-delimiter-first@4",
      [] { return idr_and([](made_stream& s) { s.add_bytes(6, user_data).add_bytes(9, {0xF0}).add(reference(1)); }); }},
@@ -63,12 +96,22 @@ constexpr planted_violation planted[] = {
      [] {
          return with_redundant([](made_stream& s) { s.add(idr()).add_redundant(idr(), 2).add_redundant(idr(), 1); });
      }},
-    {"an auxiliary slice between primary ones", "order-auxiliary-last@3",
+    {"an auxiliary slice between primary ones", "order-auxiliary-last@4",
      [] {
-         return idr_and([](made_stream& s) {
-             s.sets.context.primary_idr = true;
-             s.add(slice_unit(19)).add(from_macroblock(idr(), 6));
-         });
+         return with_auxiliary(1,
+                               [](made_stream& s) { s.add(idr()).add(slice_unit(19)).add(from_macroblock(idr(), 6)); });
+     }},
+    {"an auxiliary picture that is not announced", "set-announces-auxiliary@4",
+     [] { return with_auxiliary(0, [](made_stream& s) { s.add(idr()).add(slice_unit(19)); }); }},
+    {"an announced auxiliary picture that is missing", "set-announces-auxiliary@5",
+     [] { return with_auxiliary(1, [](made_stream& s) { s.add(idr()).add(slice_unit(19)).add(reference(1)); }); }},
+    {"quality_id 0 behind 1", "order-layers-rising@8 dependency_id",
+     [] {
+         return layers({0, 1, 0});
+     }},
+    {"layers in their order", "",
+     [] {
+         return layers({0, 1, 1});
      }},
     {"filler data before the first slice", "order-others-behind-slice@2",
      [] { return sets_and([](made_stream& s) {

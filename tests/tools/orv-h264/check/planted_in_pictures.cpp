@@ -37,6 +37,20 @@ made_slice cycled(made_slice slice, std::uint32_t slice_group_change_cycle)
     return slice;
 }
 
+made_slice of_plane(made_slice slice, std::uint8_t colour_plane_id)
+{
+    slice.header.colour_plane_id = colour_plane_id;
+    return slice;
+}
+
+seq_parameter_set_data planar_sps()
+{
+    seq_parameter_set_data sps = sps_of_profile(244);
+    sps.chroma_format_idc = 3;
+    sps.separate_colour_plane_flag = true;
+    return sps;
+}
+
 constexpr planted_violation planted[] = {
     {"a picture that comes twice", "picture-differs-from-last@4 first_mb_in_slice",
      [] {
@@ -53,6 +67,10 @@ constexpr planted_violation planted[] = {
     {"a picture without its first slice", "picture-has-first-slice@4 first_mb_in_slice",
      [] {
          return of({idr(), from_macroblock(idr(), 6), from_macroblock(reference(1), 6)});
+     }},
+    {"a picture of two colour planes", "picture-has-colour-planes@2",
+     [] {
+         return of({of_plane(idr(), 0), of_plane(idr(), 2)}, planar_sps());
      }},
     {"two slices from one macroblock on", "slice-begins-once@4 first_mb_in_slice",
      [] {

@@ -64,6 +64,20 @@ constexpr planted_violation planted[] = {
     {"a unit above the limit", "unit-fits-limit", [] { return with_unit(9, bytes(100, 0xFF)); }, framing::annex_b, 99},
     {"a length of 8 before 4 bytes", "unit-whole, unit-ends-there@0",
      [] { return bytes{0, 0, 0, 8, 9, 0x10, 0xFF, 0xFF}; }, framing::length_4},
+    {"three bytes that look like damage", "unit-escapes-sound@3",
+     [] {
+         return with_unit(31, {0xFF, 0, 0, 2, 0x80});
+     }},
+    {"an escape where none is needed", "unit-escapes-sound@3",
+     [] {
+         return with_unit(31, {0xFF, 0, 0, 3, 4});
+     }},
+    {"a zero behind a unit with a length", "unit-last-byte@0", [] { return bytes{0, 0, 0, 3, 31, 0xF0, 0}; },
+     framing::length_4},
+    {"an escape at the end, and those that are needed", "",
+     [] {
+         return with_unit(31, {0, 0, 3, 0, 0, 3, 1, 0, 0, 3, 2, 0, 0, 3, 3, 0, 0, 3});
+     }},
     {"nothing", "stream-holds-units", [] { return bytes(); }},
     {"nothing but zeros", "stream-holds-units", [] { return bytes(100); }},
 };

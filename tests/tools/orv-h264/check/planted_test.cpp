@@ -15,11 +15,11 @@ using support::planted_violation;
 std::vector<planted_violation> all_planted()
 {
     std::vector<planted_violation> all;
-    for (const auto& table :
-         {support::planted_in_activation(), support::planted_in_hrd(), support::planted_in_lists(),
-          support::planted_in_marking(), support::planted_in_numbers(), support::planted_in_order(),
-          support::planted_in_output(), support::planted_in_parameter_sets(), support::planted_in_pictures(),
-          support::planted_in_sei(), support::planted_in_slices(), support::planted_in_units()})
+    for (const auto& table : {support::planted_in_activation(), support::planted_in_hrd(), support::planted_in_levels(),
+                              support::planted_in_lists(), support::planted_in_marking(), support::planted_in_numbers(),
+                              support::planted_in_order(), support::planted_in_output(),
+                              support::planted_in_parameter_sets(), support::planted_in_pictures(),
+                              support::planted_in_sei(), support::planted_in_slices(), support::planted_in_units()})
         all.insert(all.end(), table.begin(), table.end());
     return all;
 }
