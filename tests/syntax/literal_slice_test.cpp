@@ -186,6 +186,20 @@ TEST(LiteralSlice, PredictedHasListsOfBothKindsOfModificationAndMarking)
         with.context);
 }
 
+TEST(LiteralSlice, AListHasThirtyTwoFields)
+{
+    slice_sets_of_one with;
+    with.base().frame_mbs_only_flag = false;
+    const lines field = {{"field_pic_flag", u(1), 1}, {"bottom_field_flag", u(1), 0}};
+    const nal_unit unit = expect_told(
+        slice_of(0, 1,
+                 join(slice_begins(P), frame_num, field, pic_order_cnt,
+                      lines{{"num_ref_idx_active_override_flag", u(1), 1}, {"num_ref_idx_l0_active_minus1", ue, 31}},
+                      unmodified_l0, qp)),
+        with.context);
+    EXPECT_EQ(header_of(unit).num_ref_idx_l0_active_minus1, 31U);
+}
+
 TEST(LiteralSlice, BiPredictedHasBothListsAndDirectMode)
 {
     slice_sets_of_one with;
@@ -574,6 +588,24 @@ TEST(LiteralScalableSlice, OfIntraAndOfLumaAloneWithInterLayerPredictionIsTold)
                            {"default_residual_prediction_flag", u(1), 0}},
                      scan),
                 with.context);
+}
+
+// G.7.4.3.4
+TEST(LiteralScalableSlice, OfAQualityLayerStandsOnTheOneBelow)
+{
+    scalable_sets with;
+    with.svc_sps().extended_spatial_scalability_idc = 2;
+    svc x;
+    x.no_inter_layer_pred_flag = false;
+    x.quality_id = 4;
+    const lines modes = {{"slice_skip_flag", u(1), 0},
+                         {"adaptive_base_mode_flag", u(1), 1},
+                         {"adaptive_motion_prediction_flag", u(1), 1},
+                         {"adaptive_residual_prediction_flag", u(1), 1}};
+    const nal_unit unit =
+        expect_told(join(x.of(0, 20), slice_begins(I), frame_num, pic_order_cnt, qp, modes, scan), with.context);
+    const auto& header = std::get<slice_header_in_scalable_extension>(rbsp_of<slice_layer_extension_rbsp>(unit).header);
+    EXPECT_EQ(header.ref_layer_dq_id, 5 * 16 + 4 - 1U);
 }
 
 TEST(LiteralMvcSlice, HasListsOfViewsAndItsOwnIdr)

@@ -1,5 +1,5 @@
 // orv-h264. Each subcommand is a file of its own. The syntax library reads; the tool asks and prints.
-#include "command_line.h"
+#include "command_line/command_line.h"
 #include "messages.h"
 #include "standard_descriptors.h"
 #include "standard_output.h"

@@ -61,6 +61,12 @@ std::uint64_t bytes_of_macroblock(const h264::seq_parameter_set_data& sps)
     return std::max<std::uint64_t>(384, (256 * h264::BitDepthY(sps) + chroma * h264::BitDepthC(sps)) / 8);
 }
 
+/// Of the others it is doubtful what is to be compressed by MinCR.
+bool is_counted_in_384(unsigned profile)
+{
+    return profile == 66 || profile == main_profile || profile == extended || profile == high;
+}
+
 verdict picture_is_compressed(const picture_load_facts& f)
 {
     const std::uint64_t raw = bytes_of_macroblock(*f.unit.sps);
@@ -69,8 +75,8 @@ verdict picture_is_compressed(const picture_load_facts& f)
         return {};
     breach how{"", fmt::format("{} bytes at level {}", f.bytes, f.level.name),
                fmt::format("at most {:.0f}, by MinCR {}", std::floor(most), f.level.MinCR)};
-    if (raw != 384)
-        how.level = severity::warning; // the clause counts 384 bytes
+    if (raw != 384 || !is_counted_in_384(f.unit.sps->profile_idc))
+        how.level = severity::warning;
     return how;
 }
 
@@ -145,8 +151,8 @@ constexpr rule_over<picture_load_facts> of_pictures[] = {
     {{"level-picture-compressed", error, "A.3.1", "a picture is compressed by MinCR of the level",
       "Decoders take in no more bytes than 384 for each macroblock that the level has time for, divided by MinCR. The "
       "first picture of a stream is looked at, and those with timing messages; without these no time is known. Of more "
-      "than 8 bits or 4:2:0 the larger macroblocks are counted, and it is a warning.",
-      "an IDR picture of 1000 bytes for 2 macroblocks at level 1"},
+      "than 8 bits or 4:2:0 the larger macroblocks are counted; in the profiles above High it is a warning.",
+      "an IDR picture of 3000 bytes for 12 macroblocks at level 1"},
      picture_is_compressed},
     {{"level-slices-of-picture", error, "A.3.3", "a picture has no more slices than SliceRate of the level allows",
       "Each slice takes a decoder time, which the level counts in macroblocks. The first picture of a stream is looked "

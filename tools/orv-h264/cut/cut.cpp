@@ -23,7 +23,7 @@ cut_range resolved(const cut_options& options, std::vector<std::string>& remarks
     if (options.stream.path == "-" || !input.size())
         throw refusal(exit_usage_or_io, fmt::format("{}: {} take the input twice, so it has to be a file", input.name(),
                                                     options.key ? "the key picture of --key, and times," : "times"));
-    place_finder finder(options.range, options.key, options.rate);
+    range_finder finder(options.range, options.key, options.rate);
     cut_range found = finder.find(input);
     if (finder.no_key_picture())
         remarks.emplace_back("there is no key picture at or before the start, which stays where it is");

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "cut/layer_choice.h"
-#include "cut/place_finder.h"
+#include "cut/range_finder.h"
 #include "exit_status.h"
 #include "stream_input.h"
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "cut/layer_choice.h"
-#include "cut/place_finder.h"
+#include "cut/range_finder.h"
 
 #include <cstdint>
 #include <string>

@@ -3,7 +3,7 @@
 // of that.
 #pragma once
 
-#include "diff/element_list.h"
+#include "diff/compared_elements.h"
 #include "diff/fingerprint.h"
 #include "diff/sequence_alignment.h"
 #include "unit_run.h"
@@ -25,7 +25,7 @@ struct compared_unit {
     fingerprint whole;
     fingerprint rest;            ///< what stands behind the elements: slice data, or what could not be read
     std::uint64_t rest_bits = 0; ///< of that
-    std::vector<listed_element> elements;
+    std::vector<compared_element> elements;
 };
 
 struct compared_access_unit {
@@ -80,7 +80,7 @@ private:
 
     stream_input input;
     bool traced;
-    element_list elements;
+    compared_elements elements;
     std::vector<unsigned char> plain; // the latest unit without escapes
     h264::access_units units;
     std::vector<compared_unit> record_sets; // of a container

@@ -60,10 +60,10 @@ std::uint64_t place_beside(const std::vector<std::uint32_t>& partners, std::size
 }
 
 /// The structures around elements, each by its path.
-std::unordered_set<std::string_view> structures_of(const std::vector<listed_element>& elements)
+std::unordered_set<std::string_view> structures_of(const std::vector<compared_element>& elements)
 {
     std::unordered_set<std::string_view> all;
-    for (const listed_element& element : elements) {
+    for (const compared_element& element : elements) {
         std::string_view path = element.path;
         for (std::size_t dot = path.rfind('.'); dot != std::string_view::npos; dot = path.rfind('.')) {
             path = path.substr(0, dot);
@@ -95,19 +95,19 @@ public:
         std::unordered_map<std::string_view, std::vector<std::size_t>> places; // in a by path, the last one first
         for (std::size_t i = a.size(); i-- > 0;)
             places[a[i].path].push_back(i);
-        std::vector<const listed_element*> only_in_b;
-        for (const listed_element& element : b) {
+        std::vector<const compared_element*> only_in_b;
+        for (const compared_element& element : b) {
             const auto found = places.find(element.path);
             if (found == places.end() || found->second.empty()) {
                 only_in_b.push_back(&element);
                 continue;
             }
-            const listed_element& other = a[found->second.back()];
+            const compared_element& other = a[found->second.back()];
             taken[found->second.back()] = true;
             found->second.pop_back();
             compare(other, element);
         }
-        std::vector<const listed_element*> only_in_a;
+        std::vector<const compared_element*> only_in_a;
         for (std::size_t i = 0; i < a.size(); ++i)
             if (!taken[i])
                 only_in_a.push_back(&a[i]);
@@ -116,7 +116,7 @@ public:
     }
 
 private:
-    void compare(const listed_element& of_a, const listed_element& of_b)
+    void compare(const compared_element& of_a, const compared_element& of_b)
     {
         if (of_a.value != of_b.value)
             log.add_changed(of_a.path, of_a.value, of_b.value, at);
@@ -125,14 +125,14 @@ private:
     }
 
     /// A structure that the other has nothing of is told once a unit, not element by element.
-    void tell(const std::vector<const listed_element*>& lone, difference what,
-              const std::vector<listed_element>& others) const
+    void tell(const std::vector<const compared_element*>& lone, difference what,
+              const std::vector<compared_element>& others) const
     {
         if (lone.empty())
             return;
         const std::unordered_set<std::string_view> structures = structures_of(others);
         std::set<std::string> told;
-        for (const listed_element* const element : lone) {
+        for (const compared_element* const element : lone) {
             const std::string_view path = lacked(element->path, structures);
             if (path == element->path)
                 log.add(what, false, element->path, at);
@@ -141,8 +141,8 @@ private:
         }
     }
 
-    const std::vector<listed_element>& a;
-    const std::vector<listed_element>& b;
+    const std::vector<compared_element>& a;
+    const std::vector<compared_element>& b;
     place_pair at;
     difference_log& log;
     std::vector<bool> taken;
@@ -153,7 +153,7 @@ private:
 std::string path_of(const compared_unit& unit)
 {
     std::string_view path = "nal_unit";
-    for (const listed_element& element : unit.elements) {
+    for (const compared_element& element : unit.elements) {
         const std::string_view root = std::string_view(element.path).substr(0, element.path.find('.'));
         if (!root.starts_with("nal_unit")) {
             path = element.path;
@@ -164,7 +164,7 @@ std::string path_of(const compared_unit& unit)
     if (root != "sei_rbsp")
         return std::string(root);
     constexpr std::string_view before = "sei_rbsp.sei_message.sei_payload.";
-    for (const listed_element& element : unit.elements)
+    for (const compared_element& element : unit.elements)
         if (std::string_view(element.path).starts_with(before))
             return element.path.substr(0, element.path.find('.', before.size()));
     return "sei_rbsp.sei_message";

@@ -1,4 +1,4 @@
-#include "element_list.h"
+#include "edit/element_list.h"
 
 #include "element_text.h"
 

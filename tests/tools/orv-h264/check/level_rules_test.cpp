@@ -40,6 +40,15 @@ TEST(LevelRules, LargerMacroblocksMayHaveMoreBytes)
     EXPECT_EQ(of_levels(of_bytes(sps_data(), idr(), 3700)), "level-picture-compressed error, ");
 }
 
+TEST(LevelRules, LosslessProfilesAreWarnedAlone)
+{
+    seq_parameter_set_data made = sps_of_references(1);
+    made.profile_idc = 244;
+    EXPECT_EQ(of_levels(of_bytes(made, idr(), 3000)), "level-picture-compressed warning, ");
+    made.profile_idc = 100;
+    EXPECT_EQ(of_levels(of_bytes(made, idr(), 3000)), "level-picture-compressed error, ");
+}
+
 TEST(LevelRules, NoTimeIsKnownOfAStreamThatBeginsInTheMiddle)
 {
     EXPECT_EQ(of_levels(of_bytes(sps_data(), reference(5), 3700)), "");

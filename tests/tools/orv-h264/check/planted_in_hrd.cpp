@@ -19,6 +19,7 @@ seq_parameter_set_data with_buffer_of(std::uint32_t frames)
     seq_parameter_set_data sps = hrd_sps();
     sps.max_num_ref_frames = frames;
     sps.vui_parameters.bitstream_restriction_flag = true;
+    sps.level_idc = 11; // the lowest one for the bit rate
     sps.vui_parameters.max_num_reorder_frames = 0;
     sps.vui_parameters.max_dec_frame_buffering = frames;
     sps.vui_parameters.log2_max_mv_length_vertical = 8;

@@ -1,21 +1,48 @@
 #include "support/planted_slices.h"
 #include "support/planted_violation.h"
-#include "support/timed_pictures.h"
 
 namespace {
 
 using namespace support;
 
+/// Of 12 macroblocks at level 3, that tells all of its load: 10 Mbit in a second, and a rate of `time_scale` / 2 Hz.
+seq_parameter_set_data sps_of_load(std::uint32_t time_scale)
+{
+    seq_parameter_set_data made = timed_sps_data(0, 24);
+    vui_parameters& vui = made.vui_parameters;
+    vui.timing_info_present_flag = true;
+    vui.num_units_in_tick = 1;
+    vui.time_scale = time_scale;
+    vui.bitstream_restriction_flag = true;
+    vui.log2_max_mv_length_horizontal = 8;
+    vui.log2_max_mv_length_vertical = 8;
+    vui.max_num_reorder_frames = 0;
+    vui.max_dec_frame_buffering = 1;
+    vui.nal_hrd_parameters.bit_rate_value_minus1[0] = 10'000'000 / 64 - 1;
+    vui.nal_hrd_parameters.cpb_size_value_minus1[0] = 10'000'000 / 16 - 1;
+    return made;
+}
+
+sei_message timing_of(std::uint32_t cpb_removal_delay, std::uint32_t dpb_output_delay)
+{
+    pic_timing timing;
+    timing.cpb_removal_delay = cpb_removal_delay;
+    timing.dpb_output_delay = dpb_output_delay;
+    return message_of(1, timing);
+}
+
 /// An IDR picture that is removed at once and output after 78 ticks of a millisecond, then another picture with this
 /// timing and so many bytes of data.
 std::vector<unsigned char> in_milliseconds(std::uint32_t removal_delay, std::uint32_t output_delay, std::size_t data)
 {
-    timed_pictures_stream stream(1, 1000, true);
-    stream.add_timed({900, 0, 78, 0}, idr());
-    pic_timing timing;
-    timing.cpb_removal_delay = removal_delay;
-    timing.dpb_output_delay = output_delay;
-    stream.add(unit_of(6, sei_rbsp{{message_of(1, timing)}})).add_large(reference(1, 2), data);
+    buffering_period period;
+    period.nal.resize(1);
+    period.nal[0].initial_cpb_removal_delay = 90000;
+    seq_parameter_set_data made = sps_of_load(1000);
+    made.vui_parameters.max_dec_frame_buffering = 4;
+    made_stream stream(made);
+    stream.add_sets().add(unit_of(6, sei_rbsp{{message_of(0, period), timing_of(0, 78)}})).add(idr());
+    stream.add(unit_of(6, sei_rbsp{{timing_of(removal_delay, output_delay)}})).add_large(reference(1), data);
     return stream.bytes;
 }
 
@@ -41,21 +68,13 @@ std::vector<unsigned char> of_slices(std::uint8_t profile_idc, std::uint32_t cou
     return stream.bytes;
 }
 
-/// An SPS of 12 macroblocks that tells all of its load, at 25 Hz, which `change` makes what it shall be.
+/// The sets alone, with a load for level 1 at 25 Hz, which `change` makes what it shall be.
 template <class Change>
 std::vector<unsigned char> with_load(Change change)
 {
-    seq_parameter_set_data made = timed_sps_data(0, 24);
-    vui_parameters& vui = made.vui_parameters;
-    vui.timing_info_present_flag = true;
-    vui.num_units_in_tick = 1;
-    vui.time_scale = 50;
-    vui.bitstream_restriction_flag = true;
-    vui.log2_max_mv_length_horizontal = 8;
-    vui.log2_max_mv_length_vertical = 8;
-    vui.max_num_reorder_frames = 0;
-    vui.max_dec_frame_buffering = 1;
-    vui.nal_hrd_parameters.cpb_size_value_minus1[0] = 99;
+    seq_parameter_set_data made = sps_of_load(50);
+    made.vui_parameters.nal_hrd_parameters.bit_rate_value_minus1[0] = 999;
+    made.vui_parameters.nal_hrd_parameters.cpb_size_value_minus1[0] = 99;
     change(made);
     made_stream stream(made);
     stream.add_sets();

@@ -97,6 +97,37 @@ constexpr planted_violation planted[] = {
      [] {
          return of({idr(), reference(1), from_macroblock(with(reference(1), {unmark_short(0)}), 6)});
      }},
+    {"a first slice that was lost, in pictures that differ in frame_num alone",
+     "picture-has-first-slice@6 first_mb_in_slice",
+     [] {
+         return of({idr(), from_macroblock(idr(), 6), reference(1), from_macroblock(reference(1), 6),
+                    from_macroblock(reference(2), 6)});
+     }},
+    // Nothing is wrong with these.
+    {"slices that mark alike", "",
+     [] {
+         const made_slice marking = with(reference(1), {unmark_short(0)});
+         return of({idr(), marking, from_macroblock(marking, 6)});
+     }},
+    {"pictures that mark in two ways", "",
+     [] {
+         return of({idr(), with(reference(1), {unmark_short(0)}), reference(2), from_macroblock(reference(2), 6)});
+     }},
+    {"SP slices that switch, beside others", "",
+     [] {
+         return of({idr(), switching(reference(1), true), from_macroblock(typed(reference(1), 2), 4),
+                    from_macroblock(switching(reference(1), true), 6), switching(reference(2), false)},
+                   sps_of_profile(88));
+     }},
+    {"pictures with two maps of slice groups", "",
+     [] {
+         return of({cycled(idr(), 1), from_macroblock(cycled(idr(), 1), 6), cycled(reference(1), 2)},
+                   sps_of_profile(66), slice_groups_pps(4));
+     }},
+    {"types 7 and 2 in a picture", "",
+     [] {
+         return of({idr(), reference(1), from_macroblock(typed(reference(1), 2), 6)});
+     }},
 };
 
 } // namespace

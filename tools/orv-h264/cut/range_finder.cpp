@@ -1,4 +1,4 @@
-#include "cut/place_finder.h"
+#include "cut/range_finder.h"
 
 #include "container/container_check.h"
 #include "cut/exact_order.h"
@@ -15,12 +15,12 @@ constexpr std::uint64_t nowhere = ~std::uint64_t{0}; // behind the last picture
 
 } // namespace
 
-place_finder::place_finder(const cut_range& asked, bool key, std::optional<h264::ratio> rate)
+range_finder::range_finder(const cut_range& asked, bool key, std::optional<h264::ratio> rate)
     : places(asked), back_to_key(key), frame_rate(rate)
 {
 }
 
-cut_range place_finder::find(stream_input& input)
+cut_range range_finder::find(stream_input& input)
 {
     if (input.in_container() != nullptr)
         tick = input.in_container()->track().tick;
@@ -48,7 +48,7 @@ cut_range place_finder::find(stream_input& input)
     return found;
 }
 
-void place_finder::row(picture_row&& row)
+void range_finder::row(picture_row&& row)
 {
     if (row.key() && !found_from)
         last_key = row.picture;
@@ -61,7 +61,7 @@ void place_finder::row(picture_row&& row)
         found_to = row.picture;
 }
 
-bool place_finder::is_at(const picture_row& row, const cut_place& place)
+bool range_finder::is_at(const picture_row& row, const cut_place& place)
 {
     switch (place.what) {
     case cut_place::kind::picture:
@@ -76,7 +76,7 @@ bool place_finder::is_at(const picture_row& row, const cut_place& place)
     return time && !is_before(time, place.time);
 }
 
-h264::exact_time place_finder::time_of_row(const picture_row& row) const
+h264::exact_time range_finder::time_of_row(const picture_row& row) const
 {
     if (frame_rate && !row.output_number)
         return {};

@@ -16,19 +16,19 @@ namespace orv_h264 {
 namespace h264 = orv_utils_v4::h264;
 
 /// An element, or bytes in a row.
-struct listed_element {
+struct compared_element {
     std::string path;  ///< structures and name, joined by dots, as inspect --tsv has them; bytes in a row without index
     std::string value; ///< of bytes how many there are
     fingerprint bytes; ///< of them
 };
 
-class element_list final : public h264::visitor {
+class compared_elements final : public h264::visitor {
 public:
     /// So many elements of a unit are told apart; of further ones a fingerprint is kept.
     static constexpr std::size_t most_elements = std::size_t{64} * 1024;
 
     /// What was told, up to here. Throws std::bad_alloc where an allocation has failed on the way.
-    std::vector<listed_element> take();
+    std::vector<compared_element> take();
 
 private:
     void open(const char* name) override;
@@ -38,7 +38,7 @@ private:
     void add_byte(const h264::traced_element& element);
     void end_bytes();
 
-    std::vector<listed_element> elements;
+    std::vector<compared_element> elements;
     std::string path;
     std::string byte_path; // of the bytes in a row that came last
     std::uint64_t byte_count = 0;

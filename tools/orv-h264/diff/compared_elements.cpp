@@ -1,4 +1,4 @@
-#include "diff/element_list.h"
+#include "diff/compared_elements.h"
 
 #include "element_text.h"
 
@@ -25,7 +25,7 @@ bool is_byte_of_many(std::string_view path, const h264::traced_element& e)
 
 } // namespace
 
-void element_list::open(const char* name)
+void compared_elements::open(const char* name)
 {
     guarded([&] {
         end_bytes();
@@ -35,24 +35,24 @@ void element_list::open(const char* name)
     });
 }
 
-void element_list::close()
+void compared_elements::close()
 {
     guarded([&] { end_bytes(); });
     const std::size_t dot = path.rfind('.');
     path.resize(dot == std::string::npos ? 0 : dot);
 }
 
-void element_list::element(const h264::traced_element& e)
+void compared_elements::element(const h264::traced_element& e)
 {
     guarded([&] { is_byte_of_many(path, e) ? add_byte(e) : add(e); });
 }
 
-void element_list::add(const h264::traced_element& e)
+void compared_elements::add(const h264::traced_element& e)
 {
     end_bytes();
     if (follows_from_others(path, e.name.name()))
         return;
-    listed_element one;
+    compared_element one;
     one.path = path + '.';
     append_label(one.path, e.name);
     append_value(one.value, e);
@@ -65,7 +65,7 @@ void element_list::add(const h264::traced_element& e)
     }
 }
 
-void element_list::add_byte(const h264::traced_element& e)
+void compared_elements::add_byte(const h264::traced_element& e)
 {
     if (byte_count == 0)
         byte_path = path + '.' + e.name.name();
@@ -78,7 +78,7 @@ void element_list::add_byte(const h264::traced_element& e)
     ++byte_count;
 }
 
-void element_list::end_bytes()
+void compared_elements::end_bytes()
 {
     if (byte_count == 0)
         return;
@@ -89,7 +89,7 @@ void element_list::end_bytes()
     bytes = fingerprint_maker();
 }
 
-std::vector<listed_element> element_list::take()
+std::vector<compared_element> compared_elements::take()
 {
     guarded([&] {
         end_bytes();

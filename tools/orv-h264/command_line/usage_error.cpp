@@ -1,4 +1,4 @@
-#include "usage_error.h"
+#include "command_line/usage_error.h"
 
 #include <algorithm>
 #include <filesystem>

@@ -17,13 +17,13 @@ struct cut_range {
     std::optional<cut_place> to;   ///< the first picture that is not written; up to the end where it is not told
 };
 
-class place_finder final : row_sink {
+class range_finder final : row_sink {
 public:
     /// @param asked the places; may be times
     /// @param key the start goes back to the key picture at or before it
     /// @param rate pictures a second: the times are those of the output order at this rate. Without it a container's
     ///     own times count, where it has some, and else those that the stream tells
-    place_finder(const cut_range& asked, bool key, std::optional<h264::ratio> rate);
+    range_finder(const cut_range& asked, bool key, std::optional<h264::ratio> rate);
 
     /// Reads the stream as far as it has to be. Throws refusal where a time is asked for and no picture has one.
     cut_range find(stream_input& input);
