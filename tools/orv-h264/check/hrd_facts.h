@@ -25,7 +25,7 @@ struct hrd_arrival_facts {
     const hrd_schedule& schedule;
     const cpb_arrival& arrival;
     const hrd_delays* period = nullptr; ///< its delays, where a buffering period begins with it
-    bool bits_known = true;             ///< all bits that the schedule counts are there to be counted
+    bool bits_known = true;             ///< all that the schedule counts are there to be counted; else there are more
 };
 
 /// The delays of a buffering period for a schedule, and of the one before in the same coded video sequence.

@@ -14,12 +14,6 @@ std::string name_of(const hrd_schedule& schedule)
     return fmt::format("{} HRD, schedule {}", schedule.nal ? "NAL" : "VCL", schedule.SchedSelIdx);
 }
 
-/// Of a stream whose start codes or parameter sets are not there, or that other layers are in, bits are missing.
-std::optional<severity> level_of(const hrd_arrival_facts& f)
-{
-    return f.bits_known ? std::nullopt : std::optional(severity::warning);
-}
-
 std::string delay_element(const hrd_schedule& schedule)
 {
     return fmt::format("initial_cpb_removal_delay[{}]", schedule.SchedSelIdx);
@@ -45,24 +39,20 @@ verdict is_there_in_time(const hrd_arrival_facts& f)
 {
     if (f.arrival.missing == 0 || f.schedule.low_delay)
         return {};
-    breach how = breach_of(
+    return breach_of(
         "",
         fmt::format("{}: {} bits missing at {:.6f} s", name_of(f.schedule), f.arrival.missing, f.arrival.removal_time),
         "all bits there at the removal");
-    how.level = level_of(f);
-    return how;
 }
 
 verdict has_room(const hrd_arrival_facts& f)
 {
-    if (f.arrival.excess == 0)
+    if (f.arrival.excess == 0 || !f.bits_known)
         return {};
-    breach how = breach_of(
+    return breach_of(
         "",
         fmt::format("{}: {} bits too many at {:.6f} s", name_of(f.schedule), f.arrival.excess, f.arrival.excess_time),
         fmt::format("{} bits in the buffer", f.schedule.size));
-    how.level = level_of(f);
-    return how;
 }
 
 verdict period_may_begin_here(const hrd_arrival_facts& f)
@@ -75,12 +65,11 @@ verdict period_may_begin_here(const hrd_arrival_facts& f)
 
 verdict constant_rate_is_kept(const hrd_arrival_facts& f)
 {
-    if (f.period == nullptr || !f.arrival.gap || !f.schedule.cbr || f.period->delay >= f.arrival.gap->first)
+    if (f.period == nullptr || !f.arrival.gap || !f.schedule.cbr || !f.bits_known ||
+        f.period->delay >= f.arrival.gap->first)
         return {};
-    breach how = breach_of(delay_element(f.schedule), fmt::format("{} of the {}", f.period->delay, name_of(f.schedule)),
-                           fmt::format("at least {}", f.arrival.gap->first));
-    how.level = level_of(f);
-    return how;
+    return breach_of(delay_element(f.schedule), fmt::format("{} of the {}", f.period->delay, name_of(f.schedule)),
+                     fmt::format("at least {}", f.arrival.gap->first));
 }
 
 verdict sum_stays(const hrd_period_facts& f)

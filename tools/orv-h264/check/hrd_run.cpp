@@ -23,7 +23,7 @@ void hrd_run::take(const h264::access_unit& unit)
 
 void hrd_run::complain(const listed_unit* unit, std::uint64_t offset, const std::string& what, bool is_problem)
 {
-    if (is_problem)
+    if (tells && is_problem)
         unit_run::complain(unit, offset, what, is_problem);
 }
 

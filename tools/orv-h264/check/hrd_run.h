@@ -9,14 +9,27 @@ namespace orv_h264 {
 
 class hrd_run : public unit_run, h264::access_unit_sink {
 public:
+    /// What is wrong with the stream on the way.
+    enum complaints : std::uint8_t { told, told_in_json, quiet };
+
     /// The listener is told.
-    hrd_run(const stream_input& input, hrd_listener& to, bool in_json) : unit_run(input.name(), in_json), model(to)
+    hrd_run(const stream_input& input, hrd_listener& to, complaints how)
+        : unit_run(input.name(), how == told_in_json), tells(how != quiet), model(to)
     {
         sizes.begin(input);
     }
 
     /// All units have come.
     void finish();
+
+    /// For one that is not run, but given the units that are read for something else.
+    void begin(const stream_input& input) { begin_units(input); }
+    h264::split_sink& sink() { return units_in(); }
+    void end()
+    {
+        end_units();
+        finish();
+    }
 
     /// Those with a picture, and those of them that the model had no times for.
     std::uint64_t access_units() const noexcept { return pictures; }
@@ -30,6 +43,7 @@ private:
     /// Values outside of their ranges are no matter of buffers.
     void complain(const listed_unit* unit, std::uint64_t offset, const std::string& what, bool is_problem) override;
 
+    bool tells;
     hrd_model model;
     unit_sizes sizes;
     h264::access_units units;

@@ -55,7 +55,7 @@ public:
     {
         file = input.name();
         print_head();
-        hrd_run decoder(input, *this, options.in_json);
+        hrd_run decoder(input, *this, options.in_json ? hrd_run::told_in_json : hrd_run::told);
         const exit_status status = decoder.run(input);
         decoder.finish();
         for (const auto& [key, all] : totals)

@@ -22,7 +22,8 @@ bool is_vcl_or_filler(unsigned type)
 
 void unit_sizes::begin(const stream_input& input)
 {
-    byte_stream = input.framing() == h264::framing::annex_b && input.in_container() == nullptr;
+    start_codes = input.framing() == h264::framing::annex_b;
+    byte_stream = start_codes && input.in_container() == nullptr;
 }
 
 // trailing_zero_8bits belong to the unit before them (B.1.1).
@@ -37,12 +38,21 @@ void unit_sizes::add(const listed_unit& unit)
     next.counts = !is_of_layers(unit.type()) && !unit.in_record;
     layers = layers || is_of_layers(unit.type());
     if (next.counts)
-        next.bytes = static_cast<std::int64_t>(unit.framing_size + unit.place.size);
+        next.bytes = static_cast<std::int64_t>(start_code_of(unit) + unit.place.size);
     if (next.counts && is_vcl_or_filler(unit.type()))
         next.vcl_bytes = static_cast<std::int64_t>(unit.place.size);
     known.push_back(next);
     if (known.size() > most_units)
         known.pop_front();
+}
+
+// B.1.2: a zero_byte stands before parameter sets; what else there may be is not known.
+std::size_t unit_sizes::start_code_of(const listed_unit& unit) const
+{
+    constexpr std::size_t start_code_prefix = 3;
+    if (start_codes)
+        return unit.framing_size;
+    return unit.type() == 7 || unit.type() == 8 ? start_code_prefix + 1 : start_code_prefix;
 }
 
 access_unit_bits unit_sizes::take(const h264::access_unit& unit)

@@ -18,9 +18,9 @@ struct access_unit_bits {
 /// the parameters of the base are about the base.
 class unit_sizes {
 public:
-    /// Of units with lengths before them those bytes stand for the start codes.
     void begin(const stream_input& input);
-    /// The bytes are those of a byte stream: with what stands between its units they are all that there is.
+    /// The bytes are those of a byte stream: with what stands between its units they are all that there is. Else they
+    /// are the least that a byte stream of these units has.
     bool is_byte_stream() const noexcept { return byte_stream; }
     /// There are units of other layers or views.
     bool has_layers() const noexcept { return layers; }
@@ -38,10 +38,13 @@ private:
         bool counts = true;
     };
 
+    std::size_t start_code_of(const listed_unit& unit) const;
+
     static constexpr std::size_t most_units = std::size_t{1} << 17;
 
     std::deque<known_unit> known;
     access_unit_bits carried;
+    bool start_codes = false; // that came with the units
     bool byte_stream = false;
     bool layers = false;
 };

@@ -52,7 +52,7 @@ json unit_names()
 } // namespace
 
 report_content::report_content(const stream_input& input)
-    : survey(input.framing(), input.max_unit(), &input.packets(), this), units(input)
+    : survey(input.framing(), input.max_unit(), &input.packets(), this), units(input), buffer(input)
 {
     survey.begin_with(input.record_sets());
     if (const container_stream* const from = input.in_container()) {
@@ -65,18 +65,21 @@ void report_content::unit(const h264::split_unit& unit)
 {
     survey.unit(unit);
     units.sink().unit(unit);
+    buffer.sink().unit(unit);
 }
 
 void report_content::gap(const h264::split_gap& gap)
 {
     survey.gap(gap);
     units.sink().gap(gap);
+    buffer.sink().gap(gap);
 }
 
 void report_content::finish(const stream_input& input)
 {
     survey.finish(input.bytes_read());
     units.finish();
+    buffer.finish();
     if (const container_stream* const from = input.in_container())
         finish_container(*from);
 }
@@ -141,6 +144,7 @@ json report_content::page_data(const stream_input& input)
         for (const auto& [name, text] : lines_of(*from, *survey.summary.container))
             data["container_facts"].push_back({name, text});
     }
+    data["buffer"] = buffer.page_data();
     data["parameter_sets"] = units.parameter_sets();
     data["further_parameter_sets"] = units.further_sets();
     data["messages"] = units.messages();

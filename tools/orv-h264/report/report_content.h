@@ -3,6 +3,7 @@
 
 #include "json_output.h"
 #include "report/report_aggregates.h"
+#include "report/report_buffer.h"
 #include "report/report_frames.h"
 #include "report/report_units.h"
 #include "stream_summary.h"
@@ -48,6 +49,7 @@ private:
     report_frames frames;
     report_aggregates aggregates;
     report_units units;
+    report_buffer buffer;
     std::uint64_t rows = 0;
     std::uint64_t first_given_up = 0; // the row
     std::uint64_t given_up = 0;

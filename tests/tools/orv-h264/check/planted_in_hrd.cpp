@@ -70,6 +70,27 @@ bytes with_second_period(const seq_parameter_set_data& sps, std::size_t size)
     return stream.period().picture(reference(3)).bytes;
 }
 
+/// The same units behind lengths.
+bytes in_lengths(const made_stream& stream)
+{
+    bytes framed;
+    for (const bytes& unit : stream.units) {
+        framed.insert(framed.end(), {0, 0});
+        framed.push_back(static_cast<unsigned char>(unit.size() >> 8));
+        framed.push_back(static_cast<unsigned char>(unit.size()));
+        framed.insert(framed.end(), unit.begin(), unit.end());
+    }
+    return framed;
+}
+
+/// Three pictures, the last of this size, and a second period, behind lengths.
+bytes with_second_period_in_lengths(std::size_t size)
+{
+    hrd_stream stream;
+    stream.period().picture(idr()).picture(reference(1)).picture(reference(2), {.bytes = size});
+    return in_lengths(stream.period().picture(reference(3)));
+}
+
 /// Twelve pictures, the first of this size, with a buffer that is full when it is removed.
 bytes with_full_buffer(std::size_t size)
 {
@@ -96,6 +117,10 @@ constexpr planted_violation planted[] = {
      [] { return with_second_period(hrd_sps(), 401); }},
     {"a picture that is a byte small at a constant rate", "hrd-constant-rate-kept@11 initial_cpb_removal_delay[0]",
      [] { return with_second_period(hrd_sps(), 399); }},
+    {"a picture that is small, of which not all bits may be there", "",
+     [] { return with_second_period_in_lengths(300); }, framing::length_4},
+    {"a picture that is large by any count", "hrd-period-delay-allowed@11 initial_cpb_removal_delay[0]",
+     [] { return with_second_period_in_lengths(420); }, framing::length_4},
     {"a full buffer", "", [] { return with_full_buffer(hrd_picture_bytes); }},
     // At 0.44 s 4400 bytes have come, of which the first 399 are removed.
     {"4001 bytes in a buffer of 4000", "hrd-overflow@35", [] { return with_full_buffer(399); }},
@@ -112,6 +137,16 @@ constexpr planted_violation planted[] = {
          hrd_stream stream;
          stream.period().picture(idr()).picture(reference(1));
          return stream.period().picture(idr(1), {.removal = 0}).picture(reference(1)).bytes;
+     }},
+    {"a counter of removal delays that begins again", "",
+     [] {
+         seq_parameter_set_data sps = hrd_sps();
+         sps.vui_parameters.nal_hrd_parameters.cpb_removal_delay_length_minus1 = 3;
+         hrd_stream stream(sps);
+         stream.period().picture(idr());
+         for (std::uint32_t n = 1; n < 12; ++n)
+             stream.picture(reference(n), {.removal = 2 * n % 16});
+         return stream.period().picture(reference(12), {.removal = 2 * 12 % 16}).bytes;
      }},
     {"an IDR picture without a buffering period", "sei-period-with-idr@0, hrd-begins-with-period@8",
      [] {

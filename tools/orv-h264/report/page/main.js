@@ -55,6 +55,7 @@ function show_page() {
         show_rates(data, frames);
         show_durations(data, frames);
     }
+    show_buffer(data);
     show_structure(data);
     show_shares(data);
     show_sets(data);
