@@ -4,6 +4,7 @@
 #include "cut/cut.h"
 #include "cut/cut_arguments.h"
 #include "diff/diff.h"
+#include "edit/sps_wishes.h"
 #include "help_texts.h"
 
 namespace orv_h264 {
@@ -98,8 +99,8 @@ void add_cut(CLI::App& tool, chosen_command& chosen)
              [options](const std::bitset<32>& types) { options->only = types; });
     add_layer_choices(cutting, *options);
     add_parsed(cutting, "--rate", "N[/D]",
-               "Count times in output order at N/D pictures a second, not as the stream tells them", parse_rate,
-               [options](h264::ratio rate) { options->rate = rate; });
+               "Count times in output order at N/D pictures a second, not as the stream tells them",
+               editing::parse_rate, [options](h264::ratio rate) { options->rate = rate; });
     cutting.add_flag("--json", options->json, "Print a JSON object about what was written");
     cutting.parse_complete_callback([options] { check(*options); });
     cutting.footer(std::string(help_texts::cut) + help_texts::exit_statuses);
