@@ -143,8 +143,8 @@ The exit status is 1 where an error was found, with --hrd where a buffer underfl
 Examples:
   orv-h264 check movie.264
   orv-h264 check --ignore 'vui-*' --limit 3 movie.264
-  orv-h264 check --sarif movie.264 > movie.sarif
-  orv-h264 check --junit *.264 > results.xml
+  orv-h264 check --sarif movie.264 | jq '.runs[].properties.errors'
+  orv-h264 check --junit *.264 | grep -c testcase
   orv-h264 check --hrd movie.264
   orv-h264 check --rules
   orv-h264 check --explain sps-level-known)";

@@ -46,8 +46,8 @@ exit_status run_command_line(int argc, char** argv)
     tool.set_version_flag("-V,--version", "orv-h264 " ORV_UTILS_V4_VERSION, "Print the version and exit");
     tool.require_subcommand(1);
     tool.footer(std::string(help_texts::main) + help_texts::exit_statuses);
-    for (const auto add : {add_info, add_inspect, add_explain, add_frames, add_report, add_check, add_convert, add_cut,
-                           add_edit, add_diff, add_avcc, add_help})
+    for (const auto add : {add_info, add_inspect, add_explain, add_frames, add_report, add_check, add_diff, add_convert,
+                           add_cut, add_edit, add_avcc, add_help})
         add(tool, chosen);
     std::vector<std::string> words(argv + std::min(argc, 1), argv + argc);
     if (words.size() > 1 && words[0] == "help" && !words[1].starts_with('-'))
