@@ -36,6 +36,7 @@ bytes joined(const std::vector<bytes>& units)
 bytes units_at(const made_stream& stream, const std::vector<std::size_t>& places)
 {
     std::vector<bytes> units;
+    units.reserve(places.size());
     for (const std::size_t place : places)
         units.push_back(stream.units.at(place));
     return joined(units);
@@ -214,7 +215,7 @@ TEST_F(Cut, UnitsKeepTheirStartCodesAndPadding)
     const six_pictures stream;
     bytes in = joined({stream.units[0], stream.units[1], stream.units[2]});
     bytes wanted = in;
-    for (const std::size_t i : {3, 4}) {
+    for (const std::size_t i : {3U, 4U}) {
         const bytes piece = support::stream_builder().zeros(5).start_code().raw(stream.units[i]);
         in.insert(in.end(), piece.begin(), piece.end());
         if (i == 3)
@@ -416,7 +417,7 @@ TEST_F(Cut, FieldsOfAFrameStayTogetherButByOffset)
     for (std::uint32_t i = 1; i < 3; ++i)            // 4 to 7
         stream.add(h264::top(h264::reference(i, 2 * i))).add(h264::bottom(h264::reference(i, 2 * i + 1)));
     EXPECT_EQ(units_at(stream, {0, 1, 4, 5}), cut(stream.bytes, {"--from", "1", "--to", "2"}));
-    const auto place = [&](std::vector<std::size_t> before) {
+    const auto place = [&](const std::vector<std::size_t>& before) {
         return "@" + std::to_string(units_at(stream, before).size());
     };
     EXPECT_EQ(units_at(stream, {0, 1, 5, 6}),

@@ -41,7 +41,7 @@ TEST(Fingerprint, HowBytesAreCutMakesNoDifference)
     const bytes all = random_bytes(1000, 1);
     fingerprint_maker whole;
     whole.add(all);
-    for (const std::size_t piece : {1, 2, 6, 7, 8, 13, 999}) {
+    for (const std::size_t piece : {1U, 2U, 6U, 7U, 8U, 13U, 999U}) {
         fingerprint_maker pieces;
         for (std::size_t at = 0; at < all.size(); at += piece)
             pieces.add(std::span(all).subspan(at, std::min(piece, all.size() - at)));
@@ -76,7 +76,7 @@ TEST(Fingerprint, LengthCounts)
 
 TEST(Fingerprint, BitsAreTheSameAtAnyPlace)
 {
-    for (const std::size_t size : {1, 2, 100, 4096, 5000}) {
+    for (const std::size_t size : {1U, 2U, 100U, 4096U, 5000U}) {
         bytes data = random_bytes(size, static_cast<unsigned>(size));
         data.back() |= 1;
         const fingerprint at_start = fingerprint_of_bits(data, 0);

@@ -12,7 +12,6 @@ namespace {
 using orv_h264::align;
 using orv_h264::aligned_entry;
 using orv_h264::alignment;
-using orv_h264::fingerprint;
 
 /// Letters that differ in their case alone have the same data.
 std::vector<aligned_entry> entries(const std::string& word)

@@ -10,7 +10,7 @@ using namespace orv_utils_v4::h264;
 /// As the current picture in this slice, which is number 9, has it.
 class as_seen_by {
 public:
-    as_seen_by(marked_frames& of, const made_slice& of_slice) : frames(of), slice(of_slice) {}
+    as_seen_by(marked_frames& of, made_slice of_slice) : frames(of), slice(std::move(of_slice)) {}
 
     std::string short_term(std::int64_t PicNum) { return text_of(frames.marking.short_term(picture, PicNum)); }
     std::string long_term(std::uint32_t LongTermPicNum)

@@ -12,7 +12,7 @@ namespace orv_h264 {
 namespace h264 = orv_utils_v4::h264;
 
 /// Numbers of a broken stream, too: products go to the end of the range instead of beyond it.
-__extension__ typedef __int128 wide_number;
+__extension__ using wide_number = __int128;
 
 /// a * b, at most 2^126 away from 0.
 wide_number product(wide_number a, wide_number b) noexcept;

@@ -5,10 +5,10 @@ namespace orv_h264 {
 void hrd_run::take(const listed_unit& unit, const h264::unit_reading*)
 {
     sizes.add(unit);
-    units.push(unit.place, *this);
+    units.push(unit.place, to_model);
 }
 
-void hrd_run::take(const h264::access_unit& unit)
+void hrd_run::add(const h264::access_unit& unit)
 {
     constexpr unsigned end_of_stream = 11;
     const access_unit_bits bits = sizes.take(unit);
@@ -29,7 +29,7 @@ void hrd_run::complain(const listed_unit* unit, std::uint64_t offset, const std:
 
 void hrd_run::finish()
 {
-    units.flush(*this);
+    units.flush(to_model);
     model.end();
 }
 

@@ -1,13 +1,14 @@
 // A run of the hypothetical reference decoder over the units of a stream, without the rest of a check.
 #pragma once
 
+#include "check/access_unit_taker.h"
 #include "check/hrd_model.h"
 #include "check/unit_sizes.h"
 #include "unit_run.h"
 
 namespace orv_h264 {
 
-class hrd_run : public unit_run, h264::access_unit_sink {
+class hrd_run : public unit_run {
 public:
     /// What is wrong with the stream on the way.
     enum complaints : std::uint8_t { told, told_in_json, quiet };
@@ -39,7 +40,7 @@ private:
     bool enough() const override { return false; }
     h264::visitor* before(const listed_unit&) override { return nullptr; }
     void take(const listed_unit& unit, const h264::unit_reading* reading) override;
-    void take(const h264::access_unit& unit) override;
+    void add(const h264::access_unit& unit);
     /// Values outside of their ranges are no matter of buffers.
     void complain(const listed_unit* unit, std::uint64_t offset, const std::string& what, bool is_problem) override;
 
@@ -47,6 +48,7 @@ private:
     hrd_model model;
     unit_sizes sizes;
     h264::access_units units;
+    access_unit_taker to_model{[this](const h264::access_unit& unit) { add(unit); }};
     std::uint64_t pictures = 0;
     std::uint64_t without_times = 0;
 };

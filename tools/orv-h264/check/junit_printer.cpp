@@ -59,7 +59,7 @@ public:
 
     void end(const violation_counts&, std::uint64_t) override
     {
-        std::string suite = fmt::format("<testsuite name=\"{}\" tests=\"{}\" failures=\"{}\" errors=\"0\">", name,
+        std::string suite = fmt::format(R"(<testsuite name="{}" tests="{}" failures="{}" errors="0">)", name,
                                         rules.size(), failures.size());
         for (const rule* one : rules)
             append_case(suite, *one);
@@ -80,10 +80,10 @@ private:
     void append_case(std::string& suite, const rule& one) const
     {
         const std::string open =
-            fmt::format("<testcase classname=\"{}\" name=\"{}\"", escaped(name_of_clause(one.clause)), one.id);
+            fmt::format(R"(<testcase classname="{}" name="{}")", escaped(name_of_clause(one.clause)), one.id);
         std::string inside;
         if (const auto failed = failures.find(one.id); failed != failures.end())
-            inside += fmt::format("<failure message=\"{}\">{}</failure>", escaped(one.title), failed->second);
+            inside += fmt::format(R"(<failure message="{}">{}</failure>)", escaped(one.title), failed->second);
         if (const auto told = remarks.find(one.id); told != remarks.end())
             inside += fmt::format("<system-out>{}</system-out>", told->second);
         suite += inside.empty() ? open + "/>" : open + ">" + inside + "</testcase>";

@@ -8,7 +8,7 @@ namespace orv_h264 {
 
 namespace {
 
-constexpr std::size_t most_open = 2 * h264::output_order::most_waiting;
+constexpr std::size_t most_open = std::size_t{2} * h264::output_order::most_waiting;
 constexpr std::size_t most_judged = 64;
 
 double seconds_of(const h264::exact_time& time)
@@ -54,14 +54,15 @@ void level_part::access_unit(const h264::access_unit& unit, const h264::picture*
     any_picture = true;
     std::optional<double> seconds;
     if (of->access_unit == unit.number)
-        seconds = begin(unit, *of, slice);
+        seconds = begin_picture(unit, *of, slice);
     else if (open_picture* const entry = find(of->number))
         entry->lone_field = false;
     judge_load(unit, slice, seconds, first);
 }
 
 /// A new picture; the seconds since the removal of the access unit before it, where both are frames with a time.
-std::optional<double> level_part::begin(const h264::access_unit& unit, const h264::picture& of, std::uint64_t slice)
+std::optional<double> level_part::begin_picture(const h264::access_unit& unit, const h264::picture& of,
+                                                std::uint64_t slice)
 {
     const h264::level_limits* const level = h264::limits_of_level(*unit.sps);
     const bool timed = of.times.source == h264::time_source::hrd && of.times.decoding;

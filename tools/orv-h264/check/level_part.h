@@ -33,7 +33,7 @@ private:
     };
 
     void judge_load(const h264::access_unit& unit, std::uint64_t slice, std::optional<double> seconds, bool first);
-    std::optional<double> begin(const h264::access_unit& unit, const h264::picture& of, std::uint64_t slice);
+    std::optional<double> begin_picture(const h264::access_unit& unit, const h264::picture& of, std::uint64_t slice);
     open_picture* find(std::uint64_t picture);
 
     violation_log& log;

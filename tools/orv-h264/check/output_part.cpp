@@ -10,7 +10,7 @@ namespace {
 
 using h264::picture_finding;
 
-constexpr std::size_t most_open = 2 * h264::output_order::most_waiting;
+constexpr std::size_t most_open = std::size_t{2} * h264::output_order::most_waiting;
 
 /// Pictures, or references to them, are missing there.
 bool is_damaged(const h264::picture& picture)
@@ -33,14 +33,14 @@ void output_part::access_unit(const h264::access_unit& unit, const h264::picture
         return;
     }
     if (of->access_unit == unit.number)
-        begin(unit, *of);
+        begin_picture(unit, *of);
     if (is_damaged(*of)) {
         missing = true;
         all_known = open.back().all_known = false;
     }
 }
 
-void output_part::begin(const h264::access_unit& unit, const h264::picture& of)
+void output_part::begin_picture(const h264::access_unit& unit, const h264::picture& of)
 {
     const std::uint64_t slice = first_slice_of(unit);
     const sps_entry before = latest;

@@ -41,7 +41,7 @@ private:
         bool all_known;
     };
 
-    void begin(const h264::access_unit& unit, const h264::picture& of);
+    void begin_picture(const h264::access_unit& unit, const h264::picture& of);
     std::uint32_t later_than(const h264::picture& picture);
     void judge_sps(const known_sps<order_of_sps>& of);
     const open_picture* find(std::uint64_t picture) const;

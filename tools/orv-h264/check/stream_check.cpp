@@ -49,7 +49,7 @@ void stream_check::look_at(stream_input& input)
     if (!input.read_units(container))
         log.tell_at(general_rules::some_unit, input.bytes_read(), {"", describe_no_unit(input.is_empty()), "a unit"});
     end_units();
-    access_units.flush(*this);
+    access_units.flush(to_pictures);
     pictures.flush(*this);
     for (const std::unique_ptr<check_part>& part : parts)
         part->end();
@@ -72,7 +72,7 @@ void stream_check::take(const listed_unit& unit, const h264::unit_reading* readi
     look_at_slice(unit, *reading);
     for (const std::unique_ptr<check_part>& part : parts)
         part->unit(unit, *reading);
-    access_units.push(unit.place, *this);
+    access_units.push(unit.place, to_pictures);
 }
 
 void stream_check::look_at_elements(std::uint64_t unit)
@@ -123,11 +123,6 @@ void stream_check::take_gap(const h264::split_gap& gap)
 
 /// The rules have told all the rest.
 void stream_check::complain(const listed_unit*, std::uint64_t, const std::string&, bool) {}
-
-void stream_check::take(const h264::access_unit& unit)
-{
-    pictures.take(unit, *this);
-}
 
 void stream_check::access_unit_came(const h264::access_unit& unit, const h264::picture* of)
 {

@@ -1,13 +1,14 @@
 // A run over a stream that looks with all the rules at its units, access units and pictures.
 #pragma once
 
+#include "check/access_unit_taker.h"
 #include "check/check_part.h"
 #include "check/delivery_profile.h"
 #include "check/unit_elements.h"
 
 namespace orv_h264 {
 
-class stream_check final : public unit_run, h264::access_unit_sink, h264::picture_sink {
+class stream_check final : public unit_run, h264::picture_sink {
 public:
     /// The profiles outlive it.
     stream_check(const std::string& name, std::uint64_t most_unit_bytes, violation_sink& sink,
@@ -24,7 +25,6 @@ private:
     void take_gap(const h264::split_gap& gap) override;
     void complain(const listed_unit* unit, std::uint64_t offset, const std::string& what, bool is_problem) override;
 
-    void take(const h264::access_unit& unit) override;
     void access_unit_came(const h264::access_unit& unit, const h264::picture* of) override;
     void decoded(const h264::picture& picture) override;
     void output(const h264::picture& picture) override;
@@ -38,6 +38,7 @@ private:
     unit_elements elements; // of the unit at hand
     std::vector<std::unique_ptr<check_part>> parts;
     h264::access_units access_units;
+    access_unit_taker to_pictures{[this](const h264::access_unit& unit) { pictures.take(unit, *this); }};
     h264::pictures pictures;
 };
 

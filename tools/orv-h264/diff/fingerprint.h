@@ -2,6 +2,7 @@
 // strings of n bytes that differ have the same one with a probability of about (n / 2^63)^2, whoever chose them.
 #pragma once
 
+#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -12,7 +13,11 @@ struct fingerprint {
     std::uint64_t values[2] = {};
 
     friend bool operator==(const fingerprint& a, const fingerprint& b) = default;
-    friend auto operator<=>(const fingerprint& a, const fingerprint& b) = default;
+    friend std::strong_ordering operator<=>(const fingerprint& a, const fingerprint& b)
+    {
+        const std::strong_ordering order = a.values[0] <=> b.values[0];
+        return std::is_neq(order) ? order : a.values[1] <=> b.values[1];
+    }
 };
 
 /// Of bytes that come in pieces; how they are cut makes no difference.

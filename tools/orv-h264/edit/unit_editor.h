@@ -29,8 +29,8 @@ using remark_taker = std::function<void(std::uint64_t, const std::string&)>;
 class unit_editor {
 public:
     /// @param name of the input, for messages
-    unit_editor(const edit_plan& with, const std::string& name, remark_taker remarks)
-        : plan(with), input_name(name), wishes(with), tell(std::move(remarks))
+    unit_editor(const edit_plan& with, std::string name, remark_taker remarks)
+        : plan(with), input_name(std::move(name)), wishes(with), tell(std::move(remarks))
     {
     }
 
