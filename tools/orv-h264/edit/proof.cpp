@@ -1,6 +1,7 @@
 #include "edit/proof.h"
 
 #include "edit/decoding_facts.h"
+#include "edit/layer_pictures.h"
 #include "edit/proof_unit.h"
 #include "edit/unit_bytes.h"
 #include "edit/wanted_changes.h"
@@ -35,43 +36,6 @@ bool lacks_sets(const h264::outcome& result)
 {
     return result.failure.why == h264::reason::no_pps || result.failure.why == h264::reason::no_sps;
 }
-
-// H.264 7.4.1.2.4
-bool is_of_another_picture(const numbered_slice& a, const numbered_slice& b)
-{
-    const h264::slice_header& x = a.slice;
-    const h264::slice_header& y = b.slice;
-    return x.frame_num != y.frame_num || x.pic_parameter_set_id != y.pic_parameter_set_id ||
-           x.field_pic_flag != y.field_pic_flag || x.bottom_field_flag != y.bottom_field_flag ||
-           (a.nal_ref_idc == 0) != (b.nal_ref_idc == 0) || x.pic_order_cnt_lsb != y.pic_order_cnt_lsb ||
-           x.delta_pic_order_cnt_bottom != y.delta_pic_order_cnt_bottom ||
-           x.delta_pic_order_cnt[0] != y.delta_pic_order_cnt[0] ||
-           x.delta_pic_order_cnt[1] != y.delta_pic_order_cnt[1] || a.idr != b.idr || x.idr_pic_id != y.idr_pic_id;
-}
-
-/// The pictures of a layer, each told from the one before by the headers of its slices.
-struct numbered_pictures {
-    struct last_slice {
-        h264::pic_parameter_set_rbsp pps;
-        h264::seq_parameter_set_data sps;
-        h264::slice_header header;
-        unsigned nal_ref_idc;
-        bool idr;
-    };
-
-    void see(const numbered_slice& slice)
-    {
-        if (last && is_of_another_picture({last->sps, last->pps, last->header, last->nal_ref_idc, last->idr}, slice))
-            ++picture;
-        last =
-            std::make_unique<last_slice>(last_slice{slice.pps, slice.sps, slice.slice, slice.nal_ref_idc, slice.idr});
-        numbers.see(slice, picture);
-    }
-
-    picture_numbers numbers;
-    std::uint64_t picture = 0;
-    std::unique_ptr<last_slice> last;
-};
 
 /// What ends the proof.
 struct contradiction {
@@ -325,7 +289,7 @@ private:
         const auto idr = [](const proof_unit& u) {
             return u.type() == 19 ? u.primary_idr : h264::IdrPicFlag(u.unit.header);
         };
-        numbered_pictures& counted = numbers[layer_key(old->unit.header)];
+        layer_pictures& counted = numbers[layer_key(old->unit.header)];
         counted.see({old->sets->sps, old->sets->pps, *before, old->unit.header.nal_ref_idc, idr(*old)});
         if (const auto wrong =
                 counted.numbers.compare({now.sets->sps, now.sets->pps, *after, now.unit.header.nal_ref_idc, idr(now)}))
@@ -387,7 +351,7 @@ private:
     h264::parameter_set_store kept_sets;
     std::vector<std::unique_ptr<proof_unit>> moved; // parameter sets that came in, not compared yet
     std::map<std::pair<unsigned, std::uint32_t>, old_set> old_sets;
-    std::map<std::uint32_t, numbered_pictures> numbers;
+    std::map<std::uint32_t, layer_pictures> numbers;
     std::exception_ptr failed;
     gap_sum gaps;
     std::uint64_t between_before = 0; // bytes before units that were deleted
@@ -401,22 +365,6 @@ private:
 };
 
 } // namespace
-
-void change_table::add(const difference& what, std::uint64_t unit)
-{
-    const bool told_apart = what.cause != difference_cause::renumbered && all.size() < most_rows;
-    const auto row = std::find_if(all.begin(), all.end(), [&](const changed_elements& r) {
-        return r.what.kind == what.kind && r.what.path == what.path && r.what.cause == what.cause &&
-               (!told_apart || (r.what.before == what.before && r.what.after == what.after));
-    });
-    if (row == all.end()) {
-        if (all.size() < 2 * most_rows) // names are many only where bytes of user data are set one by one
-            all.push_back({what, 1, unit, false});
-        return;
-    }
-    ++row->units;
-    row->values_differ = row->values_differ || row->what.before != what.before || row->what.after != what.after;
-}
 
 proof prove(const edit_plan& plan, const stream_options& in, const std::string& out_path, h264::framing framing,
             const edit_log& log)

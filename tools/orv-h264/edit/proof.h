@@ -2,37 +2,16 @@
 // thinks it has written.
 #pragma once
 
+#include "edit/change_table.h"
 #include "edit/edit_log.h"
 #include "edit/edit_plan.h"
-#include "edit/unit_comparison.h"
 #include "stream_input.h"
 
 #include <cstdint>
 #include <map>
 #include <string>
-#include <vector>
 
 namespace orv_h264::editing {
-
-/// Elements that changed alike.
-struct changed_elements {
-    difference what;         ///< the first of them
-    std::uint64_t units = 0; ///< so many have it
-    std::uint64_t first_unit = 0;
-    bool values_differ = false; ///< the values of `what` are not those of all
-};
-
-class change_table {
-public:
-    /// Values are told apart up to so many rows; behind them a row stands for all values of an element.
-    static constexpr std::size_t most_rows = 200;
-
-    void add(const difference& what, std::uint64_t unit);
-    const std::vector<changed_elements>& rows() const { return all; }
-
-private:
-    std::vector<changed_elements> all;
-};
 
 struct proof {
     bool holds = false;
