@@ -11,8 +11,6 @@ namespace orv_h264 {
 
 namespace {
 
-using h264::seq_parameter_set_data;
-
 constexpr unsigned baseline = 66;
 constexpr unsigned main_profile = 77;
 constexpr unsigned extended = 88;

@@ -86,7 +86,7 @@ verdict rate_is_exact(const sps_facts& f)
     if (!f.sps.vui_parameters_present_flag || rate.denominator == 0)
         return {};
     constexpr std::uint64_t near = 4000; // so much of the rate away at the most
-    for (const std::uint64_t frames : {24, 30, 48, 60, 120}) {
+    for (const std::uint64_t frames : {24U, 30U, 48U, 60U, 120U}) {
         const std::uint64_t told = rate.numerator * 1001;
         const std::uint64_t usual = rate.denominator * 1000 * frames;
         const std::uint64_t off = told > usual ? told - usual : usual - told;
