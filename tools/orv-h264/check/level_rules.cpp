@@ -58,7 +58,7 @@ std::uint64_t bytes_of_macroblock(const h264::seq_parameter_set_data& sps)
 {
     const h264::picture_size by = h264::chroma_subsampling(sps);
     const std::uint64_t chroma =
-        sps.chroma_format_idc == 0 ? 0 : std::uint64_t{2 * 256} / (std::uint64_t{by.width} * by.height);
+        sps.chroma_format_idc == 0 ? 0 : std::uint64_t{512} / (std::uint64_t{by.width} * by.height);
     return std::max<std::uint64_t>(384, (256 * h264::BitDepthY(sps) + chroma * h264::BitDepthC(sps)) / 8);
 }
 
