@@ -1,7 +1,7 @@
 // A run of the hypothetical reference decoder over the units of a stream, without the rest of a check.
 #pragma once
 
-#include "check/access_unit_taker.h"
+#include "access_unit_taker.h"
 #include "check/hrd_model.h"
 #include "check/unit_sizes.h"
 #include "unit_run.h"

@@ -1,7 +1,7 @@
 // A run over a stream that looks with all the rules at its units, access units and pictures.
 #pragma once
 
-#include "check/access_unit_taker.h"
+#include "access_unit_taker.h"
 #include "check/check_part.h"
 #include "check/delivery_profile.h"
 #include "check/unit_elements.h"

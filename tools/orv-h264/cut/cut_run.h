@@ -56,7 +56,7 @@ private:
     bool is_at(const cut_place& place, const h264::access_unit& unit, const h264::picture* of) const;
     void write_unit(const h264::access_unit& unit, const std::vector<bool>& stays);
     void write_part(const h264::access_unit_part& part, bool stays);
-    void write_sets(const std::vector<h264::unit_view>& sets);
+    void write_sets(const std::vector<h264::unit_view>& more);
     void keep_sets(const h264::access_unit& unit);
     void tell_problems(std::uint64_t fence, bool written);
     void tell_seams();

@@ -1,6 +1,7 @@
 #include "cut/layer_choice.h"
 
 #include <algorithm>
+#include <ranges>
 #include <variant>
 
 namespace orv_h264 {
@@ -24,7 +25,7 @@ bool is_slice(const h264::access_unit_part& part)
 const h264::sei_message* first_message(const h264::access_unit_part& part)
 {
     const auto* const sei = part.content != nullptr ? std::get_if<h264::sei_rbsp>(&part.content->rbsp) : nullptr;
-    return sei != nullptr && !sei->sei_messages.empty() ? &sei->sei_messages[0] : nullptr;
+    return sei != nullptr && !sei->sei_messages.empty() ? &sei->sei_messages.front() : nullptr;
 }
 
 /// Table D-1 has 45, frame packing, for all streams between those of Annexes G to J.
@@ -202,10 +203,10 @@ void layer_choice::find_views(const h264::parameter_sets& sets)
 /// Views refer to those that stand before them alone (clause H.7.4.2.1.4), so one way from the last one back is enough.
 void layer_choice::add_references(const std::vector<h264::mvc_view>& views)
 {
-    for (auto v = views.rbegin(); v != views.rend(); ++v) {
-        if (!required.contains(v->view_id))
+    for (const h264::mvc_view& referring : std::views::reverse(views)) {
+        if (!required.contains(referring.view_id))
             continue;
-        const h264::inter_view_references& to = v->references;
+        const h264::inter_view_references& to = referring.references;
         for (const auto* const list :
              {&to.anchor_ref_l0, &to.anchor_ref_l1, &to.non_anchor_ref_l0, &to.non_anchor_ref_l1})
             required.insert(list->begin(), list->end());

@@ -61,7 +61,7 @@ std::optional<compared_access_unit> access_unit_feed::next()
             continue;
         ended = true;
         end_units();
-        units.flush(*this);
+        units.flush(to_ready);
         sums.zeros += input.bytes_read() - std::min(end_of_last, input.bytes_read());
     }
     if (ready.empty())
@@ -105,7 +105,7 @@ void access_unit_feed::take(const listed_unit& unit, const h264::unit_reading* r
     add_framing(unit, plain.size());
     read.push_back(std::move(one));
     constexpr bool not_copied = true; // nobody looks at the bytes of an access unit
-    units.push(place, *this, not_copied);
+    units.push(place, to_ready, not_copied);
 }
 
 void access_unit_feed::add_framing(const listed_unit& unit, std::size_t unescaped)
@@ -122,7 +122,7 @@ void access_unit_feed::add_framing(const listed_unit& unit, std::size_t unescape
     end_of_last = std::max(end_of_last, unit.place.offset + unit.place.size);
 }
 
-void access_unit_feed::take(const h264::access_unit& unit)
+void access_unit_feed::add(const h264::access_unit& unit)
 {
     compared_access_unit made;
     const auto end = read.begin() + static_cast<std::ptrdiff_t>(unit.parts.size());

@@ -3,6 +3,7 @@
 // of that.
 #pragma once
 
+#include "access_unit_taker.h"
 #include "diff/compared_elements.h"
 #include "diff/fingerprint.h"
 #include "diff/sequence_alignment.h"
@@ -54,7 +55,7 @@ struct feed_totals {
     std::uint64_t zeros = 0;   ///< bytes at the end of units, cabac_zero_words among them, and between units
 };
 
-class access_unit_feed final : unit_run, h264::access_unit_sink {
+class access_unit_feed final : unit_run {
 public:
     /// Throws as stream_input does.
     access_unit_feed(const stream_options& options, bool with_elements);
@@ -71,7 +72,7 @@ private:
     bool enough() const override { return false; }
     h264::visitor* before(const listed_unit& unit) override;
     void take(const listed_unit& unit, const h264::unit_reading* reading) override;
-    void take(const h264::access_unit& unit) override;
+    void add(const h264::access_unit& unit);
     void take_gap(const h264::split_gap& gap) override;
     void complain(const listed_unit* unit, std::uint64_t offset, const std::string& what, bool is_problem) override;
 
@@ -83,6 +84,7 @@ private:
     compared_elements elements;
     std::vector<unsigned char> plain; // the latest unit without escapes
     h264::access_units units;
+    access_unit_taker to_ready{[this](const h264::access_unit& unit) { add(unit); }};
     std::vector<compared_unit> record_sets; // of a container
     std::deque<compared_unit> read;         // that no access unit has taken
     std::deque<compared_access_unit> ready;

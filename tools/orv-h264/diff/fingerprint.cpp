@@ -109,7 +109,7 @@ fingerprint fingerprint_of_bits(std::span<const unsigned char> bytes, std::uint6
     const std::size_t first = static_cast<std::size_t>(from / 8);
     for (std::size_t i = first; (i - first) * 8 < bits; ++i) {
         const unsigned next = i + 1 < bytes.size() ? bytes[i + 1] : 0;
-        piece[filled++] = static_cast<unsigned char>((bytes[i] << 8 | next) >> (8 - shift) & 0xFF);
+        piece[filled++] = static_cast<unsigned char>((unsigned{bytes[i]} << 8 | next) >> (8 - shift) & 0xFF);
         if (filled == piece.size()) {
             maker.add(piece);
             filled = 0;

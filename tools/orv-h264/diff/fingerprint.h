@@ -30,7 +30,7 @@ public:
     fingerprint made() const noexcept;
 
 private:
-    void add_word(std::uint64_t word) noexcept;
+    void add_word(std::uint64_t number) noexcept;
 
     static constexpr unsigned word_bytes = 7; // below the modulus
     fingerprint sum;

@@ -1,6 +1,7 @@
 #include "diff/sequence_alignment.h"
 
 #include <algorithm>
+#include <compare>
 #include <utility>
 
 namespace orv_h264 {
@@ -60,12 +61,12 @@ std::vector<entry_pair> equal_pairs(const entries& a, const std::vector<std::uin
         const std::size_t end_b = run_end(b, places_b, j);
         const auto order = key_of(a[places_a[i]], by) <=> key_of(b[places_b[j]], by);
         const bool single = end_a - i == 1 && end_b - j == 1;
-        if (order == 0 && (single || !once))
+        if (std::is_eq(order) && (single || !once))
             for (std::size_t k = 0; k < std::min(end_a - i, end_b - j); ++k)
                 pairs.emplace_back(places_a[i + k], places_b[j + k]);
-        if (order <= 0)
+        if (std::is_lteq(order))
             i = end_a;
-        if (order >= 0)
+        if (std::is_gteq(order))
             j = end_b;
     }
     std::sort(pairs.begin(), pairs.end());

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <map>
+#include <ranges>
 #include <set>
 #include <string_view>
 #include <unordered_map>
@@ -213,8 +214,8 @@ bool unit_comparison::keep_alone(std::vector<lone_unit>& of, const compared_unit
 void unit_comparison::finish()
 {
     std::map<fingerprint, std::vector<const lone_unit*>> waiting; // of b, the last one first
-    for (auto unit = only_b.rbegin(); unit != only_b.rend(); ++unit)
-        waiting[unit->whole].push_back(&*unit);
+    for (const lone_unit& unit : std::views::reverse(only_b))
+        waiting[unit.whole].push_back(&unit);
     std::set<const lone_unit*> moved;
     for (const lone_unit& unit : only_a) {
         std::vector<const lone_unit*>& same = waiting[unit.whole];
