@@ -17,8 +17,6 @@ namespace orv_h264::editing {
 
 namespace {
 
-constexpr unsigned sei_type = 6;
-
 bool is_parameter_set(unsigned type)
 {
     return type == 7 || type == 8 || type == 13 || type == 15 || type == 16;

@@ -78,7 +78,7 @@ h264::ratio rate_of(const seq_parameter_set_data& sps, const sps_wishes& wishes)
 seq_parameter_set_data lowest_level(const seq_parameter_set_data& sps, const h264::ratio& rate)
 {
     for (const level_name& level : level_names)
-        if (const seq_parameter_set_data there = at_level(sps, level.level_idc); is_allowed(there, rate))
+        if (seq_parameter_set_data there = at_level(sps, level.level_idc); is_allowed(there, rate))
             return there;
     throw refusal(exit_usage_or_io, fmt::format("--level auto: no level of Table A-1 allows {} x {} macroblocks{}",
                                                 h264::PicWidthInMbs(sps), h264::FrameHeightInMbs(sps),

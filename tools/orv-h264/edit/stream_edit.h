@@ -58,12 +58,12 @@ private:
     void read_unit(const h264::unit_place& place);
     void rethrow() const;
     void keep_set(std::span<const unsigned char> bytes);
-    void put_headers(picture_units& units, const h264::access_unit& picture);
-    void put_delimiter(picture_units& units, const h264::access_unit& picture);
-    void put_insertions(picture_units& units, const h264::access_unit& picture);
-    void put_at(picture_units& units, std::size_t place, std::span<const unsigned char> bytes);
-    std::size_t place_in_picture(const picture_units& units, const unit_insertion& insertion) const;
-    void write(const picture_units& units);
+    void put_headers(picture_units& leaving, const h264::access_unit& picture);
+    void put_delimiter(picture_units& leaving, const h264::access_unit& picture);
+    void put_insertions(picture_units& leaving, const h264::access_unit& picture);
+    void put_at(picture_units& leaving, std::size_t place, std::span<const unsigned char> bytes);
+    std::size_t place_in_picture(const picture_units& leaving, const unit_insertion& insertion) const;
+    void write(const picture_units& leaving);
     void write_before_insertion(picture_units::const_iterator next, picture_units::const_iterator end);
     void write_unit(const leaving_unit& unit, unsigned least_start_code);
     void write_framed(std::span<const unsigned char> bytes, h264::framing from, unsigned start_code_size,

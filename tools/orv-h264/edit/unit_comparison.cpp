@@ -103,31 +103,34 @@ private:
         put(std::move(d));
     }
 
+    bool is_counted_anew(const listed_element& e) const { return allowed.other_sets && is_renumbered(e); }
+
+    /// Other parameter sets bring or take it, and it says what is inferred without it.
+    bool is_as_inferred(const listed_element& e) const
+    {
+        const inferred_value* const inferred = inferred_value_of(e.name.name());
+        return allowed.other_sets && inferred != nullptr && inferred->value == e.value;
+    }
+
     void add(const listed_element& e)
     {
         difference d = {difference_kind::added, difference_cause::none, new_list.path_of(e), 0, e.value, e.is_bytes};
-        const inferred_value* const inferred = inferred_value_of(e.name.name());
         if (is_wanted(e))
             d.cause = difference_cause::named;
-        else if (any_named)
+        else if (any_named || (!is_counted_anew(e) && is_as_inferred(e)))
             d.cause = difference_cause::implied;
-        else if (allowed.other_sets && is_renumbered(e))
+        else if (is_counted_anew(e))
             d.cause = difference_cause::renumbered;
-        else if (allowed.other_sets && inferred != nullptr && inferred->value == e.value)
-            d.cause = difference_cause::implied;
         put(std::move(d));
     }
 
     void remove(const listed_element& e)
     {
         difference d = {difference_kind::removed, difference_cause::none, old_list.path_of(e), e.value, 0, e.is_bytes};
-        const inferred_value* const inferred = inferred_value_of(e.name.name());
-        if (any_named)
+        if (any_named || (!is_counted_anew(e) && is_as_inferred(e)))
             d.cause = difference_cause::implied;
-        else if (allowed.other_sets && is_renumbered(e))
+        else if (is_counted_anew(e))
             d.cause = difference_cause::renumbered;
-        else if (allowed.other_sets && inferred != nullptr && inferred->value == e.value)
-            d.cause = difference_cause::implied;
         else if (allowed.other_sets && allowed.force)
             d.cause = difference_cause::forced;
         put(std::move(d));

@@ -53,10 +53,11 @@ private:
                                      const planned_unit& from) const;
     bool check(const std::vector<unsigned char>& clean, const h264::unit_context& context, const planned_unit& from,
                const std::vector<bool>& removed_messages, std::vector<element_value> wanted);
-    void check_decoding(const h264::nal_unit& now, const h264::unit_context& context, const planned_unit& from) const;
-    void compare_numbers(const h264::nal_unit& now, const h264::unit_context& context, const planned_unit& from);
+    void check_decoding(const h264::nal_unit& unit, const h264::unit_context& context, const planned_unit& from) const;
+    void compare_numbers(const h264::nal_unit& unit, const h264::unit_context& context, const planned_unit& from);
     void keep_set(const h264::unit_reading& reading, const edited_unit& unit);
-    void tell_values_outside(const element_list& now, const std::vector<element_value>& wanted, std::uint64_t offset);
+    void tell_values_outside(const element_list& elements, const std::vector<element_value>& wanted,
+                             std::uint64_t offset);
     [[noreturn]] void refuse(const planned_unit& unit, const std::string& why) const;
 
     const edit_plan& plan;
