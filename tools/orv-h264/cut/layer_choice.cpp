@@ -1,7 +1,6 @@
 #include "cut/layer_choice.h"
 
 #include <algorithm>
-#include <ranges>
 #include <variant>
 
 namespace orv_h264 {
@@ -203,7 +202,8 @@ void layer_choice::find_views(const h264::parameter_sets& sets)
 /// Views refer to those that stand before them alone (clause H.7.4.2.1.4), so one way from the last one back is enough.
 void layer_choice::add_references(const std::vector<h264::mvc_view>& views)
 {
-    for (const h264::mvc_view& referring : std::views::reverse(views)) {
+    for (std::size_t i = views.size(); i-- > 0;) {
+        const h264::mvc_view& referring = views[i];
         if (!required.contains(referring.view_id))
             continue;
         const h264::inter_view_references& to = referring.references;

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <map>
-#include <ranges>
 #include <set>
 #include <string_view>
 #include <unordered_map>
@@ -214,8 +213,8 @@ bool unit_comparison::keep_alone(std::vector<lone_unit>& of, const compared_unit
 void unit_comparison::finish()
 {
     std::map<fingerprint, std::vector<const lone_unit*>> waiting; // of b, the last one first
-    for (const lone_unit& unit : std::views::reverse(only_b))
-        waiting[unit.whole].push_back(&unit);
+    for (std::size_t i = only_b.size(); i-- > 0;)
+        waiting[only_b[i].whole].push_back(&only_b[i]);
     std::set<const lone_unit*> moved;
     for (const lone_unit& unit : only_a) {
         std::vector<const lone_unit*>& same = waiting[unit.whole];
