@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <limits>
 #include <system_error>
+#include <utility>
 
 #include <fcntl.h>
 #include <fmt/format.h>
@@ -33,8 +34,8 @@ std::string input_name(const std::string& path)
 
 input_file::input_file(const std::string& path) : input_file(path, input_name(path)) {}
 
-input_file::input_file(const std::string& path, const std::string& name)
-    : shown_name(name), descriptor(path == "-" ? STDIN_FILENO : ::open(path.c_str(), O_RDONLY | O_CLOEXEC))
+input_file::input_file(const std::string& path, std::string name)
+    : shown_name(std::move(name)), descriptor(path == "-" ? STDIN_FILENO : ::open(path.c_str(), O_RDONLY | O_CLOEXEC))
 {
     if (descriptor < 0)
         throw std::system_error(errno, std::generic_category(), shown_name);

@@ -17,7 +17,7 @@ public:
     /// Opens the file at `path`; "-" is the standard input.
     explicit input_file(const std::string& path);
     /// Likewise, for messages under another name.
-    input_file(const std::string& path, const std::string& name);
+    input_file(const std::string& path, std::string name);
     ~input_file();
     input_file(const input_file&) = delete;
     input_file& operator=(const input_file&) = delete;
