@@ -1,5 +1,6 @@
 // Rules over the limits of levels in time (H.264 A.3): how fast pictures follow each other, and how large they are.
 #include "check/level_facts.h"
+#include "check/profile_numbers.h"
 
 #include <algorithm>
 #include <cmath>
@@ -9,13 +10,6 @@
 namespace orv_h264 {
 
 namespace {
-
-constexpr unsigned main_profile = 77;
-constexpr unsigned extended = 88;
-constexpr unsigned high = 100;
-constexpr unsigned high_10 = 110;
-constexpr unsigned high_422 = 122;
-constexpr unsigned high_444 = 244;
 
 /// The profiles that Table A-4 is about.
 bool has_limits_of_main(const h264::seq_parameter_set_data& sps)

@@ -1,5 +1,6 @@
 // Rules over the slices of a picture, one beside the others (H.264 7.4.3, 7.4.3.3).
 #include "check/access_unit_facts.h"
+#include "check/profile_numbers.h"
 
 #include <fmt/format.h>
 
@@ -7,8 +8,6 @@ namespace orv_h264 {
 
 bool picture_slice_facts::in_order() const
 {
-    constexpr unsigned baseline = 66;
-    constexpr unsigned extended = 88;
     if (of.sps == nullptr || of.sps->constraint_set1_flag)
         return of.sps != nullptr;
     return of.sps->profile_idc != baseline && of.sps->profile_idc != extended;

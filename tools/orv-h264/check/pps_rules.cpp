@@ -1,5 +1,6 @@
 // Rules over picture parameter sets: what the profile of their SPS allows (H.264 7.4.2.2, A.2).
 #include "check/facts.h"
+#include "check/profile_numbers.h"
 
 #include <algorithm>
 
@@ -8,11 +9,6 @@
 namespace orv_h264 {
 
 namespace {
-
-constexpr unsigned baseline = 66;
-constexpr unsigned main_profile = 77;
-constexpr unsigned extended = 88;
-constexpr unsigned cavlc_444 = 44;
 
 /// Baseline, Main or Extended, and the streams that say that decoders of these read them.
 bool without_high_tools(const h264::seq_parameter_set_data& sps)

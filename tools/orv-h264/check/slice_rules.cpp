@@ -1,5 +1,6 @@
 // Rules over single slice headers with their parameter sets (H.264 7.4.3, A.2).
 #include "check/facts.h"
+#include "check/profile_numbers.h"
 
 #include <algorithm>
 
@@ -10,9 +11,6 @@ namespace orv_h264 {
 namespace {
 
 using h264::slice_kind;
-
-constexpr unsigned baseline = 66;
-constexpr unsigned extended = 88;
 
 bool is_intra(slice_kind kind)
 {

@@ -1,6 +1,7 @@
 // Rules over sequence parameter sets: what their elements say together (H.264 7.4.2.1.1, Annexes A and E). Ranges of
 // single elements are in the texts of the syntax library, and told by value-in-range.
 #include "check/facts.h"
+#include "check/profile_numbers.h"
 
 #include <array>
 #include <cmath>
@@ -10,15 +11,6 @@
 namespace orv_h264 {
 
 namespace {
-
-constexpr unsigned baseline = 66;
-constexpr unsigned main_profile = 77;
-constexpr unsigned extended = 88;
-constexpr unsigned high = 100;
-constexpr unsigned high_10 = 110;
-constexpr unsigned high_422 = 122;
-constexpr unsigned high_444 = 244;
-constexpr unsigned cavlc_444 = 44;
 
 bool is_one_of(unsigned value, std::initializer_list<unsigned> list)
 {

@@ -1,5 +1,6 @@
 #include "cut/cut_run.h"
 
+#include "access_unit_taker.h"
 #include "cut/set_preface.h"
 #include "framing.h"
 #include "loss_texts.h"
@@ -11,10 +12,6 @@
 namespace orv_h264 {
 
 namespace {
-
-struct nobody final : h264::access_unit_sink {
-    void take(const h264::access_unit& unit) override { static_cast<void>(unit); }
-};
 
 constexpr const char* forbidden_bit = "unit whose header has the forbidden bit set";
 
@@ -29,7 +26,8 @@ cut_run::cut_run(const cut_options& chosen, const cut_range& where_to, stream_in
       shown_progress(from.size()),
       layers(chosen.layers)
 {
-    nobody ignores; // pictures are told apart with these sets, which belong to none
+    access_unit_taker ignores(
+        [](const h264::access_unit&) {}); // pictures are told apart with these sets, which belong to none
     for (const h264::split_unit& set : from.record_sets()) {
         sets.push(h264::unit_view{set.bytes, set.size});
         units.push({set.bytes, set.size, 0, 0}, ignores);

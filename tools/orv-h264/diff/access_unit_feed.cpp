@@ -12,10 +12,6 @@ namespace orv_h264 {
 
 namespace {
 
-struct nobody final : h264::access_unit_sink {
-    void take(const h264::access_unit& unit) override { static_cast<void>(unit); }
-};
-
 bool is_slice(unsigned nal_unit_type)
 {
     return (nal_unit_type >= 1 && nal_unit_type <= 5) || (nal_unit_type >= 19 && nal_unit_type <= 21);
@@ -97,7 +93,7 @@ void access_unit_feed::take(const listed_unit& unit, const h264::unit_reading* r
         one.elements = elements.take();
     if (unit.in_record) {
         record_sets.push_back(std::move(one));
-        nobody ignores;
+        access_unit_taker ignores([](const h264::access_unit&) {});
         units.push({place.bytes, place.size, 0, 0}, ignores);
         units.flush(ignores);
         return;

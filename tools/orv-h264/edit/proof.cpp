@@ -4,6 +4,7 @@
 #include "edit/layer_pictures.h"
 #include "edit/proof_unit.h"
 #include "edit/unit_bytes.h"
+#include "edit/unit_editor.h"
 #include "edit/wanted_changes.h"
 #include "element_text.h"
 #include "unit_run.h"
@@ -16,11 +17,6 @@
 namespace orv_h264::editing {
 
 namespace {
-
-bool is_parameter_set(unsigned type)
-{
-    return type == 7 || type == 8 || type == 13 || type == 15 || type == 16;
-}
 
 /// The plan takes parameter sets out of the stream, so that slices may lack them.
 bool deletes_sets(const edit_plan& plan)

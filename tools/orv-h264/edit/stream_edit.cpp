@@ -1,5 +1,6 @@
 #include "edit/stream_edit.h"
 
+#include "access_unit_taker.h"
 #include "element_text.h"
 #include "framing.h"
 #include "loss_texts.h"
@@ -13,10 +14,6 @@
 namespace orv_h264::editing {
 
 namespace {
-
-struct nobody final : h264::access_unit_sink {
-    void take(const h264::access_unit& unit) override { static_cast<void>(unit); }
-};
 
 bool is_slice(const h264::access_unit_part& part)
 {
@@ -84,7 +81,8 @@ exit_status stream_edit::run()
 /// They are edited like units of the stream, and come before the pictures that lack them.
 void stream_edit::take_record_sets()
 {
-    nobody ignores; // pictures are told apart with these sets, which belong to none
+    access_unit_taker ignores(
+        [](const h264::access_unit&) {}); // pictures are told apart with these sets, which belong to none
     for (const h264::split_unit& set : input.record_sets()) {
         const h264::unit_place place = {set.bytes, set.size, input.packets().shown(set.offset), count++};
         pictures.push(place, ignores);

@@ -16,11 +16,6 @@ struct nobody final : h264::unit_sink {
     void take(const h264::unit_reading& reading) override { static_cast<void>(reading); }
 };
 
-bool is_parameter_set(unsigned type)
-{
-    return type == 7 || type == 8 || type == 13 || type == 15 || type == 16;
-}
-
 bool is_slice(unsigned type)
 {
     return (type >= 1 && type <= 5) || (type >= 19 && type <= 21);
@@ -106,6 +101,12 @@ std::string candidates(const planned_unit& unit, const std::string& path)
 }
 
 } // namespace
+
+bool is_parameter_set(unsigned nal_unit_type)
+{
+    return nal_unit_type == 7 || nal_unit_type == 8 || nal_unit_type == 13 || nal_unit_type == 15 ||
+           nal_unit_type == 16;
+}
 
 bool stands_on_sets(unsigned nal_unit_type)
 {

@@ -73,6 +73,9 @@ private:
     std::vector<std::string> told_outside;
 };
 
+/// Of types 7, 8, 13, 15 and 16.
+bool is_parameter_set(unsigned nal_unit_type);
+
 /// The table of units of this type takes something from parameter sets.
 bool stands_on_sets(unsigned nal_unit_type);
 
