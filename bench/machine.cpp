@@ -1,8 +1,11 @@
-// From the system, the compiler and the peers.
+// From the system, the benchmark library, the compiler and the peers.
 #include "machine.h"
 
 #include "task.h"
 
+#include <benchmark/benchmark.h>
+
+#include <cmath>
 #include <fstream>
 
 namespace bench {
@@ -14,12 +17,30 @@ std::string processor_value(const std::string& name)
 {
     std::ifstream lines("/proc/cpuinfo");
     for (std::string line; std::getline(lines, line);)
-        if (const std::size_t colon = line.find(": "); colon != std::string::npos && line.starts_with(name))
-            return line.substr(colon + 2);
+        if (line.find_first_of("\t:") == name.size() && line.starts_with(name))
+            return line.substr(line.find(": ") + 2);
     return "unknown";
 }
 
-/// Of those that the libraries and the memory pass have code for.
+std::string processor()
+{
+    const benchmark::CPUInfo& info = benchmark::CPUInfo::Get();
+    return std::to_string(info.num_cpus) + " cores, " + processor_value("model name") + " (" +
+           processor_value("vendor_id") + " family " + processor_value("cpu family") + " model " +
+           processor_value("model") + "), " + std::to_string(std::lround(info.cycles_per_second / 1e6)) + " MHz";
+}
+
+std::string caches()
+{
+    std::string all;
+    for (const benchmark::CPUInfo::CacheInfo& cache : benchmark::CPUInfo::Get().caches)
+        if (cache.type != "Instruction")
+            all += (all.empty() ? "L" : ", L") + std::to_string(cache.level) + " of " +
+                   std::to_string(cache.size / 1024) + " KiB for " + std::to_string(cache.num_sharing) + " cores";
+    return all;
+}
+
+/// Of those that the memory pass has code for.
 std::string vector_extensions()
 {
 #if defined(__x86_64__)
@@ -30,8 +51,6 @@ std::string vector_extensions()
         have += ", AVX-512F";
     if (__builtin_cpu_supports("avx512bw"))
         have += ", AVX-512BW";
-    if (__builtin_cpu_supports("avx512vbmi2"))
-        have += ", AVX-512VBMI2";
     return have;
 #elif defined(__aarch64__)
     return "NEON";
@@ -43,24 +62,21 @@ std::string vector_extensions()
 std::string compiler()
 {
 #if defined(__clang__)
-    return std::string(__VERSION__) + ", " BENCH_FLAGS;
+    return std::string(__VERSION__) + " with " BENCH_FLAGS;
 #else
-    return "g++ " __VERSION__ ", " BENCH_FLAGS;
+    return "g++ " __VERSION__ " with " BENCH_FLAGS;
 #endif
 }
 
 } // namespace
 
-std::vector<std::pair<std::string, std::string>> machine_facts()
+std::string machine()
 {
-    std::vector<std::pair<std::string, std::string>> facts = {
-        {"processor", processor_value("model name") + ", family " + processor_value("cpu family") + ", model " +
-                          processor_value("model\t")},
-        {"vector_extensions", vector_extensions()},
-        {"compiler", compiler()}};
-    for (auto& [name, version] : peers::versions())
-        facts.emplace_back("peer_" + name, version);
-    return facts;
+    std::string line =
+        processor() + "; caches: " + caches() + "; vector extensions: " + vector_extensions() + "; " + compiler();
+    for (const auto& [name, version] : peers::versions())
+        line += "; " + name + ' ' + version;
+    return line;
 }
 
 } // namespace bench

@@ -1,13 +1,11 @@
-// What the figures depend on and the benchmark library does not tell.
+// What the figures depend on.
 #pragma once
 
 #include <string>
-#include <utility>
-#include <vector>
 
 namespace bench {
 
-/// Names and values: processor, vector extensions, compiler, and the versions of the peers.
-std::vector<std::pair<std::string, std::string>> machine_facts();
+/// Processor, caches, vector extensions, compiler, and the versions of the peers, in one line.
+std::string machine();
 
 } // namespace bench

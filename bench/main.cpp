@@ -2,6 +2,7 @@
 // benchmarks named TASK/DATA/SIDE/CONTENDER. script/bench calls it, and makes the ratios of what it prints. Exit status
 // 1: two contenders did not do the same work.
 // bench --write=FILE --data=NAME [--megabytes=N]   writes a data set as a file; its length may be any number.
+// bench --machine   prints what the figures depend on.
 // bench --list-counted | --run-counted [--megabytes=N]   what bench/instructions.py counts.
 #include "counted_run.h"
 #include "machine.h"
@@ -78,8 +79,7 @@ int run_benchmarks(const std::vector<task>& tasks, std::size_t megabytes, int ar
                     measure(state, what, by, data, megabytes);
                 })->Unit(benchmark::kMillisecond);
             }
-    for (const auto& [name, value] : bench::machine_facts())
-        benchmark::AddCustomContext(name, value);
+    benchmark::AddCustomContext("machine", bench::machine());
     benchmark::AddCustomContext("megabytes", std::to_string(megabytes));
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv))
@@ -99,7 +99,9 @@ int main(int argc, char** argv)
     if (!file.empty())
         return bench::write_stream(data, megabytes, file) ? EXIT_SUCCESS : EXIT_FAILURE;
     const std::vector<task> tasks = all_tasks();
-    if (argc == 2 && std::strcmp(argv[1], "--list-counted") == 0)
+    if (argc == 2 && std::strcmp(argv[1], "--machine") == 0)
+        std::puts(bench::machine().c_str());
+    else if (argc == 2 && std::strcmp(argv[1], "--list-counted") == 0)
         bench::print_counted(tasks, megabytes);
     else if (argc == 2 && std::strcmp(argv[1], "--run-counted") == 0)
         bench::run_counted(tasks, megabytes);
