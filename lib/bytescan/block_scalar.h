@@ -4,6 +4,7 @@
 #include "bytescan/third_byte.h"
 
 #include <cstdint>
+#include <cstring>
 
 namespace brenik::bytescan {
 
@@ -16,6 +17,18 @@ struct scalar_block {
             found |= std::uint64_t{is_place(p + i, third)} << i;
         return found;
     }
+
+    /// Whether two zero bytes are at one of the places. Reads 65 bytes.
+    static bool has_pair(const unsigned char* p) noexcept
+    {
+        for (unsigned int i = 0; i < 64; ++i)
+            if (p[i] == 0 && p[i + 1] == 0)
+                return true;
+        return false;
+    }
+
+    /// Copies 64 bytes; all are read before any is written.
+    static void copy_block(unsigned char* out, const unsigned char* from) noexcept { std::memmove(out, from, 64); }
 };
 
 } // namespace brenik::bytescan

@@ -3,11 +3,10 @@
 // them, so that no branch depends on how far they lie apart.
 #pragma once
 
-#include "bytescan/block.h"
 #include "bytescan/copy_bytes.h"
+#include "bytescan/native_runs.h"
+#include "bytescan/passage.h"
 #include "bytescan/third_byte.h"
-
-#include <orv-utils-v4/h2645_common/advance_past.h>
 
 #include <array>
 #include <bit>
@@ -16,42 +15,6 @@
 #include <cstring>
 
 namespace brenik::bytescan {
-
-/// Bytes on their way from one range to another.
-struct passage {
-    const unsigned char* read;
-    const unsigned char* read_fence;
-    unsigned char* write;
-    unsigned char* write_fence;
-
-    /// Whether a byte may be written before it is read, when they are more than one at a time.
-    bool runs_into_itself() const noexcept
-    {
-        const auto address = [](const unsigned char* p) { return reinterpret_cast<std::uintptr_t>(p); };
-        return address(read) < address(write) && address(write) < address(read_fence);
-    }
-
-    /// Whether there is a block and what is read of the bytes behind it, and room for `most_written`.
-    bool holds_block(std::size_t most_written) const noexcept
-    {
-        return range_size(read, read_fence) >= 2 * block_bytes && range_size(write, write_fence) >= most_written;
-    }
-
-    void advance(std::size_t bytes_read, std::size_t bytes_written) noexcept
-    {
-        read += bytes_read;
-        write += bytes_written;
-    }
-
-    /// The bytes may be written a little before where they are read.
-    void copy_block() noexcept
-    {
-        constexpr std::size_t half = block_places / 2;
-        copy_two_blocks<half / 2>(write, read, half);
-        copy_two_blocks<half / 2>(write + half, read + half, half);
-        advance(block_places, block_places);
-    }
-};
 
 /// Where a passage once was.
 struct milestone {
@@ -115,33 +78,16 @@ private:
     unsigned char* write = bytes;
 };
 
-/// Copies blocks up to one with places that matter, and tells those; 0 when blocks do not fit any more.
-template <typename Block>
-std::uint64_t copy_plain_blocks(passage& bytes, std::size_t most_written) noexcept
-{
-    passage at = bytes; // in registers
-    std::uint64_t places = 0;
-    while (at.holds_block(most_written)) {
-        ask_ahead(at.read);
-        places = Block::places(at.read, at_most_3);
-        if (places != 0)
-            break;
-        at.copy_block();
-    }
-    bytes = at;
-    return places;
-}
-
 /// Copies the RBSP of a unit up to its end: two zeros and a byte of at most 2. True when `at` has come there; else
 /// blocks do not fit any more, and all bytes before `at` have been looked at.
 /// @param behind_escape where the last escape ended, unchanged when there was none
-template <typename Block = native_block>
+template <typename Runs = native_runs>
 bool drop_escapes(passage& at, milestone& behind_escape) noexcept
 {
     constexpr std::uint64_t every_third_place = 0x9249249249249249; // the first and the last one included
     constexpr std::size_t places_then = 22;
-    while (std::uint64_t places = copy_plain_blocks<Block>(at, block_bytes)) {
-        if (places == every_third_place && places == Block::places(at.read, three)) {
+    while (std::uint64_t places = Runs::copy(at, at_most_3, block_bytes)) {
+        if (places == every_third_place && places == Runs::places(at.read, three)) {
             std::memset(at.write, 0, 2 * places_then);
             at.advance(3 * places_then, 2 * places_then);
             behind_escape = {at.read, at.write};
@@ -180,11 +126,11 @@ constexpr std::array<unsigned char, block_places / 2 * 3> zeros_escaped = [] {
 
 /// Copies an RBSP with an emulation-prevention byte behind each pair of zeros before a byte of at most 3, up to where
 /// blocks do not fit any more.
-template <typename Block = native_block>
+template <typename Runs = native_runs>
 void insert_escapes(passage& at) noexcept
 {
     constexpr std::uint64_t every_place = ~std::uint64_t{0};
-    while (std::uint64_t places = copy_plain_blocks<Block>(at, rewritten_block::most_written)) {
+    while (std::uint64_t places = Runs::copy(at, at_most_3, rewritten_block::most_written)) {
         if (places == every_place) {
             std::memcpy(at.write, zeros_escaped.data(), zeros_escaped.size());
             at.advance(block_places, zeros_escaped.size());

@@ -1,8 +1,8 @@
 // The search for pairs of zeros: what each kind of block finds against plain C++, and the walk from place to place
 // against a look at every place.
-#include "bytescan/block_scalar.h"
 #include "bytescan/bytescan.h"
 
+#include "support/all_runs.h"
 #include "support/guarded_buffer.h"
 #include "support/zero_heavy.h"
 
@@ -14,7 +14,6 @@ namespace {
 
 using brenik::bytescan::block_bytes;
 using brenik::bytescan::block_places;
-using brenik::bytescan::native_block;
 using brenik::bytescan::scalar_block;
 using brenik::bytescan::third_byte;
 using brenik::bytescan::zero_pairs_of;
@@ -42,10 +41,10 @@ bool is_pair(const bytes& data, std::size_t p, third_byte kind)
 
 /// Walks through the pairs, each time going on `step` behind the last, as long as the walk agrees with a look at every
 /// place.
-template <typename Block>
+template <typename Runs>
 void expect_every_pair(const guarded_buffer& buffer, const bytes& data, third_byte kind, std::size_t step)
 {
-    zero_pairs_of<Block> pairs(buffer.begin(), buffer.end(), kind);
+    zero_pairs_of<Runs> pairs(buffer.begin(), buffer.end(), kind);
     std::size_t at = 0;
     for (;;) {
         std::size_t expected = at;
@@ -60,12 +59,17 @@ void expect_every_pair(const guarded_buffer& buffer, const bytes& data, third_by
     }
 }
 
-template <typename Block>
+template <typename Runs>
 class ZeroPairs : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        if (!support::can_run<Runs>())
+            GTEST_SKIP() << "this machine has no such vectors";
+    }
 };
 
-using blocks = testing::Types<scalar_block, native_block>;
-TYPED_TEST_SUITE(ZeroPairs, blocks);
+TYPED_TEST_SUITE(ZeroPairs, support::all_runs<testing::Types>);
 
 } // namespace
 
