@@ -50,10 +50,12 @@ def main():
     program, megabytes = sys.argv[1], f"--megabytes={sys.argv[2]}"
     rows = [[task, data, name, f"{count:.1f}", *(f"{literal:.1f}" for literal in sides.get("scalar", {"": 0}).values())]
             for (task, data), sides in per_unit(program, megabytes).items() for name, count in sides["ours"].items()]
+    vectors = subprocess.run(["valgrind", "-q", "--tool=none", program, "--vectors"], check=True, capture_output=True,
+                             text=True).stdout.strip()
     version = subprocess.run(["valgrind", "--version"], check=True, capture_output=True, text=True).stdout.strip()
     document.tell(
         "instructions",
-        f"By `script/bench --instructions`, {version}.\n\n"
+        f"By `script/bench --instructions`, under {version}, where the libraries take {vectors}.\n\n"
         + document.table(["task", "data", "ours", "instructions a unit", "of the literal loop"],
                          [row if row[4] != "0.0" else [*row[:4], "-"] for row in rows]),
         "--update" in sys.argv)

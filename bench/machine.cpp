@@ -3,6 +3,8 @@
 
 #include "task.h"
 
+#include "bytescan/wide_runs.h"
+
 #include <benchmark/benchmark.h>
 
 #include <cmath>
@@ -36,27 +38,9 @@ std::string caches()
     for (const benchmark::CPUInfo::CacheInfo& cache : benchmark::CPUInfo::Get().caches)
         if (cache.type != "Instruction")
             all += (all.empty() ? "L" : ", L") + std::to_string(cache.level) + " of " +
-                   std::to_string(cache.size / 1024) + " KiB for " + std::to_string(cache.num_sharing) + " cores";
+                   std::to_string(cache.size / 1024) + " KiB " +
+                   (cache.num_sharing == 1 ? "a core" : "for " + std::to_string(cache.num_sharing) + " cores");
     return all;
-}
-
-/// Of those that the memory pass has code for.
-std::string vector_extensions()
-{
-#if defined(__x86_64__)
-    std::string have = "SSE2";
-    if (__builtin_cpu_supports("avx2"))
-        have += ", AVX2";
-    if (__builtin_cpu_supports("avx512f"))
-        have += ", AVX-512F";
-    if (__builtin_cpu_supports("avx512bw"))
-        have += ", AVX-512BW";
-    return have;
-#elif defined(__aarch64__)
-    return "NEON";
-#else
-    return "none known";
-#endif
 }
 
 std::string compiler()
@@ -70,10 +54,31 @@ std::string compiler()
 
 } // namespace
 
+std::string vectors_taken()
+{
+#if defined(__x86_64__) && defined(__GLIBC__)
+    switch (brenik::bytescan::vectors_at_hand()) {
+    case brenik::bytescan::vectors::sse2:
+        return "SSE2";
+    case brenik::bytescan::vectors::avx2:
+        return "AVX2";
+    case brenik::bytescan::vectors::avx512:
+        return "AVX-512";
+    }
+    return "unknown";
+#elif defined(__x86_64__)
+    return "SSE2";
+#elif defined(__aarch64__)
+    return "NEON";
+#else
+    return "no vectors";
+#endif
+}
+
 std::string machine()
 {
     std::string line =
-        processor() + "; caches: " + caches() + "; vector extensions: " + vector_extensions() + "; " + compiler();
+        processor() + "; caches: " + caches() + "; the libraries take " + vectors_taken() + "; " + compiler();
     for (const auto& [name, version] : peers::versions())
         line += "; " + name + ' ' + version;
     return line;

@@ -2,7 +2,7 @@
 // benchmarks named TASK/DATA/SIDE/CONTENDER. script/bench calls it, and makes the ratios of what it prints. Exit status
 // 1: two contenders did not do the same work.
 // bench --write=FILE --data=NAME [--megabytes=N]   writes a data set as a file; its length may be any number.
-// bench --machine   prints what the figures depend on.
+// bench --machine | --vectors   prints what the figures depend on, or the vectors alone.
 // bench --list-counted | --run-counted [--megabytes=N]   what bench/instructions.py counts.
 #include "counted_run.h"
 #include "machine.h"
@@ -101,6 +101,8 @@ int main(int argc, char** argv)
     const std::vector<task> tasks = all_tasks();
     if (argc == 2 && std::strcmp(argv[1], "--machine") == 0)
         std::puts(bench::machine().c_str());
+    else if (argc == 2 && std::strcmp(argv[1], "--vectors") == 0)
+        std::puts(bench::vectors_taken().c_str());
     else if (argc == 2 && std::strcmp(argv[1], "--list-counted") == 0)
         bench::print_counted(tasks, megabytes);
     else if (argc == 2 && std::strcmp(argv[1], "--run-counted") == 0)
