@@ -80,7 +80,7 @@ std::string machine()
     std::string line =
         processor() + "; caches: " + caches() + "; the libraries take " + vectors_taken() + "; " + compiler();
     for (const auto& [name, version] : peers::versions())
-        line += "; " + name + ' ' + version;
+        line.append("; ").append(name).append(" ").append(version);
     return line;
 }
 
