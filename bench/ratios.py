@@ -40,6 +40,8 @@ GOALS = {
     "T5 frames": {"large": goal(3, 0.9), "8k": goal(3, 0.9), "70": goal(3)},
     "T6 to length4, copied": {"large": goal(2.6), "8k": goal(2.6), "70": goal(3)},
     "T6 to length4, rewritten": {"large": goal(1.8), "8k": goal(1.8), "70": goal(1.5)},
+    "T6 to length4, as it stands": {"large": goal(1.0), "8k": goal(1.0), "70": goal(1.0)},
+    "T6 to Annex B, as it stands": {"large": goal(1.0), "8k": goal(1.0), "70": goal(1.0)},
     "T6 to Annex B, rewritten": {"large": goal(0.9), "8k": goal(0.9), "70": goal(1.5)},
     "T7 SPS with VUI and HRD": {"70": goal(0.77)},
     "T7 slice header beside its class, which stops at the lists": {"70": goal(0.77)},

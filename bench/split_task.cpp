@@ -34,6 +34,17 @@ std::uint64_t by_literal_loop(data_set& set)
     return count_units(set, literal::scan);
 }
 
+std::uint64_t by_search(data_set& set)
+{
+    constexpr std::size_t at_once = 256;
+    orv_utils_v4::h264::unit_range found[at_once];
+    orv_utils_v4::h264::unit_search search(set.annex_b.data(), set.annex_b_size);
+    std::uint64_t units = 0;
+    for (std::size_t count = at_once; count == at_once; units += count)
+        count = search.next(found, at_once);
+    return units;
+}
+
 class unit_counter : public orv_utils_v4::h264::split_sink {
 public:
     void unit(const orv_utils_v4::h264::split_unit&) override { ++units; }
@@ -58,6 +69,7 @@ std::vector<task> split_tasks()
 {
     return {{"T1 split", [](const data_set& set) { return set.annex_b_size; }, data_set_names(),
              std::vector<contender>{{side::ours, "reader", by_reader},
+                                    {side::ours, "search", by_search},
                                     {side::ours, "splitter", by_splitter},
                                     {side::scalar, "literal", by_literal_loop}} +
                  read_passes() + peers::split()}};

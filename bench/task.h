@@ -35,7 +35,7 @@ inline const char* name_of(side who)
 }
 
 /// One way to do a task. The result is a number that must be the same for all of them (units, bytes, frames), 0 from
-/// one that cannot tell.
+/// a peer that cannot tell, and from a pass over the memory.
 struct contender {
     side who;
     std::string name;
