@@ -58,7 +58,7 @@ TASKS = [
         program("ffprobe", ["ffprobe", "-v", "error", *PARSED, "-show_streams", "-count_packets", "FILE"],
                 "tells what the parameter sets say, and counts packets; decodes one picture first"),
         program("mediainfo", ["mediainfo", "--ParseSpeed=1", "FILE"],
-                "tells what the parameter sets say; reads all headers for it"),
+                "tells what the parameter sets say; goes over the whole file for it"),
         program("cat", ["cat", "FILE"], "reads the file, which is what the system takes"),
     ]),
     task("frames", [
