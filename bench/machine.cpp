@@ -3,12 +3,14 @@
 
 #include "task.h"
 
-#include "bytescan/wide_runs.h"
-
 #include <benchmark/benchmark.h>
 
 #include <cmath>
 #include <fstream>
+
+#if defined(__x86_64__) && defined(__GLIBC__)
+#include "bytescan/wide_runs.h"
+#endif
 
 namespace bench {
 
