@@ -57,7 +57,7 @@ public:
         const auto lines = static_cast<std::uint64_t>(std::count(rows.text.begin(), rows.text.end(), '\n'));
         expect(lines == all.elements || all.elements > most_rows, "a row for every element");
         for (std::size_t i = 0; i < std::size(printers); ++i) {
-            const std::string text = printers[i]->end(unit, &reading);
+            const std::string text(printers[i]->end(unit, &reading));
             const bool is_json = i >= 2;
             expect(!text.empty() && text.back() == '\n', "whole lines");
             expect(!is_json || nlohmann::json::accept(text), "well-formed JSON");

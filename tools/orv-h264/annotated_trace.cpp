@@ -2,7 +2,6 @@
 
 #include "json_output.h"
 #include "names.h"
-#include "repeated_names.h"
 #include "words.h"
 
 #include <orv-utils-v4/h264_syntax/registered_user_data.h>
@@ -63,7 +62,7 @@ void annotated_trace::open(const char* name)
 {
     guarded([&] {
         tell_bytes();
-        path.emplace_back(name);
+        path.push_back({name, repeated_names(name)});
         if (inside("sei_message"))
             payload_type = payload_size = ff_bytes = 0;
         else if (inside("scaling_list"))
@@ -109,9 +108,9 @@ void annotated_trace::element(const h264::traced_element& e)
             run.push_back(static_cast<unsigned char>(e.value));
         } else if (all || is_told(e)) {
             if (std::exchange(unopened, false))
-                sink.open(path.back(), path.back());
+                sink.open(path.back().name, path.back().name);
             const std::string words = words_of(e);
-            sink.element({e, place_of(e.bit), words, is_repeated_element(path.back(), e.name.name())});
+            sink.element({e, place_of(e.bit), words, path.back().repeated.has(e.name.name())});
         }
         note(e);
     });

@@ -4,6 +4,7 @@
 
 #include "memory_guard.h"
 #include "registered_trace.h"
+#include "repeated_names.h"
 
 #include <orv-utils-v4/h264_syntax.h>
 
@@ -78,13 +79,18 @@ private:
     void begin_registered();
     void keep_registration(const h264::traced_element& first);
     void tell_registration();
-    bool inside(std::string_view structure) const { return !path.empty() && path.back() == structure; }
+    bool inside(std::string_view structure) const { return !path.empty() && path.back().name == structure; }
+
+    struct open_structure {
+        std::string_view name;
+        repeated_names repeated;
+    };
 
     annotated_sink& sink;
     bool all;
     bool unopened = false; // the innermost structure is one of fixed patterns, and the sink does not know of it
     memory_guard guarded;
-    std::vector<std::string_view> path; // of the structures
+    std::vector<open_structure> path; // of the structures
     place_finder place_of;
     std::optional<h264::traced_element> first_byte; // of the run that goes on
     std::vector<unsigned char> run;

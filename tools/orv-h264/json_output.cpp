@@ -34,7 +34,7 @@ void print_json(const json& object)
 std::string json_text(std::string_view text)
 {
     const bool simple = std::all_of(text.begin(), text.end(), stands_for_itself);
-    return simple ? fmt::format("\"{}\"", text) : text_of(text);
+    return simple ? std::string(1, '"').append(text) += '"' : text_of(text);
 }
 
 std::string hex_digits(std::span<const std::uint8_t> bytes)

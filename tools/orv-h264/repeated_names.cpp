@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <string>
 
 namespace orv_h264 {
 
@@ -86,10 +85,28 @@ static_assert(std::is_sorted(std::begin(repeated_structures), std::end(repeated_
 
 } // namespace
 
+// They stand behind the place where the structure's name alone would: nothing in a name is below the dot.
+repeated_names::repeated_names(std::string_view structure) : skipped(structure.size() + 1)
+{
+    const auto is_of_it = [structure](std::string_view name) {
+        return name.size() > structure.size() && name[structure.size()] == '.' && name.starts_with(structure);
+    };
+    const auto* const first = std::lower_bound(std::begin(repeated_elements), std::end(repeated_elements), structure);
+    const auto* behind = first;
+    while (behind != std::end(repeated_elements) && is_of_it(*behind))
+        ++behind;
+    names = {first, behind};
+}
+
+bool repeated_names::has(std::string_view element) const
+{
+    return std::any_of(names.begin(), names.end(),
+                       [&](std::string_view name) { return name.substr(skipped) == element; });
+}
+
 bool is_repeated_element(std::string_view structure, std::string_view element)
 {
-    const std::string name = std::string(structure) + '.' + std::string(element);
-    return std::binary_search(std::begin(repeated_elements), std::end(repeated_elements), name);
+    return repeated_names(structure).has(element);
 }
 
 bool is_repeated_structure(std::string_view structure)

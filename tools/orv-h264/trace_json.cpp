@@ -11,20 +11,34 @@
 
 namespace orv_h264 {
 
+/// `used` where there is none of the name.
+std::size_t json_members::place_of(std::string_view name) const
+{
+    std::size_t place = 0;
+    while (place < used && all[place].name != name)
+        ++place;
+    return place;
+}
+
 json_members::member& json_members::find(std::string_view name)
 {
-    auto found = std::find_if(all.begin(), all.end(), [name](const member& m) { return m.name == name; });
-    if (found == all.end()) {
-        found = all.emplace(all.end());
-        found->name = name;
-    }
-    return *found;
+    const std::size_t place = place_of(name);
+    if (place < used)
+        return all[place];
+    if (used == all.size())
+        all.emplace_back();
+    member& added = all[used++];
+    added.name = name;
+    added.text.clear();
+    added.end = {};
+    added.entries = 0;
+    return added;
 }
 
 std::size_t json_members::entries_of(std::string_view name) const
 {
-    const auto found = std::find_if(all.begin(), all.end(), [name](const member& m) { return m.name == name; });
-    return found == all.end() ? 0 : found->entries;
+    const std::size_t place = place_of(name);
+    return place < used ? all[place].entries : 0;
 }
 
 void json_members::put(std::string_view name, std::string_view value)
@@ -79,8 +93,8 @@ void json_members::append_to(std::string& text) const
 {
     text += '{';
     const char* before = "\"";
-    for (const member& m : all) {
-        text.append(before).append(m.name).append("\":").append(m.text);
+    for (std::size_t i = 0; i < used; ++i) {
+        text.append(before).append(all[i].name).append("\":").append(all[i].text);
         before = ",\"";
     }
     text += '}';
@@ -88,42 +102,49 @@ void json_members::append_to(std::string& text) const
 
 void trace_json::open(std::string_view name, std::string_view)
 {
-    if (++depth > 1)
-        inside.push_back({name, {}, {}, {}, {}});
+    if (++depth <= 1)
+        return;
+    if (depth > levels.size())
+        levels.emplace_back();
+    inside().begin(name);
 }
 
 void trace_json::close()
 {
-    if (--depth == 0)
+    if (depth <= 1) {
+        --depth;
         return;
-    const std::string_view name = inside.back().name;
-    const std::string object = text_of(inside.back());
-    inside.pop_back();
+    }
+    const std::string_view name = inside().name;
+    const std::string_view object = text_of(inside());
+    --depth;
     if (is_repeated_structure(name))
-        inside.back().fields.append(name, object);
+        inside().fields.append(name, object);
     else
-        inside.back().fields.put(name, object);
+        inside().fields.put(name, object);
 }
 
-std::string trace_json::text_of(structure& complete)
+std::string_view trace_json::text_of(structure& complete)
 {
     for (const auto& [name, members] :
          {std::pair("meaning", &complete.meaning), std::pair("derived", &complete.derived),
           std::pair("positions", &complete.positions)}) {
-        std::string object;
-        members->append_to(object);
-        if (!members->empty())
-            complete.fields.put(name, object);
+        if (members->empty())
+            continue;
+        object_text.clear();
+        members->append_to(object_text);
+        complete.fields.put(name, object_text);
     }
-    std::string text;
-    complete.fields.append_to(text);
-    return text;
+    object_text.clear();
+    complete.fields.append_to(object_text);
+    return object_text;
 }
 
 void trace_json::element(const shown_element& shown)
 {
     const h264::traced_element& e = shown.element;
-    std::string value;
+    std::string& value = value_text;
+    value.clear();
     if (e.how == h264::coding::st) {
         value = json_text({reinterpret_cast<const char*>(e.bytes), e.size});
     } else if (e.bytes != nullptr) {
@@ -147,7 +168,7 @@ void trace_json::bytes(const shown_element& first, byte_span all)
 
 void trace_json::put(const shown_element& shown, std::string_view value)
 {
-    structure& to = inside.back();
+    structure& to = inside();
     const h264::label& name = shown.element.name;
     if (to.fields.entries_of(name.name()) == json_members::most_entries)
         return;
@@ -171,13 +192,13 @@ void trace_json::put(const shown_element& shown, std::string_view value)
 
 void trace_json::follows(const fact& what)
 {
-    inside.back().derived.put(what.name, what.json);
+    inside().derived.put(what.name, what.json);
 }
 
 std::string trace_json::take()
 {
-    std::string object = text_of(inside.front());
-    inside.assign(1, {});
+    std::string object(text_of(levels.front()));
+    levels.front().begin({});
     return object;
 }
 

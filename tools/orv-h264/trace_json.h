@@ -9,6 +9,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <deque>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -32,7 +33,9 @@ public:
     /// Nothing until there are as many entries.
     void fill(std::string_view name, std::size_t entries);
 
-    bool empty() const noexcept { return all.empty(); }
+    bool empty() const noexcept { return used == 0; }
+    /// There are none any more. The memory of those that there were is used again.
+    void clear() noexcept { used = 0; }
     void append_to(std::string& text) const;
 
 private:
@@ -44,8 +47,10 @@ private:
     };
 
     member& find(std::string_view name);
+    std::size_t place_of(std::string_view name) const;
 
     std::vector<member> all;
+    std::size_t used = 0; // of these
 };
 
 class trace_json final : public annotated_sink {
@@ -72,15 +77,25 @@ private:
         json_members meaning;
         json_members derived;
         json_members positions;
+
+        /// Nothing of what it held is left.
+        void begin(std::string_view of)
+        {
+            name = of;
+            for (json_members* const members : {&fields, &meaning, &derived, &positions})
+                members->clear();
+        }
     };
 
     void put(const shown_element& shown, std::string_view value);
-    static std::string text_of(structure& complete);
+    std::string_view text_of(structure& complete);
+    structure& inside() { return levels[depth <= 1 ? 0 : depth - 1]; }
 
     bool with_positions;
     std::size_t depth = 0;
-    std::vector<structure> inside =
-        std::vector<structure>(1); // the one that is being filled, behind those that hold it
+    std::deque<structure> levels = std::deque<structure>(1); // the one that is being filled behind those that hold it
+    std::string value_text;
+    std::string object_text;
 };
 
 } // namespace orv_h264

@@ -55,31 +55,35 @@ public:
 
     h264::visitor* begin(const listed_unit& unit) override
     {
+        lines.text.clear(); // its memory goes on
         begin_unit(unit, marks);
         trace.begin(unit.place);
         return &source;
     }
 
-    std::string end(const listed_unit& unit, const h264::unit_reading* reading) override
+    std::string_view end(const listed_unit& unit, const h264::unit_reading* reading) override
     {
         if (reading != nullptr) {
             trace.end();
             for (const fact& what : consequences_of(*reading))
                 lines.follows(what);
         } else {
+            lines.text.clear();
             begin_unit(unit, {});
         }
-        return std::exchange(lines.text, "");
+        return lines.text;
     }
 
 private:
     void begin_unit(const listed_unit& unit, const emphasis_marks& around)
     {
+        fmt::memory_buffer line; // of which more is filled at a time than of a string
         fmt::format_to(
-            std::back_inserter(lines.text),
+            std::back_inserter(line),
             FMT_COMPILE("{}offset {:>10}  framing {}  length {:>8}  rbsp {:>8}  nal_ref_idc {}  type {:>2}  {}{}{}\n"),
             around.begin, unit.shown(), unit.framing_size, unit.place.size, rbsp_size(unit.place), ref_idc_of(unit),
             unit.type(), name_of(unit.type(), style.long_names), unit.in_record ? "  (in the record)" : "", around.end);
+        lines.text.append(line.data(), line.size());
     }
 
     unit_style style;
@@ -103,34 +107,45 @@ public:
         return &source;
     }
 
-    std::string end(const listed_unit& unit, const h264::unit_reading* reading) override
+    std::string_view end(const listed_unit& unit, const h264::unit_reading* reading) override
     {
-        std::string line =
-            fmt::format(FMT_COMPILE(R"({{"record":"unit","number":{},"offset":{},"framing_size":{},"length":{},)"
-                                    R"("rbsp_size":{},"nal_ref_idc":{},"nal_unit_type":{},"name":{})"),
-                        unit.place.number, unit.shown(), unit.framing_size, unit.place.size, rbsp_size(unit.place),
-                        ref_idc_of(unit), unit.type(), json_text(name_of(unit.type(), style.long_names)));
+        line.clear();
+        fmt::format_to(std::back_inserter(line),
+                       FMT_COMPILE(R"({{"record":"unit","number":{},"offset":{},"framing_size":{},"length":{},)"
+                                   R"("rbsp_size":{},"nal_ref_idc":{},"nal_unit_type":{},"name":{})"),
+                       unit.place.number, unit.shown(), unit.framing_size, unit.place.size, rbsp_size(unit.place),
+                       ref_idc_of(unit), unit.type(), json_text(name_of(unit.type(), style.long_names)));
         if (unit.packet)
-            line += fmt::format(R"(,"stream_offset":{})", unit.begin());
+            fmt::format_to(std::back_inserter(line), R"(,"stream_offset":{})", unit.begin());
         if (unit.in_record)
-            line += R"(,"in_record":true)";
-        line += reading == nullptr ? R"(,"valid":null,"fields":null})" : read_members(*reading);
-        return line += '\n';
+            put(R"(,"in_record":true)");
+        if (reading != nullptr)
+            put_members(*reading);
+        else
+            put(R"(,"valid":null,"fields":null})");
+        put("\n");
+        return {line.data(), line.size()};
     }
 
 private:
-    std::string read_members(const h264::unit_reading& reading)
+    void put(std::string_view text) { line.append(text.begin(), text.end()); }
+
+    void put_members(const h264::unit_reading& reading)
     {
         trace.end();
         for (const fact& what : consequences_of(reading))
             fields.follows(what);
         const h264::outcome& result = reading.result;
         const bool valid = !result.failure && text_of(result.ending).empty();
-        return fmt::format(R"(,"valid":{},"findings":{},"fields":{}}})", valid, result.finding_count, fields.take());
+        fmt::format_to(std::back_inserter(line), FMT_COMPILE(R"(,"valid":{},"findings":{},"fields":)"), valid,
+                       result.finding_count);
+        put(fields.take());
+        put("}");
     }
 
     unit_style style;
     rbsp_measure rbsp_size;
+    fmt::memory_buffer line;
     trace_json fields;
     annotated_trace trace;
     registered_trace source{trace};

@@ -5,7 +5,7 @@
 #include "unit_run.h"
 
 #include <memory>
-#include <string>
+#include <string_view>
 
 namespace orv_h264 {
 
@@ -23,8 +23,9 @@ public:
 
     /// The unit is about to be read: whom its elements are told to.
     virtual h264::visitor* begin(const listed_unit& unit) = 0;
-    /// The lines of the unit, as many as have not been put out; `reading` is null where it was not read.
-    virtual std::string end(const listed_unit& unit, const h264::unit_reading* reading) = 0;
+    /// The lines of the unit, as many as have not been put out, until the next one begins; `reading` is null where it
+    /// was not read.
+    virtual std::string_view end(const listed_unit& unit, const h264::unit_reading* reading) = 0;
 };
 
 /// One whose lines go to the standard output.
