@@ -70,6 +70,11 @@ void sent_slices::add(const h264::unit_reading& reading)
 
 const sent_slice* sent_slices::find(std::uint64_t unit) const
 {
+    if (slices.empty() || unit < slices.front().unit)
+        return nullptr;
+    const std::uint64_t place = unit - slices.front().unit; // where nothing stands between the slices, as a rule
+    if (place < slices.size() && slices[place].unit == unit)
+        return &slices[place];
     const auto found = std::lower_bound(slices.begin(), slices.end(), unit, stands_before_number);
     return found == slices.end() || found->unit != unit ? nullptr : &*found;
 }

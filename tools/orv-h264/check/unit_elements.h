@@ -6,7 +6,6 @@
 
 #include <orv-utils-v4/h264_syntax/element.h>
 
-#include <utility>
 #include <vector>
 
 namespace orv_h264 {
@@ -30,11 +29,11 @@ public:
         bytes = h264::byte_map(of.place.bytes, of.place.size);
         offset = of.place.offset;
     }
-    /// The places; throws std::bad_alloc when memory ran out on the way.
+    /// The places, in a list that has room for no more; throws std::bad_alloc when memory ran out on the way.
     std::vector<placed_element> end()
     {
         guarded.check();
-        return std::move(elements);
+        return elements;
     }
 
     void open(const char* name) override

@@ -27,7 +27,7 @@ const logged_packet* packet_log::find(std::uint64_t offset) const
     return behind == packets.begin() ? &packets.front() : &*std::prev(behind);
 }
 
-bool packet_log::is_own(std::uint64_t offset) const
+bool packet_log::is_in_whole_packet(std::uint64_t offset) const
 {
     if (offset >= record_begin)
         return record.has_value();
@@ -35,7 +35,7 @@ bool packet_log::is_own(std::uint64_t offset) const
     return packet == nullptr || (packet->whole && offset >= packet->begin);
 }
 
-std::uint64_t packet_log::shown(std::uint64_t offset) const
+std::uint64_t packet_log::place_of(std::uint64_t offset) const
 {
     if (offset >= record_begin)
         return record ? *record + (offset - record_begin) : 0;

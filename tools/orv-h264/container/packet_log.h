@@ -42,15 +42,20 @@ public:
     const logged_packet* find(std::uint64_t offset) const;
 
     /// The byte is known by its own place in the file: not by its packet's.
-    bool is_own(std::uint64_t offset) const;
+    bool is_own(std::uint64_t offset) const { return is_file(offset) || is_in_whole_packet(offset); }
 
     /// For a person: the byte's own place in the file, or its packet's.
-    std::uint64_t shown(std::uint64_t offset) const;
+    std::uint64_t shown(std::uint64_t offset) const { return is_file(offset) ? offset : place_of(offset); }
 
     /// To count on from: the byte's own place in the file, or else in the stream.
     std::uint64_t counted(std::uint64_t offset) const { return is_own(offset) ? shown(offset) : offset; }
 
 private:
+    /// The stream is its file: asked for several times a unit.
+    bool is_file(std::uint64_t offset) const { return packets.empty() && offset < record_begin; }
+    bool is_in_whole_packet(std::uint64_t offset) const;
+    std::uint64_t place_of(std::uint64_t offset) const;
+
     std::deque<logged_packet> packets;
     std::optional<std::uint64_t> record = 0;
 };

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <utility>
 
+#include <fmt/compile.h>
 #include <fmt/format.h>
 
 namespace orv_h264 {
@@ -19,7 +20,7 @@ std::int64_t signed_of(std::uint64_t number)
 template <typename T>
 std::string number_or_null(const std::optional<T>& number)
 {
-    return number ? fmt::format("{}", *number) : "null";
+    return number ? std::to_string(*number) : "null";
 }
 
 /// Runs of units that are alike: [type, how many, slice type].
@@ -32,7 +33,7 @@ std::string unit_list(const picture_row& row)
         while (behind < row.units.size() && row.units[behind].nal_unit_type == first.nal_unit_type &&
                row.units[behind].slice == first.slice)
             ++behind;
-        text += fmt::format("{}[{},{},\"{}\"]", text.empty() ? "" : ",", first.nal_unit_type, behind - i,
+        text += fmt::format(FMT_COMPILE("{}[{},{},\"{}\"]"), text.empty() ? "" : ",", first.nal_unit_type, behind - i,
                             first.slice ? slice_kind_name(*first.slice) : "");
         i = behind;
     }
@@ -106,13 +107,13 @@ void report_frames::add(const picture_row& row)
 std::uint64_t report_frames::kind_of(const picture_row& row)
 {
     const std::string duration =
-        row.duration ? fmt::format("[{},{}]", row.duration.numerator, row.duration.denominator) : "null";
-    return kind_list.number_of(
-        fmt::format(R"([{},{},{},{},"{}",{},"{}",{},{},{},{},{},{},{}])", unit_lists.number_of(unit_list(row)),
-                    row.layers.empty() ? -1 : signed_of(layer_lists.number_of(layer_list_of(row))), row.coded_pictures,
-                    row.idr ? 1 : 0, structure_name(row.structure), row.nal_ref_idc, source_name(row.time_source),
-                    row.field_duration, duration, number_or_null(row.pic_struct), number_or_null(row.sps_id),
-                    number_or_null(row.pps_id), row.cut ? 1 : 0, row.last ? 1 : 0));
+        row.duration ? fmt::format(FMT_COMPILE("[{},{}]"), row.duration.numerator, row.duration.denominator) : "null";
+    return kind_list.number_of(fmt::format(
+        FMT_COMPILE(R"([{},{},{},{},"{}",{},"{}",{},{},{},{},{},{},{}])"), unit_lists.number_of(unit_list(row)),
+        row.layers.empty() ? -1 : signed_of(layer_lists.number_of(layer_list_of(row))), row.coded_pictures,
+        row.idr ? 1 : 0, structure_name(row.structure), row.nal_ref_idc, source_name(row.time_source),
+        row.field_duration, duration, number_or_null(row.pic_struct), number_or_null(row.sps_id),
+        number_or_null(row.pps_id), row.cut ? 1 : 0, row.last ? 1 : 0));
 }
 
 /// A page of 90,000 rows has 1.5 MiB, one of 500,000 rows 8 MiB, and what is around them takes some of that.
