@@ -126,7 +126,7 @@ private:
     std::vector<std::string_view> path;
 };
 
-bool is_slice(unsigned type)
+bool is_slice_type(unsigned type)
 {
     return (type >= 1 && type <= 5) || (type >= 19 && type <= 21);
 }
@@ -256,7 +256,7 @@ private:
         const h264::outcome& result = reading.result;
         if (result.failure)
             return fmt::format("not read: {}", text_of(result.failure));
-        if (!is_slice(unit.type()))
+        if (!is_slice_type(unit.type()))
             return std::holds_alternative<std::monostate>(reading.unit.rbsp)
                        ? "payload of a unit type without a syntax in H.264"
                        : "bytes behind the trailing bits";

@@ -10,8 +10,7 @@ namespace orv_h264 {
 
 namespace {
 
-constexpr severity error = severity::error;
-constexpr severity warning = severity::warning;
+using enum severity;
 
 /// What makes a slice the first one of another picture, clause 7.4.1.2.4. Elements that are not sent are equal.
 struct difference {
@@ -142,7 +141,7 @@ verdict has_all_planes(const access_unit_facts& f)
                   "one of each colour plane"};
 }
 
-constexpr rule_over<access_unit_facts> rules[] = {
+constexpr rule_over<access_unit_facts> of_access_units[] = {
     {{"order-begins-with-idr", error, "7.4.1.2.2", "a stream begins with an IDR picture",
       "Nothing else can be decoded by itself. Decoders begin with a recovery point, too: that is a warning.",
       "a stream whose first picture is a P picture"},
@@ -204,7 +203,7 @@ const char* access_unit_facts::one_difference() const
 
 std::span<const rule_over<access_unit_facts>> access_unit_rules()
 {
-    return rules;
+    return of_access_units;
 }
 
 } // namespace orv_h264

@@ -7,7 +7,7 @@ namespace orv_h264 {
 
 namespace {
 
-constexpr severity error = severity::error;
+using enum severity;
 
 std::string name_of(const hrd_schedule& schedule)
 {
@@ -83,7 +83,7 @@ verdict sum_stays(const hrd_period_facts& f)
 }
 
 constexpr rule_over<hrd_start_facts> start_rules[] = {
-    {{"hrd-begins-with-period", severity::note, "C.1", "a stream with HRD parameters begins with a buffering period",
+    {{"hrd-begins-with-period", note, "C.1", "a stream with HRD parameters begins with a buffering period",
       "The decoder of Annex C begins with one; what comes before it is not looked at.",
       "a recording that begins amid a buffering period"},
      begins_with_period},

@@ -15,7 +15,7 @@ namespace {
 /// U+FFFD.
 std::string escaped(std::string_view text)
 {
-    const std::string utf8 = json(std::string(text)).dump(-1, ' ', false, json::error_handler_t::replace);
+    const std::string utf8 = json_line(json(std::string(text)));
     std::string out;
     for (const char c : json::parse(utf8).get<std::string>()) {
         switch (c) {

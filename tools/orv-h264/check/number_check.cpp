@@ -27,7 +27,7 @@ numbered_picture numbered(const h264::access_unit& unit, const h264::picture& of
     return picture;
 }
 
-std::uint64_t first_slice_of(const h264::access_unit& unit)
+std::uint64_t first_primary_of(const h264::access_unit& unit)
 {
     const auto is_primary = [](const h264::access_unit_part& p) { return p.role == h264::unit_role::primary; };
     return std::find_if(unit.parts.begin(), unit.parts.end(), is_primary)->place.number;
@@ -39,7 +39,7 @@ void number_check::access_unit(const h264::access_unit& unit, const h264::pictur
 {
     if (unit.header == nullptr || of == nullptr)
         return;
-    const std::uint64_t slice = first_slice_of(unit);
+    const std::uint64_t slice = first_primary_of(unit);
     first_slices.emplace(of->number, slice);
     if (first_slices.size() > most_units)
         first_slices.erase(first_slices.begin());

@@ -59,7 +59,7 @@ h264::nal_unit read_set(const h264::unit_view& set, const h264::parameter_sets& 
 }
 
 /// Or the prefix unit before one.
-bool is_slice(const h264::access_unit_part& part)
+bool is_slice_or_prefix(const h264::access_unit_part& part)
 {
     return part.role >= h264::unit_role::prefix && part.role <= h264::unit_role::layer;
 }
@@ -70,7 +70,7 @@ set_preface make_preface(const h264::parameter_set_store& in_force, const h264::
                          const layer_choice& layers, const h264::parameter_sets& sets)
 {
     set_preface preface;
-    const auto slice = std::find_if(first.parts.begin(), first.parts.end(), is_slice);
+    const auto slice = std::find_if(first.parts.begin(), first.parts.end(), is_slice_or_prefix);
     const auto before_slices = static_cast<std::size_t>(slice - first.parts.begin());
     preface.before_sequence_sets = !first.parts.empty() && first.parts[0].role == h264::unit_role::delimiter ? 1 : 0;
     preface.before_picture_sets = preface.before_sequence_sets;

@@ -127,7 +127,7 @@ void report_units::add_messages(const listed_unit& unit)
 
 bool report_units::has_room(const json& object)
 {
-    const std::size_t size = object.dump(-1, ' ', false, json::error_handler_t::replace).size();
+    const std::size_t size = json_line(object).size();
     if (bytes + size > most_bytes)
         return false;
     bytes += size;
