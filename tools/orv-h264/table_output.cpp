@@ -11,7 +11,7 @@ namespace orv_h264 {
 
 namespace {
 
-std::string text_of(const json& value)
+std::string utf8_of(const json& value)
 {
     const auto& text = value.get_ref<const std::string&>();
     const auto is_ascii = [](char c) { return static_cast<unsigned char>(c) < 0x80; };
@@ -73,7 +73,7 @@ std::string cell_of(const json& value)
     if (value.is_null())
         return "";
     if (value.is_string())
-        return text_of(value);
+        return utf8_of(value);
     if (value.is_array())
         return joined(value);
     if (value.is_object() && value.contains("value"))

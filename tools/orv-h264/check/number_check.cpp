@@ -10,7 +10,7 @@ using h264::picture_finding;
 using h264::picture_structure;
 
 /// What is told of the picture of an access unit; `of` is what it is part of.
-numbered_picture numbered(const h264::access_unit& unit, const h264::picture& of)
+numbered_picture numbered_of(const h264::access_unit& unit, const h264::picture& of)
 {
     numbered_picture picture;
     picture.known = unit.whole && unit.sps != nullptr && of.has_count;
@@ -43,7 +43,7 @@ void number_check::access_unit(const h264::access_unit& unit, const h264::pictur
     first_slices.emplace(of->number, slice);
     if (first_slices.size() > most_units)
         first_slices.erase(first_slices.begin());
-    const numbered_picture picture = numbered(unit, *of);
+    const numbered_picture picture = numbered_of(unit, *of);
     if (picture.known)
         look_at_number(unit, picture, slice);
     go_on(unit, picture);
