@@ -214,6 +214,8 @@ void libavformat_demuxer::fail(int error)
 {
     if (broken)
         std::rethrow_exception(std::exchange(broken, nullptr));
+    if (error == AVERROR(ENOMEM) && !opening) // what is there has no end here
+        throw std::bad_alloc();
     if (error != AVERROR_EOF || opening)
         why = error == AVERROR_EOF ? "it ends before it has told what it holds" : text_of_error(error);
     if (opening && !messages.empty())
