@@ -165,6 +165,7 @@ struct ORV_UTILS_V4_HIDDEN access_units::state : unit_sink {
     void keep_parameter_sets();
     void take(const unit_reading& reading) override;
     void take_primary(const unit_reading& reading, const slice_header& header);
+    void take_other(const unit_reading& reading, unit_role role);
     void take_other_slice(const unit_reading& reading, unit_role role, const slice_header* header);
     void tell_picture(const unit_reading& reading, const slice_header& header);
     void join_waiting();
@@ -273,7 +274,11 @@ void access_units::state::take(const unit_reading& reading)
         return take_primary(reading, *header);
     if (is_slice(role))
         return take_other_slice(reading, role, header);
+    take_other(reading, role);
+}
 
+void access_units::state::take_other(const unit_reading& reading, unit_role role)
+{
     const unsigned type = reading.unit.header.nal_unit_type;
     if (role == unit_role::delimiter && any_slice)
         complete();
@@ -293,9 +298,9 @@ void access_units::state::take_primary(const unit_reading& reading, const slice_
 {
     const bool whole = !reading.result.failure;
     const bool goes_on = current.header != nullptr && !begins_picture(current, reading, header);
-    if (goes_on)
+    if (goes_on && !waiting.empty())
         join_waiting();
-    else if (any_slice)
+    else if (!goes_on && any_slice)
         complete();
     add_part(current.parts, reading, unit_role::primary, &header);
     any_slice = true;
@@ -351,7 +356,8 @@ void access_units::state::tell_picture(const unit_reading& reading, const slice_
 void access_units::state::add_part(std::vector<access_unit_part>& parts, const unit_reading& reading, unit_role role,
                                    const slice_header* header)
 {
-    const bool is_kept = contents_used < most_contents && is_new(reading, role);
+    const bool goes_on = role == unit_role::primary && current.header != nullptr; // with a slice like the first one
+    const bool is_kept = contents_used < most_contents && !goes_on && is_new(reading, role);
     const bool may_have_prefix = role == unit_role::primary || role == unit_role::redundant;
     const bool prefixed = may_have_prefix && !parts.empty() && parts.back().role == unit_role::prefix;
     static constexpr access_unit_part empty = {};

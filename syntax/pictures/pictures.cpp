@@ -31,6 +31,8 @@ struct ORV_UTILS_V4_HIDDEN pictures::state : picture_sink {
     picture* open = nullptr; // that has begun, in `order`
     const picture empty;     // what it begins as: of a value that g++ knows it makes rep stos, as in add_part()
     bool is_open = false;
+    picture_times own;                // of the access unit that came last, where it is a second field or has no picture
+    bool latest_is_open = false;      // else they are those of `open`
     std::uint32_t open_frame_num = 0; // behind its marking
     std::uint64_t count = 0;
     std::uint64_t sequence = 0;
@@ -70,16 +72,25 @@ const reference_marking& pictures::marking() const noexcept
     return s->marking;
 }
 
+picture_times pictures::latest_times() const noexcept
+{
+    return s->latest_is_open ? s->open->times : s->own;
+}
+
 void pictures::state::take(const access_unit& unit, const timestamp* stamp)
 {
-    if (unit.header == nullptr)
+    latest_is_open = false;
+    if (unit.header == nullptr) {
+        own = {};
         return to->access_unit_came(unit, nullptr);
+    }
     const bool second_field = is_second_field(unit);
     if (second_field) {
         add_second_field(unit, stamp);
     } else {
         close();
         begin(unit, stamp);
+        latest_is_open = true;
     }
     to->access_unit_came(unit, open);
     if (!unit.field() || second_field || unit.ends_sequence())
@@ -169,10 +180,10 @@ void pictures::state::add_second_field(const access_unit& unit, const timestamp*
     open->nal_ref_idc = std::max(open->nal_ref_idc, unit.nal_ref_idc);
     open->slice_kinds |= unit.slice_kinds;
     open->recovery_point = open->recovery_point || unit.message<recovery_point>() != nullptr;
+    own = clock.add_second_field(unit, stamp, open->fields_shown, open->times);
     open->fields_shown = static_cast<std::uint8_t>(open->fields_shown + fields_shown(unit));
     open->findings.add(unit.findings);
     add_clocks(unit);
-    clock.add_second_field(unit, stamp, open->times);
     mark(unit, true);
 }
 
