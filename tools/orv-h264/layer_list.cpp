@@ -9,7 +9,7 @@ namespace orv_h264 {
 
 namespace {
 
-bool is_slice(h264::unit_role role)
+bool is_slice_role(h264::unit_role role)
 {
     return role == h264::unit_role::primary || role == h264::unit_role::redundant || role == h264::unit_role::layer;
 }
@@ -101,7 +101,7 @@ void layer_list::add(const h264::access_unit& unit, const h264::parameter_sets& 
 {
     for (const h264::access_unit_part& part : unit.parts) {
         const bool prefix = part.role == h264::unit_role::prefix;
-        if (!prefix && !is_slice(part.role))
+        if (!prefix && !is_slice_role(part.role))
             continue;
         any_extension = any_extension || part.header.extended();
         entry* const of = find(place_of(part, sets));

@@ -28,7 +28,7 @@ bool is_told_otherwise(const h264::access_unit_part& part)
            (part.ending == h264::ending::no_stop_bit && first == "rbsp_stop_one_bit");
 }
 
-bool is_before(const row_problem& a, const row_problem& b)
+bool comes_before(const row_problem& a, const row_problem& b)
 {
     return a.offset < b.offset;
 }
@@ -178,7 +178,7 @@ std::vector<row_problem> picture_rows::problems_of(const h264::access_unit& unit
 void picture_rows::keep(std::vector<row_problem> found)
 {
     problems.insert(problems.end(), std::make_move_iterator(found.begin()), std::make_move_iterator(found.end()));
-    std::stable_sort(problems.begin(), problems.end(), is_before);
+    std::stable_sort(problems.begin(), problems.end(), comes_before);
 }
 
 /// Those that were found, and those that wait and lie before the end of the row.
@@ -191,7 +191,7 @@ void picture_rows::take_problems(picture_row& row, std::vector<row_problem> foun
     waiting_units += found.size();
     row.problems.insert(row.problems.end(), std::make_move_iterator(found.begin()),
                         std::make_move_iterator(found.end()));
-    std::stable_sort(row.problems.begin(), row.problems.end(), is_before);
+    std::stable_sort(row.problems.begin(), row.problems.end(), comes_before);
 }
 
 void picture_rows::decoded(const h264::picture& picture)

@@ -21,7 +21,7 @@ std::string or_dash(const std::string& name)
     return name.empty() ? "-" : name;
 }
 
-std::string bit_rate_text(const frame_totals& frames)
+std::string bit_rate_row(const frame_totals& frames)
 {
     std::string text = fmt::format("mean {:.0f} bit/s", *frames.bit_rate().mean());
     if (frames.padding() != 0)
@@ -38,7 +38,7 @@ void print_frames(const frame_totals& frames)
         if (frames.timed_frames() < frames.frames())
             text += fmt::format(", that of {} of the {} frames", frames.timed_frames(), frames.frames());
         print_row("Duration", text);
-        print_row("Bit rate", bit_rate_text(frames));
+        print_row("Bit rate", bit_rate_row(frames));
     }
     print_row("Frames", fmt::format("{}, {} of them key frames", frames.pictures(), frames.key_frames()));
     if (const auto distance = frames.key_distance())
@@ -79,7 +79,7 @@ std::string layer_name(const layer_summary& layer)
     return fmt::format("view {}{}", what.view_id, what.depth ? " depth" : "");
 }
 
-std::string layer_text(const layer_summary& layer)
+std::string layer_row(const layer_summary& layer)
 {
     if (!layer.sps)
         return "-";
@@ -98,7 +98,7 @@ void print_layers(const stream_summary& summary)
     for (const layer_summary& layer : layers) {
         const auto rate = bit_rate_of(layer, summary.frames);
         write_output(fmt::format("{:>10}  {:>10}  {:>10}  {:>10}  {}: {}\n", layer.pictures, layer.units, layer.bytes,
-                                 rate ? fmt::format("{}", *rate) : "-", layer_name(layer), layer_text(layer)));
+                                 rate ? fmt::format("{}", *rate) : "-", layer_name(layer), layer_row(layer)));
     }
     if (summary.layers.further_units() > 0)
         print_row("Layers",

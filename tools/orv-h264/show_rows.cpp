@@ -31,14 +31,14 @@ std::string time_text(h264::exact_time time)
 }
 
 /// Units in a row that are alike, and how many they are.
-struct unit_run {
+struct repeated_unit {
     std::uint8_t type;
     std::uint64_t count;
 };
 
-std::vector<unit_run> unit_runs(const picture_row& row)
+std::vector<repeated_unit> unit_runs(const picture_row& row)
 {
-    std::vector<unit_run> runs;
+    std::vector<repeated_unit> runs;
     for (const row_unit& u : row.units) {
         if (runs.empty() || runs.back().type != u.nal_unit_type)
             runs.push_back({u.nal_unit_type, 0});
@@ -52,7 +52,7 @@ constexpr std::size_t most_shown = 64;
 
 std::string units_text(const picture_row& row)
 {
-    const std::vector<unit_run> runs = unit_runs(row);
+    const std::vector<repeated_unit> runs = unit_runs(row);
     std::string text;
     for (std::size_t i = 0; i < std::min(runs.size(), most_shown); ++i) {
         text += text.empty() ? "" : ", ";

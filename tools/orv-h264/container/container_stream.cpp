@@ -83,7 +83,7 @@ bool is_record(std::span<const unsigned char> bytes)
     return !bytes.empty() && bytes[0] == 1;
 }
 
-bool is_parameter_set(const h264::split_unit& unit)
+bool holds_parameter_set(const h264::split_unit& unit)
 {
     const unsigned type = unit.bytes[0] & 0x1FU;
     return type == 7 || type == 8 || type == 13 || type == 15;
@@ -165,7 +165,7 @@ void container_stream::take_record(std::span<const unsigned char> bytes)
         apart.flush(units);
         for (h264::split_unit& unit : units.units) // the splitter may have had it in a buffer of its own
             unit.bytes = record_bytes.data() + unit.offset;
-        std::erase_if(units.units, [](const h264::split_unit& u) { return !is_parameter_set(u); });
+        std::erase_if(units.units, [](const h264::split_unit& u) { return !holds_parameter_set(u); });
         sets = std::move(units.units);
     }
     for (h264::split_unit& set : sets) {
