@@ -16,6 +16,8 @@
 #include <sys/types.h>
 #include <unistd.h>
 
+// The names are those of the C library.
+// NOLINTBEGIN(bugprone-reserved-identifier,readability-inconsistent-declaration-parameter-name)
 extern "C" {
 void* __libc_malloc(std::size_t size);
 void* __libc_calloc(std::size_t count, std::size_t size);
@@ -193,3 +195,4 @@ int posix_memalign(void** to, std::size_t alignment, std::size_t size)
     return 0;
 }
 }
+// NOLINTEND(bugprone-reserved-identifier,readability-inconsistent-declaration-parameter-name)

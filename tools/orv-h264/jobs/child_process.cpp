@@ -6,7 +6,6 @@
 #include <cerrno>
 #include <csignal>
 #include <system_error>
-#include <utility>
 
 #include <fcntl.h>
 #include <sys/prctl.h>
@@ -24,17 +23,21 @@ constexpr int status_unattached = 5; // of a process that has nobody to tell any
     throw std::system_error(errno, std::generic_category(), what);
 }
 
+void put_in_place_of(int standard, int pipe_end)
+{
+    if (again([&] { return ::dup2(pipe_end, standard); }) < 0) // it would print where the parent does
+        ::_exit(status_unattached);
+    ::close(pipe_end);
+}
+
 /// In the child: what goes on in it is seen through the pipes alone, and ends with the parent.
 void attach(int out, int err, pid_t parent)
 {
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (::getppid() != parent)
         ::_exit(status_unattached);
-    for (const auto& [from, to] : {std::pair(out, STDOUT_FILENO), std::pair(err, STDERR_FILENO)})
-        if (again([&] { return ::dup2(from, to); }) < 0) // it would print where the parent does
-            ::_exit(status_unattached);
-    ::close(out);
-    ::close(err);
+    put_in_place_of(STDOUT_FILENO, out);
+    put_in_place_of(STDERR_FILENO, err);
 }
 
 bool wait_for(pid_t process, int& status)
