@@ -263,7 +263,8 @@ TEST(RateTimes, FollowPulldown)
     EXPECT_EQ(decoding_of(told), presentation_of(told));
 }
 
-// No message tells decoding times: the second picture lasts three fields, and the third one is shown before they are over.
+// No message tells decoding times: the second picture lasts three fields, and the third one is shown before they are
+// over.
 TEST(RateTimes, MayShowAReorderedPictureBeforeItsDecodingWithPulldown)
 {
     timed_pictures_stream stream(1, 60, false);
