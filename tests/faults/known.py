@@ -25,7 +25,7 @@ KNOWN = (
     (r"edit - .*named", r"EIO at unlink", 1),
     (r"convert two_sizes\S+ OUT --to length4$", r"SIGKILL at write", 1),
     # What was to be proved had no name.
-    (r"edit two_sizes\S+ OUT --sar 4:3$", r"EIO at read \d+ \(\d+<\S*\(deleted\)", 1),
+    (r"edit two_sizes\S+ OUT --sar 4:3$", r"EIO at read \d+ \(\d+<\S*/run/", 1),
     # No memory: ended by a signal, or printed as if the stream had been so.
     (r"frames --json - ", r"allocation:\d+\+", 8),
     (r"info two_sizes\S+$", r"allocation:\d+$", 12),
