@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <fstream>
 #include <functional>
 #include <map>
 #include <random>
@@ -131,6 +132,7 @@ private:
     void put_parameter_sets()
     {
         support::sps_description sps;
+        sps.level_idc = 51;
         sps.log2_max_frame_num_minus4 = frame_num_width - 4;
         sps.pic_order_cnt_type = 0;
         sps.log2_max_pic_order_cnt_lsb_minus4 = pic_order_cnt_lsb_width - 4;
@@ -234,6 +236,22 @@ data_set& data_set_named(const std::string& name, std::size_t megabytes)
         throw std::invalid_argument("no data set " + name);
     maker(at->second, *how).make(megabytes * 1000 * 1000 / how->parts);
     return at->second;
+}
+
+bool write_stream(const std::string& name, std::size_t megabytes, const std::string& file)
+{
+    constexpr std::size_t most_kept = 50;
+    const data_set& set = data_set_named(name, std::min(megabytes, most_kept));
+    std::ofstream out(file, std::ios::binary);
+    const std::size_t size = megabytes * 1000 * 1000;
+    for (std::size_t written = 0; written < size && out;) {
+        // up to a picture
+        const auto end = std::lower_bound(set.annex_b_pictures.begin(), set.annex_b_pictures.end() - 1, size - written);
+        out.write(reinterpret_cast<const char*>(set.annex_b.data()), static_cast<std::streamsize>(*end));
+        written += *end;
+    }
+    out.close();
+    return !out.fail();
 }
 
 } // namespace bench

@@ -40,4 +40,8 @@ const std::vector<std::string>& data_set_names();
 /// it is first asked for.
 data_set& data_set_named(const std::string& name, std::size_t megabytes);
 
+/// Writes about that much of a data set in Annex B: 50 MB of it, over and over, so that any length needs no more
+/// memory. False: the file cannot be written.
+bool write_stream(const std::string& name, std::size_t megabytes, const std::string& file);
+
 } // namespace bench

@@ -155,6 +155,24 @@ std::size_t block_encode(h264_nal_writer& writer, const unsigned char* data, std
     return written;
 }
 
+std::size_t frame_escaped(const unsigned char* unit, std::size_t size, bool is_annex_b, unsigned char* out)
+{
+    static constexpr unsigned char start_code[] = {0, 0, 1};
+    unsigned char* w = out;
+    if (is_annex_b)
+        for (const unsigned char byte : start_code)
+            *w++ = byte;
+    else
+        for (int i = 0; i < 4; ++i)
+            *w++ = static_cast<unsigned char>(size >> (24 - 8 * i) & 0xFF);
+    for (std::size_t i = 0; i < size; ++i) {
+        if (i >= 2 && unit[i - 2] == 0 && unit[i - 1] == 0 && unit[i] <= 2)
+            return 0;
+        *w++ = unit[i];
+    }
+    return size == 0 || unit[size - 1] == 0 ? 0 : left(out, w);
+}
+
 const unsigned char* nal_parser_scan(h264_nal_parser_state* hp, unsigned char* out, std::size_t out_size,
                                      const unsigned char* s, const unsigned char* sf)
 {

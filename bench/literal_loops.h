@@ -20,6 +20,10 @@ std::size_t block_decode(brenik::h264_nal_reader& reader, unsigned char* out, st
 std::size_t block_encode(brenik::h264_nal_writer& writer, const unsigned char* data, std::size_t length,
                          const brenik::h264_nal& nal, unsigned int zero_bytes);
 
+/// orv_utils_v4::h264::frame_escaped() for Annex B with start codes of three bytes, and for lengths of four; `out` is
+/// large enough.
+std::size_t frame_escaped(const unsigned char* unit, std::size_t size, bool is_annex_b, unsigned char* out);
+
 /// h264_nal_parser_scan() for Annex B.
 const unsigned char* nal_parser_scan(h264_nal_parser_state* hp, unsigned char* out, std::size_t out_size,
                                      const unsigned char* s, const unsigned char* sf);

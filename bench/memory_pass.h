@@ -11,20 +11,8 @@
 
 namespace bench {
 
-/// Reads every byte once.
-inline void read_pass(const unsigned char* p, std::size_t size)
-{
-    std::uint64_t sums[8] = {};
-    for (; size >= sizeof sums; p += sizeof sums, size -= sizeof sums) {
-        std::uint64_t words[8];
-        std::memcpy(words, p, sizeof words);
-        for (int i = 0; i < 8; ++i)
-            sums[i] += words[i];
-    }
-    for (; size > 0; ++p, --size)
-        sums[0] += *p;
-    benchmark::DoNotOptimize(sums);
-}
+/// Reading every byte once, by each width of vectors that the machine has.
+std::vector<contender> read_passes();
 
 /// memcpy, whose result somebody may want.
 inline void copy_pass(unsigned char* out, const unsigned char* p, std::size_t size)

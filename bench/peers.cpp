@@ -66,4 +66,16 @@ std::vector<contender> to_annex_b()
 }
 #endif
 
+std::vector<std::pair<std::string, std::string>> versions()
+{
+    std::vector<std::pair<std::string, std::string>> all;
+#if defined(BENCH_WITH_LIBAV)
+    all.emplace_back("libavcodec", libav_version());
+#endif
+#if defined(BENCH_WITH_GSTREAMER)
+    all.emplace_back("GStreamer", gstreamer_version());
+#endif
+    return all;
+}
+
 } // namespace bench::peers

@@ -2,7 +2,9 @@
 #include "peers.h"
 
 #define GST_USE_UNSTABLE_API
+#include <gst/base/gstbytereader.h>
 #include <gst/codecparsers/gsth264parser.h>
+#include <gst/codecparsers/gstmpegvideoparser.h>
 #include <gst/gst.h>
 
 #include <memory>
@@ -35,6 +37,66 @@ std::uint64_t split_units(data_set& set)
         else
             return units + (result == GST_H264_PARSER_NO_NAL_END ? 1U : 0U);
     }
+}
+
+/// The call that finds where a unit begins, and leaves its end to the next.
+std::uint64_t find_units(data_set& set)
+{
+    const auto parser = new_parser();
+    std::uint64_t units = 0;
+    GstH264NalUnit unit;
+    for (guint at = 0; gst_h264_parser_identify_nalu_unchecked(parser.get(), set.annex_b.data(), at, set.annex_b_size,
+                                                               &unit) == GST_H264_PARSER_OK;
+         at = unit.offset)
+        ++units;
+    return units;
+}
+
+constexpr guint32 start_code_mask = 0xFFFFFF00;
+constexpr guint32 start_code_and_any = 0x00000100;
+
+/// The search of the byte reader for four bytes of which some may be any.
+std::uint64_t scan_bytes(data_set& set)
+{
+    const auto size = static_cast<guint>(set.annex_b_size);
+    const GstByteReader reader = GST_BYTE_READER_INIT(set.annex_b.data(), size);
+    std::uint64_t units = 0;
+    for (guint at = 0; size - at >= 4; at += 4, ++units) {
+        const guint found =
+            gst_byte_reader_masked_scan_uint32(&reader, start_code_mask, start_code_and_any, at, size - at);
+        if (found == G_MAXUINT)
+            break;
+        at = found;
+    }
+    return units;
+}
+
+/// The same, which also tells the bytes found.
+std::uint64_t scan_and_peek(data_set& set)
+{
+    const auto size = static_cast<guint>(set.annex_b_size);
+    const GstByteReader reader = GST_BYTE_READER_INIT(set.annex_b.data(), size);
+    std::uint64_t units = 0;
+    for (guint at = 0; size - at >= 4; at += 4, ++units) {
+        guint32 value = 0;
+        const guint found = gst_byte_reader_masked_scan_uint32_peek(&reader, start_code_mask, start_code_and_any, at,
+                                                                    size - at, &value);
+        if (found == G_MAXUINT)
+            break;
+        at = found;
+    }
+    return units;
+}
+
+/// MPEG-1 and MPEG-2 video have the same start codes.
+std::uint64_t split_as_mpeg_video(data_set& set)
+{
+    const auto size = static_cast<guint>(set.annex_b_size);
+    std::uint64_t units = 0;
+    GstMpegVideoPacket packet;
+    for (guint at = 0; gst_mpeg_video_parse(&packet, set.annex_b.data(), size, at) != FALSE; at = packet.offset)
+        ++units;
+    return units;
 }
 
 std::uint64_t parse_headers(data_set& set)
@@ -80,7 +142,11 @@ std::uint64_t make_sei_units(data_set& set)
 
 std::vector<contender> gstreamer_split()
 {
-    return {{side::peer, "gstreamer", split_units}};
+    return {{side::peer, "identify_nalu", split_units},
+            {side::peer, "identify_nalu_unchecked", find_units},
+            {side::peer, "masked_scan", scan_bytes},
+            {side::peer, "masked_scan_peek", scan_and_peek},
+            {side::peer, "mpeg_video_parse", split_as_mpeg_video}};
 }
 
 std::vector<contender> gstreamer_encode()
@@ -91,6 +157,13 @@ std::vector<contender> gstreamer_encode()
 std::vector<contender> gstreamer_headers()
 {
     return {{side::peer, "gstreamer", parse_headers}};
+}
+
+std::string gstreamer_version()
+{
+    guint parts[4] = {};
+    gst_version(&parts[0], &parts[1], &parts[2], &parts[3]);
+    return std::to_string(parts[0]) + '.' + std::to_string(parts[1]) + '.' + std::to_string(parts[2]);
 }
 
 } // namespace bench::peers

@@ -220,4 +220,11 @@ std::vector<contender> libav_to_annex_b()
     return {{side::peer, "libavcodec", to_start_codes}};
 }
 
+std::string libav_version()
+{
+    const unsigned int number = avcodec_version();
+    return std::to_string(number >> 16) + '.' + std::to_string(number >> 8 & 0xFF) + '.' +
+           std::to_string(number & 0xFF) + " of FFmpeg " + av_version_info();
+}
+
 } // namespace bench::peers

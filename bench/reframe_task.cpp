@@ -4,6 +4,7 @@
 #include "task.h"
 
 #include <orv-utils-v4/h264.h>
+#include <orv-utils-v4/h264_syntax.h>
 
 #include <cstring>
 
@@ -79,6 +80,63 @@ std::uint64_t copied_to_annex_b(data_set& set)
     return bytes;
 }
 
+/// Each unit that the search finds, looked at while it is copied.
+std::uint64_t framed_to_length4(data_set& set)
+{
+    namespace syntax = orv_utils_v4::h264;
+    constexpr std::size_t at_once = 256;
+    std::vector<unsigned char>& room = scratch_for(set);
+    syntax::unit_range found[at_once];
+    syntax::unit_search search(set.annex_b.data(), set.annex_b_size);
+    std::uint64_t bytes = 0;
+    for (std::size_t count = at_once; count == at_once;) {
+        count = search.next(found, at_once);
+        for (std::size_t i = 0; i < count; ++i)
+            bytes += syntax::frame_escaped(set.annex_b.data() + found[i].offset, found[i].size, 4, false, room.data(),
+                                           room.size());
+    }
+    return bytes;
+}
+
+std::uint64_t framed_to_annex_b(data_set& set)
+{
+    std::vector<unsigned char>& room = scratch_for(set);
+    unsigned char* const end = set.length4.data() + set.length4_size;
+    std::uint64_t bytes = 0;
+    h264_nal_reader reader(nalfmt_length4);
+    for (reader.scan(set.length4.data(), end); reader.found; reader.scan(reader.next, end))
+        bytes +=
+            orv_utils_v4::h264::frame_escaped(reader.nal_header, reader.nal_length, 0, false, room.data(), room.size());
+    return bytes;
+}
+
+std::uint64_t literally_framed_to_length4(data_set& set)
+{
+    std::vector<unsigned char>& room = scratch_for(set);
+    unsigned char* const end = set.annex_b.data() + set.annex_b_size;
+    std::uint64_t bytes = 0;
+    h264_nal_reader reader(nalfmt_annexb);
+    literal::scan(reader, set.annex_b.data(), end);
+    while (reader.found) {
+        const unsigned char* const unit = reader.nal_header;
+        literal::scan(reader, reader.next, end);
+        const unsigned char* const unit_end = reader.found ? reader.nal_start : end;
+        bytes += literal::frame_escaped(unit, static_cast<std::size_t>(unit_end - unit), false, room.data());
+    }
+    return bytes;
+}
+
+std::uint64_t literally_framed_to_annex_b(data_set& set)
+{
+    std::vector<unsigned char>& room = scratch_for(set);
+    unsigned char* const end = set.length4.data() + set.length4_size;
+    std::uint64_t bytes = 0;
+    h264_nal_reader reader(nalfmt_length4);
+    for (literal::scan(reader, set.length4.data(), end); reader.found; literal::scan(reader, reader.next, end))
+        bytes += literal::frame_escaped(reader.nal_header, reader.nal_length, true, room.data());
+    return bytes;
+}
+
 /// Through the RBSP, so that every escape is written anew.
 template <typename Loops>
 std::uint64_t rewritten(std::vector<unsigned char>& room, unsigned char* start, unsigned char* end,
@@ -118,14 +176,17 @@ std::vector<task> reframe_tasks()
     const auto length4_size = [](const data_set& set) { return set.length4_size; };
     const std::vector<std::string> data = {"large", "8k", "70", "zeros", "0to3", "000104", "0000xx"};
     const contender memory = {side::memory, "memcpy", copy_payloads};
-    const auto both = [&](auto ours, auto by_literal_loops) {
-        return std::vector<contender>{
-            {side::ours, "vector", ours}, {side::scalar, "literal", by_literal_loops}, memory};
+    const auto both = [&](auto ours, auto by_literal_loops, const char* name = "vector") {
+        return std::vector<contender>{{side::ours, name, ours}, {side::scalar, "literal", by_literal_loops}, memory};
     };
     return {{"T6 to length4, copied", annex_b_size, data,
              both(copied_to_length4<vector_loops>, copied_to_length4<literal_loops>) + peers::to_length4()},
             {"T6 to Annex B, copied", length4_size, data,
              both(copied_to_annex_b<vector_loops>, copied_to_annex_b<literal_loops>) + peers::to_annex_b()},
+            {"T6 to length4, as it stands", annex_b_size, data,
+             both(framed_to_length4, literally_framed_to_length4, "frame_escaped") + peers::to_length4()},
+            {"T6 to Annex B, as it stands", length4_size, data,
+             both(framed_to_annex_b, literally_framed_to_annex_b, "frame_escaped") + peers::to_annex_b()},
             {"T6 to length4, rewritten", annex_b_size, data,
              both(rewritten_to_length4<vector_loops>, rewritten_to_length4<literal_loops>) + peers::to_length4()},
             {"T6 to Annex B, rewritten", length4_size, data,

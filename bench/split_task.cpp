@@ -4,6 +4,7 @@
 #include "task.h"
 
 #include <orv-utils-v4/h264.h>
+#include <orv-utils-v4/h264_syntax.h>
 
 namespace bench {
 
@@ -33,10 +34,33 @@ std::uint64_t by_literal_loop(data_set& set)
     return count_units(set, literal::scan);
 }
 
-std::uint64_t by_reading(data_set& set)
+std::uint64_t by_search(data_set& set)
 {
-    read_pass(set.annex_b.data(), set.annex_b_size);
-    return 0;
+    constexpr std::size_t at_once = 256;
+    orv_utils_v4::h264::unit_range found[at_once];
+    orv_utils_v4::h264::unit_search search(set.annex_b.data(), set.annex_b_size);
+    std::uint64_t units = 0;
+    for (std::size_t count = at_once; count == at_once; units += count)
+        count = search.next(found, at_once);
+    return units;
+}
+
+class unit_counter : public orv_utils_v4::h264::split_sink {
+public:
+    void unit(const orv_utils_v4::h264::split_unit&) override { ++units; }
+    void gap(const orv_utils_v4::h264::split_gap&) override {}
+
+    std::uint64_t units = 0;
+};
+
+/// The stream in one piece, the last unit from a copy.
+std::uint64_t by_splitter(data_set& set)
+{
+    unit_counter counter;
+    orv_utils_v4::h264::unit_splitter splitter(orv_utils_v4::h264::framing::annex_b);
+    splitter.push(set.annex_b.data(), set.annex_b_size, counter);
+    splitter.flush(counter);
+    return counter.units;
 }
 
 } // namespace
@@ -45,9 +69,10 @@ std::vector<task> split_tasks()
 {
     return {{"T1 split", [](const data_set& set) { return set.annex_b_size; }, data_set_names(),
              std::vector<contender>{{side::ours, "reader", by_reader},
-                                    {side::scalar, "literal", by_literal_loop},
-                                    {side::memory, "read", by_reading}} +
-                 peers::split()}};
+                                    {side::ours, "search", by_search},
+                                    {side::ours, "splitter", by_splitter},
+                                    {side::scalar, "literal", by_literal_loop}} +
+                 read_passes() + peers::split()}};
 }
 
 } // namespace bench

@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace bench {
@@ -18,8 +19,23 @@ enum class side {
     scalar, ///< the loop as the clause words it
 };
 
+inline const char* name_of(side who)
+{
+    switch (who) {
+    case side::ours:
+        return "ours";
+    case side::peer:
+        return "peer";
+    case side::memory:
+        return "memory";
+    case side::scalar:
+        return "scalar";
+    }
+    return "?";
+}
+
 /// One way to do a task. The result is a number that must be the same for all of them (units, bytes, frames), 0 from
-/// one that cannot tell.
+/// a peer that cannot tell, and from a pass over the memory.
 struct contender {
     side who;
     std::string name;
@@ -31,6 +47,7 @@ struct task {
     std::function<std::uint64_t(const data_set&)> bytes; ///< that one run takes in
     std::vector<std::string> data;                       ///< names of data sets
     std::vector<contender> contenders;
+    bool is_counted = true; ///< one run goes over the units of the data set: instructions a unit mean something
 };
 
 std::vector<task> split_tasks();
@@ -50,6 +67,9 @@ std::vector<contender> headers();
 std::vector<contender> frames();
 std::vector<contender> to_length4();
 std::vector<contender> to_annex_b();
+
+/// Of what they come from.
+std::vector<std::pair<std::string, std::string>> versions();
 } // namespace peers
 
 /// Room for the largest unit of a data set, written or read back.

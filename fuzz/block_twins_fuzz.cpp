@@ -1,28 +1,28 @@
-// The blocks of this machine against those in plain C++: the walk from place to place, and escapes dropped and
-// inserted. Input: a byte for the third byte that is searched for, one for how far a walk steps on, two bytes for the
-// room of the output, high byte first, and the data.
+// The blocks of every vector that this machine has: the walk from place to place against that in plain C++, and escapes
+// dropped and inserted against a look at every byte. Input: a byte for the third byte that is searched for, one for how
+// far a walk steps on, two bytes for the room of the output, high byte first, and the data.
 #include "input.h"
 
-#include "bytescan/block_scalar.h"
 #include "bytescan/bytescan.h"
 #include "bytescan/escapes.h"
+
+#include "support/all_runs.h"
+#include "support/literal_escapes.h"
 
 namespace {
 
 using brenik::bytescan::milestone;
-using brenik::bytescan::native_block;
 using brenik::bytescan::passage;
-using brenik::bytescan::scalar_block;
 using brenik::bytescan::third_byte;
 
 constexpr third_byte kinds[] = {{0, 3}, {0, 2}, {1, 0}, {3, 0}, {0, 0}, {0, 255}};
 
 /// Where the walk finds its places.
-template <typename Block>
+template <typename Runs>
 std::vector<std::size_t> places(const fuzz::exact_block& data, third_byte kind, std::size_t step)
 {
     std::vector<std::size_t> found;
-    brenik::bytescan::zero_pairs_of<Block> pairs(data.begin(), data.end(), kind);
+    brenik::bytescan::zero_pairs_of<Runs> pairs(data.begin(), data.end(), kind);
     for (const unsigned char* p = pairs.next(); p != data.end(); p = pairs.next()) {
         found.push_back(static_cast<std::size_t>(p - data.begin()));
         const std::size_t left = static_cast<std::size_t>(data.end() - p);
@@ -31,37 +31,52 @@ std::vector<std::size_t> places(const fuzz::exact_block& data, third_byte kind, 
     return found;
 }
 
-/// What a passage leaves behind.
-struct passed {
-    std::size_t read;
-    fuzz::bytes written;
-    std::size_t behind_escape_read;
-    std::size_t behind_escape_written;
-    bool met_end;
-
-    bool operator==(const passed&) const = default;
-};
-
-template <typename Block>
-passed dropped(const fuzz::exact_block& data, std::size_t room)
+/// How far each kind goes before it leaves the rest to its callers is its own affair.
+template <typename Runs>
+void drop(const fuzz::exact_block& data, std::size_t room)
 {
     const fuzz::exact_block out(room);
     passage at = {data.begin(), data.end(), out.begin(), out.end()};
     milestone behind_escape = {at.read, at.write};
-    const bool met_end = brenik::bytescan::drop_escapes<Block>(at, behind_escape);
-    return {static_cast<std::size_t>(at.read - data.begin()), fuzz::bytes(out.begin(), at.write),
-            static_cast<std::size_t>(behind_escape.read - data.begin()),
-            static_cast<std::size_t>(behind_escape.write - out.begin()), met_end};
+    const bool met_end = brenik::bytescan::drop_escapes<Runs>(at, behind_escape);
+    const fuzz::bytes all(data.begin(), data.end());
+    const auto read = static_cast<std::size_t>(at.read - data.begin());
+    const support::passed expected = support::escapes_dropped(all, read);
+    fuzz::expect(expected.read == read && (!met_end || support::ends_unit(all, read)), "it stops where it says");
+    fuzz::expect(expected.written == fuzz::bytes(out.begin(), at.write), "escapes are dropped");
+    fuzz::expect(behind_escape.read == data.begin() + expected.behind_escape_read &&
+                     behind_escape.write == out.begin() + expected.behind_escape_written,
+                 "the last escape is where it says");
 }
 
-template <typename Block>
-passed inserted(const fuzz::exact_block& data, std::size_t room)
+template <typename Runs>
+void insert(const fuzz::exact_block& data, std::size_t room)
 {
     const fuzz::exact_block out(room);
     passage at = {data.begin(), data.end(), out.begin(), out.end()};
-    brenik::bytescan::insert_escapes<Block>(at);
-    return {static_cast<std::size_t>(at.read - data.begin()), fuzz::bytes(out.begin(), at.write), 0, 0, false};
+    brenik::bytescan::insert_escapes<Runs>(at);
+    const auto read = static_cast<std::size_t>(at.read - data.begin());
+    const support::passed expected = support::escapes_inserted(fuzz::bytes(data.begin(), data.end()), read);
+    fuzz::expect(expected.read == read, "it stops where it says");
+    fuzz::expect(expected.written == fuzz::bytes(out.begin(), at.write), "escapes are inserted");
 }
+
+/// The data for every kind of run.
+template <typename... Runs>
+struct every {
+    static void take(const fuzz::exact_block& data, third_byte kind, std::size_t step, std::size_t room)
+    {
+        const auto expected = places<support::plain_runs>(data, kind, step);
+        const auto take_one = [&]<typename One>(const One*) {
+            if (!support::can_run<One>())
+                return;
+            fuzz::expect(places<One>(data, kind, step) == expected, "both walks find the same places");
+            drop<One>(data, room);
+            insert<One>(data, room);
+        };
+        (take_one(static_cast<const Runs*>(nullptr)), ...);
+    }
+};
 
 } // namespace
 
@@ -73,11 +88,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::size_t room_high = input.byte();
     const std::size_t room = room_high % 16 * 256 + input.byte();
     const fuzz::exact_block block(input.rest());
-    fuzz::expect(places<native_block>(block, kind, step) == places<scalar_block>(block, kind, step),
-                 "both walks find the same places");
-    fuzz::expect(dropped<native_block>(block, room) == dropped<scalar_block>(block, room),
-                 "both drop the same escapes");
-    fuzz::expect(inserted<native_block>(block, room) == inserted<scalar_block>(block, room),
-                 "both insert the same escapes");
+    support::all_runs<every>::take(block, kind, step, room);
     return 0;
 }

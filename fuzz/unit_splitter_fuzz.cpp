@@ -1,8 +1,9 @@
 // The unit splitter: the same units and gaps for every cut of a stream, and together with zero bytes they are all of
-// it. Input: a byte each for the framing, the bytes of a piece (modulo 32; above that, how much more the next one has)
-// and the largest unit, and the stream.
+// it; the unit search finds the same units. Input: a byte each for the framing, the bytes of a piece (modulo 32; above
+// that, how much more the next one has) and the largest unit, and the stream.
 #include "input.h"
 
+#include <orv-utils-v4/h264_syntax/unit_search.h>
 #include <orv-utils-v4/h264_syntax/unit_splitter.h>
 
 #include <algorithm>
@@ -77,6 +78,31 @@ void expect_all(const bytes& stream, const std::vector<part>& parts, framing how
     }
 }
 
+/// The units of the stream, searched for so many at a time, are those that the splitter hands on.
+void expect_searched(const bytes& stream, std::size_t at_a_time)
+{
+    const exact_block block(stream);
+    unit_search search(block.begin(), stream.size());
+    std::vector<unit_range> places(at_a_time);
+    std::size_t found = 0;
+    std::size_t used = 0;
+    const auto next = [&] {
+        if (used == found) {
+            found = search.next(places.data(), places.size());
+            used = 0;
+        }
+        return used == found ? unit_range() : places[used++];
+    };
+    for (const part& p : split(stream, framing::annex_b, unit_splitter::usual_most_bytes, stream.size() + 1, 0)) {
+        if (p.kind != -1)
+            continue;
+        const unit_range place = next();
+        expect(place.offset == p.offset && place.size == p.size && place.framing_size == p.framing_size,
+               "the search finds the splitter's unit");
+    }
+    expect(next().size == 0, "the search finds no other unit");
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
@@ -90,5 +116,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::vector<part> whole = split(stream, how, most, stream.size() + 1, 0);
     expect_all(stream, whole, how, most);
     expect(split(stream, how, most, 1 + pieces % 32, pieces / 32) == whole, "every cut gives the same");
+    expect_searched(stream, 1 + pieces % 32);
     return 0;
 }

@@ -13,4 +13,5 @@
 #include <orv-utils-v4/h264_syntax/pictures.h>
 #include <orv-utils-v4/h264_syntax/registered_user_data.h>
 #include <orv-utils-v4/h264_syntax/stream.h>
+#include <orv-utils-v4/h264_syntax/unit_search.h>
 #include <orv-utils-v4/h264_syntax/unit_splitter.h>

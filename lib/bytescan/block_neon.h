@@ -33,6 +33,30 @@ struct neon_block {
         return vgetq_lane_u64(vreinterpretq_u64_u8(vpaddq_u8(fours, fours)), 0);
     }
 
+    /// The first 16 of places(). Reads 18 bytes.
+    static std::uint64_t first_places(const unsigned char* p, third_byte third) noexcept
+    {
+        const uint8x16_t third_difference =
+            vqsubq_u8(veorq_u8(vld1q_u8(p + 2), vdupq_n_u8(third.value)), vdupq_n_u8(third.slack));
+        const uint8x16_t differences = vorrq_u8(vorrq_u8(vld1q_u8(p), vld1q_u8(p + 1)), third_difference);
+        const uint8x16_t pairs = vpaddq_u8(bits_of_zeros(differences), vdupq_n_u8(0));
+        const uint8x16_t fours = vpaddq_u8(pairs, pairs);
+        return vgetq_lane_u16(vreinterpretq_u16_u8(vpaddq_u8(fours, fours)), 0);
+    }
+
+    /// Whether two zero bytes are at one of the places. Reads 65 bytes.
+    static bool has_pair(const unsigned char* p) noexcept
+    {
+        const auto pair = [&](int at) { return vorrq_u8(vld1q_u8(p + at), vld1q_u8(p + at + 1)); };
+        return vminvq_u8(vminq_u8(vminq_u8(pair(0), pair(16)), vminq_u8(pair(32), pair(48)))) == 0;
+    }
+
+    /// Copies 64 bytes; all are read before any is written.
+    static void copy_block(unsigned char* out, const unsigned char* from) noexcept
+    {
+        vst1q_u8_x4(out, vld1q_u8_x4(from));
+    }
+
 private:
     static uint8x16_t bits_of_zeros(uint8x16_t bytes) noexcept
     {

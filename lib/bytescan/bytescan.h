@@ -2,7 +2,7 @@
 // that data full of them costs no more than a step each.
 #pragma once
 
-#include "bytescan/block.h"
+#include "bytescan/native_runs.h"
 #include "bytescan/third_byte.h"
 
 #include <orv-utils-v4/h2645_common/advance_past.h>
@@ -16,7 +16,7 @@ namespace brenik::bytescan {
 
 /// The places p of a range where p[0] = p[1] = 0 and p[2] is of a kind, all three bytes in the range; one after
 /// another.
-template <typename Block>
+template <typename Runs>
 class zero_pairs_of {
 public:
     zero_pairs_of(const unsigned char* start, const unsigned char* end, third_byte kind) noexcept
@@ -47,33 +47,44 @@ private:
     /// Goes to the next block with a place; false when there is none.
     bool search() noexcept
     {
-        for (block = searched; range_size(block, fence) >= block_bytes; block = searched) {
-            ask_ahead(block);
-            searched = block + block_places;
-            places = Block::places(block, third);
-            if (places != 0)
+        block = searched;
+        if (range_size(block, fence) >= block_bytes) {
+            const seen_block seen = Runs::find(block, fence, third);
+            block = seen.start;
+            places = seen.places;
+            if (places != 0) {
+                searched = block + block_places;
                 return true;
+            }
         }
-        const std::size_t left = range_size(block, fence);
-        if (left <= block_bytes - block_places)
+        return search_end(range_size(block, fence));
+    }
+
+    /// The same where `left` bytes are fewer than a block.
+    bool search_end(std::size_t left) noexcept
+    {
+        constexpr std::size_t behind_place = block_bytes - block_places;
+        if (left <= behind_place)
             return false;
-        searched = fence - (block_bytes - block_places);
-        places = last_places(left - (block_bytes - block_places));
+        searched = fence - behind_place;
+        places = last_places(left - behind_place);
         return places != 0;
     }
 
     /// The places among the last `count` of the range, fewer than a block has.
     std::uint64_t last_places(std::size_t count) const noexcept
     {
-        constexpr std::size_t few = 16;
-        if (count <= few)
+        constexpr std::size_t third_of_last = block_bytes - block_places;
+        if (count <= few_places && range_size(first, fence) >= few_places + third_of_last)
+            return Runs::first_places(fence - few_places - third_of_last, third) >> (few_places - count);
+        if (count <= few_places)
             return places_one_by_one(count);
         if (range_size(first, fence) >= block_bytes)
-            return Block::places(fence - block_bytes, third) >> (block_places - count);
+            return Runs::places(fence - block_bytes, third) >> (block_places - count);
         unsigned char padded[block_bytes];
         std::memset(padded, 0xFF, sizeof padded);
         std::memcpy(padded, block, range_size(block, fence));
-        return Block::places(padded, third) & ~(~std::uint64_t{0} << count);
+        return Runs::places(padded, third) & ~(~std::uint64_t{0} << count);
     }
 
     std::uint64_t places_one_by_one(std::size_t count) const noexcept
@@ -92,7 +103,7 @@ private:
     std::uint64_t places = 0;      // bit i: `block` + i is a place that has not been passed
 };
 
-using zero_pairs = zero_pairs_of<native_block>;
+using zero_pairs = zero_pairs_of<native_runs>;
 
 /// The first place p in [`start`, `fence`) where p[0] = p[1] = 0 and p[2] <= `largest_third` (at most 3), all three
 /// bytes before `fence`; `fence` when there is none.

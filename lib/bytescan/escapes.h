@@ -3,11 +3,10 @@
 // them, so that no branch depends on how far they lie apart.
 #pragma once
 
-#include "bytescan/block.h"
 #include "bytescan/copy_bytes.h"
+#include "bytescan/native_runs.h"
+#include "bytescan/passage.h"
 #include "bytescan/third_byte.h"
-
-#include <orv-utils-v4/h2645_common/advance_past.h>
 
 #include <array>
 #include <bit>
@@ -16,42 +15,6 @@
 #include <cstring>
 
 namespace brenik::bytescan {
-
-/// Bytes on their way from one range to another.
-struct passage {
-    const unsigned char* read;
-    const unsigned char* read_fence;
-    unsigned char* write;
-    unsigned char* write_fence;
-
-    /// Whether a byte may be written before it is read, when they are more than one at a time.
-    bool runs_into_itself() const noexcept
-    {
-        const auto address = [](const unsigned char* p) { return reinterpret_cast<std::uintptr_t>(p); };
-        return address(read) < address(write) && address(write) < address(read_fence);
-    }
-
-    /// Whether there is a block and what is read of the bytes behind it, and room for `most_written`.
-    bool holds_block(std::size_t most_written) const noexcept
-    {
-        return range_size(read, read_fence) >= 2 * block_bytes && range_size(write, write_fence) >= most_written;
-    }
-
-    void advance(std::size_t bytes_read, std::size_t bytes_written) noexcept
-    {
-        read += bytes_read;
-        write += bytes_written;
-    }
-
-    /// The bytes may be written a little before where they are read.
-    void copy_block() noexcept
-    {
-        constexpr std::size_t half = block_places / 2;
-        copy_two_blocks<half / 2>(write, read, half);
-        copy_two_blocks<half / 2>(write + half, read + half, half);
-        advance(block_places, block_places);
-    }
-};
 
 /// Where a passage once was.
 struct milestone {
@@ -115,33 +78,29 @@ private:
     unsigned char* write = bytes;
 };
 
-/// Copies blocks up to one with places that matter, and tells those; 0 when blocks do not fit any more.
-template <typename Block>
-std::uint64_t copy_plain_blocks(passage& bytes, std::size_t most_written) noexcept
+/// Copies the first few bytes of an RBSP, up to where they are escaped. True when the unit ends among them.
+inline bool take_first_few(passage& at) noexcept
 {
-    passage at = bytes; // in registers
-    std::uint64_t places = 0;
-    while (at.holds_block(most_written)) {
-        ask_ahead(at.read);
-        places = Block::places(at.read, at_most_3);
-        if (places != 0)
-            break;
-        at.copy_block();
-    }
-    bytes = at;
-    return places;
+    if (!at.holds_block(block_bytes))
+        return false;
+    const unsigned char* const place = first_of_few(at.read, near_places, at_most_3);
+    const auto before_place = static_cast<std::size_t>(place - at.read);
+    const bool is_place = before_place < near_places;
+    if (is_place && place[2] == 3)
+        return false;
+    copy_bytes(at.write, at.read, before_place);
+    at.advance(before_place, before_place);
+    return is_place;
 }
 
-/// Copies the RBSP of a unit up to its end: two zeros and a byte of at most 2. True when `at` has come there; else
-/// blocks do not fit any more, and all bytes before `at` have been looked at.
-/// @param behind_escape where the last escape ended, unchanged when there was none
-template <typename Block = native_block>
-bool drop_escapes(passage& at, milestone& behind_escape) noexcept
+/// drop_escapes() for a unit that may be of any size.
+template <typename Runs>
+bool drop_escapes_in_blocks(passage& at, milestone& behind_escape) noexcept
 {
     constexpr std::uint64_t every_third_place = 0x9249249249249249; // the first and the last one included
     constexpr std::size_t places_then = 22;
-    while (std::uint64_t places = copy_plain_blocks<Block>(at, block_bytes)) {
-        if (places == every_third_place && places == Block::places(at.read, three)) {
+    while (std::uint64_t places = Runs::copy(at, at_most_3, block_bytes)) {
+        if (places == every_third_place && places == Runs::places(at.read, three)) {
             std::memset(at.write, 0, 2 * places_then);
             at.advance(3 * places_then, 2 * places_then);
             behind_escape = {at.read, at.write};
@@ -170,6 +129,36 @@ bool drop_escapes(passage& at, milestone& behind_escape) noexcept
     return false;
 }
 
+/// Copies the RBSP of a unit up to its end: two zeros and a byte of at most 2. True when `at` has come there; else
+/// blocks do not fit any more, and all bytes before `at` have been looked at.
+/// @param behind_escape where the last escape ended, unchanged when there was none
+template <typename Runs = native_runs>
+inline bool drop_escapes(passage& at, milestone& behind_escape) noexcept
+{
+    if (take_first_few(at))
+        return true;
+    if (!at.holds_block(block_bytes))
+        return false;
+    passage bytes = at; // what others have the address of does not stay in registers
+    milestone behind_last = behind_escape;
+    const bool met_end = drop_escapes_in_blocks<Runs>(bytes, behind_last);
+    at = bytes;
+    behind_escape = behind_last;
+    return met_end;
+}
+
+/// Whether a payload is so small that two zeros are looked for one by one, and has none: nothing is to be escaped.
+inline bool is_small_and_plain(const unsigned char* p, const unsigned char* fence) noexcept
+{
+    const std::size_t size = range_size(p, fence);
+    if (size > near_places)
+        return false;
+    for (std::size_t i = 1; i < size; ++i)
+        if (p[i] == 0 && p[i - 1] == 0)
+            return false;
+    return true;
+}
+
 /// What a block of zeros before a byte of at most 3 becomes.
 constexpr std::array<unsigned char, block_places / 2 * 3> zeros_escaped = [] {
     std::array<unsigned char, block_places / 2 * 3> bytes{};
@@ -178,13 +167,12 @@ constexpr std::array<unsigned char, block_places / 2 * 3> zeros_escaped = [] {
     return bytes;
 }();
 
-/// Copies an RBSP with an emulation-prevention byte behind each pair of zeros before a byte of at most 3, up to where
-/// blocks do not fit any more.
-template <typename Block = native_block>
-void insert_escapes(passage& at) noexcept
+/// insert_escapes() where there is a block.
+template <typename Runs>
+void insert_escapes_in_blocks(passage& at) noexcept
 {
     constexpr std::uint64_t every_place = ~std::uint64_t{0};
-    while (std::uint64_t places = copy_plain_blocks<Block>(at, rewritten_block::most_written)) {
+    while (std::uint64_t places = Runs::copy(at, at_most_3, rewritten_block::most_written)) {
         if (places == every_place) {
             std::memcpy(at.write, zeros_escaped.data(), zeros_escaped.size());
             at.advance(block_places, zeros_escaped.size());
@@ -200,6 +188,18 @@ void insert_escapes(passage& at) noexcept
         block.copy_to_end();
         block.put(at);
     }
+}
+
+/// Copies an RBSP with an emulation-prevention byte behind each pair of zeros before a byte of at most 3, up to where
+/// blocks do not fit any more.
+template <typename Runs = native_runs>
+inline void insert_escapes(passage& at) noexcept
+{
+    if (!at.holds_block(rewritten_block::most_written))
+        return;
+    passage bytes = at; // as above
+    insert_escapes_in_blocks<Runs>(bytes);
+    at = bytes;
 }
 
 } // namespace brenik::bytescan

@@ -1,7 +1,7 @@
-// Splitting into NAL units, H.264 B.1 and ISO/IEC 14496-15. The search for zero pairs is that of the other libraries.
+// Splitting into NAL units, H.264 B.1 and ISO/IEC 14496-15.
 #include <orv-utils-v4/h264_syntax/unit_splitter.h>
 
-#include "bytescan/bytescan.h"
+#include "stream/start_codes.h"
 
 #include <algorithm>
 #include <utility>
@@ -11,12 +11,6 @@ namespace orv_utils_v4::h264 {
 namespace {
 
 constexpr std::size_t longest_look_back = 2; // of the three bytes that end a unit, those before a piece
-
-/// The first place of 00 00 00 or 00 00 01 in the range; its end when there is none.
-const unsigned char* find_unit_end(const unsigned char* start, const unsigned char* end)
-{
-    return brenik::bytescan::find_zero_pair(start, end, 1);
-}
 
 } // namespace
 
@@ -54,7 +48,8 @@ void unit_splitter::flush(split_sink& to)
     close_gap(pushed - zeros, to);
 }
 
-// Goes to the end of the Annex B unit, or keeps what there is of it. Its end may have begun before the piece.
+// Goes to the end of the Annex B unit, or keeps what there is of it. Its end may have begun before the piece. Units
+// whose start codes follow at once are taken with it: the search knows more than the one end.
 const unsigned char* unit_splitter::take_unit(const unsigned char* at, const unsigned char* fence, split_sink& to)
 {
     const std::size_t before = std::min(held.size(), longest_look_back);
@@ -62,7 +57,8 @@ const unsigned char* unit_splitter::take_unit(const unsigned char* at, const uns
     unsigned char seam[2 * longest_look_back];
     std::copy(held.end() - static_cast<std::ptrdiff_t>(before), held.end(), seam);
     std::copy(at, at + behind, seam + before);
-    const auto end_in_seam = static_cast<std::size_t>(find_unit_end(seam, seam + before + behind) - seam);
+    const unsigned char* const seam_end = seam + before + behind;
+    const auto end_in_seam = static_cast<std::size_t>(start_codes(seam, seam_end).next_end(seam) - seam);
     if (before != 0 && end_in_seam < before) {
         zeros = before - end_in_seam;
         held.resize(held.size() - zeros);
@@ -70,14 +66,23 @@ const unsigned char* unit_splitter::take_unit(const unsigned char* at, const uns
         end_unit(at, at, to);
         return at;
     }
-    const unsigned char* const end = find_unit_end(at, fence);
-    if (end == fence) {
-        hold(at, fence);
-        return fence;
+    start_codes codes(at, fence);
+    for (;;) {
+        const unsigned char* const end = codes.next_end(at);
+        if (end == fence) {
+            hold(at, fence);
+            return fence;
+        }
+        zeros = 0;
+        end_unit(at, end, to);
+        const unsigned char* const code = start_codes::behind_zero_byte(end, fence);
+        if (code == fence)
+            return end;
+        at = code + start_codes::size;
+        framing_size = static_cast<unsigned>(at - end);
+        unit_offset = offset_of(at);
+        in_unit = true;
     }
-    zeros = 0;
-    end_unit(at, end, to);
-    return end;
 }
 
 // Goes to the next start code. Bytes that are neither zero nor of a start code are a gap.

@@ -165,4 +165,74 @@ TEST(Frame, HostileBytesComeBackByUnescape)
     }
 }
 
+bytes framed_as_it_stands(const bytes& unit, unsigned prefix_size, bool zero_byte = false)
+{
+    const guarded_buffer from(unit);
+    const guarded_buffer out(unit.size() + 4);
+    const std::size_t size = frame_escaped(from.begin(), unit.size(), prefix_size, zero_byte, out.begin(), out.size());
+    EXPECT_TRUE(out.surroundings_untouched());
+    return {out.begin(), out.begin() + size};
+}
+
+TEST(FrameEscaped, AUnitStandsBehindItsFraming)
+{
+    const bytes unit = {0x41, 0, 0, 3, 1, 9};
+    EXPECT_EQ(framed_as_it_stands(unit, 0), (bytes{0, 0, 1, 0x41, 0, 0, 3, 1, 9}));
+    EXPECT_EQ(framed_as_it_stands(unit, 0, true), (bytes{0, 0, 0, 1, 0x41, 0, 0, 3, 1, 9}));
+    EXPECT_EQ(framed_as_it_stands(unit, 1), (bytes{6, 0x41, 0, 0, 3, 1, 9}));
+    EXPECT_EQ(framed_as_it_stands(unit, 2), (bytes{0, 6, 0x41, 0, 0, 3, 1, 9}));
+    EXPECT_EQ(framed_as_it_stands(unit, 3), (bytes{0, 0, 6, 0x41, 0, 0, 3, 1, 9}));
+    EXPECT_EQ(framed_as_it_stands(unit, 4, true), (bytes{0, 0, 0, 6, 0x41, 0, 0, 3, 1, 9}));
+    EXPECT_EQ(framed_as_it_stands({0x41, 0, 0, 3}, 1), (bytes{4, 0x41, 0, 0, 3})); // cabac_zero_words
+}
+
+TEST(FrameEscaped, WhatWouldEndAUnitIsRefusedAtEveryPlace)
+{
+    for (std::size_t size = 4; size < 300; size += size < 20 ? 1 : 37)
+        for (std::size_t place = 1; place + 3 <= size; ++place)
+            for (unsigned char third = 0; third < 5; ++third) {
+                bytes unit(size, 0x41);
+                unit[place] = unit[place + 1] = 0;
+                unit[place + 2] = third;
+                const bool is_sound = third >= 3;
+                ASSERT_EQ(is_sound ? size + 1 + (size > 255 ? 1 : 0) : 0,
+                          framed_as_it_stands(unit, size > 255 ? 2 : 1).size())
+                    << size << ", " << place << ", " << int{third};
+            }
+}
+
+TEST(FrameEscaped, ZerosAtTheEndAreRefused)
+{
+    EXPECT_TRUE(framed_as_it_stands({0x41, 0x80, 0}, 0).empty());
+    EXPECT_TRUE(framed_as_it_stands({0x41, 0x80, 0, 0}, 4).empty());
+    EXPECT_TRUE(framed_as_it_stands({0}, 0).empty());
+}
+
+TEST(FrameEscaped, WhatDoesNotFitIsRefused)
+{
+    const bytes unit(256, 0x41);
+    EXPECT_TRUE(framed_as_it_stands(unit, 1).empty());
+    EXPECT_TRUE(framed_as_it_stands(unit, 5).empty());
+    EXPECT_TRUE(framed_as_it_stands({}, 0).empty());
+    for (std::size_t room = 0; room < 260; ++room) {
+        const guarded_buffer out(room);
+        EXPECT_EQ(room < 259 ? 0 : 259, frame_escaped(unit.data(), unit.size(), 0, false, out.begin(), room)) << room;
+        EXPECT_TRUE(out.surroundings_untouched()) << room;
+    }
+}
+
+TEST(FrameEscaped, MovesAUnitInItsOwnBuffer)
+{
+    for (std::size_t size = 1; size < 400; size += 3)
+        for (const std::size_t from : {0U, 3U, 4U, 5U, 70U}) {
+            bytes buffer(from, 0xEE);
+            for (std::size_t i = 0; i < size; ++i)
+                buffer.push_back(static_cast<unsigned char>(1 + i % 255));
+            const bytes unit(buffer.begin() + static_cast<std::ptrdiff_t>(from), buffer.end());
+            buffer.resize(size + 80);
+            ASSERT_EQ(size + 4, frame_escaped(buffer.data() + from, size, 4, false, buffer.data(), buffer.size()));
+            ASSERT_EQ(unit, bytes(buffer.begin() + 4, buffer.begin() + 4 + static_cast<std::ptrdiff_t>(size))) << from;
+        }
+}
+
 } // namespace

@@ -7,6 +7,7 @@
 #include "memory_guard.h"
 #include "names.h"
 #include "registered_trace.h"
+#include "standard_output.h"
 #include "table_output.h"
 #include "unit_run.h"
 #include "words.h"
@@ -340,7 +341,10 @@ private:
             print_text();
     }
 
-    static void print_line(std::string_view label, const std::string& text) { fmt::print("{:<12}{}\n", label, text); }
+    static void print_line(std::string_view label, const std::string& text)
+    {
+        write_output(fmt::format("{:<12}{}\n", label, text));
+    }
 
     void print_text() const
     {

@@ -139,6 +139,7 @@ picture_rows::waiting_row& picture_rows::row_of(const h264::access_unit& unit, c
     added.row.offset = fed_of(unit.parts.front()).begin;
     added.header = fed_of(unit.parts.front()).header;
     added.tick = tick_of(unit);
+    added.own = pictures.latest_times();
     return added;
 }
 
@@ -234,7 +235,8 @@ std::pair<picture_rows::row_place, picture_rows::row_place> picture_rows::rows_o
     return {first, fence};
 }
 
-/// Of two rows the one whose field is output second is shown behind the other.
+/// Of two rows, the second has the times of its own picture timing; else the one whose field is output second is shown
+/// behind the other.
 void picture_rows::set_times(const h264::picture& picture)
 {
     const auto [first, fence] = rows_of(picture.number);
@@ -247,6 +249,12 @@ void picture_rows::set_times(const h264::picture& picture)
     if (fence - first != 2)
         return;
     const row_place second = first + 1;
+    if (second->own.source == h264::time_source::hrd) {
+        second->row.time_source = second->own.source;
+        second->row.dts = second->own.decoding;
+        second->row.pts = second->own.presentation;
+        return;
+    }
     second->row.dts = is_rate(picture.times.source)
                           ? h264::time_after(picture.times.decoding, first->row.field_duration, first->tick)
                           : h264::exact_time();

@@ -142,6 +142,21 @@ ORV_UTILS_V4_EXPORT bool write_before_data(const nal_unit& unit, const unit_cont
 ORV_UTILS_V4_EXPORT std::size_t frame(const unsigned char* bytes, std::size_t size, unsigned prefix_size,
                                       bool zero_byte, unsigned char* out, std::size_t room) noexcept;
 
+/// Puts a unit that has its emulation prevention into a framing as it stands. That it has is looked at while it is
+/// copied: no 00 00 00, 00 00 01 or 00 00 02 in it, no 00 at its end (clause 7.4.1), so that it ends where it should in
+/// either framing.
+/// @param unit its header byte first, as a unit_splitter gives it
+/// @param size how many bytes
+/// @param prefix_size 1 to 4 for a length prefix, 0 for Annex B
+/// @param zero_byte Annex B: a start code of four bytes
+/// @param out where it goes
+/// @param room its bytes: 4 more than the unit are enough
+/// @return the bytes written; 0 when they do not fit the room or the prefix, or the unit is not escaped as it should
+/// be:
+///     then frame() of what unescape() makes of it is one that is
+ORV_UTILS_V4_EXPORT std::size_t frame_escaped(const unsigned char* unit, std::size_t size, unsigned prefix_size,
+                                              bool zero_byte, unsigned char* out, std::size_t room) noexcept;
+
 /// Gives the one element that a path names a new value. A path is the element's name, with its indices in brackets, and
 /// as many of the structures around it, outermost first and joined by dots, as tell it apart: "time_scale",
 /// "vui_parameters.time_scale", "offset_for_ref_frame[2]". What the new value brings into the syntax holds what is

@@ -1,9 +1,10 @@
 // Emulation-prevention bytes dropped and inserted block by block, against a look at every byte, with each kind of block
 // and whatever lies at the ends.
-#include "bytescan/block_scalar.h"
 #include "bytescan/escapes.h"
 
+#include "support/all_runs.h"
 #include "support/guarded_buffer.h"
+#include "support/literal_escapes.h"
 #include "support/zero_heavy.h"
 
 #include <gtest/gtest.h>
@@ -11,57 +12,13 @@
 namespace {
 
 using brenik::bytescan::milestone;
-using brenik::bytescan::native_block;
 using brenik::bytescan::passage;
-using brenik::bytescan::scalar_block;
 using support::bytes;
+using support::escapes_dropped;
+using support::escapes_inserted;
 using support::guarded_buffer;
+using support::passed;
 using support::random_source;
-
-/// What is left, and written, when `read` bytes have been looked at.
-struct passed {
-    std::size_t read = 0;
-    bytes written = {};
-    std::size_t behind_escape_read = 0;
-    std::size_t behind_escape_written = 0;
-};
-
-bool is_place(const bytes& data, std::size_t p)
-{
-    return p + 3 <= data.size() && data[p] == 0 && data[p + 1] == 0 && data[p + 2] <= 3;
-}
-
-/// Without escapes, up to the unit's end, or to `stop` where that comes first.
-passed dropped(const bytes& data, std::size_t stop)
-{
-    passed result;
-    while (result.read < stop && !(is_place(data, result.read) && data[result.read + 2] != 3)) {
-        if (is_place(data, result.read)) {
-            result.written.insert(result.written.end(), 2, 0);
-            result.read += 3;
-            result.behind_escape_read = result.read;
-            result.behind_escape_written = result.written.size();
-        } else {
-            result.written.push_back(data[result.read++]);
-        }
-    }
-    return result;
-}
-
-/// With escapes, up to `stop`.
-passed inserted(const bytes& data, std::size_t stop)
-{
-    passed result;
-    while (result.read < stop) {
-        if (is_place(data, result.read)) {
-            result.written.insert(result.written.end(), {0, 0, 3});
-            result.read += 2;
-        } else {
-            result.written.push_back(data[result.read++]);
-        }
-    }
-    return result;
-}
 
 std::size_t offset(const guarded_buffer& buffer, const unsigned char* p)
 {
@@ -73,44 +30,49 @@ passage all_of(const guarded_buffer& from, const guarded_buffer& to)
     return {from.begin(), from.end(), to.begin(), to.end()};
 }
 
-template <typename Block>
+template <typename Runs>
 void expect_dropped(const bytes& data, std::size_t room)
 {
     const guarded_buffer from(data);
     const guarded_buffer to(room);
     passage at = all_of(from, to);
     milestone behind_escape = {at.read, at.write};
-    const bool met_end = brenik::bytescan::drop_escapes<Block>(at, behind_escape);
-    const passed expected = dropped(data, offset(from, at.read));
+    const bool met_end = brenik::bytescan::drop_escapes<Runs>(at, behind_escape);
+    const passed expected = escapes_dropped(data, offset(from, at.read));
     ASSERT_EQ(expected.read, offset(from, at.read));
     ASSERT_EQ(expected.written, bytes(to.begin(), at.write));
     ASSERT_TRUE(guarded_buffer::untouched(at.write, to.end())) << "bytes behind the last were written";
     ASSERT_EQ(expected.behind_escape_read, offset(from, behind_escape.read));
     ASSERT_EQ(expected.behind_escape_written, offset(to, behind_escape.write));
-    ASSERT_EQ(met_end, is_place(data, expected.read) && data[expected.read + 2] != 3 && met_end);
+    ASSERT_EQ(met_end, support::ends_unit(data, expected.read) && met_end);
     ASSERT_TRUE(met_end || from.size() - expected.read < 132 || room - expected.written.size() < 66);
 }
 
-template <typename Block>
+template <typename Runs>
 void expect_inserted(const bytes& data, std::size_t room)
 {
     const guarded_buffer from(data);
     const guarded_buffer to(room);
     passage at = all_of(from, to);
-    brenik::bytescan::insert_escapes<Block>(at);
-    const passed expected = inserted(data, offset(from, at.read));
+    brenik::bytescan::insert_escapes<Runs>(at);
+    const passed expected = escapes_inserted(data, offset(from, at.read));
     ASSERT_EQ(expected.read, offset(from, at.read));
     ASSERT_EQ(expected.written, bytes(to.begin(), at.write));
     ASSERT_TRUE(guarded_buffer::untouched(at.write, to.end())) << "bytes behind the last were written";
     ASSERT_TRUE(from.size() - expected.read < 132 || room - expected.written.size() < 97);
 }
 
-template <typename Block>
+template <typename Runs>
 class Escapes : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        if (!support::can_run<Runs>())
+            GTEST_SKIP() << "this machine has no such vectors";
+    }
 };
 
-using blocks = testing::Types<scalar_block, native_block>;
-TYPED_TEST_SUITE(Escapes, blocks);
+TYPED_TEST_SUITE(Escapes, support::all_runs<testing::Types>);
 
 /// `unit` again and again behind `before` other bytes.
 bytes repeated(const bytes& unit, std::size_t before, std::size_t size)
@@ -187,7 +149,7 @@ TYPED_TEST(Escapes, AreDroppedInPlace)
         passage at = all_of(buffer, buffer);
         milestone behind_escape = {at.read, at.write};
         brenik::bytescan::drop_escapes<TypeParam>(at, behind_escape);
-        const passed expected = dropped(data, offset(buffer, at.read));
+        const passed expected = escapes_dropped(data, offset(buffer, at.read));
         ASSERT_EQ(expected.written, bytes(buffer.begin(), at.write));
         ASSERT_EQ(bytes(data.begin() + static_cast<std::ptrdiff_t>(expected.read), data.end()),
                   bytes(buffer.begin() + expected.read, buffer.end()));
@@ -205,7 +167,7 @@ TYPED_TEST(Escapes, BlocksWithoutAnyAreCopiedInPlaceBehindOneThatWas)
         milestone behind_escape = {at.read, at.write};
         brenik::bytescan::drop_escapes<TypeParam>(at, behind_escape);
         ASSERT_EQ(escapes, static_cast<std::size_t>(at.read - at.write));
-        ASSERT_EQ(dropped(data, offset(buffer, at.read)).written, bytes(buffer.begin(), at.write));
+        ASSERT_EQ(escapes_dropped(data, offset(buffer, at.read)).written, bytes(buffer.begin(), at.write));
     }
 }
 

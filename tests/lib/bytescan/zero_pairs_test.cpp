@@ -1,8 +1,8 @@
 // The search for pairs of zeros: what each kind of block finds against plain C++, and the walk from place to place
 // against a look at every place.
-#include "bytescan/block_scalar.h"
 #include "bytescan/bytescan.h"
 
+#include "support/all_runs.h"
 #include "support/guarded_buffer.h"
 #include "support/zero_heavy.h"
 
@@ -14,7 +14,6 @@ namespace {
 
 using brenik::bytescan::block_bytes;
 using brenik::bytescan::block_places;
-using brenik::bytescan::native_block;
 using brenik::bytescan::scalar_block;
 using brenik::bytescan::third_byte;
 using brenik::bytescan::zero_pairs_of;
@@ -42,10 +41,10 @@ bool is_pair(const bytes& data, std::size_t p, third_byte kind)
 
 /// Walks through the pairs, each time going on `step` behind the last, as long as the walk agrees with a look at every
 /// place.
-template <typename Block>
+template <typename Runs>
 void expect_every_pair(const guarded_buffer& buffer, const bytes& data, third_byte kind, std::size_t step)
 {
-    zero_pairs_of<Block> pairs(buffer.begin(), buffer.end(), kind);
+    zero_pairs_of<Runs> pairs(buffer.begin(), buffer.end(), kind);
     std::size_t at = 0;
     for (;;) {
         std::size_t expected = at;
@@ -60,12 +59,26 @@ void expect_every_pair(const guarded_buffer& buffer, const bytes& data, third_by
     }
 }
 
-template <typename Block>
+template <typename Runs>
+void expect_as_in_plain_cpp(const guarded_buffer& buffer, third_byte kind)
+{
+    const std::uint64_t found = Runs::places(buffer.begin(), kind);
+    ASSERT_EQ(scalar_block::places(buffer.begin(), kind), found);
+    ASSERT_EQ(found >> 48, Runs::first_places(buffer.begin() + 48, kind)); // to the very end of the block
+    ASSERT_EQ(scalar_block::has_pair(buffer.begin()), Runs::has_pair(buffer.begin()));
+}
+
+template <typename Runs>
 class ZeroPairs : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        if (!support::can_run<Runs>())
+            GTEST_SKIP() << "this machine has no such vectors";
+    }
 };
 
-using blocks = testing::Types<scalar_block, native_block>;
-TYPED_TEST_SUITE(ZeroPairs, blocks);
+TYPED_TEST_SUITE(ZeroPairs, support::all_runs<testing::Types>);
 
 } // namespace
 
@@ -81,6 +94,7 @@ TYPED_TEST(ZeroPairs, ABlockTellsEachThirdByteAtEachPlace)
                 const std::uint64_t found = TypeParam::places(buffer.begin(), kind);
                 ASSERT_EQ(kind.holds(data[place + 2]), (found >> place & 1) != 0) << place << ", " << value;
                 ASSERT_EQ(scalar_block::places(buffer.begin(), kind), found) << place << ", " << value;
+                ASSERT_EQ(found & 0xFFFF, TypeParam::first_places(buffer.begin(), kind)) << place << ", " << value;
             }
         }
 }
@@ -100,7 +114,7 @@ TYPED_TEST(ZeroPairs, BlocksAgreeWithPlainCppOnRandomBytes)
     for (int round = 0; round < 20000; ++round) {
         const guarded_buffer buffer(random_bytes(random, block_bytes, 1 + support::pick(random, 9)));
         for (const third_byte kind : kinds)
-            ASSERT_EQ(scalar_block::places(buffer.begin(), kind), TypeParam::places(buffer.begin(), kind));
+            expect_as_in_plain_cpp<TypeParam>(buffer, kind);
     }
 }
 
@@ -139,4 +153,23 @@ TYPED_TEST(ZeroPairs, GoingOnAheadOfTheSearchPassesWhatLiesBefore)
     EXPECT_EQ(buffer.begin() + 300, pairs.next());
     pairs.resume(buffer.begin() + 301);
     EXPECT_EQ(buffer.end(), pairs.next());
+}
+
+TEST(FirstOfFew, IsTheFirstPlaceOrBehindThemAll)
+{
+    random_source random(9);
+    for (int round = 0; round < 20000; ++round) {
+        const std::size_t few = support::pick(random, 14);
+        const bytes data = random_bytes(random, few + 4, 1 + support::pick(random, 5));
+        const guarded_buffer buffer(data);
+        for (const third_byte kind : kinds) {
+            std::size_t expected = 0;
+            while (expected < few && !is_pair(data, expected, kind))
+                ++expected;
+            const auto found =
+                static_cast<std::size_t>(brenik::bytescan::first_of_few(buffer.begin(), few, kind) - buffer.begin());
+            ASSERT_TRUE(expected < few ? found == expected : found >= few && found <= few + 2)
+                << testing::PrintToString(data) << ", " << few;
+        }
+    }
 }

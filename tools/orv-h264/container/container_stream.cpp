@@ -121,11 +121,13 @@ container_stream::container_stream(input_file& in, input_window& window, contain
 
 void container_stream::open(open_container_function* open_container)
 {
-    if (open_container == nullptr)
+    if (open_container == nullptr) {
+        const std::string why = why_no_demuxer();
         throw refusal(exit_not_supported,
-                      fmt::format("{}: this is {}, and there is no libavformat here to read it with; "
+                      fmt::format("{}: this is {}, and there is no libavformat here to read it with{}; "
                                   "take the H.264 stream out of it first",
-                                  file.name(), name_of(format)));
+                                  file.name(), name_of(format), why.empty() ? "" : fmt::format(" ({})", why)));
+    }
     source.reset(open_container(*bytes_of_file, format, most_bytes));
     if (!source->is_open())
         throw refusal(exit_broken_stream, fmt::format("{}: offset {}: {} that cannot be opened: {}", file.name(),
