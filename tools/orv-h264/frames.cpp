@@ -21,12 +21,11 @@ namespace orv_h264 {
 
 namespace {
 
-/// The columns of a run over many files.
-json in_columns(const std::string& file, const json& row)
+void print_column_names(output_format table, bool in_container, bool with_file)
 {
-    json columns = {{"file", file}};
-    columns.update(row);
-    return columns;
+    std::string line;
+    append_column_names(line, table, in_container, with_file);
+    write_output(line);
 }
 
 class row_list final : row_sink {
@@ -85,15 +84,23 @@ private:
             tell(problem);
         if (row.given_up && given_up++ == 0)
             first_given_up = row.offset;
-        if (options.format == output_format::text)
-            write_output(text_of(row, tick) + '\n');
-        else if (options.format == output_format::json)
-            print_record(json_of(row, tick));
-        else if (options.among_many)
-            print_row(options.format, in_columns(file, json_of(row, tick.value_or(container_ratio()))));
-        else
-            print_row(options.format, json_of(row, tick));
+        print(row);
         totals.add(row);
+    }
+
+    void print(const picture_row& row)
+    {
+        const std::string* const of = options.among_many ? &file : nullptr;
+        line.clear();
+        if (options.format == output_format::text)
+            (line += text_of(row, tick)) += '\n';
+        else if (options.format == output_format::json)
+            append_json(line, row, tick, of);
+        else if (options.among_many) // any of the others may be in a container
+            append_columns(line, options.format, row, tick.value_or(container_ratio()), of);
+        else
+            append_columns(line, options.format, row, tick);
+        write_output(line);
     }
 
     void print_record(const json& record) const { print_json(options.among_many ? record_of(file, record) : record); }
@@ -146,7 +153,7 @@ private:
                 head["container"] = json_of(*input.in_container());
             print_json(head);
         } else if (!options.among_many) {
-            print_column_names(options.format, json_of(picture_row(), tick));
+            print_column_names(options.format, tick.has_value(), false);
         }
     }
 
@@ -164,6 +171,7 @@ private:
     std::optional<container_ratio> tick; // of the container
     std::optional<container_check> check;
     frame_totals totals;
+    std::string line; // of the row at hand
     std::uint64_t given_up = 0;
     std::uint64_t first_given_up = 0; // its offset
     output_sorter sorter{[this](const picture_row& row) { show(row); }};
@@ -199,7 +207,7 @@ exit_status frames_of_files(const file_set& files, const frames_options& options
     if (one.format == output_format::text)
         work.between = "\n";
     else if (is_table(one.format))
-        print_column_names(one.format, in_columns("", json_of(picture_row(), container_ratio())));
+        print_column_names(one.format, true, true);
     return read_files(files, work);
 }
 

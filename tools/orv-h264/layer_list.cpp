@@ -39,12 +39,10 @@ std::uint16_t base_view_of(const h264::parameter_sets& sets)
     return 0;
 }
 
-/// The layer or view, temporal_id left out of views; DepthFlag as clause 7.4.1 has it.
-h264::slice_layer place_of(const h264::access_unit_part& part, const h264::parameter_sets& sets)
+/// The layer or view of a unit that tells it, temporal_id left out of views; DepthFlag as clause 7.4.1 has it.
+h264::slice_layer place_of(const h264::access_unit_part& part)
 {
     h264::slice_layer layer = h264::layer_of(part);
-    if (!part.header.extended() && !part.prefixed)
-        layer.view_id = base_view_of(sets);
     if (!says_scalable(part))
         layer.temporal_id = 0;
     layer.depth = layer.depth || (part.header.nal_unit_type == 21 && !part.header.avc_3d());
@@ -85,36 +83,39 @@ h264::ratio rate_of(const layer_summary& summary, const h264::parameter_sets& se
 
 } // namespace
 
-layer_list::entry* layer_list::find(const h264::slice_layer& layer)
+/// Its place in the list; most_layers where there is no room for it.
+std::size_t layer_list::find(const h264::slice_layer& layer)
 {
     const auto found = std::find_if(list.begin(), list.end(),
                                     [&](const entry& e) { return key_of(e.summary.layer) == key_of(layer); });
-    if (found != list.end())
-        return &*found;
-    if (list.size() == most_layers)
-        return nullptr;
-    list.emplace_back().summary.layer = layer;
-    return &list.back();
+    const auto place = static_cast<std::size_t>(found - list.begin());
+    if (found == list.end() && place < most_layers)
+        list.emplace_back().summary.layer = layer;
+    return place;
 }
 
 void layer_list::add(const h264::access_unit& unit, const h264::parameter_sets& sets)
 {
+    std::optional<std::size_t> base; // of the units that tell of no layer: one place in an access unit
     for (const h264::access_unit_part& part : unit.parts) {
         const bool prefix = part.role == h264::unit_role::prefix;
         if (!prefix && !is_slice_role(part.role))
             continue;
+        const bool tells_layer = part.header.extended() || part.prefixed;
         any_extension = any_extension || part.header.extended();
-        entry* const of = find(place_of(part, sets));
-        if (of == nullptr) {
+        if (!tells_layer && !base)
+            base = find({.view_id = base_view_of(sets)});
+        const std::size_t place = tells_layer ? find(place_of(part)) : *base;
+        if (place == most_layers) {
             ++further;
             continue;
         }
-        layer_summary& summary = of->summary;
+        layer_summary& summary = list[place].summary;
         ++summary.units;
         summary.bytes += part.place.size;
         summary.scalable = summary.scalable || says_scalable(part);
         if (!prefix)
-            add_slice(*of, unit, part, sets);
+            add_slice(list[place], unit, part, sets);
     }
 }
 

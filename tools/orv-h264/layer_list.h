@@ -42,7 +42,7 @@ private:
         std::uint64_t latest = ~std::uint64_t{0}; // the access unit that was counted last
     };
 
-    entry* find(const h264::slice_layer& layer);
+    std::size_t find(const h264::slice_layer& layer);
     static void add_slice(entry& of, const h264::access_unit& unit, const h264::access_unit_part& slice,
                           const h264::parameter_sets& sets);
 

@@ -51,6 +51,8 @@ bool is_rate(h264::time_source source)
 
 void picture_rows::unit(const h264::split_unit& unit)
 {
+    const bool row_has_ended = end_is_open;
+    const std::uint64_t taken = first_fed;
     add_padding(begin_of(unit));
     end = unit.offset + unit.size;
     fed.push_back({begin_of(unit), unit.offset, end, 0});
@@ -60,7 +62,8 @@ void picture_rows::unit(const h264::split_unit& unit)
         problems.push_back({begin_of(unit), "unit whose header has the forbidden bit set", 0, false});
     constexpr bool not_copied = true; // nobody looks at the bytes of an access unit
     units.push({unit.bytes, unit.size, unit.offset, first_fed + fed.size() - 1}, *this, not_copied);
-    tell_ready();
+    if (row_has_ended || first_fed != taken || !problems.empty()) // else nothing has become ready
+        tell_ready();
 }
 
 void picture_rows::begin_with(std::span<const h264::split_unit> sets)
@@ -145,6 +148,7 @@ picture_rows::waiting_row& picture_rows::row_of(const h264::access_unit& unit, c
 
 void picture_rows::add_units(picture_row& row, const h264::access_unit& unit)
 {
+    row.units.reserve(row.units.size() + unit.parts.size());
     for (const h264::access_unit_part& part : unit.parts) {
         const fed_unit& where = fed_of(part);
         row.units.push_back(unit_of(part));

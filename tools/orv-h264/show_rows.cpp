@@ -1,13 +1,14 @@
 #include "show_rows.h"
 
 #include "container/show_container.h"
+#include "element_text.h"
 #include "names.h"
 
 #include <algorithm>
 #include <vector>
 
+#include <fmt/compile.h>
 #include <fmt/format.h>
-#include <fmt/ranges.h>
 
 namespace orv_h264 {
 
@@ -30,37 +31,36 @@ std::string time_text(h264::exact_time time)
     return time ? fmt::format("{:.6f}", seconds_of(time)) : "-";
 }
 
-/// Units in a row that are alike, and how many they are.
-struct repeated_unit {
-    std::uint8_t type;
-    std::uint64_t count;
-};
-
-std::vector<repeated_unit> unit_runs(const picture_row& row)
-{
-    std::vector<repeated_unit> runs;
-    for (const row_unit& u : row.units) {
-        if (runs.empty() || runs.back().type != u.nal_unit_type)
-            runs.push_back({u.nal_unit_type, 0});
-        ++runs.back().count;
-    }
-    return runs;
-}
-
 // Of a row of countless runs or layers this many are shown.
 constexpr std::size_t most_shown = 64;
 
+/// Units that are alike and follow one another are told together, with how many they are.
 std::string units_text(const picture_row& row)
 {
-    const std::vector<repeated_unit> runs = unit_runs(row);
     std::string text;
-    for (std::size_t i = 0; i < std::min(runs.size(), most_shown); ++i) {
+    std::size_t runs = 0;
+    for (auto unit = row.units.begin(); unit != row.units.end(); ++runs) {
+        if (runs == most_shown)
+            return text + ", ...";
+        const std::uint8_t type = unit->nal_unit_type;
+        const auto behind =
+            std::find_if(unit, row.units.end(), [type](const row_unit& u) { return u.nal_unit_type != type; });
         text += text.empty() ? "" : ", ";
-        text += short_unit_name(static_cast<brenik::h264_nal_unit_type>(runs[i].type));
-        if (runs[i].count > 1)
-            text += fmt::format("*{}", runs[i].count);
+        text += short_unit_name(static_cast<brenik::h264_nal_unit_type>(type));
+        if (behind - unit > 1)
+            append_number(text += '*', behind - unit);
+        unit = behind;
     }
-    return runs.size() > most_shown ? text + ", ..." : text;
+    return text;
+}
+
+/// "P,B"
+std::string types_text(const picture_row& row)
+{
+    std::string text;
+    for (const h264::slice_kind kind : slice_types(row))
+        text.append(text.empty() ? "" : ",").append(slice_kind_name(kind));
+    return text;
 }
 
 std::string layer_text(const row_layer& layer)
@@ -83,11 +83,11 @@ std::string layers_text(const picture_row& row)
 template <typename T>
 std::string text_or_dash(const std::optional<T>& value)
 {
-    return value ? fmt::format("{}", *value) : "-";
+    return value ? std::to_string(*value) : "-";
 }
 
-constexpr const char* columns =
-    "{:>7}  {:>7}  {:>11}  {:>9}  {:<10}  {:<5}  {:<6}  {:>9}  {:>6}  {:>3}  {:>11}{}  {:>6}  {}";
+constexpr auto columns =
+    FMT_COMPILE("{:>7}  {:>7}  {:>11}  {:>9}  {:<10}  {:<5}  {:<6}  {:>9}  {:>6}  {:>3}  {:>11}{}  {:>6}  {}");
 constexpr const char* container_column = "  {:>11}";
 
 std::string bit_rate_text(const frame_totals& totals)
@@ -102,17 +102,6 @@ std::string bit_rate_text(const frame_totals& totals)
     if (totals.padding() != 0)
         text += fmt::format(" ({:.0f} bit/s without padding)", *totals.unit_bit_rate());
     return rate.peak() ? fmt::format("{}, peak {:.0f} bit/s", text, *rate.peak()) : text;
-}
-
-template <typename T>
-json json_or_null(const std::optional<T>& value)
-{
-    return value ? json(*value) : json();
-}
-
-json json_or_null(h264::exact_time time)
-{
-    return time ? json_fraction(time.numerator, time.denominator) : json();
 }
 
 } // namespace
@@ -158,7 +147,7 @@ std::string text_of(const picture_row& row, std::optional<container_ratio> tick)
                            time_text(row.packet ? time_of(row.packet->pts, *tick) : h264::exact_time()))
              : "";
 
-    const std::string types = fmt::format("{}", fmt::join(slice_types(row), ","));
+    const std::string types = types_text(row);
     std::string line = fmt::format(columns, row.number, text_or_dash(row.output_number), row.offset, row.size,
                                    key_text(row), types.empty() ? "-" : types, structure_name(row.structure),
                                    text_or_dash(row.frame_num), text_or_dash(row.poc), row.nal_ref_idc,
@@ -180,49 +169,6 @@ std::string text_of(const frame_totals& totals, bool fields)
     if (totals.filler() != 0)
         text += fmt::format(", {} of filler", totals.filler());
     return text + ", " + bit_rate_text(totals);
-}
-
-json json_of(const picture_row& row, std::optional<container_ratio> tick)
-{
-    json layers = json::array();
-    for (const row_layer& layer : row.layers)
-        layers.push_back(json_of(layer));
-    json units = json::array();
-    for (const row_unit& u : row.units)
-        units.push_back(u.nal_unit_type);
-    json object = {{"record", "frame"},
-                   {"number", row.number},
-                   {"picture", row.picture},
-                   {"output_number", json_or_null(row.output_number)},
-                   {"offset", row.offset},
-                   {"size", row.size},
-                   {"unit_bytes", row.unit_bytes},
-                   {"padding", row.padding},
-                   {"filler", row.filler},
-                   {"key", row.key()},
-                   {"idr", row.idr},
-                   {"recovery_frame_cnt", json_or_null(row.recovery_frame_cnt)},
-                   {"slice_types", slice_types(row)},
-                   {"structure", structure_name(row.structure)},
-                   {"frame_num", json_or_null(row.frame_num)},
-                   {"poc", json_or_null(row.poc)},
-                   {"nal_ref_idc", row.nal_ref_idc},
-                   {"pts", json_or_null(row.pts)},
-                   {"dts", json_or_null(row.dts)},
-                   {"time_source", source_name(row.time_source)},
-                   {"field_duration", row.field_duration},
-                   {"duration", json_or_null(row.duration)},
-                   {"pic_struct", json_or_null(row.pic_struct)},
-                   {"sps_id", json_or_null(row.sps_id)},
-                   {"pps_id", json_or_null(row.pps_id)},
-                   {"layers", std::move(layers)},
-                   {"coded_pictures", row.coded_pictures},
-                   {"nal_unit_types", std::move(units)},
-                   {"cut", row.cut},
-                   {"last", row.last}};
-    if (tick)
-        add_packet(object, row.packet, *tick);
-    return object;
 }
 
 json json_of(const frame_totals& totals)
@@ -247,15 +193,15 @@ json json_of(const frame_totals& totals)
             {"peak_bit_rate", rounded_or_null(rate.peak(), 3)}};
 }
 
-std::vector<std::string> slice_types(const picture_row& row)
+slice_kinds slice_types(const picture_row& row)
 {
-    std::vector<std::string> types;
-    for (const row_unit& u : row.units) {
-        const std::string type = u.slice ? slice_kind_name(*u.slice) : "";
-        if (!type.empty() && std::find(types.begin(), types.end(), type) == types.end())
-            types.push_back(type);
-    }
-    return types;
+    slice_kinds kinds;
+    for (const row_unit& u : row.units)
+        if (u.slice && std::find(kinds.begin(), kinds.end(), *u.slice) == kinds.end()) {
+            kinds.grow();
+            kinds.back() = *u.slice;
+        }
+    return kinds;
 }
 
 } // namespace orv_h264

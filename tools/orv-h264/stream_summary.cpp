@@ -10,6 +10,8 @@ namespace orv_h264 {
 
 namespace {
 
+constexpr std::uint32_t parameter_set_types = 1U << 7 | 1U << 8 | 1U << 13 | 1U << 15 | 1U << 16;
+
 /// Slices of all kinds and filler data: what VCL HRD parameters are about, H.264 C.1.
 bool is_of_vcl_hrd(unsigned nal_unit_type)
 {
@@ -37,7 +39,9 @@ std::optional<std::uint64_t> bit_rate_of(const layer_summary& layer, const frame
 
 void stream_survey::unit(const h264::split_unit& unit)
 {
-    stream_summary::type_count& count = summary.types[unit.bytes[0] & 0x1FU];
+    const unsigned type = unit.bytes[0] & 0x1FU;
+    stream_summary::type_count& count = summary.types[type];
+    sets_came = sets_came || (parameter_set_types >> type & 1) != 0;
     ++count.units;
     count.bytes += unit.framing_size + unit.size;
     rows.unit(unit);
@@ -50,6 +54,9 @@ void stream_survey::gap(const h264::split_gap& gap)
 
 void stream_survey::access_unit_came(const h264::access_unit& unit)
 {
+    sets_came = sets_came || std::any_of(unit.parts.begin(), unit.parts.end(), [](const h264::access_unit_part& part) {
+                    return part.role == h264::unit_role::parameter_set;
+                });
     add_sets(unit);
     summary.sei.add(unit);
     summary.layers.add(unit, rows.sets());
@@ -81,15 +88,26 @@ void stream_survey::add_picture(const h264::access_unit& unit)
             last_further.reset();
         }
         any_picture = true;
-        const auto first = std::find_if(unit.parts.begin(), unit.parts.end(), [](const h264::access_unit_part& part) {
-            return part.role == h264::unit_role::primary;
-        });
-        if (current >= summary.sequences.size() || !same_sequence(summary.sequences[current].sps, *unit.sps))
-            find_sequence(first->place.offset, *unit.sps);
+        find_sequence_of(unit);
         if (current < summary.sequences.size())
             summary.sequences[current].add(unit, rows.sets());
     }
     coded.push_back({unit.sps != nullptr ? current : stream_summary::most_sequences, vcl_bytes_of(unit)});
+}
+
+// An SPS is compared with the one before where it may be another: it stands elsewhere, or parameter sets have come,
+// into the splitter or out of the stream, which keeps units back.
+void stream_survey::find_sequence_of(const h264::access_unit& unit)
+{
+    if (unit.sps == latest_sps && !sets_came)
+        return;
+    latest_sps = unit.sps;
+    sets_came = false;
+    const auto first = std::find_if(unit.parts.begin(), unit.parts.end(), [](const h264::access_unit_part& part) {
+        return part.role == h264::unit_role::primary;
+    });
+    if (current >= summary.sequences.size() || !same_sequence(summary.sequences[current].sps, *unit.sps))
+        find_sequence(first->place.offset, *unit.sps);
 }
 
 void stream_survey::find_encoder(const h264::access_unit& unit)

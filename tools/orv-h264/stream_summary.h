@@ -83,6 +83,7 @@ private:
     void count_further(const h264::seq_parameter_set_data& sps);
     void add_sets(const h264::access_unit& unit);
     void add_picture(const h264::access_unit& unit);
+    void find_sequence_of(const h264::access_unit& unit);
     void find_encoder(const h264::access_unit& unit);
     void add_slices(const h264::access_unit& unit);
     void count_problem(const row_problem& problem);
@@ -98,6 +99,8 @@ private:
     bit_rate_meter nal_rate;
     bit_rate_meter vcl_rate;
     bool any_picture = false;
+    const h264::seq_parameter_set_data* latest_sps = nullptr; // of the picture before: where it stands, for comparing
+    bool sets_came = true;                                    // since then, or its access unit has some
 };
 
 } // namespace orv_h264

@@ -28,9 +28,9 @@ std::string joined(const json& array)
     return cell;
 }
 
-void append_csv(std::string& out, const std::string& cell)
+void append_csv(std::string& out, std::string_view cell)
 {
-    if (cell.find_first_of(",\"\r\n") == std::string::npos) {
+    if (cell.find_first_of(",\"\r\n") == std::string_view::npos) {
         out += cell;
         return;
     }
@@ -40,7 +40,7 @@ void append_csv(std::string& out, const std::string& cell)
     out += '"';
 }
 
-void append_tsv(std::string& out, const std::string& cell)
+void append_tsv(std::string& out, std::string_view cell)
 {
     for (const char c : cell)
         out += c == '\t' || c == '\n' || c == '\r' ? ' ' : c;
@@ -81,31 +81,20 @@ std::string cell_of(const json& value)
     return json_line(value);
 }
 
+void append_cell(std::string& out, output_format table, std::string_view cell)
+{
+    table == output_format::csv ? append_csv(out, cell) : append_tsv(out, cell);
+}
+
 void append_row(std::string& out, output_format table, const std::vector<std::string>& cells)
 {
     const char* between = "";
     for (const std::string& cell : cells) {
         out += between;
         between = table == output_format::csv ? "," : "\t";
-        table == output_format::csv ? append_csv(out, cell) : append_tsv(out, cell);
+        append_cell(out, table, cell);
     }
     out += '\n';
-}
-
-void print_column_names(output_format table, const json& object)
-{
-    std::vector<std::string> names;
-    for (const auto& [name, value] : object.items())
-        names.push_back(name);
-    print(table, names);
-}
-
-void print_row(output_format table, const json& object)
-{
-    std::vector<std::string> cells;
-    for (const json& value : object)
-        cells.push_back(cell_of(value));
-    print(table, cells);
 }
 
 void tell_facts(const json& object, const fact_sink& take)

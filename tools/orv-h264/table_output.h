@@ -14,15 +14,11 @@ namespace orv_h264 {
 /// array with spaces between them, of an object with a member "value" that one; what else there is, as JSON.
 std::string cell_of(const json& value);
 
-/// Appends the cells as a line. CSV quotes a cell with a comma, a quotation mark or the end of a line in it; in TSV
-/// tabs and the ends of lines become spaces.
+/// Appends a cell. CSV quotes one with a comma, a quotation mark or the end of a line in it; in TSV tabs and the ends
+/// of lines become spaces.
+void append_cell(std::string& out, output_format table, std::string_view cell);
+/// Appends the cells as a line.
 void append_row(std::string& out, output_format table, const std::vector<std::string>& cells);
-
-/// Prints a line of the names of the object's members.
-void print_column_names(output_format table, const json& object);
-
-/// Prints a line of their values.
-void print_row(output_format table, const json& object);
 
 /// Takes the path of a value that has no further ones in it, and the value.
 using fact_sink = std::function<void(const std::string& path, const json& value)>;

@@ -2,31 +2,27 @@
 
 #include "framing.h"
 
+#include <orv-utils-v4/h264_syntax/nal_unit.h>
+
 #include <algorithm>
 #include <array>
-#include <string_view>
+#include <cstring>
+#include <vector>
 
 namespace orv_h264 {
 
 namespace {
 
 constexpr std::size_t worth_writing = std::size_t{256} * 1024;
-
-/// Behind start codes the unit reads as it stands: no zero pair, which may begin one, and no zero at its end.
-bool is_plain(std::span<const unsigned char> unit)
-{
-    using namespace std::string_view_literals;
-    const std::string_view text(reinterpret_cast<const char*>(unit.data()), unit.size());
-    return unit.back() != 0 && text.find("\0\0"sv) == std::string_view::npos;
-}
+constexpr std::size_t longest_prefix = 4;
 
 } // namespace
 
 unit_written unit_writer::write(std::span<const unsigned char> unit, h264::framing from, unsigned start_code_size)
 {
     const unsigned prefix_size = prefix_size_of(frames);
-    if (prefix_size == 0 && from != h264::framing::annex_b && !is_plain(unit))
-        return write_escaped(unit, start_code_size);
+    if (prefix_size == 0 && from != h264::framing::annex_b)
+        return write_as_escaped(unit, start_code_size);
     if (prefix_size != 0 && std::uint64_t{unit.size()} >> 8 * prefix_size != 0)
         return unit_written::too_long;
     if (prefix_size != 0)
@@ -34,6 +30,19 @@ unit_written unit_writer::write(std::span<const unsigned char> unit, h264::frami
     else
         put_start_code(start_code_size);
     put(unit);
+    return unit_written::as_it_is;
+}
+
+// What has nothing in it that an escape is missing before, and no zero at its end, goes out as it stands.
+unit_written unit_writer::write_as_escaped(std::span<const unsigned char> unit, unsigned start_code_size)
+{
+    const std::size_t most = longest_prefix + unit.size();
+    unsigned char* const room = room_for(most);
+    const std::size_t size =
+        h264::frame_escaped(unit.data(), unit.size(), 0, start_code_size == longest_prefix, room, most);
+    if (size == 0)
+        return write_escaped(unit, start_code_size);
+    add(size);
     return unit_written::as_it_is;
 }
 
@@ -79,29 +88,58 @@ void unit_writer::pad(std::uint64_t zeros)
 void unit_writer::flush()
 {
     if (output != nullptr)
-        output->write(out);
-    out.clear();
+        output->write({out.get(), gathered});
+    gathered = 0;
+}
+
+/// Room for so many bytes behind what is gathered, which goes to the file where they do not fit behind it.
+unsigned char* unit_writer::room_for(std::size_t size)
+{
+    if (size > room - gathered)
+        flush();
+    if (size > room) {
+        const std::size_t larger = std::max(size, worth_writing + worth_writing / 4);
+        room = 0;
+        out.reset(); // the two are not needed at the same time
+        out = std::make_unique_for_overwrite<unsigned char[]>(larger);
+        room = larger;
+    }
+    return out.get() + gathered;
+}
+
+/// So many bytes stand behind what was gathered.
+void unit_writer::add(std::size_t size)
+{
+    given += size;
+    if (output == nullptr)
+        return;
+    gathered += size;
+    if (gathered >= worth_writing)
+        flush();
 }
 
 void unit_writer::put(std::span<const unsigned char> bytes)
 {
-    given += bytes.size();
-    if (output == nullptr)
-        return;
-    out.insert(out.end(), bytes.begin(), bytes.end());
-    if (out.size() >= worth_writing)
+    if (output != nullptr && bytes.size() >= worth_writing) {
         flush();
+        output->write(bytes);
+        given += bytes.size();
+        return;
+    }
+    if (output != nullptr && !bytes.empty())
+        std::memcpy(room_for(bytes.size()), bytes.data(), bytes.size());
+    add(bytes.size());
 }
 
 void unit_writer::put_start_code(unsigned size)
 {
-    constexpr std::array<unsigned char, 4> start_code = {0, 0, 0, 1};
+    constexpr std::array<unsigned char, longest_prefix> start_code = {0, 0, 0, 1};
     put(std::span(start_code).last(size));
 }
 
 void unit_writer::put_length(std::size_t length)
 {
-    std::array<unsigned char, 4> prefix = {};
+    std::array<unsigned char, longest_prefix> prefix = {};
     for (std::size_t i = prefix.size(); i-- > 0; length >>= 8)
         prefix[i] = static_cast<unsigned char>(length & 0xFF);
     put(std::span(prefix).last(prefix_size_of(frames)));

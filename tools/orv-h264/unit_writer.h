@@ -7,8 +7,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <span>
-#include <vector>
 
 namespace orv_h264 {
 
@@ -43,14 +43,19 @@ public:
     std::uint64_t bytes() const noexcept { return given; }
 
 private:
+    unit_written write_as_escaped(std::span<const unsigned char> unit, unsigned start_code_size);
     unit_written write_escaped(std::span<const unsigned char> unit, unsigned start_code_size);
+    unsigned char* room_for(std::size_t size);
+    void add(std::size_t size);
     void put(std::span<const unsigned char> bytes);
     void put_start_code(unsigned size);
     void put_length(std::size_t length);
 
     h264::framing frames;
     output_file* output;
-    std::vector<unsigned char> out;
+    std::unique_ptr<unsigned char[]> out; // what is gathered, and room behind it that nothing was written to
+    std::size_t room = 0;                 // of it all
+    std::size_t gathered = 0;
     std::uint64_t given = 0;
 };
 

@@ -136,15 +136,6 @@ json json_of(const container_stream& container)
             {"further_edits", container.edits().further}};
 }
 
-void add_packet(json& row, const std::optional<logged_packet>& packet, container_ratio tick)
-{
-    row["packet"] = packet ? json(packet->number) : json();
-    row["container_key"] = packet && packet->key ? json(*packet->key) : json();
-    row["container_pts"] = packet ? time_json(time_of(packet->pts, tick)) : json();
-    row["container_dts"] = packet ? time_json(time_of(packet->dts, tick)) : json();
-    row["container_duration"] = packet && packet->duration > 0 ? time_json(time_of(packet->duration, tick)) : json();
-}
-
 void add_totals(json& object, const container_check& times, container_ratio tick)
 {
     object["packets"] = times.packets();

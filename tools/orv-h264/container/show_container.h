@@ -20,9 +20,6 @@ std::vector<std::pair<const char*, std::string>> lines_of(const container_stream
 
 json json_of(const container_stream& container);
 
-/// The members of a row that the container adds.
-void add_packet(json& row, const std::optional<logged_packet>& packet, container_ratio tick);
-
 /// The members that its packets add up to.
 void add_totals(json& object, const container_check& times, container_ratio tick);
 
