@@ -1,8 +1,30 @@
-# Test sources are compiled several at a time: what they instantiate of the standard library and of GoogleTest is most of
-# what a compiler does with them, and nearly the same for each.
+# Where there are tests, sources are compiled several at a time: what they instantiate of the standard library, of GoogleTest
+# and of what else they use is most of what a compiler does with them, and nearly the same for each.
 
-option(ORV_UTILS_V4_BATCHES "Compile the sources of a test program several at a time" ON)
-set(orv_batch_size 8)
+option(ORV_UTILS_V4_BATCHES "Compile the sources of tests, and with them those of the tool, several at a time"
+    ${PROJECT_IS_TOP_LEVEL})
+set(orv_batch_size 24)
+
+# orv_compiled_together(TARGET): its sources, those of a folder with one another, so that a name that only one source knows
+# has to be that of one source of its folder only. Without batches most of what they read, HEADER..., is compiled once.
+function(orv_compiled_together target)
+    if(NOT ORV_UTILS_V4_BATCHES OR NOT ORV_UTILS_V4_TESTS)
+        if(ARGN)
+            target_precompile_headers(${target} PRIVATE ${ARGN})
+        endif()
+        return()
+    endif()
+    get_target_property(sources ${target} SOURCES)
+    foreach(source IN LISTS sources)
+        cmake_path(GET source PARENT_PATH folder)
+        string(MAKE_C_IDENTIFIER "of_${folder}" folder)
+        math(EXPR count_${folder} "0${count_${folder}} + 1")
+        math(EXPR number "(${count_${folder}} - 1) / 16")
+        set_source_files_properties(${source} PROPERTIES UNITY_GROUP ${folder}_${number})
+    endforeach()
+    set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_MODE GROUP)
+    target_compile_options(${target} PRIVATE -Wno-shadow) # a name of another source is none to be careful about
+endfunction()
 
 # orv_compiled_alone(SOURCE...): sources that are in no batch, since they define what others see in a namespace with a name.
 function(orv_compiled_alone)
@@ -29,9 +51,12 @@ function(orv_batches variable name)
         return()
     endif()
 
+    # No batch is much smaller than another: two processors are to end at a time.
+    math(EXPR batches "(${count} + ${orv_batch_size} - 1) / ${orv_batch_size}")
+    math(EXPR size "(${count} + ${batches} - 1) / ${batches}")
     set(number 0)
     while(together)
-        list(SUBLIST together 0 ${orv_batch_size} sources)
+        list(SUBLIST together 0 ${size} sources)
         list(REMOVE_ITEM together ${sources})
         math(EXPR number "${number} + 1")
         set(batch ${CMAKE_CURRENT_BINARY_DIR}/batches/${name}_${number}.cpp)

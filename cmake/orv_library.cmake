@@ -17,7 +17,7 @@ function(orv_library name)
         INSTALL_RPATH $<$<BOOL:${ORV_UTILS_V4_RPATH}>:$ORIGIN>)
     target_compile_features(${target} PUBLIC cxx_std_17)
     # Members that were stored one by one are not to be loaded two at a time: the processor would wait for the stores.
-    # Calls within the library go to the library.
+    # Calls within the library go to the library: here those within a source, below those between two.
     target_compile_options(${target} PRIVATE -fno-tree-slp-vectorize -fno-semantic-interposition)
     target_include_directories(${target}
         PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}/include>
@@ -28,7 +28,7 @@ function(orv_library name)
 
     if(BUILD_SHARED_LIBS)
         set(map ${PROJECT_SOURCE_DIR}/${arg_NAMESPACE_DIR}/exports.map)
-        target_link_options(${target} PRIVATE -Wl,--version-script=${map})
+        target_link_options(${target} PRIVATE -Wl,--version-script=${map} -Wl,-Bsymbolic-functions)
         set_target_properties(${target} PROPERTIES LINK_DEPENDS ${map})
         if(NOT ORV_UTILS_V4_SANITIZE)
             target_link_options(${target} PRIVATE -Wl,--no-undefined)

@@ -1,5 +1,4 @@
 # How test programs are built and run.
-include(${PROJECT_SOURCE_DIR}/cmake/batches.cmake)
 
 # Tests are many and short-lived: they are built quickly rather than made fast, and their lines are all that a debugger
 # or a sanitizer is told of them. What nearly all of them read is compiled once.

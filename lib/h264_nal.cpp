@@ -52,21 +52,4 @@ const char* h264_nal_unit_type_to_str(h264_nal_unit_type t)
     return t < std::size(h264_nal_unit_type_str) ? h264_nal_unit_type_str[t] : "";
 }
 
-int h264_nal::encode_header() const
-{
-    if (!valid)
-        return -1;
-    return (nal_ref_idc & 3) << 5 | static_cast<int>(nal_unit_type & 31U);
-}
-
-void h264_nal::decode_header(unsigned char b)
-{
-    const bool forbidden_zero_bit = (b & 0x80) != 0;
-    valid = !forbidden_zero_bit;
-    if (forbidden_zero_bit)
-        return;
-    nal_ref_idc = static_cast<unsigned char>(b >> 5);
-    nal_unit_type = static_cast<h264_nal_unit_type>(b & 31);
-}
-
 } // namespace brenik

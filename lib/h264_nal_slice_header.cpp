@@ -2,6 +2,7 @@
 // go further.
 #include <orv-utils-v4/h264/nal_slice_header.h>
 
+#include "held_bits.h"
 #include "syntax_reads.h"
 #include "wrapping.h"
 
@@ -18,9 +19,21 @@ const char* h264_slice_type_t_to_string(const h264_slice_type_t& t)
 namespace {
 
 /// u(v) of log2_minus4 + 4 bits; the width is kept in 8 bits.
-std::uint32_t read_log2_minus4(h2645_common_bitreader& br, std::uint32_t log2_minus4)
+std::uint32_t read_log2_minus4(held_bits& br, std::uint32_t log2_minus4)
 {
     return br.get_wide(static_cast<unsigned char>(wrapping_add(log2_minus4, 4)));
+}
+
+/// ref_pic_list_modification() of one list; mostly there is none.
+[[gnu::always_inline]] inline bool read_list(held_bits& br, h2645_common_bitreader& owner,
+                                             h264_nal_slice_header::ref_pic_list_modification_entry_t& list)
+{
+    if (br.peek_flag()) {
+        br.put_back();
+        return list.parse(owner);
+    }
+    list.ref_pic_list_modification_flag = u<1>(br);
+    return true;
 }
 
 } // namespace
@@ -49,58 +62,66 @@ bool h264_nal_slice_header::ref_pic_list_modification_entry_t::parse(h2645_commo
 }
 
 // H.264 7.3.3, slice_header()
-bool h264_nal_slice_header::parse(h2645_common_bitreader& br, const h2645_common_base_store<h264_nal_sps>& sps_store,
+bool h264_nal_slice_header::parse(h2645_common_bitreader& reader,
+                                  const h2645_common_base_store<h264_nal_sps>& sps_store,
                                   const h2645_common_base_store<h264_nal_pps>& pps_store, const h264_nal& nal)
 {
-    IdrPicFlag = nal.nal_unit_type == h264_nal_unit_type_slice_idr;
-    first_mb_in_slice = br.ue();
-    slice_type = br.ue();
-    pic_parameter_set_id = br.ue();
-    const h264_nal_pps* const pps = pps_store.find(pic_parameter_set_id);
-    const h264_nal_sps* const sps = pps == nullptr ? nullptr : sps_store.find(pps->seq_parameter_set_id);
-    if (sps == nullptr)
-        return valid = false;
-    const bool is_b = getSliceType() == h264_slice_type_B;
-    const bool is_intra = getSliceType() == h264_slice_type_I || getSliceType() == h264_slice_type_SI;
+    held_bits br(reader);
+    const auto slice_header = [&] {
+        IdrPicFlag = nal.nal_unit_type == h264_nal_unit_type_slice_idr;
+        first_mb_in_slice = br.ue();
+        slice_type = br.ue();
+        pic_parameter_set_id = br.ue();
+        const h264_nal_pps* const pps = pps_store.find(pic_parameter_set_id);
+        const h264_nal_sps* const sps = pps == nullptr ? nullptr : sps_store.find(pps->seq_parameter_set_id);
+        if (sps == nullptr)
+            return false;
+        const h264_slice_type_t kind = getSliceType();
+        const bool is_b = kind == h264_slice_type_B;
+        const bool is_intra = kind == h264_slice_type_I || kind == h264_slice_type_SI;
 
-    if (sps->separate_colour_plane_flag)
-        colour_plane_id = u<2>(br);
-    frame_num = read_log2_minus4(br, sps->log2_max_frame_num_minus4);
-    if (!sps->frame_mbs_only_flag) {
-        field_pic_flag = u<1>(br);
-        if (field_pic_flag)
-            bottom_field_flag = u<1>(br);
-    }
-    if (IdrPicFlag)
-        idr_pic_id = br.ue();
-    const bool bottom_order_sent = pps->bottom_field_pic_order_in_frame_present_flag && !field_pic_flag;
-    if (sps->pic_order_cnt_type == 0) {
-        pic_order_cnt_lsb = read_log2_minus4(br, sps->log2_max_pic_order_cnt_lsb_minus4);
-        if (bottom_order_sent)
-            delta_pic_order_cnt_bottom = br.se();
-    }
-    if (sps->pic_order_cnt_type == 1 && !sps->delta_pic_order_always_zero_flag) {
-        delta_pic_order_cnt[0] = br.se();
-        if (bottom_order_sent)
-            delta_pic_order_cnt[1] = br.se();
-    }
-    if (pps->redundant_pic_cnt_present_flag)
-        redundant_pic_cnt = br.ue();
-    if (is_b)
-        direct_spatial_mv_pred_flag = u<1>(br);
-    if (!is_intra) {
-        num_ref_idx_active_override_flag = u<1>(br);
-        if (num_ref_idx_active_override_flag) {
-            num_ref_idx_l0_active_minus1 = br.ue();
-            if (is_b)
-                num_ref_idx_l1_active_minus1 = br.ue();
+        if (sps->separate_colour_plane_flag)
+            colour_plane_id = u<2>(br);
+        frame_num = read_log2_minus4(br, sps->log2_max_frame_num_minus4);
+        if (!sps->frame_mbs_only_flag) {
+            field_pic_flag = u<1>(br);
+            if (field_pic_flag)
+                bottom_field_flag = u<1>(br);
         }
-    }
-    if (!is_intra && !ref_pic_list_modification_l0.parse(br))
-        return valid = false;
-    if (is_b && !ref_pic_list_modification_l1.parse(br))
-        return valid = false;
-    return valid = true;
+        if (IdrPicFlag)
+            idr_pic_id = br.ue();
+        const bool bottom_order_sent = pps->bottom_field_pic_order_in_frame_present_flag && !field_pic_flag;
+        if (sps->pic_order_cnt_type == 0) {
+            pic_order_cnt_lsb = read_log2_minus4(br, sps->log2_max_pic_order_cnt_lsb_minus4);
+            if (bottom_order_sent)
+                delta_pic_order_cnt_bottom = br.se();
+        }
+        if (sps->pic_order_cnt_type == 1 && !sps->delta_pic_order_always_zero_flag) {
+            delta_pic_order_cnt[0] = br.se();
+            if (bottom_order_sent)
+                delta_pic_order_cnt[1] = br.se();
+        }
+        if (pps->redundant_pic_cnt_present_flag)
+            redundant_pic_cnt = br.ue();
+        if (is_b)
+            direct_spatial_mv_pred_flag = u<1>(br);
+        if (!is_intra) {
+            num_ref_idx_active_override_flag = u<1>(br);
+            if (num_ref_idx_active_override_flag) {
+                num_ref_idx_l0_active_minus1 = br.ue();
+                if (is_b)
+                    num_ref_idx_l1_active_minus1 = br.ue();
+            }
+        }
+        if (!is_intra && !read_list(br, reader, ref_pic_list_modification_l0))
+            return false;
+        if (is_b && !read_list(br, reader, ref_pic_list_modification_l1))
+            return false;
+        return true;
+    };
+    const bool whole = slice_header();
+    br.put_back();
+    return valid = whole;
 }
 
 } // namespace brenik

@@ -1,8 +1,6 @@
 // Reads of syntax elements for the parses of the newer interface, one token an element (H.264 clause 7.2).
 #pragma once
 
-#include <orv-utils-v4/h2645_common/bitreader.h>
-
 #include <cstdint>
 #include <type_traits>
 
@@ -15,13 +13,13 @@ using field_of = std::conditional_t<
     std::conditional_t<Bits <= 8, std::uint8_t, std::conditional_t<Bits <= 16, std::uint16_t, std::uint32_t>>>;
 
 /// u(n) with a width the syntax fixes.
-template <unsigned char Bits>
-field_of<Bits> u(h2645_common_bitreader& br) noexcept
+template <unsigned char Bits, typename Reader>
+field_of<Bits> u(Reader& br) noexcept
 {
     static_assert(Bits >= 1 && Bits <= 32);
     constexpr unsigned char widest_get = 25;
     if constexpr (Bits <= widest_get)
-        return static_cast<field_of<Bits>>(br.get<unsigned int>(Bits));
+        return static_cast<field_of<Bits>>(br.template get<unsigned int>(Bits));
     else
         return br.get_wide(Bits);
 }

@@ -4,6 +4,7 @@
 #include "coders/coder.h"
 
 #include <algorithm>
+#include <array>
 #include <iterator>
 
 namespace orv_utils_v4::h264 {
@@ -37,6 +38,14 @@ constexpr level_row levels[] = {
     {61, {"6.1", 8355840, 139264, 696320, 480000, 480000, 8192, 2, 16}},
     {62, {"6.2", 16711680, 139264, 696320, 800000, 800000, 8192, 2, 16}},
 };
+
+/// The rows by level_idc, counted from 1; 0 is no level.
+constexpr auto row_of_level = [] {
+    std::array<std::uint8_t, 256> rows = {};
+    for (std::size_t i = 0; i < std::size(levels); ++i)
+        rows[levels[i].level_idc] = static_cast<std::uint8_t>(i + 1);
+    return rows;
+}();
 
 // H.264 Table E-1
 constexpr ratio aspect_ratios[] = {{0, 0},   {1, 1},    {12, 11}, {10, 11}, {16, 11}, {40, 33},
@@ -253,29 +262,29 @@ const level_limits* limits_of_level(const seq_parameter_set_data& sps) noexcept
     std::uint8_t level_idc = sps.level_idc;
     if (old_profile && level_idc == 11 && sps.constraint_set3_flag)
         level_idc = 9;
-    for (const level_row& row : levels) {
-        if (row.level_idc == level_idc)
-            return &row.limits;
-    }
-    return nullptr;
+    const std::uint8_t row = row_of_level[level_idc];
+    return row != 0 ? &levels[row - 1].limits : nullptr;
 }
 
 std::uint32_t MaxDpbFrames(const seq_parameter_set_data& sps) noexcept
 {
-    constexpr std::uint64_t most = 16;
+    constexpr std::uint32_t most = 16;
     const level_limits* const limits = limits_of_level(sps);
     if (limits == nullptr)
         return most;
+    const std::uint64_t size = PicSizeInMbs(sps, false);
+    if (size > limits->MaxDpbMbs)
+        return 0;
     // NOLINTNEXTLINE(clang-analyzer-core.DivideZero): a picture has a macroblock at the least
-    return static_cast<std::uint32_t>(std::min(most, limits->MaxDpbMbs / PicSizeInMbs(sps, false)));
+    return std::min(most, limits->MaxDpbMbs / static_cast<std::uint32_t>(size)); // 32 bits are divided sooner than 64
 }
 
 std::uint32_t inferred_reorder_frames(const seq_parameter_set_data& sps) noexcept
 {
     constexpr std::uint8_t intra_profiles[] = {44, 86, 100, 110, 122, 244};
-    const bool intra =
-        std::find(std::begin(intra_profiles), std::end(intra_profiles), sps.profile_idc) != std::end(intra_profiles);
-    return intra && sps.constraint_set3_flag ? 0 : MaxDpbFrames(sps);
+    const bool intra = sps.constraint_set3_flag && std::find(std::begin(intra_profiles), std::end(intra_profiles),
+                                                             sps.profile_idc) != std::end(intra_profiles);
+    return intra ? 0 : MaxDpbFrames(sps);
 }
 
 const char* profile_name(const seq_parameter_set_data& sps) noexcept

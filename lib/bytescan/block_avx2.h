@@ -1,6 +1,7 @@
 // What bytescan asks of a block, with AVX2: for functions that are compiled for it, called on machines that have it.
 #pragma once
 
+#include "bytescan/block_sse2.h"
 #include "bytescan/third_byte.h"
 
 #include <cstdint>
@@ -10,6 +11,8 @@
 namespace brenik::bytescan {
 
 struct avx2_block {
+    static constexpr auto first_places = sse2_block::first_places;
+
     /// Bit i: two zero bytes and one of `third` are at `p` + i. Reads 66 bytes.
     [[gnu::target("avx2")]] static std::uint64_t places(const unsigned char* p, third_byte third) noexcept
     {

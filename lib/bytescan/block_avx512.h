@@ -2,6 +2,7 @@
 // have it.
 #pragma once
 
+#include "bytescan/block_sse2.h"
 #include "bytescan/third_byte.h"
 
 #include <cstdint>
@@ -11,6 +12,8 @@
 namespace brenik::bytescan {
 
 struct avx512_block {
+    static constexpr auto first_places = sse2_block::first_places;
+
     /// Bit i: two zero bytes and one of `third` are at `p` + i. Reads 66 bytes.
     [[gnu::target("avx512bw")]] static std::uint64_t places(const unsigned char* p, third_byte third) noexcept
     {

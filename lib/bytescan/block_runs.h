@@ -23,7 +23,8 @@ struct seen_block {
 /// Behind their first block they read where blocks are aligned.
 template <typename Block>
 struct runs_of : Block {
-    /// The first block at `p`, or behind it, that has a place; without one where blocks do not fit any more.
+    /// The first block at `p`, or behind it, that has a place; without one where blocks do not fit any more. The one at
+    /// `p` fits.
     [[gnu::always_inline]] static inline seen_block find(const unsigned char* p, const unsigned char* fence,
                                                          third_byte third) noexcept
     {

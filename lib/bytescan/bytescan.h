@@ -47,26 +47,37 @@ private:
     /// Goes to the next block with a place; false when there is none.
     bool search() noexcept
     {
-        const seen_block seen = Runs::find(searched, fence, third);
-        block = seen.start;
-        places = seen.places;
-        if (places != 0) {
-            searched = block + block_places;
-            return true;
+        block = searched;
+        if (range_size(block, fence) >= block_bytes) {
+            const seen_block seen = Runs::find(block, fence, third);
+            block = seen.start;
+            places = seen.places;
+            if (places != 0) {
+                searched = block + block_places;
+                return true;
+            }
         }
-        const std::size_t left = range_size(block, fence);
-        if (left <= block_bytes - block_places)
+        return search_end(range_size(block, fence));
+    }
+
+    /// The same where `left` bytes are fewer than a block.
+    bool search_end(std::size_t left) noexcept
+    {
+        constexpr std::size_t behind_place = block_bytes - block_places;
+        if (left <= behind_place)
             return false;
-        searched = fence - (block_bytes - block_places);
-        places = last_places(left - (block_bytes - block_places));
+        searched = fence - behind_place;
+        places = last_places(left - behind_place);
         return places != 0;
     }
 
     /// The places among the last `count` of the range, fewer than a block has.
     std::uint64_t last_places(std::size_t count) const noexcept
     {
-        constexpr std::size_t few = 16;
-        if (count <= few)
+        constexpr std::size_t third_of_last = block_bytes - block_places;
+        if (count <= few_places && range_size(first, fence) >= few_places + third_of_last)
+            return Runs::first_places(fence - few_places - third_of_last, third) >> (few_places - count);
+        if (count <= few_places)
             return places_one_by_one(count);
         if (range_size(first, fence) >= block_bytes)
             return Runs::places(fence - block_bytes, third) >> (block_places - count);

@@ -78,11 +78,24 @@ private:
     unsigned char* write = bytes;
 };
 
-/// Copies the RBSP of a unit up to its end: two zeros and a byte of at most 2. True when `at` has come there; else
-/// blocks do not fit any more, and all bytes before `at` have been looked at.
-/// @param behind_escape where the last escape ended, unchanged when there was none
-template <typename Runs = native_runs>
-bool drop_escapes(passage& at, milestone& behind_escape) noexcept
+/// Copies the first few bytes of an RBSP, up to where they are escaped. True when the unit ends among them.
+inline bool take_first_few(passage& at) noexcept
+{
+    if (!at.holds_block(block_bytes))
+        return false;
+    const unsigned char* const place = first_of_few(at.read, near_places, at_most_3);
+    const auto before_place = static_cast<std::size_t>(place - at.read);
+    const bool is_place = before_place < near_places;
+    if (is_place && place[2] == 3)
+        return false;
+    copy_bytes(at.write, at.read, before_place);
+    at.advance(before_place, before_place);
+    return is_place;
+}
+
+/// drop_escapes() for a unit that may be of any size.
+template <typename Runs>
+bool drop_escapes_in_blocks(passage& at, milestone& behind_escape) noexcept
 {
     constexpr std::uint64_t every_third_place = 0x9249249249249249; // the first and the last one included
     constexpr std::size_t places_then = 22;
@@ -116,6 +129,36 @@ bool drop_escapes(passage& at, milestone& behind_escape) noexcept
     return false;
 }
 
+/// Copies the RBSP of a unit up to its end: two zeros and a byte of at most 2. True when `at` has come there; else
+/// blocks do not fit any more, and all bytes before `at` have been looked at.
+/// @param behind_escape where the last escape ended, unchanged when there was none
+template <typename Runs = native_runs>
+inline bool drop_escapes(passage& at, milestone& behind_escape) noexcept
+{
+    if (take_first_few(at))
+        return true;
+    if (!at.holds_block(block_bytes))
+        return false;
+    passage bytes = at; // what others have the address of does not stay in registers
+    milestone behind_last = behind_escape;
+    const bool met_end = drop_escapes_in_blocks<Runs>(bytes, behind_last);
+    at = bytes;
+    behind_escape = behind_last;
+    return met_end;
+}
+
+/// Whether a payload is so small that two zeros are looked for one by one, and has none: nothing is to be escaped.
+inline bool is_small_and_plain(const unsigned char* p, const unsigned char* fence) noexcept
+{
+    const std::size_t size = range_size(p, fence);
+    if (size > near_places)
+        return false;
+    for (std::size_t i = 1; i < size; ++i)
+        if (p[i] == 0 && p[i - 1] == 0)
+            return false;
+    return true;
+}
+
 /// What a block of zeros before a byte of at most 3 becomes.
 constexpr std::array<unsigned char, block_places / 2 * 3> zeros_escaped = [] {
     std::array<unsigned char, block_places / 2 * 3> bytes{};
@@ -124,10 +167,9 @@ constexpr std::array<unsigned char, block_places / 2 * 3> zeros_escaped = [] {
     return bytes;
 }();
 
-/// Copies an RBSP with an emulation-prevention byte behind each pair of zeros before a byte of at most 3, up to where
-/// blocks do not fit any more.
-template <typename Runs = native_runs>
-void insert_escapes(passage& at) noexcept
+/// insert_escapes() where there is a block.
+template <typename Runs>
+void insert_escapes_in_blocks(passage& at) noexcept
 {
     constexpr std::uint64_t every_place = ~std::uint64_t{0};
     while (std::uint64_t places = Runs::copy(at, at_most_3, rewritten_block::most_written)) {
@@ -146,6 +188,18 @@ void insert_escapes(passage& at) noexcept
         block.copy_to_end();
         block.put(at);
     }
+}
+
+/// Copies an RBSP with an emulation-prevention byte behind each pair of zeros before a byte of at most 3, up to where
+/// blocks do not fit any more.
+template <typename Runs = native_runs>
+inline void insert_escapes(passage& at) noexcept
+{
+    if (!at.holds_block(rewritten_block::most_written))
+        return;
+    passage bytes = at; // as above
+    insert_escapes_in_blocks<Runs>(bytes);
+    at = bytes;
 }
 
 } // namespace brenik::bytescan

@@ -31,31 +31,22 @@ std::uint64_t copy_wide(passage& bytes, third_byte third, std::size_t most_writt
 struct native_runs : native_block {
     static seen_block find(const unsigned char* p, const unsigned char* fence, third_byte third) noexcept
     {
-        for (std::size_t blocks = 0; blocks < near_blocks; ++blocks) {
-            if (range_size(p, fence) < block_bytes)
-                return {p, 0};
-            if (const std::uint64_t found = places(p, third); found != 0)
-                return {p, found};
-            p += block_places;
-        }
-        return find_wide(p, fence, third);
+        if (const std::uint64_t found = places(p, third); found != 0)
+            return {p, found};
+        p += block_places;
+        return range_size(p, fence) < block_bytes ? seen_block{p, 0} : find_wide(p, fence, third);
     }
 
     static std::uint64_t copy(passage& bytes, third_byte third, std::size_t most_written) noexcept
     {
-        for (std::size_t blocks = 0; blocks < near_blocks; ++blocks) {
-            if (!bytes.holds_block(most_written))
-                return 0;
-            if (const std::uint64_t found = places(bytes.read, third); found != 0)
-                return found;
-            copy_block(bytes.write, bytes.read);
-            bytes.advance(block_places, block_places);
-        }
-        return copy_wide(bytes, third, most_written);
+        if (!bytes.holds_block(most_written))
+            return 0;
+        if (const std::uint64_t found = places(bytes.read, third); found != 0)
+            return found;
+        copy_block(bytes.write, bytes.read);
+        bytes.advance(block_places, block_places);
+        return bytes.holds_block(most_written) ? copy_wide(bytes, third, most_written) : 0;
     }
-
-private:
-    static constexpr std::size_t near_blocks = 2;
 };
 
 #else

@@ -11,6 +11,7 @@
 #include <orv-utils-v4/misc/assertion.h>
 
 #include <algorithm>
+#include <cstring>
 
 using brenik::range_size;
 using brenik::bytescan::copy_bytes;
@@ -32,8 +33,8 @@ std::size_t room(const unsigned char* w, const unsigned char* out_fence)
 
 /// Copies the payload with emulation-prevention bytes while more than three bytes of room remain; where the copy ends.
 // NOLINTNEXTLINE(readability-non-const-parameter): it is written through the passage
-unsigned char* escape(unsigned char* w, unsigned char* out_fence, const unsigned char* p,
-                      const unsigned char* payload_fence)
+[[gnu::noinline]] unsigned char* escape(unsigned char* w, unsigned char* out_fence, const unsigned char* p,
+                                        const unsigned char* payload_fence)
 {
     passage bytes = {p, payload_fence, w, out_fence};
     if (!bytes.runs_into_itself())
@@ -47,9 +48,8 @@ unsigned char* escape(unsigned char* w, unsigned char* out_fence, const unsigned
         bytes.read += plain;
         if (bytes.read != place || place == payload_fence || room(bytes.write, out_fence) == 0)
             return bytes.write;
-        *bytes.write++ = 0;
-        *bytes.write++ = 0;
-        *bytes.write++ = 3;
+        std::memcpy(bytes.write, "\0\0\3", 3);
+        bytes.write += 3;
         bytes.read += 2;
         pairs.resume(bytes.read);
     }
@@ -73,12 +73,17 @@ int h264_nal_write(unsigned char* out, std::size_t out_size, unsigned char* payl
     orv_utils_v4::check(nal_length_size <= 4, "lib/nal_writer", 27, "nal_length_size <= 4");
     const bool annexb = nal_length_size == 0;
     if (annexb)
-        store_big_endian(out, start_code_size, 1);
+        std::memcpy(out, "\0\0\1", start_code_size);
     if ((header & forbidden_bit) != 0)
         return -1;
     unsigned char* const unit = out + (annexb ? start_code_size : nal_length_size);
     *unit = header;
-    const unsigned char* const end = escape(unit + 1, out + out_size, payload, payload + payload_size);
+    const unsigned char* end = unit + 1 + payload_size;
+    if (brenik::bytescan::is_small_and_plain(payload, payload + payload_size) &&
+        payload_size <= room(unit + 1, out + out_size))
+        copy_bytes(unit + 1, payload, payload_size);
+    else
+        end = escape(unit + 1, out + out_size, payload, payload + payload_size);
     store_big_endian(out, nal_length_size, range_size(unit, end));
     return static_cast<int>(end - out);
 }

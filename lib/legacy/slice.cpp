@@ -10,9 +10,9 @@ int h264_slice_parse(h264_nal_slice_info& info, h264_nal_parser_state& st, h264_
     be_bitfield bf;
     be_bitfield_open_until(&bf, st.nal, st.nal_fence);
     const orv_utils_v4::legacy::legacy_bits bits{bf, st.nal_fence};
-    info.first_mb_in_slice = bits.ue();
-    info.slice_type = bits.ue();
-    info.pic_parameter_set_id = bits.ue();
+    info.first_mb_in_slice = bits.ue_unseen();
+    info.slice_type = bits.ue_unseen();
+    info.pic_parameter_set_id = bits.ue_unseen();
     if (sps.separate_colour_plane_flag != 0)
         info.colour_plane_id = bits.u8(2);
     info.frame_num = bits.u(sps.log2_max_frame_num);

@@ -2,6 +2,7 @@
 #include "module_parts.h"
 #include "unit_feed.h"
 
+#include "json_output.h"
 #include "loss_texts.h"
 #include "recognise.h"
 #include "show_info.h"
@@ -65,9 +66,7 @@ std::string info(py::object source, bool pieces, h264::framing framing, std::siz
     survey.finish(feed.bytes_read());
     if (!feed.any)
         survey.summary.problems.add(feed.bytes_read(), orv_h264::describe_no_unit(feed.bytes_read() == 0));
-    constexpr int one_line = -1;
-    return orv_h264::info_json(name, framing, feed.bytes_read(), survey.summary)
-        .dump(one_line, ' ', false, orv_h264::json::error_handler_t::replace);
+    return orv_h264::json_line(orv_h264::info_json(name, framing, feed.bytes_read(), survey.summary));
 }
 
 } // namespace

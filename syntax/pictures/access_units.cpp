@@ -103,25 +103,11 @@ picture_structure structure_of(const slice_header& header, const seq_parameter_s
                                                                : picture_structure::frame;
 }
 
-/// Room for `n` parts; false when there is no memory for it.
-bool room_for(std::vector<access_unit_part>& parts, std::size_t n)
+/// A primary slice that begins the picture.
+bool has_macroblock_0(const access_unit_part& part)
 {
-    try {
-        if (parts.capacity() < n)
-            parts.reserve(2 * n);
-        return true;
-    } catch (...) {
-        return false;
-    }
-}
-
-/// A primary slice begins the picture.
-bool has_macroblock_0(const access_unit& unit)
-{
-    return std::any_of(unit.parts.begin(), unit.parts.end(), [](const access_unit_part& p) {
-        return p.role == unit_role::primary && p.header.nal_unit_type != 3 && p.header.nal_unit_type != 4 &&
-               p.first_mb_in_slice == 0;
-    });
+    return part.role == unit_role::primary && part.first_mb_in_slice == 0 && part.header.nal_unit_type != 3 &&
+           part.header.nal_unit_type != 4;
 }
 
 } // namespace
@@ -162,10 +148,10 @@ struct ORV_UTILS_V4_HIDDEN access_units::state : unit_sink {
     kept_units kept; // of the parts of `current`, of those of `waiting`, then what the stream keeps back
     access_unit current;
     std::vector<access_unit_part> waiting; // behind the picture: the next access unit's, unless its picture goes on
+    std::size_t parts_room = 0;            // parts that both of these have memory for
     std::uint64_t count = 0;
     bool any_slice = false;                          // in `current`
     bool ended = false;                              // with an end of sequence: an end of stream alone may follow
-    first_slice_key first;                           // of its primary coded picture
     std::vector<std::unique_ptr<nal_unit>> contents; // of the parts, in their order
     std::size_t contents_used = 0;
     seq_parameter_set_data own_sps; // its SPS and PPS, when the stream replaces them before it is handed on
@@ -175,11 +161,13 @@ struct ORV_UTILS_V4_HIDDEN access_units::state : unit_sink {
     void push(const unit_place& place, bool bytes_stay);
     void flush();
     bool keep(const unit_place& place, bool bytes_stay);
+    bool make_room();
     void keep_parameter_sets();
     void take(const unit_reading& reading) override;
     void take_primary(const unit_reading& reading, const slice_header& header);
+    void take_other(const unit_reading& reading, unit_role role);
     void take_other_slice(const unit_reading& reading, unit_role role, const slice_header* header);
-    void tell_picture(const unit_reading& reading);
+    void tell_picture(const unit_reading& reading, const slice_header& header);
     void join_waiting();
     void add_part(std::vector<access_unit_part>& parts, const unit_reading& reading, unit_role role,
                   const slice_header* header);
@@ -187,6 +175,7 @@ struct ORV_UTILS_V4_HIDDEN access_units::state : unit_sink {
     const nal_unit* keep_content();
     void complete();
     void begin_with_waiting();
+    void drop_contents();
 };
 
 access_units::access_units(bool base_alone) : s(std::make_unique<state>())
@@ -243,8 +232,20 @@ bool access_units::state::keep(const unit_place& place, bool bytes_stay)
 {
     if (kept.size() == most_units || place.size > most_bytes - kept.copied())
         return false;
-    return room_for(current.parts, kept.size() + 1) && room_for(waiting, kept.size() + 1) &&
-           kept.push(place, bytes_stay);
+    return (kept.size() < parts_room || make_room()) && kept.push(place, bytes_stay);
+}
+
+bool access_units::state::make_room()
+{
+    try {
+        const std::size_t more = 2 * (kept.size() + 1);
+        current.parts.reserve(more);
+        waiting.reserve(more);
+        parts_room = more;
+        return true;
+    } catch (...) {
+        return false;
+    }
 }
 
 // Parameter sets that come now may replace those of the current picture.
@@ -273,7 +274,11 @@ void access_units::state::take(const unit_reading& reading)
         return take_primary(reading, *header);
     if (is_slice(role))
         return take_other_slice(reading, role, header);
+    take_other(reading, role);
+}
 
+void access_units::state::take_other(const unit_reading& reading, unit_role role)
+{
     const unsigned type = reading.unit.header.nal_unit_type;
     if (role == unit_role::delimiter && any_slice)
         complete();
@@ -291,20 +296,18 @@ void access_units::state::take(const unit_reading& reading)
 
 void access_units::state::take_primary(const unit_reading& reading, const slice_header& header)
 {
-    const first_slice_key key = key_of(reading, header);
-    const bool goes_on = current.header != nullptr && !begins_picture(first, key);
-    if (goes_on)
+    const bool whole = !reading.result.failure;
+    const bool goes_on = current.header != nullptr && !begins_picture(current, reading, header);
+    if (goes_on && !waiting.empty())
         join_waiting();
-    else if (any_slice)
+    else if (!goes_on && any_slice)
         complete();
     add_part(current.parts, reading, unit_role::primary, &header);
     any_slice = true;
-    if (key.whole)
+    if (whole)
         current.slice_kinds |= static_cast<std::uint8_t>(1U << static_cast<unsigned>(header.kind()));
-    if (goes_on && (first.whole || !key.whole))
-        return;
-    first = key;
-    tell_picture(reading);
+    if (!goes_on || (whole && !current.whole))
+        tell_picture(reading, header);
 }
 
 // Slices that follow the primary coded picture, and partitions B and C.
@@ -331,18 +334,19 @@ void access_units::state::join_waiting()
     waiting.clear();
 }
 
-void access_units::state::tell_picture(const unit_reading& reading)
+// The header stays where it is when the unit is kept.
+void access_units::state::tell_picture(const unit_reading& reading, const slice_header& header)
 {
-    const nal_unit* content = current.parts.back().content;
+    const nal_unit*& content = current.parts.back().content;
     if (content == nullptr) // a damaged slice stands before it
-        content = current.parts.back().content = keep_content();
-    current.header = content == nullptr ? nullptr : slice_header_of(*content);
+        content = keep_content();
+    current.header = content == nullptr ? nullptr : &header;
     if (current.header == nullptr)
         return current.findings.add(picture_finding::limit_reached);
-    current.whole = first.whole;
+    current.whole = !reading.result.failure;
     current.sps = reading.sps;
     current.pps = reading.pps;
-    current.structure = structure_of(*current.header, current.sps);
+    current.structure = structure_of(header, current.sps);
     current.nal_ref_idc = reading.unit.header.nal_ref_idc;
     current.idr = IdrPicFlag(reading.unit.header);
 }
@@ -352,7 +356,8 @@ void access_units::state::tell_picture(const unit_reading& reading)
 void access_units::state::add_part(std::vector<access_unit_part>& parts, const unit_reading& reading, unit_role role,
                                    const slice_header* header)
 {
-    const bool is_kept = contents_used < most_contents && is_new(reading, role);
+    const bool goes_on = role == unit_role::primary && current.header != nullptr; // with a slice like the first one
+    const bool is_kept = contents_used < most_contents && !goes_on && is_new(reading, role);
     const bool may_have_prefix = role == unit_role::primary || role == unit_role::redundant;
     const bool prefixed = may_have_prefix && !parts.empty() && parts.back().role == unit_role::prefix;
     static constexpr access_unit_part empty = {};
@@ -415,11 +420,14 @@ const nal_unit* access_units::state::keep_content()
 void access_units::state::complete()
 {
     if (!current.parts.empty()) {
-        for (std::size_t i = 0; i < current.parts.size(); ++i)
+        bool begins = false;
+        for (std::size_t i = 0; i < current.parts.size(); ++i) {
             current.parts[i].place.bytes = kept.at(i);
+            begins |= has_macroblock_0(current.parts[i]);
+        }
         if (any_slice && current.header == nullptr)
             current.findings.add(picture_finding::no_primary_picture);
-        if (current.header != nullptr && !has_macroblock_0(current))
+        if (current.header != nullptr && !begins)
             current.findings.add(picture_finding::first_slice_missing);
         current.number = count++;
         to->take(current);
@@ -429,19 +437,28 @@ void access_units::state::complete()
 
 void access_units::state::begin_with_waiting()
 {
+    kept.drop(current.parts.size());
+    if (waiting.empty())
+        contents_used = 0;
+    else
+        drop_contents();
+    std::vector<access_unit_part> parts = std::move(current.parts);
+    parts.clear();
+    parts.swap(waiting);
+    current = access_unit();
+    current.parts = std::move(parts);
+    any_slice = false;
+    ended = false;
+}
+
+// Those of the current access unit go; what waits begins with its own.
+void access_units::state::drop_contents()
+{
     const std::size_t of_current = static_cast<std::size_t>(
         std::count_if(current.parts.begin(), current.parts.end(), [](const access_unit_part& p) { return p.content; }));
     std::rotate(contents.begin(), contents.begin() + static_cast<std::ptrdiff_t>(of_current),
                 contents.begin() + static_cast<std::ptrdiff_t>(contents_used));
     contents_used -= of_current;
-    kept.drop(current.parts.size());
-    std::vector<access_unit_part> room = std::move(current.parts);
-    room.clear();
-    current = access_unit();
-    current.parts = std::move(waiting);
-    waiting = std::move(room);
-    any_slice = false;
-    ended = false;
 }
 
 } // namespace orv_utils_v4::h264

@@ -2,7 +2,7 @@
 
 namespace orv_utils_v4::h264 {
 
-bool kept_units::push(const unit_place& place, bool bytes_stay) noexcept
+bool kept_units::push_with_room(const unit_place& place, bool bytes_stay) noexcept
 {
     try {
         units.push_back({bytes_stay ? place.bytes : nullptr, copies.size()});
@@ -20,13 +20,13 @@ bool kept_units::push(const unit_place& place, bool bytes_stay) noexcept
     return true;
 }
 
-void kept_units::drop(std::size_t n) noexcept
+/// Those of the first `n` units.
+void kept_units::drop_copies(std::size_t n) noexcept
 {
     const std::size_t bytes = n < units.size() ? units[n].begin : copies.size();
     copies.erase(copies.begin(), copies.begin() + static_cast<std::ptrdiff_t>(bytes));
-    units.erase(units.begin(), units.begin() + static_cast<std::ptrdiff_t>(n));
-    for (unit& u : units)
-        u.begin -= bytes;
+    for (std::size_t i = n; i < units.size(); ++i)
+        units[i].begin -= bytes;
 }
 
 } // namespace orv_utils_v4::h264

@@ -1,9 +1,12 @@
 // The output order conformance of a decoder, H.264 clause C.4, without its samples.
 #include <orv-utils-v4/h264_syntax/output_order.h>
 
+#include "picture_slots.h"
+
 #include <orv-utils-v4/h264_syntax/derived.h>
 
 #include <algorithm>
+#include <bit>
 
 namespace orv_utils_v4::h264 {
 
@@ -77,17 +80,31 @@ void output_order::begin_alone() noexcept
 
 void output_order::end(const picture& complete, picture_sink& to)
 {
-    std::uint8_t slot = 0;
-    while ((used_slots >> slot & 1) != 0)
-        ++slot;
+    const std::uint8_t slot = picture_slots::free_slot(*this);
     slots[slot] = complete;
-    if (at_once)
-        return output(slots[slot], to);
-    used_slots |= std::uint32_t{1} << slot;
-    waiting.grow();
-    waiting.back() = {complete.count.lower(), complete.number, slot};
-    while (mode == output_mode::early && waiting.size() > most_reordered)
-        bump(to);
+    picture_slots::end(*this, slot, to);
+}
+
+void picture_slots::end(output_order& of, const picture& complete, picture_sink& to)
+{
+    end(of, static_cast<std::uint8_t>(&complete - of.slots), to);
+}
+
+std::uint8_t picture_slots::free_slot(const output_order& of) noexcept
+{
+    return static_cast<std::uint8_t>(std::countr_one(of.used_slots));
+}
+
+void picture_slots::end(output_order& of, std::uint8_t slot, picture_sink& to)
+{
+    const picture& complete = of.slots[slot];
+    if (of.at_once)
+        return of.output(of.slots[slot], to);
+    of.used_slots |= std::uint32_t{1} << slot;
+    of.waiting.grow();
+    of.waiting.back() = {complete.count.lower(), complete.number, slot};
+    while (of.mode == output_mode::early && of.waiting.size() > of.most_reordered)
+        of.bump(to);
 }
 
 /// Frame buffers that are not empty: their frames are used for reference, or waiting. Both lists are in decoding order.

@@ -72,6 +72,18 @@ std::uint8_t fields_shown(const access_unit& unit) noexcept
     return unit.field() ? 1 : 2;
 }
 
+exact_time field_presentation(const picture& picture, unsigned field) noexcept
+{
+    const exact_time& whole = picture.times.duration;
+    const std::uint64_t fields = picture.fields_shown;
+    constexpr std::uint64_t most = ~std::uint64_t{0};
+    if (field >= fields || !whole || static_cast<std::uint64_t>(whole.denominator) > most / fields)
+        return {};
+    return time_after(
+        picture.times.presentation, field,
+        {static_cast<std::uint64_t>(whole.numerator), static_cast<std::uint64_t>(whole.denominator) * fields});
+}
+
 std::int64_t unwrapped::next(std::int64_t value, unsigned bits) noexcept
 {
     constexpr std::int64_t far = std::int64_t{1} << 62; // stamps of a damaged stream begin again before they overflow
@@ -94,12 +106,16 @@ void picture_clock::begin(const access_unit& unit, const timestamp* stamp, pictu
         shown.add(2 * std::uint64_t{most_reordered_frames(*unit.sps)}, tick);
         any_shown = true;
     }
-    if (!take_hrd(unit, times) && tick.denominator != 0) {
-        const bool constant = unit.sps->vui_parameters.fixed_frame_rate_flag;
-        times.source = constant ? time_source::constant_rate : time_source::assumed_rate;
-        times.decoding = decoded.value();
-    }
+    if (!take_hrd(unit, times) && tick.denominator != 0)
+        take_rate(unit, decoded.value(), times);
     take_stamp(stamp, times);
+}
+
+void picture_clock::take_rate(const access_unit& unit, exact_time decoding, picture_times& times) const noexcept
+{
+    const bool constant = unit.sps->vui_parameters.fixed_frame_rate_flag;
+    times.source = constant ? time_source::constant_rate : time_source::assumed_rate;
+    times.decoding = decoding;
 }
 
 void picture_clock::set_tick(const access_unit& unit) noexcept
@@ -116,32 +132,36 @@ void picture_clock::set_tick(const access_unit& unit) noexcept
         durations[fields] = time_after(beginning, fields, tick);
 }
 
-void picture_clock::add_second_field(const access_unit& unit, const timestamp* stamp, picture_times& times) noexcept
+picture_times picture_clock::add_second_field(const access_unit& unit, const timestamp* stamp, std::uint8_t fields,
+                                              picture_times& times) noexcept
 {
     picture_times of_field;
-    take_hrd(unit, of_field);
+    if (!take_hrd(unit, of_field) && tick.denominator != 0)
+        take_rate(unit, time_after(decoded.value(), fields, tick), of_field);
     if (!times.presentation_stamp)
         take_stamp(stamp, times);
+    return of_field;
 }
 
-// C.1.2: delays count from the removal of the access unit with the buffering period before; C.2.2: the output from the
-// removal.
+// C.1.2: the first access unit is removed when the initial delay is over, which takes no picture timing; delays count
+// from the removal of the access unit with the buffering period before. C.2.2: the output from the removal. Behind a
+// period whose access unit does not tell its own delay there is nothing to count from.
 bool picture_clock::take_hrd(const access_unit& unit, picture_times& times) noexcept
 {
     if (tick.denominator == 0 || timing_hrd(unit.sps->vui_parameters) == nullptr)
         return false;
     const auto* const timing = unit.message<pic_timing>();
-    if (timing == nullptr)
-        return false;
     const auto* const begun = unit.message<buffering_period>();
     exact_time removal;
-    if (period)
+    if (any_period && timing != nullptr)
         removal = time_after(period, timing->cpb_removal_delay, tick);
-    else if (begun != nullptr)
+    else if (!any_period && begun != nullptr)
         removal = time_after(beginning, first_delay(*begun), {1, 90000});
-    if (begun != nullptr)
+    if (begun != nullptr) {
         period = removal;
-    if (!removal)
+        any_period = true;
+    }
+    if (timing == nullptr || !removal)
         return false;
     times.source = time_source::hrd;
     times.decoding = removal;

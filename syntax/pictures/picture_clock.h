@@ -38,8 +38,9 @@ class picture_clock {
 public:
     /// Tells `times` of a picture that begins with this access unit, as far as decoding order tells them.
     void begin(const access_unit& unit, const timestamp* stamp, picture_times& times) noexcept;
-    /// The second field of that picture.
-    void add_second_field(const access_unit& unit, const timestamp* stamp, picture_times& times) noexcept;
+    /// The second field of that picture, whose first one is shown for `fields`; its own times.
+    picture_times add_second_field(const access_unit& unit, const timestamp* stamp, std::uint8_t fields,
+                                   picture_times& times) noexcept;
     /// The picture is complete, and is shown for `fields`.
     void end(std::uint8_t fields, picture_times& times) noexcept;
     /// The picture, shown for `fields`, is the next one in output order.
@@ -49,12 +50,14 @@ private:
     static constexpr std::uint8_t most_fields = 7; // of two fields with timing messages of their own there may be more
 
     void set_tick(const access_unit& unit) noexcept;
+    void take_rate(const access_unit& unit, exact_time decoding, picture_times& times) const noexcept;
     bool take_hrd(const access_unit& unit, picture_times& times) noexcept;
     void take_stamp(const timestamp* stamp, picture_times& times) noexcept;
 
-    ratio sent;                // the tick of the active SPS, in seconds
-    ratio tick;                // the same, reduced
-    exact_time period;         // removal of the access unit with the latest buffering period
+    ratio sent;        // the tick of the active SPS, in seconds
+    ratio tick;        // the same, reduced
+    exact_time period; // removal of the access unit with the latest buffering period; unknown where nothing tells it
+    bool any_period = false;
     tick_time decoded{{0, 1}}; // when the next picture is decoded, at a constant rate
     tick_time shown{{0, 0}};   // when it is shown, likewise
     bool any_shown = false;

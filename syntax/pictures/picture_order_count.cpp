@@ -1,6 +1,8 @@
 // Picture order counts, H.264 clause 8.2.1, with its variables under its names.
 #include <orv-utils-v4/h264_syntax/picture_order_count.h>
 
+#include "operation_5.h"
+
 #include <orv-utils-v4/h264_syntax/picture_size.h>
 
 #include <algorithm>
@@ -64,7 +66,7 @@ bool picture_order_count::in_range() const noexcept
 
 picture_order_count picture_order_counter::after_marking(picture_order_count count, const slice_header& header) noexcept
 {
-    if (!has_operation_5(header))
+    if (!with_operation_5(header))
         return count;
     const std::int64_t tempPicOrderCnt = count.lower();
     return {sum(count.top, -tempPicOrderCnt), sum(count.bottom, -tempPicOrderCnt)};
@@ -86,7 +88,7 @@ picture_order_count picture_order_counter::next(const seq_parameter_set_data& sp
     else
         count = idr ? picture_order_count() : type_2(header, nal_ref_idc);
 
-    const bool operation_5 = nal_ref_idc != 0 && has_operation_5(header);
+    const bool operation_5 = nal_ref_idc != 0 && with_operation_5(header);
     previous_frame_num = operation_5 ? 0 : header.frame_num;
     FrameNumOffset = operation_5 ? 0 : FrameNumOffset;
     if (operation_5) {

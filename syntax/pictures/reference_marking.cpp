@@ -1,7 +1,8 @@
 // Decoded reference picture marking, H.264 clause 8.2.5, with the picture numbers of 8.2.4.1.
 #include <orv-utils-v4/h264_syntax/reference_marking.h>
 
-#include <orv-utils-v4/h264_syntax/picture_order_count.h>
+#include "operation_5.h"
+
 #include <orv-utils-v4/h264_syntax/picture_size.h>
 
 #include <algorithm>
@@ -32,15 +33,26 @@ std::int64_t FrameNumWrap(const reference_frame& frame, std::uint32_t frame_num,
     return FrameNum > frame_num ? FrameNum - static_cast<std::int64_t>(MaxFrameNum(sps)) : FrameNum;
 }
 
+/// `a` - `b` modulo MaxFrameNum, a power of two.
+std::uint64_t frame_nums_between(std::uint64_t b, std::uint64_t a, const seq_parameter_set_data& sps)
+{
+    return (a - b) & (MaxFrameNum(sps) - 1);
+}
+
 /// Of [`from`, `to`) the one with something marked for short-term reference and the lowest FrameNumWrap; or null.
 reference_frame* oldest_short_term(reference_frame* from, reference_frame* to, std::uint32_t frame_num,
                                    const seq_parameter_set_data& sps)
 {
     reference_frame* oldest = nullptr;
+    std::int64_t lowest = 0;
     for (; from != to; ++from) {
-        if (from->short_term != 0 &&
-            (oldest == nullptr || FrameNumWrap(*from, frame_num, sps) < FrameNumWrap(*oldest, frame_num, sps)))
+        if (from->short_term == 0)
+            continue;
+        const std::int64_t wrap = FrameNumWrap(*from, frame_num, sps);
+        if (oldest == nullptr || wrap < lowest) {
             oldest = from;
+            lowest = wrap;
+        }
     }
     return oldest;
 }
@@ -61,25 +73,23 @@ bool reference_marking::uses(std::uint64_t number) const noexcept
 marking_result reference_marking::before_picture(const marked_picture& picture) noexcept
 {
     marking_result result;
-    const std::uint64_t max = MaxFrameNum(picture.sps);
     const std::uint64_t frame_num = picture.header.frame_num;
-    const std::uint64_t behind = (frame_num + max - PrevRefFrameNum % max) % max;
+    const std::uint64_t behind = frame_nums_between(PrevRefFrameNum, frame_num, picture.sps);
     if (!any_picture) // a stream may begin anywhere
-        PrevRefFrameNum = static_cast<std::uint32_t>((frame_num + max - 1) % max);
+        PrevRefFrameNum = static_cast<std::uint32_t>(frame_nums_between(1, frame_num, picture.sps));
     const bool follows = picture.idr || picture.second_field || !any_picture || behind <= 1;
     any_picture = true;
     if (follows)
         return result;
     result.missing = behind - 1;
     for (std::uint64_t i = std::min<std::uint64_t>(result.missing, most_frames); i > 0; --i)
-        infer_frame(static_cast<std::uint32_t>((frame_num + max - i) % max), picture.sps);
+        infer_frame(static_cast<std::uint32_t>(frame_nums_between(i, frame_num, picture.sps)), picture.sps);
     return result;
 }
 
 void reference_marking::infer_frame(std::uint32_t frame_num, const seq_parameter_set_data& sps) noexcept
 {
     slide(frame_num, sps);
-    drop_unused();
     frames.grow();
     frames.back() = {0, frame_num, 0, both_fields, 0, true};
     PrevRefFrameNum = frame_num;
@@ -95,20 +105,21 @@ marking_result reference_marking::after_picture(const marked_picture& picture) n
     const std::uint8_t fields = fields_of(picture.header);
     if (picture.idr)
         frames.clear();
+    else if (!marking.adaptive_ref_pic_marking_mode_flag && !(has_entry(picture) && frames.back().short_term != 0))
+        slide(picture.header.frame_num, picture.sps);
     reference_frame& current = entry_of(picture);
     if (picture.idr) {
         current.long_term = marking.long_term_reference_flag ? fields : 0;
     } else if (marking.adaptive_ref_pic_marking_mode_flag) {
         for (const marking_operation& operation : marking.operations)
             result.no_such_picture |= !operate(picture, operation, current);
-    } else if (current.short_term == 0) {
-        slide(picture.header.frame_num, picture.sps);
     }
     if ((current.long_term & fields) == 0)
         current.short_term |= fields;
-    current.frame_num = has_operation_5(picture.header) ? 0 : picture.header.frame_num;
+    current.frame_num = with_operation_5(picture.header) ? 0 : picture.header.frame_num;
     PrevRefFrameNum = current.frame_num;
-    drop_unused();
+    if (marking.adaptive_ref_pic_marking_mode_flag)
+        drop_unused();
     result.too_many = drop_what_is_too_much(picture.sps);
     return result;
 }
@@ -116,26 +127,28 @@ marking_result reference_marking::after_picture(const marked_picture& picture) n
 /// The frame of the picture, at the end of all: a second field finds that of the first one.
 reference_frame& reference_marking::entry_of(const marked_picture& picture) noexcept
 {
-    const bool there = picture.second_field && !frames.empty() && frames.back().number == picture.number;
-    if (!there || frames.back().non_existing) {
+    if (!has_entry(picture)) {
         frames.grow();
         frames.back() = {picture.number, picture.header.frame_num, 0, 0, 0, false};
     }
     return frames.back();
 }
 
-// The sliding window, 8.2.5.3. A frame with a field of each kind is in both numbers.
+// The sliding window, 8.2.5.3. A frame with a field of each kind is in both numbers. What nothing is marked of goes.
 void reference_marking::slide(std::uint32_t frame_num, const seq_parameter_set_data& sps) noexcept
 {
-    const auto numShortTerm = [&] {
-        return std::count_if(begin(), end(), [](const auto& f) { return f.short_term != 0; });
-    };
-    const auto numLongTerm = std::count_if(begin(), end(), [](const auto& f) { return f.long_term != 0; });
-    while (numShortTerm() + numLongTerm >= most_frames_of(sps)) {
+    std::uint32_t marks = 0; // numShortTerm + numLongTerm
+    for (const reference_frame& f : frames)
+        marks += (f.short_term != 0 ? 1U : 0U) + (f.long_term != 0 ? 1U : 0U);
+    for (const std::uint32_t most = most_frames_of(sps); marks >= most; --marks) {
         reference_frame* const oldest = oldest_short_term(frames.begin(), frames.end(), frame_num, sps);
         if (oldest == nullptr)
             return;
         oldest->short_term = 0;
+        if (oldest->long_term != 0)
+            continue;
+        std::copy(oldest + 1, frames.end(), oldest);
+        frames.resize(frames.size() - 1);
     }
 }
 

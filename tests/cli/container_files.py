@@ -52,14 +52,13 @@ def make_mp4(folder, stream):
 
 def make(folder, stream, forms=tuple(FORMS)):
     """The paths of the containers, by the names of their forms."""
-    made = {"mp4": make_mp4(folder, stream)}
-    for form in forms:
-        extension, options = FORMS[form]
-        path = os.path.join(folder, f"{form}.{extension}")
-        if form not in made:
-            ffmpeg("-fflags", "+genpts", "-i", made["mp4"], "-c", "copy", "-bitexact", *options, path)
-        made[form] = path
-    return made
+    mp4 = make_mp4(folder, stream)
+    made = {form: os.path.join(folder, f"{form}.{FORMS[form][0]}") for form in forms}
+    others = [form for form in forms if form != "mp4"]
+    outputs = [word for form in others for word in ("-c", "copy", "-bitexact", *FORMS[form][1], made[form])]
+    if others:
+        ffmpeg("-fflags", "+genpts", "-i", mp4, *outputs)
+    return {"mp4": mp4} | made
 
 
 def objects(tool, *arguments):

@@ -24,19 +24,18 @@ inline std::ostream& operator<<(std::ostream& out, const planted_violation& plan
     return out << planted.what;
 }
 
-/// The tables, each in a file of its own.
-std::span<const planted_violation> planted_in_parameter_sets();
-std::span<const planted_violation> planted_in_units();
-std::span<const planted_violation> planted_in_slices();
-std::span<const planted_violation> planted_in_marking();
-std::span<const planted_violation> planted_in_lists();
-std::span<const planted_violation> planted_in_output();
-std::span<const planted_violation> planted_in_activation();
-std::span<const planted_violation> planted_in_numbers();
-std::span<const planted_violation> planted_in_order();
-std::span<const planted_violation> planted_in_pictures();
-std::span<const planted_violation> planted_in_hrd();
-std::span<const planted_violation> planted_in_sei();
-std::span<const planted_violation> planted_in_levels();
+/// The table of a family of rules, in a file of its own: it puts itself into the list of all.
+struct planted_table {
+    planted_table(std::string_view of, std::span<const planted_violation> its) noexcept
+        : family(of), rows(its), next(first)
+    {
+        first = this;
+    }
+
+    std::string_view family;
+    std::span<const planted_violation> rows;
+    const planted_table* next;
+    static inline const planted_table* first = nullptr;
+};
 
 } // namespace support

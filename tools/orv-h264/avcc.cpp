@@ -6,6 +6,7 @@
 #include "json_output.h"
 #include "messages.h"
 #include "record_file.h"
+#include "standard_output.h"
 #include "stream_input.h"
 #include "table_output.h"
 #include "trace_lines.h"
@@ -105,7 +106,7 @@ private:
             return false;
         object[std::string(name)] = value;
         if (options.format == output_format::text)
-            fmt::print("{} {}\n", name, value);
+            write_output(fmt::format("{} {}\n", name, value));
         return true;
     }
 
@@ -134,7 +135,7 @@ private:
         stream.push(current.place, *this);
         stream.flush(*this);
         if (options.format == output_format::text)
-            fmt::print("{}", shown_unit);
+            write_output(shown_unit);
         else
             list.push_back(json::parse(shown_unit));
     }
@@ -156,7 +157,7 @@ private:
     {
         object["behind"] = hex_digits(behind);
         if (options.format == output_format::text)
-            fmt::print("behind the record: {}\n", hex_start(behind));
+            write_output(fmt::format("behind the record: {}\n", hex_start(behind)));
     }
 
     void complain(const unsigned char* where, const std::string& what)

@@ -23,7 +23,7 @@ fact words(std::string_view name, std::string_view value, std::string text)
     return {name, json_text(value), std::move(text)};
 }
 
-fact fraction(std::string_view name, h264::ratio value, std::string text)
+fact fraction_fact(std::string_view name, h264::ratio value, std::string text)
 {
     const std::uint64_t divisor = std::gcd(value.numerator, value.denominator);
     return {name,
@@ -61,9 +61,9 @@ void add_size(std::vector<fact>& to, const h264::seq_parameter_set_data& sps)
 void add_vui(std::vector<fact>& to, const h264::vui_parameters& vui)
 {
     if (const h264::ratio rate = h264::field_rate(vui); rate.denominator != 0)
-        to.push_back(fraction("field_rate", rate,
-                              fmt::format("field rate {:.7g} Hz", static_cast<double>(rate.numerator) /
-                                                                      static_cast<double>(rate.denominator))));
+        to.push_back(fraction_fact("field_rate", rate,
+                                   fmt::format("field rate {:.7g} Hz", static_cast<double>(rate.numerator) /
+                                                                           static_cast<double>(rate.denominator))));
     const auto add_schedules = [&](std::string_view name, std::string_view kind, const h264::hrd_parameters& hrd) {
         std::string json = "[";
         std::string text;

@@ -7,6 +7,7 @@
 #include "memory_guard.h"
 #include "names.h"
 #include "registered_trace.h"
+#include "standard_output.h"
 #include "table_output.h"
 #include "unit_run.h"
 #include "words.h"
@@ -32,7 +33,7 @@ struct bit_range {
 };
 
 /// An element with the structures around it.
-struct placed_element {
+struct chosen_element {
     std::string path; // of the structures, joined by dots
     std::string structure;
     std::string name;
@@ -84,9 +85,9 @@ public:
         guarded([&] { add(e); });
     }
 
-    std::deque<placed_element> before;
-    std::vector<placed_element> hits;
-    std::vector<placed_element> after;
+    std::deque<chosen_element> before;
+    std::vector<chosen_element> hits;
+    std::vector<chosen_element> after;
 
 private:
     void add(const h264::traced_element& e)
@@ -103,9 +104,9 @@ private:
         }
     }
 
-    placed_element placed(const h264::traced_element& e)
+    chosen_element placed(const h264::traced_element& e)
     {
-        placed_element p;
+        chosen_element p;
         p.structure = path.back();
         p.path = fmt::format("{}", fmt::join(path, "."));
         p.name = text_of(e.name);
@@ -126,7 +127,7 @@ private:
     std::vector<std::string_view> path;
 };
 
-bool is_slice(unsigned type)
+bool is_slice_type(unsigned type)
 {
     return (type >= 1 && type <= 5) || (type >= 19 && type <= 21);
 }
@@ -256,7 +257,7 @@ private:
         const h264::outcome& result = reading.result;
         if (result.failure)
             return fmt::format("not read: {}", text_of(result.failure));
-        if (!is_slice(unit.type()))
+        if (!is_slice_type(unit.type()))
             return std::holds_alternative<std::monostate>(reading.unit.rbsp)
                        ? "payload of a unit type without a syntax in H.264"
                        : "bytes behind the trailing bits";
@@ -281,15 +282,15 @@ private:
 
     void add_elements()
     {
-        for (const placed_element& e : found->before)
+        for (const chosen_element& e : found->before)
             object["before"].push_back(json_of(e));
-        for (const placed_element& e : found->hits)
+        for (const chosen_element& e : found->hits)
             object["elements"].push_back(json_of(e));
-        for (const placed_element& e : found->after)
+        for (const chosen_element& e : found->after)
             object["after"].push_back(json_of(e));
     }
 
-    static json json_of(const placed_element& e)
+    static json json_of(const chosen_element& e)
     {
         json element = {{"structure", e.path},
                         {"name", e.name},
@@ -340,7 +341,10 @@ private:
             print_text();
     }
 
-    static void print_line(std::string_view label, const std::string& text) { fmt::print("{:<12}{}\n", label, text); }
+    static void print_line(std::string_view label, const std::string& text)
+    {
+        write_output(fmt::format("{:<12}{}\n", label, text));
+    }
 
     void print_text() const
     {
@@ -368,9 +372,9 @@ private:
 
     void print_elements() const
     {
-        for (const placed_element& e : found->before)
+        for (const chosen_element& e : found->before)
             print_line("Before", value_text(e));
-        for (const placed_element& e : found->hits) {
+        for (const chosen_element& e : found->hits) {
             const std::string clause = h264::clause_of(e.structure.c_str());
             const std::string semantics = h264::semantics_of(e.structure.c_str());
             print_line("Element", value_text(e));
@@ -384,11 +388,11 @@ private:
                            fmt::format("H.264 {}{}", clause,
                                        semantics.empty() ? "" : fmt::format(", semantics in {}", semantics)));
         }
-        for (const placed_element& e : found->after)
+        for (const chosen_element& e : found->after)
             print_line("After", value_text(e));
     }
 
-    static std::string value_text(const placed_element& e)
+    static std::string value_text(const chosen_element& e)
     {
         return fmt::format("{} {}{}", e.name, e.value, e.words.empty() ? "" : fmt::format(" ({})", e.words));
     }

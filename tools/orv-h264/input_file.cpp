@@ -1,5 +1,7 @@
 #include "input_file.h"
 
+#include "system_calls.h"
+
 #include <cerrno>
 #include <limits>
 #include <system_error>
@@ -12,21 +14,6 @@
 
 namespace orv_h264 {
 
-namespace {
-
-/// What the call returns when no signal has broken it off.
-template <typename Call>
-ssize_t again(Call call)
-{
-    ssize_t count = 0;
-    do
-        count = call();
-    while (count < 0 && errno == EINTR);
-    return count;
-}
-
-} // namespace
-
 std::string input_name(const std::string& path)
 {
     return path == "-" ? "standard input" : path;
@@ -34,31 +21,28 @@ std::string input_name(const std::string& path)
 
 input_file::input_file(const std::string& path) : input_file(path, input_name(path)) {}
 
+input_file::input_file(std::string name, int opened) : shown_name(std::move(name)), descriptor(opened) {}
+
+// What cannot be asked is not taken for a pipe: of a pipe a container may be read in another way.
 input_file::input_file(const std::string& path, std::string name)
-    : shown_name(std::move(name)), descriptor(path == "-" ? STDIN_FILENO : ::open(path.c_str(), O_RDONLY | O_CLOEXEC))
+    : input_file(std::move(name),
+                 path == "-" ? STDIN_FILENO : again([&] { return ::open(path.c_str(), O_RDONLY | O_CLOEXEC); }))
 {
-    if (descriptor < 0)
+    struct stat status = {};
+    if (descriptor < 0 || ::fstat(descriptor, &status) != 0)
         throw std::system_error(errno, std::generic_category(), shown_name);
-    from_start = ::lseek(descriptor, 0, SEEK_CUR) == 0;
+    if (S_ISREG(status.st_mode))
+        regular_bytes = static_cast<std::uint64_t>(status.st_size);
+    const off_t position = ::lseek(descriptor, 0, SEEK_CUR);
+    if (position < 0 && errno != ESPIPE)
+        check(position, 0);
+    from_start = position == 0;
 }
 
 input_file::~input_file()
 {
-    if (descriptor != STDIN_FILENO)
+    if (descriptor > STDIN_FILENO)
         ::close(descriptor);
-}
-
-std::optional<std::uint64_t> input_file::size() const
-{
-    struct stat status = {};
-    if (::fstat(descriptor, &status) != 0 || !S_ISREG(status.st_mode))
-        return {};
-    return static_cast<std::uint64_t>(status.st_size);
-}
-
-bool input_file::is_seekable() const
-{
-    return from_start && size().has_value();
 }
 
 std::size_t input_file::read(unsigned char* out, std::size_t size)
@@ -73,7 +57,12 @@ std::size_t input_file::read_at(std::uint64_t from, unsigned char* out, std::siz
     constexpr auto furthest = static_cast<std::uint64_t>(std::numeric_limits<off_t>::max());
     if (size > furthest || from > furthest - size)
         return 0; // no file is that large
-    return check(again([&] { return ::pread(descriptor, out, size, static_cast<off_t>(from)); }), from);
+    std::size_t done = 0;
+    for (std::size_t count = 1; count != 0 && done < size; done += count) {
+        const auto at = static_cast<off_t>(from + done);
+        count = check(again([&] { return ::pread(descriptor, out + done, size - done, at); }), from + done);
+    }
+    return done;
 }
 
 std::size_t input_file::check(std::ptrdiff_t count, std::uint64_t at) const

@@ -30,13 +30,13 @@ public:
     std::size_t read_at(std::uint64_t from, unsigned char* out, std::size_t size) const;
 
     /// It is a regular file, opened at its start.
-    bool is_seekable() const;
+    bool is_seekable() const noexcept { return from_start && regular_bytes; }
 
     /// How many bytes were read so far.
     std::uint64_t bytes_read() const noexcept { return offset; }
 
-    /// The bytes of the whole, of a regular file.
-    std::optional<std::uint64_t> size() const;
+    /// The bytes of the whole when it was opened, of a regular file.
+    std::optional<std::uint64_t> size() const noexcept { return regular_bytes; }
 
     /// The name for messages.
     const std::string& name() const noexcept { return shown_name; }
@@ -45,11 +45,13 @@ public:
     int file_descriptor() const noexcept { return descriptor; }
 
 private:
+    input_file(std::string name, int opened); // where the others begin, so that the destructor runs whatever fails then
     std::size_t check(std::ptrdiff_t count, std::uint64_t at) const;
 
     std::string shown_name;
     int descriptor;
-    bool from_start = false; // nobody has read of it before
+    bool from_start = false;                    // nobody has read of it before
+    std::optional<std::uint64_t> regular_bytes; // none of what is no regular file
     std::uint64_t offset = 0;
 };
 

@@ -13,12 +13,6 @@ namespace orv_h264 {
 
 namespace {
 
-std::string text_of(const json& value)
-{
-    constexpr int one_line = -1;
-    return value.dump(one_line, ' ', false, json::error_handler_t::replace);
-}
-
 bool stands_for_itself(char c)
 {
     return c >= ' ' && c <= '~' && c != '"' && c != '\\';
@@ -26,15 +20,21 @@ bool stands_for_itself(char c)
 
 } // namespace
 
+std::string json_line(const json& value)
+{
+    constexpr int one_line = -1;
+    return value.dump(one_line, ' ', false, json::error_handler_t::replace);
+}
+
 void print_json(const json& object)
 {
-    write_output(text_of(object) + '\n');
+    write_output(json_line(object) + '\n');
 }
 
 std::string json_text(std::string_view text)
 {
     const bool simple = std::all_of(text.begin(), text.end(), stands_for_itself);
-    return simple ? std::string(1, '"').append(text) += '"' : text_of(text);
+    return simple ? std::string(1, '"').append(text) += '"' : json_line(text);
 }
 
 std::string hex_digits(std::span<const std::uint8_t> bytes)

@@ -14,7 +14,10 @@ namespace orv_h264 {
 
 using json = nlohmann::ordered_json;
 
-/// Prints the object as one line. Bytes that are not UTF-8 become U+FFFD.
+/// The value in one line. Bytes that are not UTF-8 become U+FFFD.
+std::string json_line(const json& value);
+
+/// Prints the object as one line.
 void print_json(const json& object);
 
 /// The text as a JSON string.

@@ -9,7 +9,7 @@ namespace orv_h264 {
 
 namespace {
 
-bool is_slice(h264::unit_role role)
+bool is_slice_role(h264::unit_role role)
 {
     return role == h264::unit_role::primary || role == h264::unit_role::redundant || role == h264::unit_role::layer;
 }
@@ -99,7 +99,7 @@ void layer_list::add(const h264::access_unit& unit, const h264::parameter_sets& 
     std::optional<std::size_t> base; // of the units that tell of no layer: one place in an access unit
     for (const h264::access_unit_part& part : unit.parts) {
         const bool prefix = part.role == h264::unit_role::prefix;
-        if (!prefix && !is_slice(part.role))
+        if (!prefix && !is_slice_role(part.role))
             continue;
         const bool tells_layer = part.header.extended() || part.prefixed;
         any_extension = any_extension || part.header.extended();

@@ -2,18 +2,20 @@
 
 #include "json_output.h"
 #include "printable.h"
+#include "system_calls.h"
 #include "terminal.h"
 
 #include <cstdio>
 #include <iterator>
 
 #include <fmt/format.h>
+#include <unistd.h>
 
 namespace orv_h264 {
 
 void write_message(std::string_view text)
 {
-    static_cast<void>(std::fwrite(text.data(), 1, text.size(), stderr));
+    static_cast<void>(write_all(STDERR_FILENO, text.data(), text.size()));
 }
 
 void print_error(std::string_view reason)

@@ -1,5 +1,10 @@
 #include "output_file.h"
 
+#include "failed_allocations.h"
+#include "nameless_file.h"
+#include "signals_held.h"
+#include "system_calls.h"
+
 #include <algorithm>
 #include <array>
 #include <cerrno>
@@ -7,6 +12,7 @@
 #include <csignal>
 #include <cstdio>
 #include <filesystem>
+#include <optional>
 #include <stdexcept>
 #include <system_error>
 #include <utility>
@@ -20,8 +26,6 @@ namespace orv_h264 {
 
 namespace {
 
-constexpr std::array<int, 7> ending_signals = {SIGHUP, SIGINT, SIGPIPE, SIGQUIT, SIGTERM, SIGXCPU, SIGXFSZ};
-
 // What a signal handler removes: it can read no std::string. The tool writes two files a run at the most; an empty name
 // is none.
 using file_name = std::array<char, PATH_MAX>;
@@ -29,8 +33,7 @@ std::array<file_name, 2> unfinished;
 
 void remove_unfinished(int signal_number)
 {
-    for (const file_name& name : unfinished)
-        ::unlink(name.data());
+    remove_unfinished_files();
     static_cast<void>(::signal(signal_number, SIG_DFL));
     static_cast<void>(::raise(signal_number));
 }
@@ -63,9 +66,11 @@ void note_unfinished(const std::string& path)
 
 void forget_unfinished(const std::string& path)
 {
-    for (file_name& name : unfinished)
-        if (path == name.data())
-            name.fill('\0');
+    const auto noted =
+        std::find_if(unfinished.begin(), unfinished.end(), [&](const file_name& name) { return path == name.data(); });
+    if (noted == unfinished.end())
+        return;
+    noted->fill('\0');
     if (std::all_of(unfinished.begin(), unfinished.end(), is_free))
         handle_signals(SIG_DFL);
 }
@@ -77,39 +82,54 @@ mode_t permissions_of_a_new_file()
     return 0666U & ~mask;
 }
 
-/// Of a link the file that it names, which need not be there.
-std::filesystem::path end_of_links(std::filesystem::path path)
+/// Of a link the file that it names, which need not be there. What hides whether there is a link is not taken for none,
+/// or the link would be replaced.
+std::filesystem::path end_of_links(std::filesystem::path path, std::error_code& failed)
 {
     constexpr int most_links = 40; // as many as Linux follows
-    std::error_code no_link;
     for (int links = 0; links < most_links; ++links) {
-        const std::filesystem::path next = std::filesystem::read_symlink(path, no_link);
-        if (no_link)
+        const std::filesystem::path next = std::filesystem::read_symlink(path, failed);
+        if (failed)
             break;
         path = path.parent_path() / next;
     }
+    if (failed == std::errc::invalid_argument || failed == std::errc::no_such_file_or_directory)
+        failed.clear();
     return path;
 }
 
-/// False of an open file that was removed, for one.
-bool is_at(const std::string& path, const struct stat& file)
+/// False of an open file that was removed, for one; nothing, with errno, where that cannot be told.
+std::optional<bool> is_at(const std::string& path, const struct stat& file)
 {
     struct stat there = {};
-    return ::stat(path.c_str(), &there) == 0 && there.st_dev == file.st_dev && there.st_ino == file.st_ino;
+    if (::stat(path.c_str(), &there) == 0)
+        return there.st_dev == file.st_dev && there.st_ino == file.st_ino;
+    return errno == ENOENT || errno == ENOTDIR ? std::optional(false) : std::nullopt;
 }
 
 } // namespace
 
-output_file::output_file(const std::string& path) : output_file()
+void remove_unfinished_files() noexcept
 {
+    for (const file_name& name : unfinished)
+        if (!is_free(name))
+            ::unlink(name.data());
+}
+
+output_file::output_file(const std::string& path) : output_file(path, path == "-" ? "standard output" : path) {}
+
+output_file::output_file(const std::string& path, std::string name) : output_file()
+{
+    shown_name = std::move(name);
     if (path == "-") {
-        shown_name = "standard output";
         descriptor = STDOUT_FILENO;
         return;
     }
-    shown_name = path;
-    place = end_of_links(path).string();
-    descriptor = ::open(path.c_str(), O_WRONLY | O_CLOEXEC); // what is there stays as it is
+    std::error_code hidden;
+    place = end_of_links(path, hidden).string();
+    if (hidden)
+        throw std::system_error(hidden, shown_name);
+    descriptor = again([&] { return ::open(path.c_str(), O_WRONLY | O_CLOEXEC); }); // what is there stays as it is
     if (descriptor >= 0)
         open_instead();
     else if (errno == ENOENT)
@@ -131,28 +151,59 @@ void output_file::open_instead()
         errno = EACCES;
         fail();
     }
-    if (is_at(place, there)) {
+    const std::optional<bool> has_name = is_at(place, there);
+    if (!has_name)
+        fail();
+    if (*has_name) {
         ::close(std::exchange(descriptor, -1));
         open_beside(there.st_mode & 07777U);
-    } else if (::ftruncate(descriptor, 0) != 0)
+    } else if (again([&] { return ::ftruncate(descriptor, 0); }) != 0)
         fail();
 }
 
 void output_file::open_beside(mode_t permissions)
 {
-    std::string folder = std::filesystem::path(place).parent_path().string();
+    folder = std::filesystem::path(place).parent_path().string();
     if (folder.empty())
         folder = ".";
-    beside = folder + "/.orv-h264-XXXXXX"; // made of no name, which may be as long as any
-    descriptor = ::mkstemp(beside.data());
+    descriptor = open_linkable(folder);
+    readable = path_of(descriptor);
+    if (descriptor < 0 || ::access(readable.c_str(), F_OK) != 0) // by that path it gets its name
+        open_named();
+    if (again([&] { return ::fchmod(descriptor, permissions); }) != 0)
+        fail();
+}
+
+void output_file::open_named()
+{
+    if (descriptor >= 0)
+        ::close(descriptor);
+    std::string name;
+    const signals_held until_it_is_noted;
+    descriptor = again([&] {
+        name = folder + "/.orv-h264-XXXXXX"; // made of no other name, which may be as long as any
+        return ::mkostemp(name.data(), O_CLOEXEC);
+    });
     if (descriptor < 0) {
         const std::error_code reason(errno, std::generic_category());
-        beside.clear();
         throw std::system_error(reason, fmt::format("{}: cannot make a file in the folder {}", shown_name, folder));
     }
-    note_unfinished(beside);
-    if (::fchmod(descriptor, permissions) != 0)
-        fail();
+    note_unfinished(name);
+    readable = beside = std::move(name);
+}
+
+/// No call puts a file without a name where another one is: it gets one that is free.
+void output_file::give_name()
+{
+    std::string name;
+    int result = -1;
+    for (unsigned number = 0; result != 0; ++number) {
+        name = fmt::format("{}/.orv-h264-{}-{}", folder, ::getpid(), number);
+        result = again([&] { return ::linkat(AT_FDCWD, readable.c_str(), AT_FDCWD, name.c_str(), AT_SYMLINK_FOLLOW); });
+        if (result != 0 && errno != EEXIST)
+            fail();
+    }
+    beside = std::move(name);
 }
 
 output_file::~output_file()
@@ -167,24 +218,28 @@ output_file::~output_file()
 
 void output_file::write(std::span<const unsigned char> bytes)
 {
-    while (!bytes.empty()) {
-        const ssize_t count = ::write(descriptor, bytes.data(), bytes.size());
-        if (count < 0 && errno != EINTR)
-            fail();
-        bytes = bytes.subspan(static_cast<std::size_t>(count < 0 ? 0 : count));
-    }
+    if (!write_all(descriptor, bytes.data(), bytes.size()))
+        fail();
 }
 
 void output_file::commit()
 {
-    if (beside.empty())
+    check_allocations();
+    if (readable.empty())
         return;
-    const int closed = ::close(descriptor);
-    descriptor = -1;
-    if (closed != 0 || std::rename(beside.c_str(), place.c_str()) != 0)
+    const signals_held until_it_is_there; // no handler knows the name that it gets now
+    if (beside.empty())
+        give_name();
+    const int closed = ::close(std::exchange(descriptor, -1));
+    if (closed != 0 || std::rename(beside.c_str(), place.c_str()) != 0) {
+        const int reason = errno;
+        ::unlink(beside.c_str()); // before signals come again
+        errno = reason;
         fail();
+    }
     forget_unfinished(beside);
     beside.clear();
+    readable.clear();
 }
 
 void output_file::fail() const

@@ -28,7 +28,7 @@ bool is_told_otherwise(const h264::access_unit_part& part)
            (part.ending == h264::ending::no_stop_bit && first == "rbsp_stop_one_bit");
 }
 
-bool is_before(const row_problem& a, const row_problem& b)
+bool comes_before(const row_problem& a, const row_problem& b)
 {
     return a.offset < b.offset;
 }
@@ -142,6 +142,7 @@ picture_rows::waiting_row& picture_rows::row_of(const h264::access_unit& unit, c
     added.row.offset = fed_of(unit.parts.front()).begin;
     added.header = fed_of(unit.parts.front()).header;
     added.tick = tick_of(unit);
+    added.own = pictures.latest_times();
     return added;
 }
 
@@ -182,7 +183,7 @@ std::vector<row_problem> picture_rows::problems_of(const h264::access_unit& unit
 void picture_rows::keep(std::vector<row_problem> found)
 {
     problems.insert(problems.end(), std::make_move_iterator(found.begin()), std::make_move_iterator(found.end()));
-    std::stable_sort(problems.begin(), problems.end(), is_before);
+    std::stable_sort(problems.begin(), problems.end(), comes_before);
 }
 
 /// Those that were found, and those that wait and lie before the end of the row.
@@ -195,7 +196,7 @@ void picture_rows::take_problems(picture_row& row, std::vector<row_problem> foun
     waiting_units += found.size();
     row.problems.insert(row.problems.end(), std::make_move_iterator(found.begin()),
                         std::make_move_iterator(found.end()));
-    std::stable_sort(row.problems.begin(), row.problems.end(), is_before);
+    std::stable_sort(row.problems.begin(), row.problems.end(), comes_before);
 }
 
 void picture_rows::decoded(const h264::picture& picture)
@@ -238,7 +239,8 @@ std::pair<picture_rows::row_place, picture_rows::row_place> picture_rows::rows_o
     return {first, fence};
 }
 
-/// Of two rows the one whose field is output second is shown behind the other.
+/// Of two rows, the second has the times of its own picture timing; else the one whose field is output second is shown
+/// behind the other.
 void picture_rows::set_times(const h264::picture& picture)
 {
     const auto [first, fence] = rows_of(picture.number);
@@ -251,6 +253,12 @@ void picture_rows::set_times(const h264::picture& picture)
     if (fence - first != 2)
         return;
     const row_place second = first + 1;
+    if (second->own.source == h264::time_source::hrd) {
+        second->row.time_source = second->own.source;
+        second->row.dts = second->own.decoding;
+        second->row.pts = second->own.presentation;
+        return;
+    }
     second->row.dts = is_rate(picture.times.source)
                           ? h264::time_after(picture.times.decoding, first->row.field_duration, first->tick)
                           : h264::exact_time();

@@ -142,6 +142,7 @@ private:
         picture_row row;
         std::uint64_t header = 0; // where its first unit has it
         h264::ratio tick;         // seconds a field
+        h264::picture_times own;  // of its field by itself
         bool complete = false;    // all fields have come
         bool settled = false;     // its output is known
     };

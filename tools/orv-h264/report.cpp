@@ -17,10 +17,13 @@ namespace {
 /// The page is no fit place for itself to be read from.
 void require_another_place(const report_options& options)
 {
-    std::error_code not_there;
-    if (options.out != "-" && options.stream.path != "-" &&
-        std::filesystem::equivalent(options.out, options.stream.path, not_there))
+    if (options.out == "-" || options.stream.path == "-")
+        return;
+    std::error_code failed;
+    if (std::filesystem::equivalent(options.out, options.stream.path, failed))
         throw refusal(exit_usage_or_io, fmt::format("{}: the report would replace the stream", options.out));
+    if (failed && failed != std::errc::no_such_file_or_directory)
+        throw std::system_error(failed, options.out);
 }
 
 } // namespace

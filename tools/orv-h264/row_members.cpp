@@ -11,15 +11,15 @@ namespace orv_h264 {
 
 namespace {
 
-double seconds_of(h264::exact_time time)
+double fraction_of(h264::exact_time time)
 {
     return static_cast<double>(time.numerator) / static_cast<double>(time.denominator);
 }
 
 /// Appends values as JSON has them.
-class json_values {
+class row_values {
 public:
-    explicit json_values(std::string& to) : out(to) {}
+    explicit row_values(std::string& to) : out(to) {}
 
     void put(bool value) { out += value ? "true" : "false"; }
     void put(std::string_view value) { out += json_text(value); }
@@ -35,7 +35,7 @@ public:
     {
         append_number(out += "{\"numerator\":", time.numerator);
         append_number(out += ",\"denominator\":", time.denominator);
-        put_double(out += ",\"value\":", seconds_of(time));
+        put_double(out += ",\"value\":", fraction_of(time));
         out += '}';
     }
     static void put_double(std::string& out, double value) { out += json(value).dump(); }
@@ -45,9 +45,9 @@ private:
 };
 
 /// The members of an object in one line.
-class json_line {
+class row_as_json {
 public:
-    explicit json_line(std::string& to) : out(to), values(to) {}
+    explicit row_as_json(std::string& to) : out(to), values(to) {}
 
     template <class Value>
     void member(std::string_view name, const Value& value)
@@ -90,14 +90,14 @@ private:
     void put(const std::vector<row_layer>& list) { put_list(list); }
 
     std::string& out;
-    json_values values;
+    row_values values;
     const char* before = "{\"";
 };
 
 /// The same as the cells of a table.
-class table_line {
+class row_as_cells {
 public:
-    table_line(std::string& to, output_format format) : out(to), table(format) {}
+    row_as_cells(std::string& to, output_format format) : out(to), table(format) {}
 
     template <class Value>
     void member(std::string_view, const Value& value)
@@ -114,7 +114,7 @@ private:
     template <class Value>
     void put(const Value& value)
     {
-        json_values(cell).put(value);
+        row_values(cell).put(value);
     }
     template <class Value>
     void put(const std::optional<Value>& value)
@@ -125,7 +125,7 @@ private:
     void put(h264::exact_time time)
     {
         if (time)
-            json_values::put_double(cell, seconds_of(time));
+            row_values::put_double(cell, fraction_of(time));
     }
     void put(h264::slice_kind kind) { cell += slice_kind_name(kind); }
     template <class List>
@@ -146,9 +146,9 @@ private:
 };
 
 /// Their names.
-class name_line {
+class row_as_names {
 public:
-    name_line(std::string& to, output_format format) : out(to), between(format == output_format::csv ? ',' : '\t') {}
+    row_as_names(std::string& to, output_format format) : out(to), between(format == output_format::csv ? ',' : '\t') {}
 
     template <class Value>
     void member(std::string_view name, const Value&)
@@ -163,14 +163,14 @@ private:
     char between;
 };
 
-constexpr std::string_view record = "frame";
+constexpr std::string_view row_record = "frame";
 
 } // namespace
 
 void append_json(std::string& out, const picture_row& row, std::optional<container_ratio> tick, const std::string* file)
 {
-    json_line line(out);
-    line.member("record", record);
+    row_as_json line(out);
+    line.member("record", row_record);
     if (file != nullptr)
         line.member("file", std::string_view(*file));
     tell_row(row, tick, line);
@@ -180,17 +180,17 @@ void append_json(std::string& out, const picture_row& row, std::optional<contain
 void append_columns(std::string& out, output_format table, const picture_row& row, std::optional<container_ratio> tick,
                     const std::string* file)
 {
-    table_line line(out, table);
+    row_as_cells line(out, table);
     if (file != nullptr)
         line.member("file", std::string_view(cell_of(*file)));
-    line.member("record", record);
+    line.member("record", row_record);
     tell_row(row, tick, line);
     line.end();
 }
 
 void append_column_names(std::string& out, output_format table, bool in_container, bool with_file)
 {
-    name_line line(out, table);
+    row_as_names line(out, table);
     if (with_file)
         line.member("file", 0);
     line.member("record", 0);

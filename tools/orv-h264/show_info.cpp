@@ -6,6 +6,7 @@
 #include "names.h"
 #include "printable.h"
 #include "show_sequences.h"
+#include "standard_output.h"
 
 #include <string>
 
@@ -20,7 +21,7 @@ std::string or_dash(const std::string& name)
     return name.empty() ? "-" : name;
 }
 
-std::string bit_rate_text(const frame_totals& frames)
+std::string bit_rate_row(const frame_totals& frames)
 {
     std::string text = fmt::format("mean {:.0f} bit/s", *frames.bit_rate().mean());
     if (frames.padding() != 0)
@@ -37,7 +38,7 @@ void print_frames(const frame_totals& frames)
         if (frames.timed_frames() < frames.frames())
             text += fmt::format(", that of {} of the {} frames", frames.timed_frames(), frames.frames());
         print_row("Duration", text);
-        print_row("Bit rate", bit_rate_text(frames));
+        print_row("Bit rate", bit_rate_row(frames));
     }
     print_row("Frames", fmt::format("{}, {} of them key frames", frames.pictures(), frames.key_frames()));
     if (const auto distance = frames.key_distance())
@@ -78,7 +79,7 @@ std::string layer_name(const layer_summary& layer)
     return fmt::format("view {}{}", what.view_id, what.depth ? " depth" : "");
 }
 
-std::string layer_text(const layer_summary& layer)
+std::string layer_row(const layer_summary& layer)
 {
     if (!layer.sps)
         return "-";
@@ -96,8 +97,8 @@ void print_layers(const stream_summary& summary)
     print_heading("  pictures       units       bytes       bit/s  layer or view");
     for (const layer_summary& layer : layers) {
         const auto rate = bit_rate_of(layer, summary.frames);
-        fmt::print("{:>10}  {:>10}  {:>10}  {:>10}  {}: {}\n", layer.pictures, layer.units, layer.bytes,
-                   rate ? fmt::format("{}", *rate) : "-", layer_name(layer), layer_text(layer));
+        write_output(fmt::format("{:>10}  {:>10}  {:>10}  {:>10}  {}: {}\n", layer.pictures, layer.units, layer.bytes,
+                                 rate ? fmt::format("{}", *rate) : "-", layer_name(layer), layer_row(layer)));
     }
     if (summary.layers.further_units() > 0)
         print_row("Layers",
@@ -118,8 +119,8 @@ void print_types(const stream_summary& summary)
     print_heading("     units       bytes  NAL unit type");
     for (std::size_t type = 0; type < summary.types.size(); ++type)
         if (const stream_summary::type_count& count = summary.types[type]; count.units > 0)
-            fmt::print("{:>10}  {:>10}  {:>2}  {}\n", count.units, count.bytes, type,
-                       brenik::h264_nal_unit_type_to_str(static_cast<brenik::h264_nal_unit_type>(type)));
+            write_output(fmt::format("{:>10}  {:>10}  {:>2}  {}\n", count.units, count.bytes, type,
+                                     brenik::h264_nal_unit_type_to_str(static_cast<brenik::h264_nal_unit_type>(type))));
 }
 
 void print_sei(const sei_counts& sei)
@@ -128,11 +129,11 @@ void print_sei(const sei_counts& sei)
         return;
     print_heading("  messages  SEI payload type");
     for (const auto& [type, count] : sei.by_type())
-        fmt::print("{:>10}  {:>3}  {}\n", count, type, or_dash(payload_name(type)));
+        write_output(fmt::format("{:>10}  {:>3}  {}\n", count, type, or_dash(payload_name(type))));
     if (sei.further_messages() > 0)
-        fmt::print("{:>10}  of further types\n", sei.further_messages());
+        write_output(fmt::format("{:>10}  of further types\n", sei.further_messages()));
     if (sei.units_not_read() > 0)
-        fmt::print("{} SEI units are not among them\n", sei.units_not_read());
+        write_output(fmt::format("{} SEI units are not among them\n", sei.units_not_read()));
 }
 
 void print_kinds(const char* heading, const std::vector<problem_kind>& kinds)
@@ -141,7 +142,7 @@ void print_kinds(const char* heading, const std::vector<problem_kind>& kinds)
         return;
     print_heading(heading);
     for (const problem_kind& kind : kinds)
-        fmt::print("{}\n", describe(kind));
+        write_output(fmt::format("{}\n", describe(kind)));
 }
 
 } // namespace

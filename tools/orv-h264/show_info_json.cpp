@@ -23,14 +23,14 @@ json or_null(const std::string& name)
     return name.empty() ? json() : json(name);
 }
 
-json json_of(const std::optional<h264::ratio>& ratio)
+json object_of(const std::optional<h264::ratio>& ratio)
 {
     if (!ratio)
         return nullptr;
     return json_fraction(static_cast<std::int64_t>(ratio->numerator), static_cast<std::int64_t>(ratio->denominator));
 }
 
-json json_of(const h264::picture_size& size)
+json object_of(const h264::picture_size& size)
 {
     return {{"width", size.width}, {"height", size.height}};
 }
@@ -78,7 +78,7 @@ json profile_json(const h264::seq_parameter_set_data& sps)
             {"profile", or_null(std::string(h264::profile_name(sps)))},
             {"level_idc", sps.level_idc},
             {"level", level_name(sps)},
-            {"size", json_of(h264::cropped_size(sps))}};
+            {"size", object_of(h264::cropped_size(sps))}};
 }
 
 json sequence_json(const sequence_summary& sequence, const sequence_summary* before)
@@ -94,9 +94,9 @@ json sequence_json(const sequence_summary& sequence, const sequence_summary* bef
     };
     object.update(profile_json(sps));
     object.update({
-        {"coded_size", json_of(h264::coded_size(sps))},
-        {"display_size", json_of(display_size(sps))},
-        {"sample_aspect_ratio", json_of(known(h264::sample_aspect_ratio(vui)))},
+        {"coded_size", object_of(h264::coded_size(sps))},
+        {"display_size", object_of(display_size(sps))},
+        {"sample_aspect_ratio", object_of(known(h264::sample_aspect_ratio(vui)))},
         {"chroma_format_idc", sps.chroma_format_idc},
         {"chroma_format", or_null(words_of("chroma_format_idc", sps.chroma_format_idc))},
         {"bit_depth_luma", h264::BitDepthY(sps)},
@@ -113,8 +113,8 @@ json sequence_json(const sequence_summary& sequence, const sequence_summary* bef
         {"reorder_depth", sequence.reorder_depth},
         {"max_num_reorder_frames", promised.frames},
         {"max_num_reorder_frames_sent", promised.sent},
-        {"field_rate", json_of(fields)},
-        {"frame_rate", json_of(known(h264::frame_rate(vui)))},
+        {"field_rate", object_of(fields)},
+        {"frame_rate", object_of(known(h264::frame_rate(vui)))},
         {"fixed_frame_rate", fields ? json(vui.fixed_frame_rate_flag) : json()},
         {"colour", colour_json(vui)},
         {"nal_hrd", hrd_json(vui.nal_hrd_parameters_present_flag, vui.nal_hrd_parameters, sequence.nal_seconds)},
@@ -176,7 +176,7 @@ json layer_json(const layer_summary& layer, const frame_totals& frames)
     else
         for (const char* name : {"profile_idc", "profile", "level_idc", "level", "size"})
             object[name] = nullptr;
-    object["frame_rate"] = json_of(layer.frame_rate);
+    object["frame_rate"] = object_of(layer.frame_rate);
     return object;
 }
 

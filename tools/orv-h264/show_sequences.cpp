@@ -1,5 +1,6 @@
 #include "show_sequences.h"
 
+#include "standard_output.h"
 #include "terminal.h"
 #include "words.h"
 
@@ -14,12 +15,12 @@ void print_row(std::string_view label, std::string_view text)
 {
     constexpr int label_width = 22;
     if (!text.empty())
-        fmt::print("{:<{}}{}\n", label, label_width, text);
+        write_output(fmt::format("{:<{}}{}\n", label, label_width, text));
 }
 
 void print_heading(std::string_view text)
 {
-    fmt::print("\n{}\n", emphasised(stdout, emphasis::strong, text));
+    write_output(fmt::format("\n{}\n", emphasised(stdout, emphasis::strong, text)));
 }
 
 std::string rate_text(const h264::ratio& rate)

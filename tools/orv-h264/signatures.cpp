@@ -106,7 +106,7 @@ bool is_there(std::string_view head, const mark& m)
     return m.at <= head.size() && head.substr(m.at).starts_with(m.bytes);
 }
 
-unsigned byte_of(std::string_view head, std::size_t at)
+unsigned head_byte(std::string_view head, std::size_t at)
 {
     return at < head.size() ? static_cast<unsigned char>(head[at]) : 0;
 }
@@ -139,10 +139,10 @@ bool is_transport_stream(std::string_view head)
 /// ISO/IEC 14496-3 1.A.2.2.1: the length of the ADTS frame at `at`; 0 where there is none.
 std::size_t adts_frame(std::string_view head, std::size_t at)
 {
-    const bool synced = byte_of(head, at) == 0xFF && (byte_of(head, at + 1) & 0xF6) == 0xF0;
+    const bool synced = head_byte(head, at) == 0xFF && (head_byte(head, at + 1) & 0xF6) == 0xF0;
     const std::size_t length =
-        (byte_of(head, at + 3) & 3) << 11 | byte_of(head, at + 4) << 3 | byte_of(head, at + 5) >> 5;
-    return synced && (byte_of(head, at + 2) >> 2 & 0xF) < 13 && length >= 7 ? length : 0;
+        (head_byte(head, at + 3) & 3) << 11 | head_byte(head, at + 4) << 3 | head_byte(head, at + 5) >> 5;
+    return synced && (head_byte(head, at + 2) >> 2 & 0xF) < 13 && length >= 7 ? length : 0;
 }
 
 /// ISO/IEC 11172-3 2.4.2.3 and 13818-3: the length of the frame of layer I, II or III at `at`; 0 where there is none.
@@ -156,17 +156,17 @@ std::size_t mpeg_audio_frame(std::string_view head, std::size_t at)
         {0, 8, 16, 24, 32, 40, 48, 56, 64, 80, 96, 112, 128, 144, 160},
     }};
     constexpr std::array<unsigned, 3> rates = {44100, 48000, 32000};
-    const unsigned version = byte_of(head, at + 1) >> 3 & 3; // 3 is MPEG-1, 2 MPEG-2, 0 half of that rate again
-    const unsigned layer = 4 - (byte_of(head, at + 1) >> 1 & 3);
-    const unsigned bit_rate = byte_of(head, at + 2) >> 4;
-    const unsigned rate = byte_of(head, at + 2) >> 2 & 3;
-    if (byte_of(head, at) != 0xFF || byte_of(head, at + 1) < 0xE0 || version == 1 || layer == 4 || bit_rate == 0 ||
+    const unsigned version = head_byte(head, at + 1) >> 3 & 3; // 3 is MPEG-1, 2 MPEG-2, 0 half of that rate again
+    const unsigned layer = 4 - (head_byte(head, at + 1) >> 1 & 3);
+    const unsigned bit_rate = head_byte(head, at + 2) >> 4;
+    const unsigned rate = head_byte(head, at + 2) >> 2 & 3;
+    if (head_byte(head, at) != 0xFF || head_byte(head, at + 1) < 0xE0 || version == 1 || layer == 4 || bit_rate == 0 ||
         bit_rate == 15 || rate == 3)
         return 0;
     const bool first = version == 3;
     const std::size_t hertz = rates[rate] >> (first ? 0 : version == 2 ? 1 : 2);
     const std::size_t bits = kbits[first ? layer - 1 : layer == 1 ? 3 : 4][bit_rate] * std::size_t{1000};
-    const std::size_t padding = byte_of(head, at + 2) >> 1 & 1;
+    const std::size_t padding = head_byte(head, at + 2) >> 1 & 1;
     return layer == 1 ? (12 * bits / hertz + padding) * 4 : (layer == 3 && !first ? 72 : 144) * bits / hertz + padding;
 }
 
@@ -176,27 +176,27 @@ bool are_frames(std::string_view head, FrameLength length)
 {
     constexpr unsigned same = 0xFC; // sampling rate and more; in MPEG audio the bit rate may change
     const std::size_t first = length(head, 0);
-    return first != 0 && length(head, first) != 0 && byte_of(head, 1) == byte_of(head, first + 1) &&
-           (byte_of(head, 2) & same & 0x0F) == (byte_of(head, first + 2) & same & 0x0F);
+    return first != 0 && length(head, first) != 0 && head_byte(head, 1) == head_byte(head, first + 1) &&
+           (head_byte(head, 2) & same & 0x0F) == (head_byte(head, first + 2) & same & 0x0F);
 }
 
 // AV1 5.3 and 5.9: a temporal delimiter, which has no payload, and a sequence header, both with their size.
 bool is_av1(std::string_view head)
 {
-    const std::size_t behind = 4 + byte_of(head, 3);
-    return head.starts_with("\x12\0\x0A"sv) && (byte_of(head, behind) & 0x83) == 0x02;
+    const std::size_t behind = 4 + head_byte(head, 3);
+    return head.starts_with("\x12\0\x0A"sv) && (head_byte(head, behind) & 0x83) == 0x02;
 }
 
 // RFC 1952: deflate, and no flag that is reserved.
 bool is_gzip(std::string_view head)
 {
-    return head.starts_with("\x1F\x8B\x08") && head.size() > 9 && byte_of(head, 3) < 0x20 && byte_of(head, 8) <= 4;
+    return head.starts_with("\x1F\x8B\x08") && head.size() > 9 && head_byte(head, 3) < 0x20 && head_byte(head, 8) <= 4;
 }
 
 // MZ, and where it says PE stands.
 bool is_windows_program(std::string_view head)
 {
-    const std::size_t at = byte_of(head, 0x3C) | byte_of(head, 0x3D) << 8;
+    const std::size_t at = head_byte(head, 0x3C) | head_byte(head, 0x3D) << 8;
     return head.starts_with("MZ") && is_there(head, {at, "PE\0\0"sv});
 }
 
@@ -214,7 +214,7 @@ std::optional<known_format> format_by_signature(std::string_view head)
     if (are_frames(head, adts_frame))
         return known_format{"AAC audio"};
     if (are_frames(head, mpeg_audio_frame))
-        return known_format{(byte_of(head, 1) >> 1 & 3) == 1 ? "MP3 audio" : "MPEG audio"};
+        return known_format{(head_byte(head, 1) >> 1 & 3) == 1 ? "MP3 audio" : "MPEG audio"};
     if (is_av1(head))
         return known_format{"AV1 video"};
     if (is_gzip(head))

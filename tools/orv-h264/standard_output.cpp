@@ -1,8 +1,11 @@
 #include "standard_output.h"
 
+#include "failed_allocations.h"
+#include "system_calls.h"
+
+#include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstdio>
 #include <system_error>
 
 #include <unistd.h>
@@ -11,35 +14,85 @@ namespace orv_h264 {
 
 namespace {
 
-[[noreturn]] void fail()
-{
-    throw std::system_error(errno, std::generic_category(), "standard output");
-}
+class gathered_output {
+public:
+    constexpr gathered_output() = default;
+    gathered_output(const gathered_output&) = delete;
+    gathered_output& operator=(const gathered_output&) = delete;
+    ~gathered_output() { flush(); } // what a run has printed that ends with an error
+
+    void put(std::string_view text) noexcept
+    {
+        if (text.size() > room.size() - used)
+            flush();
+        if (text.size() > room.size())
+            return write(text);
+        std::copy(text.begin(), text.end(), room.begin() + used);
+        used += text.size();
+        if (line_by_line && text.find('\n') != std::string_view::npos)
+            flush();
+    }
+
+    void flush() noexcept
+    {
+        write({room.data(), used});
+        used = 0;
+    }
+
+    void check() const
+    {
+        if (error != 0)
+            throw std::system_error(error, std::generic_category(), "standard output");
+    }
+
+    bool line_by_line = false;
+    int error = 0; // the first; nothing is written behind what was lost
+
+private:
+    void write(std::string_view text) noexcept
+    {
+        if (error == 0 && !write_all(STDOUT_FILENO, text.data(), text.size()))
+            error = errno;
+    }
+
+    std::array<char, std::size_t{64}* 1024> room = {};
+    std::size_t used = 0;
+};
+
+gathered_output output;
 
 } // namespace
 
 void gather_output()
 {
-    static std::array<char, std::size_t{64} * 1024> gathered;
-    if (::isatty(STDOUT_FILENO) == 0)
-        static_cast<void>(std::setvbuf(stdout, gathered.data(), _IOFBF, gathered.size()));
+    output.line_by_line = ::isatty(STDOUT_FILENO) == 1;
 }
 
 void write_output(std::string_view text)
 {
-    if (std::ferror(stdout) != 0 || std::fwrite(text.data(), 1, text.size(), stdout) != text.size())
-        fail();
+    check_allocations();
+    output.put(text);
+    output.check();
 }
 
 void put_output(std::string_view text) noexcept
 {
-    static_cast<void>(std::fwrite(text.data(), 1, text.size(), stdout));
+    output.put(text);
 }
 
 void flush_output()
 {
-    if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) // std::cout flushes too, and tells nobody
-        fail();
+    output.flush();
+    output.check();
+}
+
+void close_output()
+{
+    check_allocations();
+    flush_output();
+    if (::close(STDOUT_FILENO) != 0)
+        output.error = errno;
+    output.check();
 }
 
 } // namespace orv_h264

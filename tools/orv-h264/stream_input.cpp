@@ -1,5 +1,6 @@
 #include "stream_input.h"
 
+#include "failed_allocations.h"
 #include "framing.h"
 #include "recognise.h"
 #include "standard_output.h"
@@ -34,6 +35,8 @@ public:
     }
     void gap(const h264::split_gap& gap) override
     {
+        if (gap.reason == h264::split_gap_reason::no_memory)
+            static_cast<void>(take_failed_allocation()); // the gap tells of it
         any = any || gap.is_unit();
         if (!done())
             next.gap(gap);

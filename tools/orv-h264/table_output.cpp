@@ -11,17 +11,11 @@ namespace orv_h264 {
 
 namespace {
 
-std::string dumped(const json& value)
-{
-    constexpr int one_line = -1;
-    return value.dump(one_line, ' ', false, json::error_handler_t::replace);
-}
-
-std::string text_of(const json& value)
+std::string utf8_of(const json& value)
 {
     const auto& text = value.get_ref<const std::string&>();
     const auto is_ascii = [](char c) { return static_cast<unsigned char>(c) < 0x80; };
-    return std::all_of(text.begin(), text.end(), is_ascii) ? text : json::parse(dumped(value)).get<std::string>();
+    return std::all_of(text.begin(), text.end(), is_ascii) ? text : json::parse(json_line(value)).get<std::string>();
 }
 
 std::string joined(const json& array)
@@ -79,12 +73,12 @@ std::string cell_of(const json& value)
     if (value.is_null())
         return "";
     if (value.is_string())
-        return text_of(value);
+        return utf8_of(value);
     if (value.is_array())
         return joined(value);
     if (value.is_object() && value.contains("value"))
         return cell_of(value["value"]);
-    return dumped(value);
+    return json_line(value);
 }
 
 void append_cell(std::string& out, output_format table, std::string_view cell)

@@ -55,7 +55,7 @@ std::size_t parse_type(std::string_view text)
     return type;
 }
 
-std::bitset<32> parse_range(std::string_view range)
+std::bitset<32> parse_types(std::string_view range)
 {
     const std::size_t dash = range.find('-');
     const std::size_t first = parse_type(range.substr(0, dash));
@@ -87,7 +87,7 @@ std::bitset<32> parse_type_set(const std::string& text)
         const std::string_view part = rest.substr(0, comma);
         const auto* const named = std::find_if(std::begin(names), std::end(names),
                                                [part](const named_types& row) { return row.name == part; });
-        types |= named != std::end(names) ? std::bitset<32>(named->types) : parse_range(part);
+        types |= named != std::end(names) ? std::bitset<32>(named->types) : parse_types(part);
         more = comma != std::string_view::npos;
         if (more)
             rest.remove_prefix(comma + 1);

@@ -35,7 +35,7 @@ private:
     std::vector<unsigned char> room;
 };
 
-std::string name_of(unsigned type, bool long_names)
+std::string type_name(unsigned type, bool long_names)
 {
     const auto named = static_cast<brenik::h264_nal_unit_type>(type);
     return long_names ? brenik::h264_nal_unit_type_to_str(named) : short_unit_name(named);
@@ -82,7 +82,8 @@ private:
             std::back_inserter(line),
             FMT_COMPILE("{}offset {:>10}  framing {}  length {:>8}  rbsp {:>8}  nal_ref_idc {}  type {:>2}  {}{}{}\n"),
             around.begin, unit.shown(), unit.framing_size, unit.place.size, rbsp_size(unit.place), ref_idc_of(unit),
-            unit.type(), name_of(unit.type(), style.long_names), unit.in_record ? "  (in the record)" : "", around.end);
+            unit.type(), type_name(unit.type(), style.long_names), unit.in_record ? "  (in the record)" : "",
+            around.end);
         lines.text.append(line.data(), line.size());
     }
 
@@ -114,7 +115,7 @@ public:
                        FMT_COMPILE(R"({{"record":"unit","number":{},"offset":{},"framing_size":{},"length":{},)"
                                    R"("rbsp_size":{},"nal_ref_idc":{},"nal_unit_type":{},"name":{})"),
                        unit.place.number, unit.shown(), unit.framing_size, unit.place.size, rbsp_size(unit.place),
-                       ref_idc_of(unit), unit.type(), json_text(name_of(unit.type(), style.long_names)));
+                       ref_idc_of(unit), unit.type(), json_text(type_name(unit.type(), style.long_names)));
         if (unit.packet)
             fmt::format_to(std::back_inserter(line), R"(,"stream_offset":{})", unit.begin());
         if (unit.in_record)

@@ -57,6 +57,7 @@ public:
     void end(const picture& complete, picture_sink& to);
 
 private:
+    friend class picture_slots;
     /// A picture that waits.
     struct waiting_picture {
         std::int64_t count; // the lower one

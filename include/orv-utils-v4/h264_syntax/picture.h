@@ -44,6 +44,14 @@ struct picture {
 /// of a frame and 1 of a field.
 ORV_UTILS_V4_EXPORT std::uint8_t fields_shown(const access_unit& unit) noexcept;
 
+/// When a field of a picture is shown: as many field durations behind its presentation as fields are shown before it
+/// (Table D-1 tells their order, Table E-6 how many there are). By its own message a second field may be told
+/// otherwise: pictures::latest_times().
+/// @param picture it, with the presentation that its output tells
+/// @param field from 0; a field that is repeated counts again
+/// @return unknown from `fields_shown` on, and where presentation or duration is
+ORV_UTILS_V4_EXPORT exact_time field_presentation(const picture& picture, unsigned field) noexcept;
+
 /// Who takes the pictures. What it throws goes through the class that calls it, which may be pushed no further then.
 class picture_sink {
 public:

@@ -24,6 +24,8 @@ inline std::uint64_t PicHeightInMapUnits(const seq_parameter_set_data& sps) noex
 inline std::uint64_t picture_area(std::uint64_t width, std::uint64_t height) noexcept
 {
     constexpr std::uint64_t most = ~std::uint64_t{0} >> 1;
+    if ((width | height) >> 31 == 0) // without a division
+        return width * height;
     return height != 0 && width > most / height ? most : width * height;
 }
 

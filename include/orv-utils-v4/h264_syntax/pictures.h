@@ -35,6 +35,10 @@ public:
 
     /// The frames that are used for reference by now.
     const reference_marking& marking() const noexcept;
+    /// Times of the access unit that was taken last, for picture_sink::access_unit_came(). Of a second field its own,
+    /// which its picture's leave out: removal and output by its own picture timing (clauses C.1.2 and C.2.2), else its
+    /// decoding at a rate; no stamps. Of others those of the picture, as far as they are known then.
+    picture_times latest_times() const noexcept;
 
 private:
     struct state;

@@ -82,6 +82,12 @@ private:
         std::uint8_t fields;
     };
 
+    /// Its first field has one, at the end of all.
+    bool has_entry(const marked_picture& picture) const noexcept
+    {
+        return picture.second_field && !frames.empty() && frames.back().number == picture.number &&
+               !frames.back().non_existing;
+    }
     void infer_frame(std::uint32_t frame_num, const seq_parameter_set_data& sps) noexcept;
     reference_frame& entry_of(const marked_picture& picture) noexcept;
     void slide(std::uint32_t frame_num, const seq_parameter_set_data& sps) noexcept;

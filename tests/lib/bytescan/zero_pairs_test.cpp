@@ -60,6 +60,15 @@ void expect_every_pair(const guarded_buffer& buffer, const bytes& data, third_by
 }
 
 template <typename Runs>
+void expect_as_in_plain_cpp(const guarded_buffer& buffer, third_byte kind)
+{
+    const std::uint64_t found = Runs::places(buffer.begin(), kind);
+    ASSERT_EQ(scalar_block::places(buffer.begin(), kind), found);
+    ASSERT_EQ(found >> 48, Runs::first_places(buffer.begin() + 48, kind)); // to the very end of the block
+    ASSERT_EQ(scalar_block::has_pair(buffer.begin()), Runs::has_pair(buffer.begin()));
+}
+
+template <typename Runs>
 class ZeroPairs : public testing::Test {
 protected:
     void SetUp() override
@@ -85,6 +94,7 @@ TYPED_TEST(ZeroPairs, ABlockTellsEachThirdByteAtEachPlace)
                 const std::uint64_t found = TypeParam::places(buffer.begin(), kind);
                 ASSERT_EQ(kind.holds(data[place + 2]), (found >> place & 1) != 0) << place << ", " << value;
                 ASSERT_EQ(scalar_block::places(buffer.begin(), kind), found) << place << ", " << value;
+                ASSERT_EQ(found & 0xFFFF, TypeParam::first_places(buffer.begin(), kind)) << place << ", " << value;
             }
         }
 }
@@ -104,7 +114,7 @@ TYPED_TEST(ZeroPairs, BlocksAgreeWithPlainCppOnRandomBytes)
     for (int round = 0; round < 20000; ++round) {
         const guarded_buffer buffer(random_bytes(random, block_bytes, 1 + support::pick(random, 9)));
         for (const third_byte kind : kinds)
-            ASSERT_EQ(scalar_block::places(buffer.begin(), kind), TypeParam::places(buffer.begin(), kind));
+            expect_as_in_plain_cpp<TypeParam>(buffer, kind);
     }
 }
 
@@ -143,4 +153,23 @@ TYPED_TEST(ZeroPairs, GoingOnAheadOfTheSearchPassesWhatLiesBefore)
     EXPECT_EQ(buffer.begin() + 300, pairs.next());
     pairs.resume(buffer.begin() + 301);
     EXPECT_EQ(buffer.end(), pairs.next());
+}
+
+TEST(FirstOfFew, IsTheFirstPlaceOrBehindThemAll)
+{
+    random_source random(9);
+    for (int round = 0; round < 20000; ++round) {
+        const std::size_t few = support::pick(random, 14);
+        const bytes data = random_bytes(random, few + 4, 1 + support::pick(random, 5));
+        const guarded_buffer buffer(data);
+        for (const third_byte kind : kinds) {
+            std::size_t expected = 0;
+            while (expected < few && !is_pair(data, expected, kind))
+                ++expected;
+            const auto found =
+                static_cast<std::size_t>(brenik::bytescan::first_of_few(buffer.begin(), few, kind) - buffer.begin());
+            ASSERT_TRUE(expected < few ? found == expected : found >= few && found <= few + 2)
+                << testing::PrintToString(data) << ", " << few;
+        }
+    }
 }

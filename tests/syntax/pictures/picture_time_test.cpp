@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
+
 namespace {
 
 using namespace orv_utils_v4::h264;
@@ -61,6 +63,114 @@ TEST(HrdTimes, OfFieldsAreThoseOfTheFirstOne)
     const told_pictures told = told_of(stream.bytes);
     EXPECT_EQ(decoding_of(told), (times{{0, 1}, {1, 25}}));
     EXPECT_EQ(presentation_of(told), (times{{1, 50}, {3, 50}}));
+}
+
+/// The latest times with each access unit.
+class times_of_units : public access_unit_sink, public picture_sink {
+public:
+    void take(const access_unit& unit) override { stage.take(unit, *this); }
+    void access_unit_came(const access_unit&, const picture*) override { all.push_back(stage.latest_times()); }
+
+    pictures stage;
+    std::vector<picture_times> all;
+};
+
+class units_to : public split_sink {
+public:
+    units_to(access_units& units, access_unit_sink& sink) : next(units), to(sink) {}
+    void unit(const split_unit& unit) override { next.push({unit.bytes, unit.size, unit.offset, 0}, to); }
+    void gap(const split_gap&) override {}
+
+private:
+    access_units& next;
+    access_unit_sink& to;
+};
+
+std::vector<picture_times> latest_times_of(const std::vector<unsigned char>& stream)
+{
+    times_of_units told;
+    access_units units;
+    units_to feed(units, told);
+    unit_splitter splitter(framing::annex_b);
+    splitter.push(stream.data(), stream.size(), feed);
+    splitter.flush(feed);
+    units.flush(told);
+    told.stage.flush(told);
+    return told.all;
+}
+
+// C.2.2 tells the output of each coded picture, a field or a frame.
+TEST(HrdTimes, ASecondFieldHasItsOwn)
+{
+    timed_pictures_stream stream(1, 50, true);
+    stream.add_timed({0, 0, 1, 1}, top(idr()));
+    stream.add_timed({{}, 1, 4, 2}, bottom(reference(0, 1)));
+    stream.add_timed({{}, 2, 7}, reference(1, 2));
+    const std::vector<picture_times> all = latest_times_of(stream.bytes);
+    ASSERT_EQ(all.size(), 3U);
+    const times decoding = {{0, 1}, {1, 50}, {1, 25}};
+    const times presentation = {{1, 50}, {1, 10}, {9, 50}};
+    for (std::size_t i = 0; i < all.size(); ++i) {
+        EXPECT_EQ(all[i].source, time_source::hrd) << i;
+        EXPECT_EQ(all[i].decoding, decoding[i]) << i;
+        EXPECT_EQ(all[i].presentation, presentation[i]) << i;
+    }
+}
+
+TEST(RateTimes, ASecondFieldIsDecodedBehindTheFirst)
+{
+    timed_pictures_stream stream(1, 50, false);
+    stream.add(idr()).add(top(reference(1, 2))).add(bottom(reference(1, 3)));
+    const std::vector<picture_times> all = latest_times_of(stream.bytes);
+    ASSERT_EQ(all.size(), 3U);
+    EXPECT_EQ(all[1].decoding, (exact_time{1, 25}));
+    EXPECT_EQ(all[2].decoding, (exact_time{3, 50}));
+    EXPECT_EQ(all[2].source, time_source::assumed_rate);
+    EXPECT_EQ(all[2].presentation, unknown);
+}
+
+// (C-7) takes no picture timing.
+TEST(HrdTimes, TheFirstPeriodNeedsNoPictureTiming)
+{
+    timed_pictures_stream stream(1, 50, true);
+    stream.add_timed({9000, {}}, idr());
+    stream.add_timed({{}, 2, 0}, reference(1, 2));
+    const told_pictures told = told_of(stream.bytes);
+    using s = time_source;
+    EXPECT_EQ(sources_of(told), (std::vector<s>{s::assumed_rate, s::hrd}));
+    EXPECT_EQ(decoding_of(told)[1], (exact_time{7, 50}));
+}
+
+// Delays would count from a removal that is not told; those of the period before are over.
+TEST(HrdTimes, AreUnknownBehindALaterPeriodWithoutPictureTiming)
+{
+    timed_pictures_stream stream(1, 50, true);
+    stream.add_timed({0, 0, 0}, idr());
+    stream.add_timed({9000, {}}, idr(1));
+    stream.add_timed({{}, 2, 0}, reference(1, 2));
+    stream.add_timed({9000, 4, 0}, idr());
+    stream.add_timed({{}, 2, 0}, reference(1, 2));
+    const told_pictures told = told_of(stream.bytes);
+    using s = time_source;
+    EXPECT_EQ(sources_of(told),
+              (std::vector<s>{s::hrd, s::assumed_rate, s::assumed_rate, s::assumed_rate, s::assumed_rate}));
+}
+
+TEST(PictureTimes, OfFieldsDivideWhatThePictureIsShownFor)
+{
+    timed_pictures_stream stream(1, 50, true);
+    stream.add_timed({0, 0, 3, 5}, idr()); // top, bottom, top again
+    const picture shown = told_of(stream.bytes).output_order.at(0);
+    EXPECT_EQ(field_presentation(shown, 0), (exact_time{3, 50}));
+    EXPECT_EQ(field_presentation(shown, 1), (exact_time{2, 25}));
+    EXPECT_EQ(field_presentation(shown, 2), (exact_time{1, 10}));
+    EXPECT_EQ(field_presentation(shown, 3), unknown);
+    picture odd = shown;
+    odd.times.duration.denominator = std::numeric_limits<std::int64_t>::max();
+    EXPECT_EQ(field_presentation(odd, 1), unknown);
+    odd.times.duration = {};
+    EXPECT_EQ(field_presentation(odd, 0), unknown);
+    EXPECT_EQ(field_presentation(picture(), 0), unknown);
 }
 
 // A period that begins with a second field counts for what follows.
@@ -151,6 +261,19 @@ TEST(RateTimes, FollowPulldown)
     const told_pictures told = told_of(stream.bytes);
     EXPECT_EQ(presentation_of(told), (times{{0, 1}, {1, 20}, {1, 12}, {2, 15}}));
     EXPECT_EQ(decoding_of(told), presentation_of(told));
+}
+
+// No message tells decoding times: the second picture lasts three fields, and the third one is shown before they are
+// over.
+TEST(RateTimes, MayShowAReorderedPictureBeforeItsDecodingWithPulldown)
+{
+    timed_pictures_stream stream(1, 60, false);
+    stream.add_timed({{}, 0, 0, 3}, idr());
+    stream.add_timed({{}, 0, 0, 5}, reference(1, 4));
+    stream.add_timed({{}, 0, 0, 3}, other(2, 2));
+    const told_pictures told = told_of(stream.bytes);
+    EXPECT_EQ(decoding_of(told), (times{{0, 1}, {1, 30}, {1, 12}}));
+    EXPECT_EQ(presentation_of(told), (times{{1, 30}, {1, 15}, {1, 10}}));
 }
 
 // The common denominator of three such ticks has more than 64 bits.

@@ -85,6 +85,28 @@ TEST(ReferenceMarking, TheWindowDoesNotSlideForSecondFields)
     EXPECT_EQ(m.text(), "1 2");
 }
 
+// 8.2.5.3: the window stays for second fields of short-term fields alone.
+TEST(ReferenceMarking, TheWindowSlidesForTheSecondFieldOfALongTermField)
+{
+    marked_frames m(2);
+    m.add(idr()).add(with(top(reference(1)), {current_to_long(0)}));
+    ASSERT_EQ(m.text(), "0 1tL0");
+    m.add_second(bottom(reference(1)));
+    EXPECT_EQ(m.text(), "1btL0");
+}
+
+// 8.2.5.3 counts frames, pairs and lone fields alike, before the first field of the current one is among them.
+TEST(ReferenceMarking, TheWindowCountsFramesPairsAndLoneFieldsAlike)
+{
+    marked_frames m(3);
+    m.add(idr()).add_pair(reference(1)).add(top(reference(2)));
+    ASSERT_EQ(m.text(), "0 1 2t");
+    m.add(top(reference(3)));
+    EXPECT_EQ(m.text(), "1 2t 3t");
+    m.add_second(bottom(reference(3))).add(reference(4)).add(bottom(reference(5)));
+    EXPECT_EQ(m.text(), "3 4 5b");
+}
+
 TEST(ReferenceMarking, LoneFieldsTakeAFrameEach)
 {
     marked_frames m(2);

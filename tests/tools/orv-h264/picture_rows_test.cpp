@@ -4,6 +4,7 @@
 #include "support/coded_stream.h"
 #include "support/made_stream.h"
 #include "support/stream_files.h"
+#include "support/timed_pictures.h"
 #include "support/told_rows.h"
 
 #include <gtest/gtest.h>
@@ -123,6 +124,25 @@ TEST(PictureRows, APictureThatIsDiscardedHasNoOutputNumber)
     }
     EXPECT_EQ(0U, rows[2].output_number) << "places are those of what is output";
     EXPECT_EQ(1U, rows[3].output_number);
+}
+
+// Without a picture timing it is one field behind the first.
+TEST(PictureRows, ASecondFieldHasTheTimesOfItsOwnPictureTiming)
+{
+    using namespace orv_utils_v4::h264;
+    timed_pictures_stream stream(1, 50, true);
+    stream.add_timed({0, 0, 1, 1}, top(idr()));
+    stream.add_timed({{}, 1, 4, 2}, bottom(reference(0, 1)));
+    stream.add_timed({{}, 2, 7, 1}, top(reference(1, 2)));
+    stream.add(bottom(reference(1, 3)));
+    const auto rows = rows_of(stream.bytes, true);
+    ASSERT_EQ(4U, rows.size());
+    const std::vector<exact_time> decoding = {{0, 1}, {1, 50}, {1, 25}, {}};
+    const std::vector<exact_time> presentation = {{1, 50}, {1, 10}, {9, 50}, {1, 5}};
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        EXPECT_EQ(decoding[i], rows[i].dts) << i;
+        EXPECT_EQ(presentation[i], rows[i].pts) << i;
+    }
 }
 
 TEST(PictureRows, ARowComesAsSoonAsItsOutputIsKnown)

@@ -1,5 +1,7 @@
 #include "trace_lines.h"
 
+#include "standard_output.h"
+
 #include "support/told_elements.h"
 
 #include <gtest/gtest.h>
@@ -199,6 +201,7 @@ TEST(TraceLines, LongTextGoesOutOnTheWay)
     EXPECT_EQ(lines.text.size(), enough - 1 + std::string("    x 1\n").size());
     lines.element(shown(told::u(1, "y", 1)));
     EXPECT_EQ(lines.text, "    y 1\n");
+    orv_h264::flush_output();
     EXPECT_EQ(testing::internal::GetCapturedStdout().size(), enough - 1 + std::string("    x 1\n").size());
 }
 

@@ -10,16 +10,15 @@ namespace orv_h264 {
 
 namespace {
 
-constexpr severity error = severity::error;
-constexpr severity warning = severity::warning;
+using enum severity;
 
 /// What makes a slice the first one of another picture, clause 7.4.1.2.4. Elements that are not sent are equal.
-struct difference {
+struct slice_difference {
     const char* element;
     bool (*found)(const sent_slice& a, const sent_slice& b);
 };
 
-constexpr std::array<difference, 10> differences = {{
+constexpr std::array<slice_difference, 10> differences = {{
     {"pic_parameter_set_id",
      [](const sent_slice& a, const sent_slice& b) { return a.pic_parameter_set_id != b.pic_parameter_set_id; }},
     {"frame_num", [](const sent_slice& a, const sent_slice& b) { return a.frame_num != b.frame_num; }},
@@ -45,8 +44,8 @@ constexpr std::array<difference, 10> differences = {{
 
 std::size_t count_differences(const sent_slice& a, const sent_slice& b)
 {
-    return static_cast<std::size_t>(
-        std::count_if(differences.begin(), differences.end(), [&](const difference& d) { return d.found(a, b); }));
+    return static_cast<std::size_t>(std::count_if(differences.begin(), differences.end(),
+                                                  [&](const slice_difference& d) { return d.found(a, b); }));
 }
 
 /// Neither is known where a slice could not be read.
@@ -142,7 +141,7 @@ verdict has_all_planes(const access_unit_facts& f)
                   "one of each colour plane"};
 }
 
-constexpr rule_over<access_unit_facts> rules[] = {
+constexpr rule_over<access_unit_facts> of_access_units[] = {
     {{"order-begins-with-idr", error, "7.4.1.2.2", "a stream begins with an IDR picture",
       "Nothing else can be decoded by itself. Decoders begin with a recovery point, too: that is a warning.",
       "a stream whose first picture is a P picture"},
@@ -195,7 +194,7 @@ const char* access_unit_facts::one_difference() const
         before.last_macroblock >= first_slice->first_mb_in_slice ||
         count_differences(*first_slice, before.first_slice) != 1)
         return nullptr;
-    const auto* const one = std::find_if(differences.begin(), differences.end(), [&](const difference& d) {
+    const auto* const one = std::find_if(differences.begin(), differences.end(), [&](const slice_difference& d) {
         return d.found(*first_slice, before.first_slice);
     });
     const bool second_field = first_slice->bottom_field_flag != before.first_slice.bottom_field_flag;
@@ -204,7 +203,7 @@ const char* access_unit_facts::one_difference() const
 
 std::span<const rule_over<access_unit_facts>> access_unit_rules()
 {
-    return rules;
+    return of_access_units;
 }
 
 } // namespace orv_h264

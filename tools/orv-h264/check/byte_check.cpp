@@ -43,9 +43,9 @@ verdict last_byte_is_not_zero(const byte_facts& f)
     return breach{"", "00 as the last byte", "any other, 03 behind cabac_zero_words"};
 }
 
-constexpr severity error = severity::error;
+using enum severity;
 
-constexpr rule_over<byte_facts> rules[] = {
+constexpr rule_over<byte_facts> of_bytes[] = {
     {{"unit-escapes-sound", error, "7.4.1",
       "a unit has no 00 00 00, 00 00 01 and 00 00 02, and 00 00 03 only where it is needed",
       "Readers take the first two for a start code, and the others for damage: bytes were lost or never escaped.",
@@ -60,7 +60,7 @@ constexpr rule_over<byte_facts> rules[] = {
 
 std::span<const rule_over<byte_facts>> byte_rules()
 {
-    return rules;
+    return of_bytes;
 }
 
 void byte_check::unit(const listed_unit& unit, const h264::unit_reading& reading)

@@ -16,14 +16,14 @@ namespace orv_h264 {
 namespace {
 
 /// "sps-level-known", or "hrd-*" for all whose names begin so.
-bool names(std::string_view pattern, std::string_view id)
+bool matches(std::string_view pattern, std::string_view id)
 {
     return pattern.ends_with('*') ? id.starts_with(pattern.substr(0, pattern.size() - 1)) : id == pattern;
 }
 
 bool any_names(const std::vector<std::string>& patterns, const rule& one)
 {
-    return std::any_of(patterns.begin(), patterns.end(), [&](const std::string& p) { return names(p, one.id); });
+    return std::any_of(patterns.begin(), patterns.end(), [&](const std::string& p) { return matches(p, one.id); });
 }
 
 /// The profiles that are asked for, and the rules that a stream is looked at with.
@@ -52,7 +52,7 @@ private:
     static void refuse_unknown(const std::vector<std::string>& patterns, const std::vector<const rule*>& all)
     {
         for (const std::string& pattern : patterns)
-            if (std::none_of(all.begin(), all.end(), [&](const rule* one) { return names(pattern, one->id); }))
+            if (std::none_of(all.begin(), all.end(), [&](const rule* one) { return matches(pattern, one->id); }))
                 throw refusal(exit_usage_or_io, fmt::format("there is no rule '{}'; --rules lists them", pattern));
     }
 };

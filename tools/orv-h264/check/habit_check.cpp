@@ -25,9 +25,9 @@ verdict slices_as_before(const habit_facts& f)
                   "one, as in the pictures before, which begin their slices alike"};
 }
 
-constexpr severity note = severity::note;
+using enum severity;
 
-constexpr rule_over<habit_facts> rules[] = {
+constexpr rule_over<habit_facts> of_habits[] = {
     {{"order-delimiters-as-before", note, "7.4.1.2.3",
       "access unit delimiters go on where all access units have had them",
       "None is needed, but Annex B streams of broadcasts and discs have one in each: it may have been lost.",
@@ -54,7 +54,7 @@ std::set<std::uint32_t> begins_of(const h264::access_unit& unit, std::size_t mos
 
 std::span<const rule_over<habit_facts>> habit_rules()
 {
-    return rules;
+    return of_habits;
 }
 
 void habit_check::access_unit(const h264::access_unit& unit, const h264::picture*)

@@ -7,9 +7,9 @@ namespace orv_h264 {
 
 namespace {
 
-constexpr severity error = severity::error;
+using enum severity;
 
-std::string name_of(const hrd_schedule& schedule)
+std::string schedule_name(const hrd_schedule& schedule)
 {
     return fmt::format("{} HRD, schedule {}", schedule.nal ? "NAL" : "VCL", schedule.SchedSelIdx);
 }
@@ -39,27 +39,27 @@ verdict is_there_in_time(const hrd_arrival_facts& f)
 {
     if (f.arrival.missing == 0 || f.schedule.low_delay)
         return {};
-    return breach_of(
-        "",
-        fmt::format("{}: {} bits missing at {:.6f} s", name_of(f.schedule), f.arrival.missing, f.arrival.removal_time),
-        "all bits there at the removal");
+    return breach_of("",
+                     fmt::format("{}: {} bits missing at {:.6f} s", schedule_name(f.schedule), f.arrival.missing,
+                                 f.arrival.removal_time),
+                     "all bits there at the removal");
 }
 
 verdict has_room(const hrd_arrival_facts& f)
 {
     if (f.arrival.excess == 0 || !f.bits_known)
         return {};
-    return breach_of(
-        "",
-        fmt::format("{}: {} bits too many at {:.6f} s", name_of(f.schedule), f.arrival.excess, f.arrival.excess_time),
-        fmt::format("{} bits in the buffer", f.schedule.size));
+    return breach_of("",
+                     fmt::format("{}: {} bits too many at {:.6f} s", schedule_name(f.schedule), f.arrival.excess,
+                                 f.arrival.excess_time),
+                     fmt::format("{} bits in the buffer", f.schedule.size));
 }
 
 verdict period_may_begin_here(const hrd_arrival_facts& f)
 {
     if (f.period == nullptr || !f.arrival.gap || f.period->delay <= f.arrival.gap->second)
         return {};
-    return breach_of(delay_element(f.schedule), fmt::format("{} of the {}", f.period->delay, name_of(f.schedule)),
+    return breach_of(delay_element(f.schedule), fmt::format("{} of the {}", f.period->delay, schedule_name(f.schedule)),
                      fmt::format("at most {}", f.arrival.gap->second));
 }
 
@@ -68,7 +68,7 @@ verdict constant_rate_is_kept(const hrd_arrival_facts& f)
     if (f.period == nullptr || !f.arrival.gap || !f.schedule.cbr || !f.bits_known ||
         f.period->delay >= f.arrival.gap->first)
         return {};
-    return breach_of(delay_element(f.schedule), fmt::format("{} of the {}", f.period->delay, name_of(f.schedule)),
+    return breach_of(delay_element(f.schedule), fmt::format("{} of the {}", f.period->delay, schedule_name(f.schedule)),
                      fmt::format("at least {}", f.arrival.gap->first));
 }
 
@@ -83,7 +83,7 @@ verdict sum_stays(const hrd_period_facts& f)
 }
 
 constexpr rule_over<hrd_start_facts> start_rules[] = {
-    {{"hrd-begins-with-period", severity::note, "C.1", "a stream with HRD parameters begins with a buffering period",
+    {{"hrd-begins-with-period", note, "C.1", "a stream with HRD parameters begins with a buffering period",
       "The decoder of Annex C begins with one; what comes before it is not looked at.",
       "a recording that begins amid a buffering period"},
      begins_with_period},

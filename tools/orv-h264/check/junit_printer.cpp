@@ -13,9 +13,9 @@ namespace {
 
 /// The text in an attribute or between tags. What XML 1.0 has no characters for, and bytes that are no UTF-8, become
 /// U+FFFD.
-std::string escaped(std::string_view text)
+std::string xml_of(std::string_view text)
 {
-    const std::string utf8 = json(std::string(text)).dump(-1, ' ', false, json::error_handler_t::replace);
+    const std::string utf8 = json_line(json(std::string(text)));
     std::string out;
     for (const char c : json::parse(utf8).get<std::string>()) {
         switch (c) {
@@ -45,7 +45,7 @@ class junit_suite final : public check_output {
 public:
     void begin(const std::string& file, std::span<const rule* const> in_play) override
     {
-        name = escaped(file);
+        name = xml_of(file);
         rules = in_play;
     }
 
@@ -53,7 +53,7 @@ public:
     {
         std::string& lines = (what.level == severity::error ? failures : remarks)[what.broken->id];
         const std::string unit = what.unit ? fmt::format(", unit {}", what.unit->number) : "";
-        lines += escaped(
+        lines += xml_of(
             fmt::format("offset {}{}: {}: {}\n", what.offset, unit, name_of(what.level), found_and_allowed(what)));
     }
 
@@ -71,7 +71,7 @@ public:
         write_output(fmt::format("<testsuite name=\"{0}\" tests=\"1\" failures=\"0\" errors=\"1\">"
                                  "<testcase classname=\"orv-h264\" name=\"file-is-read\"><error message=\"{1}\"/>"
                                  "</testcase></testsuite>\n",
-                                 escaped(file), escaped(reason)));
+                                 xml_of(file), xml_of(reason)));
     }
 
 private:
@@ -80,10 +80,10 @@ private:
     void append_case(std::string& suite, const rule& one) const
     {
         const std::string open =
-            fmt::format(R"(<testcase classname="{}" name="{}")", escaped(name_of_clause(one.clause)), one.id);
+            fmt::format(R"(<testcase classname="{}" name="{}")", xml_of(name_of_clause(one.clause)), one.id);
         std::string inside;
         if (const auto failed = failures.find(one.id); failed != failures.end())
-            inside += fmt::format(R"(<failure message="{}">{}</failure>)", escaped(one.title), failed->second);
+            inside += fmt::format(R"(<failure message="{}">{}</failure>)", xml_of(one.title), failed->second);
         if (const auto told = remarks.find(one.id); told != remarks.end())
             inside += fmt::format("<system-out>{}</system-out>", told->second);
         suite += inside.empty() ? open + "/>" : open + ">" + inside + "</testcase>";

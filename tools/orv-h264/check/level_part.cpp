@@ -8,7 +8,6 @@ namespace orv_h264 {
 
 namespace {
 
-constexpr std::size_t most_open = std::size_t{2} * h264::output_order::most_waiting;
 constexpr std::size_t most_judged = 64;
 
 double seconds_of(const h264::exact_time& time)

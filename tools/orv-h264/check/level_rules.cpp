@@ -140,9 +140,9 @@ verdict level_is_needed(const sps_facts& f)
     return {};
 }
 
-constexpr severity error = severity::error;
+using enum severity;
 
-constexpr rule_over<picture_load_facts> of_pictures[] = {
+constexpr rule_over<picture_load_facts> of_picture_loads[] = {
     {{"level-picture-compressed", error, "A.3.1", "a picture is compressed by MinCR of the level",
       "Decoders take in no more bytes than 384 for each macroblock that the level has time for, divided by MinCR. The "
       "first picture of a stream is looked at, and those with timing messages; without these no time is known. Of more "
@@ -156,7 +156,7 @@ constexpr rule_over<picture_load_facts> of_pictures[] = {
      slices_keep_to_rate},
 };
 
-constexpr rule_over<picture_interval_facts> of_decoding[] = {
+constexpr rule_over<picture_interval_facts> of_decoding_rate[] = {
     {{"level-decoding-rate", error, "A.3.1",
       "a picture is removed no sooner than MaxMBPS lets the one before it be decoded",
       "It is told by cpb_removal_delay. No picture takes less than 1/172 of a second, a field half of that; from level "
@@ -166,15 +166,15 @@ constexpr rule_over<picture_interval_facts> of_decoding[] = {
      keeps_to_rate},
 };
 
-constexpr rule_over<picture_interval_facts> of_output[] = {
+constexpr rule_over<picture_interval_facts> of_output_rate[] = {
     {{"level-output-rate", error, "A.3.1", "a picture is output no sooner behind another one than MaxMBPS lets it",
       "It is told by dpb_output_delay; displays take the pictures at no higher rate.",
       "dpb_output_delay 39 of a picture that is removed 40 ticks of 1/1000 of a second behind one with 78"},
      keeps_to_rate},
 };
 
-constexpr rule_over<sps_facts> of_sps[] = {
-    {{"level-lower-suffices", severity::note, "A.3.1", "no lower level suffices for what the SPS says",
+constexpr rule_over<sps_facts> of_level[] = {
+    {{"level-lower-suffices", note, "A.3.1", "no lower level suffices for what the SPS says",
       "Devices of a lower level may play the stream. What is known is the frame size, the rate, the buffers and the "
       "HRD; "
       "motion vectors and the compression of pictures are not looked at.",
@@ -195,22 +195,22 @@ double shortest_interval(const h264::seq_parameter_set_data& sps, bool field)
 
 std::span<const rule_over<picture_load_facts>> picture_load_rules()
 {
-    return of_pictures;
+    return of_picture_loads;
 }
 
 std::span<const rule_over<picture_interval_facts>> decoding_interval_rules()
 {
-    return of_decoding;
+    return of_decoding_rate;
 }
 
 std::span<const rule_over<picture_interval_facts>> output_interval_rules()
 {
-    return of_output;
+    return of_output_rate;
 }
 
 std::span<const rule_over<sps_facts>> level_sps_rules()
 {
-    return of_sps;
+    return of_level;
 }
 
 } // namespace orv_h264

@@ -129,9 +129,9 @@ verdict list_is_full(const list_facts& f)
                      fmt::format("at most {}, by the pictures that are there", filled - 1));
 }
 
-constexpr severity error = severity::error;
+using enum severity;
 
-constexpr rule_over<list_facts> rules[] = {
+constexpr rule_over<list_facts> of_lists[] = {
     {{"slice-list-change-not-empty", error, "7.4.3.1", "a list that is said to be changed is changed",
       "The first modification_of_pic_nums_idc is not 3, which ends the changes.",
       "ref_pic_list_modification_flag_l0 1, modification_of_pic_nums_idc 3"},
@@ -143,7 +143,7 @@ constexpr rule_over<list_facts> rules[] = {
       "Decoders make up a picture, each another one, or refuse the slice.",
       "a P frame behind an IDR field without a partner"},
      slice_has_reference},
-    {{"slice-list-is-full", severity::note, "8.2.4.2", "a list has as many entries as there are pictures for it",
+    {{"slice-list-is-full", note, "8.2.4.2", "a list has as many entries as there are pictures for it",
       "The rest are \"no reference picture\": no macroblock may use their indices, which cost bits.",
       "num_ref_idx_l0_active_minus1 3 behind a single picture"},
      list_is_full},
@@ -181,7 +181,7 @@ std::vector<listed_reference> references_named(const list_facts& f)
 
 std::span<const rule_over<list_facts>> list_rules()
 {
-    return rules;
+    return of_lists;
 }
 
 } // namespace orv_h264

@@ -171,8 +171,7 @@ verdict reset_keeps_fields_together(const marking_facts& f)
     return breach_of("memory_management_control_operation", 5, "in a frame, or the first field of one");
 }
 
-constexpr severity error = severity::error;
-constexpr severity warning = severity::warning;
+using enum severity;
 
 constexpr rule_over<operation_facts> of_operations[] = {
     {{"marking-unmarks-short-term", error, "7.4.3.3", "operation 1 names a short-term reference that is there",
@@ -197,7 +196,7 @@ constexpr rule_over<operation_facts> of_operations[] = {
      fields_share_an_index},
 };
 
-constexpr rule_over<marking_facts> of_pictures[] = {
+constexpr rule_over<marking_facts> of_marking[] = {
     {{"marking-frames-fit", error, "8.2.5.1", "no more than max_num_ref_frames frames are used for reference",
       "Decoders have no room for more: one frame is lost, each chooses another.",
       "max_num_ref_frames 1, and operations that mark no picture as unused"},
@@ -225,7 +224,7 @@ std::span<const rule_over<operation_facts>> operation_rules()
 
 std::span<const rule_over<marking_facts>> marking_rules()
 {
-    return of_pictures;
+    return of_marking;
 }
 
 } // namespace orv_h264

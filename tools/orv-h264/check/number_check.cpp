@@ -10,7 +10,7 @@ using h264::picture_finding;
 using h264::picture_structure;
 
 /// What is told of the picture of an access unit; `of` is what it is part of.
-numbered_picture numbered(const h264::access_unit& unit, const h264::picture& of)
+numbered_picture numbered_of(const h264::access_unit& unit, const h264::picture& of)
 {
     numbered_picture picture;
     picture.known = unit.whole && unit.sps != nullptr && of.has_count;
@@ -27,7 +27,7 @@ numbered_picture numbered(const h264::access_unit& unit, const h264::picture& of
     return picture;
 }
 
-std::uint64_t first_slice_of(const h264::access_unit& unit)
+std::uint64_t first_primary_of(const h264::access_unit& unit)
 {
     const auto is_primary = [](const h264::access_unit_part& p) { return p.role == h264::unit_role::primary; };
     return std::find_if(unit.parts.begin(), unit.parts.end(), is_primary)->place.number;
@@ -39,11 +39,11 @@ void number_check::access_unit(const h264::access_unit& unit, const h264::pictur
 {
     if (unit.header == nullptr || of == nullptr)
         return;
-    const std::uint64_t slice = first_slice_of(unit);
+    const std::uint64_t slice = first_primary_of(unit);
     first_slices.emplace(of->number, slice);
     if (first_slices.size() > most_units)
         first_slices.erase(first_slices.begin());
-    const numbered_picture picture = numbered(unit, *of);
+    const numbered_picture picture = numbered_of(unit, *of);
     if (picture.known)
         look_at_number(unit, picture, slice);
     go_on(unit, picture);

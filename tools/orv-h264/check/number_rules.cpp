@@ -21,9 +21,7 @@ bool numbering_facts::repeats_last() const
 
 namespace {
 
-constexpr severity error = severity::error;
-constexpr severity warning = severity::warning;
-constexpr severity note = severity::note;
+using enum severity;
 
 verdict no_frame_missing(const numbering_facts& f)
 {

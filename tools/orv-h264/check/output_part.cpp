@@ -10,10 +10,8 @@ namespace {
 
 using h264::picture_finding;
 
-constexpr std::size_t most_open = std::size_t{2} * h264::output_order::most_waiting;
-
 /// Pictures, or references to them, are missing there.
-bool is_damaged(const h264::picture& picture)
+bool is_short_of_pictures(const h264::picture& picture)
 {
     const picture_finding losses[] = {picture_finding::no_parameter_sets,   picture_finding::slice_damaged,
                                       picture_finding::first_slice_missing, picture_finding::frame_num_gap,
@@ -34,7 +32,7 @@ void output_part::access_unit(const h264::access_unit& unit, const h264::picture
     }
     if (of->access_unit == unit.number)
         begin_picture(unit, *of);
-    if (is_damaged(*of)) {
+    if (is_short_of_pictures(*of)) {
         missing = true;
         all_known = open.back().all_known = false;
     }

@@ -60,8 +60,7 @@ verdict delay_is_told(const sps_order_facts& f)
                   "max_num_reorder_frames 0, as no picture is reordered"};
 }
 
-constexpr severity error = severity::error;
-constexpr severity note = severity::note;
+using enum severity;
 
 constexpr rule_over<decoded_order_facts> of_decoded[] = {
     {{"output-reordering-in-limit", error, "E.2.1", "no more frames than max_num_reorder_frames wait for a later one",
@@ -90,7 +89,7 @@ constexpr rule_over<new_sequence_facts> of_sequences[] = {
      buffer_stays_the_same},
 };
 
-constexpr rule_over<sps_order_facts> of_sps[] = {
+constexpr rule_over<sps_order_facts> of_delay[] = {
     {{"output-delay-told", note, "E.2.1", "a stream that does not reorder its pictures says so",
       "Without bitstream_restriction_flag decoders hold back as many frames as their buffer has before they output the "
       "first one.",
@@ -117,7 +116,7 @@ std::span<const rule_over<new_sequence_facts>> new_sequence_rules()
 
 std::span<const rule_over<sps_order_facts>> sps_order_rules()
 {
-    return of_sps;
+    return of_delay;
 }
 
 } // namespace orv_h264

@@ -7,7 +7,7 @@ namespace orv_h264 {
 
 namespace {
 
-constexpr severity error = severity::error;
+using enum severity;
 
 verdict output_times_rise(const output_time_facts& f)
 {
@@ -17,7 +17,7 @@ verdict output_times_rise(const output_time_facts& f)
         breach_of("dpb_output_delay", fmt::format("for an output {} ticks before the last one", f.before - f.now),
                   "one behind it");
     if (f.low_delay)
-        how.level = severity::warning;
+        how.level = warning;
     return how;
 }
 
@@ -76,8 +76,7 @@ constexpr rule_over<picture_buffer_facts> buffer_rules[] = {
     {{"hrd-no-output-delay-without-buffer", error, "D.2.3", "with max_dec_frame_buffering 0 dpb_output_delay is 0",
       "There is no buffer that a picture could wait in.", "dpb_output_delay 2 in a stream that buffers no frame"},
      no_delay_without_buffer},
-    {{"hrd-picture-buffer-fits", severity::warning, "E.2.1",
-      "max_dec_frame_buffering frames are enough for all output times",
+    {{"hrd-picture-buffer-fits", warning, "E.2.1", "max_dec_frame_buffering frames are enough for all output times",
       "A decoder with a buffer of that size has no place for a picture that waits so long; one that outputs pictures "
       "when it needs the place shows it earlier.",
       "a dpb_output_delay of 100 pictures"},

@@ -15,7 +15,7 @@ bool picture_slice_facts::in_order() const
 
 namespace {
 
-constexpr severity error = severity::error;
+using enum severity;
 
 verdict begins_once(const picture_slice_facts& f)
 {
@@ -70,7 +70,7 @@ verdict marks_alike(const picture_slice_facts& f)
                   "dec_ref_pic_marking() of its own", "that of the slice before"};
 }
 
-constexpr rule_over<picture_slice_facts> rules[] = {
+constexpr rule_over<picture_slice_facts> of_picture_slices[] = {
     {{"slice-begins-once", error, "7.4.3", "no two slices of a picture begin with the same macroblock",
       "A macroblock is in one slice alone. A slice was sent twice, or is of another picture.",
       "three slices with first_mb_in_slice 0, 6 and 6"},
@@ -99,7 +99,7 @@ constexpr rule_over<picture_slice_facts> rules[] = {
 
 std::span<const rule_over<picture_slice_facts>> picture_slice_rules()
 {
-    return rules;
+    return of_picture_slices;
 }
 
 } // namespace orv_h264

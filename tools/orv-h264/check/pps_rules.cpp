@@ -108,9 +108,9 @@ verdict map_has_the_picture(const pps_facts& f)
                      fmt::format("PicSizeInMapUnits - 1, {}", h264::PicSizeInMapUnits(f.sps) - 1));
 }
 
-constexpr severity error = severity::error;
+using enum severity;
 
-constexpr rule_over<pps_facts> rules[] = {
+constexpr rule_over<pps_facts> of_pps[] = {
     {{"pps-rectangles-inside-picture", error, "7.4.2.2", "slice groups of type 2 are rectangles of the picture",
       "A corner outside leaves macroblocks in no group.", "bottom_right 400 in a picture of 99 map units"},
      rectangles_inside_picture},
@@ -148,7 +148,7 @@ constexpr rule_over<pps_facts> rules[] = {
 
 std::span<const rule_over<pps_facts>> pps_rules()
 {
-    return rules;
+    return of_pps;
 }
 
 } // namespace orv_h264

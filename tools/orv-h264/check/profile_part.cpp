@@ -10,7 +10,7 @@ namespace orv_h264 {
 
 namespace {
 
-std::string text_of(fraction value)
+std::string fraction_text(fraction value)
 {
     return value.denominator == 1
                ? fmt::format("{}", value.numerator)
@@ -24,7 +24,7 @@ bool is_in_reach(h264::ratio value)
 }
 
 /// Nothing where a time is unknown, or the numbers are too large.
-std::optional<fraction> difference(h264::exact_time later, h264::exact_time earlier)
+std::optional<fraction> time_between(h264::exact_time later, h264::exact_time earlier)
 {
     std::int64_t left = 0;
     std::int64_t right = 0;
@@ -70,7 +70,7 @@ void profile_part::look_at(const requirement& asked, const placed_element& eleme
 {
     seen.insert(&asked);
     if (!asked.is_met_by({element.value, 1}))
-        log.tell(asked.what, unit, breach_of(orv_h264::text_of(element.name), element.value, asked.allowed));
+        log.tell(asked.what, unit, breach_of(text_of(element.name), element.value, asked.allowed));
 }
 
 void profile_part::measure(quantity what, fraction value, std::uint64_t unit)
@@ -78,7 +78,7 @@ void profile_part::measure(quantity what, fraction value, std::uint64_t unit)
     for (const std::unique_ptr<requirement>& asked : profile.requirements)
         if (asked->of == what && !asked->is_met_by(value))
             log.tell(asked->what, unit,
-                     breach{"", fmt::format("{} {}", name_of(what), text_of(value)), asked->allowed});
+                     breach{"", fmt::format("{} {}", name_of(what), fraction_text(value)), asked->allowed});
 }
 
 void profile_part::measure_sps(const h264::seq_parameter_set_data& sps, std::uint64_t unit)
@@ -128,7 +128,7 @@ void profile_part::output(const h264::picture& picture)
         return;
     measure(quantity::b_pictures, {static_cast<std::int64_t>(b_in_a_row)}, place->second);
     if (picture.idr || picture.recovery_point) {
-        if (const auto seconds = difference(picture.times.presentation, last_key_shown))
+        if (const auto seconds = time_between(picture.times.presentation, last_key_shown))
             measure(quantity::key_seconds, *seconds, place->second);
         last_key_shown = picture.times.presentation;
     }

@@ -42,19 +42,13 @@ json driver_of(std::span<const rule* const> rules)
     return {{"driver", {{"name", "orv-h264"}, {"version", ORV_UTILS_V4_VERSION}, {"rules", std::move(list)}}}};
 }
 
-/// Bytes that are no UTF-8 become U+FFFD.
-std::string text_of(const json& value)
-{
-    return value.dump(-1, ' ', false, json::error_handler_t::replace);
-}
-
 class sarif_run final : public check_output {
 public:
     void begin(const std::string& file, std::span<const rule* const> in_play) override
     {
         uri = uri_of(file);
         rules = in_play;
-        run = fmt::format(R"({{"tool":{},"columnKind":"utf16CodeUnits","results":[)", text_of(driver_of(rules)));
+        run = fmt::format(R"({{"tool":{},"columnKind":"utf16CodeUnits","results":[)", json_line(driver_of(rules)));
         any = false;
     }
 
@@ -70,7 +64,7 @@ public:
                        {"message", {{"text", fmt::format("{} ({})", found_and_allowed(what), what.broken->title)}}},
                        {"locations", json::array({{{"physicalLocation", place}}})},
                        {"properties", std::move(properties)}});
-        run += (any ? "," : "") + text_of(result);
+        run += (any ? "," : "") + json_line(result);
         any = true;
     }
 
@@ -78,7 +72,7 @@ public:
     {
         const json properties = {
             {"errors", counts[0]}, {"warnings", counts[1]}, {"notes", counts[2]}, {"not_shown", untold}};
-        run += R"(],"invocations":[{"executionSuccessful":true}],"properties":)" + text_of(properties) + "}\n";
+        run += R"(],"invocations":[{"executionSuccessful":true}],"properties":)" + json_line(properties) + "}\n";
         write_output(run);
     }
 
@@ -94,7 +88,7 @@ public:
         const json failed = {{"tool", {{"driver", {{"name", "orv-h264"}, {"version", ORV_UTILS_V4_VERSION}}}}},
                              {"results", json::array()},
                              {"invocations", json::array({ended})}};
-        write_output(text_of(failed) + '\n');
+        write_output(json_line(failed) + '\n');
     }
 
 private:

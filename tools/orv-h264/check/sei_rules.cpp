@@ -8,8 +8,7 @@ namespace orv_h264 {
 
 namespace {
 
-constexpr severity error = severity::error;
-constexpr severity warning = severity::warning;
+using enum severity;
 
 /// NalHrdBpPresentFlag or VclHrdBpPresentFlag, as far as the stream tells; so CpbDpbDelaysPresentFlag.
 bool has_hrd(const unit_messages_facts& f)
@@ -124,7 +123,7 @@ constexpr rule_over<unit_messages_facts> unit_rules_here[] = {
      timing_is_there},
 };
 
-constexpr rule_over<message_facts> rules[] = {
+constexpr rule_over<message_facts> of_messages[] = {
     {{"sei-period-first", error, "7.4.1.2.3", "a buffering period is the first SEI message of its access unit",
       "It tells by which SPS the messages behind it are read.", "a picture timing before the buffering period"},
      period_comes_first},
@@ -169,7 +168,7 @@ std::span<const rule_over<unit_messages_facts>> unit_message_rules()
 
 std::span<const rule_over<message_facts>> message_rules()
 {
-    return rules;
+    return of_messages;
 }
 
 } // namespace orv_h264

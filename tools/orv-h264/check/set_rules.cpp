@@ -7,8 +7,7 @@ namespace orv_h264 {
 
 namespace {
 
-constexpr severity error = severity::error;
-constexpr severity warning = severity::warning;
+using enum severity;
 
 bool names_missing_set(const h264::failure& failure)
 {

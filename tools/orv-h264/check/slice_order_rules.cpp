@@ -11,8 +11,7 @@ namespace {
 
 using h264::unit_role;
 
-constexpr severity error = severity::error;
-constexpr severity warning = severity::warning;
+using enum severity;
 
 verdict slice_behind_prefix(const ordered_unit_facts& f)
 {
@@ -85,7 +84,7 @@ verdict layers_rise(const ordered_unit_facts& f)
                   fmt::format("layer {}.{} or above, which came before", highest / 16, highest % 16)};
 }
 
-constexpr rule_over<ordered_unit_facts> rules[] = {
+constexpr rule_over<ordered_unit_facts> of_slice_order[] = {
     {{"order-partitions-behind-a", error, "7.4.1.2.5", "partitions B and C stand behind partition A of their slice",
       "Only partition A tells the slice header, by which the others are read.", "a partition B before its partition A"},
      partitions_behind_a},
@@ -108,7 +107,7 @@ constexpr rule_over<ordered_unit_facts> rules[] = {
 
 std::span<const rule_over<ordered_unit_facts>> slice_order_rules()
 {
-    return rules;
+    return of_slice_order;
 }
 
 } // namespace orv_h264

@@ -97,9 +97,9 @@ verdict long_term_idr_has_room(const slice_facts& f)
     return breach_of("long_term_reference_flag", 1, "0 where max_num_ref_frames is 0");
 }
 
-constexpr severity error = severity::error;
+using enum severity;
 
-constexpr rule_over<slice_facts> rules[] = {
+constexpr rule_over<slice_facts> of_slices[] = {
     {{"slice-idr-is-reference", error, "7.4.1", "an IDR picture is a reference picture",
       "nal_ref_idc 0 says that the picture may be dropped, and all that follows is predicted from it.",
       "nal_unit_type 5 with nal_ref_idc 0"},
@@ -135,7 +135,7 @@ constexpr rule_over<slice_facts> rules[] = {
 
 std::span<const rule_over<slice_facts>> slice_rules()
 {
-    return rules;
+    return of_slices;
 }
 
 } // namespace orv_h264

@@ -356,10 +356,9 @@ verdict frames_only_in_progressive_high(const sps_facts& f)
     return breach_of("constraint_set4_flag", 1, "0 where frame_mbs_only_flag is 0");
 }
 
-constexpr severity error = severity::error;
-constexpr severity warning = severity::warning;
+using enum severity;
 
-constexpr rule_over<sps_facts> rules[] = {
+constexpr rule_over<sps_facts> of_sps[] = {
     {{"sps-direct-inference-with-fields", error, "7.4.2.1.1", "direct_8x8_inference_flag is 1 where fields are allowed",
       "Decoders derive direct motion vectors of fields from the corners of 8x8 blocks alone.",
       "frame_mbs_only_flag 0 with direct_8x8_inference_flag 0"},
@@ -474,7 +473,7 @@ constexpr rule_over<sps_facts> rules[] = {
 
 std::span<const rule_over<sps_facts>> sps_rules()
 {
-    return rules;
+    return of_sps;
 }
 
 } // namespace orv_h264

@@ -8,8 +8,7 @@ namespace orv_h264 {
 
 namespace {
 
-constexpr severity error = severity::error;
-constexpr severity warning = severity::warning;
+using enum severity;
 
 constexpr unsigned frame_doubling = 7;
 
@@ -97,7 +96,7 @@ verdict rate_is_exact(const sps_facts& f)
     return {};
 }
 
-constexpr rule_over<message_facts> rules[] = {
+constexpr rule_over<message_facts> of_timing[] = {
     {{"sei-pic-struct-fits-picture", error, "D.2.3", "pic_struct is that of a frame or of the field",
       "Displays by pic_struct show the wrong field, or a frame that there is not.", "pic_struct 1 of a frame"},
      pic_struct_fits},
@@ -118,7 +117,7 @@ constexpr rule_over<sps_facts> vui_rules[] = {
       "Delays are counted in ticks: without timing_info_present_flag they are times of nothing.",
       "nal_hrd_parameters_present_flag 1 with timing_info_present_flag 0"},
      hrd_has_tick},
-    {{"vui-rate-exact", severity::note, "E.2.1", "a rate that is near N * 1000 / 1001 is that",
+    {{"vui-rate-exact", note, "E.2.1", "a rate that is near N * 1000 / 1001 is that",
       "Rounded to two or three digits it drifts from sound and from other streams.",
       "time_scale 5994, num_units_in_tick 100"},
      rate_is_exact},
@@ -128,7 +127,7 @@ constexpr rule_over<sps_facts> vui_rules[] = {
 
 std::span<const rule_over<message_facts>> picture_timing_rules()
 {
-    return rules;
+    return of_timing;
 }
 
 std::span<const rule_over<sps_facts>> vui_time_rules()

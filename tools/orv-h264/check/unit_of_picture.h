@@ -8,6 +8,9 @@
 
 namespace orv_h264 {
 
+/// Of so many pictures it is known at a time: those that wait to be output, and as many that did.
+constexpr std::size_t most_open = std::size_t{2} * orv_utils_v4::h264::output_order::most_waiting;
+
 /// That of the slice which the header of the access unit comes from.
 inline std::uint64_t first_slice_of(const orv_utils_v4::h264::access_unit& unit)
 {

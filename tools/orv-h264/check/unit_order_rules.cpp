@@ -24,8 +24,7 @@ namespace {
 
 using h264::unit_role;
 
-constexpr severity error = severity::error;
-constexpr severity warning = severity::warning;
+using enum severity;
 
 verdict delimiter_is_first(const ordered_unit_facts& f)
 {
@@ -146,7 +145,7 @@ verdict end_behind_slices(const ordered_unit_facts& f)
     return breach{"", "no picture before it in its access unit", "one"};
 }
 
-constexpr rule_over<ordered_unit_facts> rules[] = {
+constexpr rule_over<ordered_unit_facts> of_unit_order[] = {
     {{"order-delimiter-first", error, "7.4.1.2.3", "an access unit delimiter is the first unit of its access unit",
       "Readers cut the stream there: what stands before it goes to the picture before.",
       "an access unit delimiter behind an SPS"},
@@ -188,7 +187,7 @@ constexpr rule_over<ordered_unit_facts> rules[] = {
 
 std::span<const rule_over<ordered_unit_facts>> unit_order_rules()
 {
-    return rules;
+    return of_unit_order;
 }
 
 } // namespace orv_h264

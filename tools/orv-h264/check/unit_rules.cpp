@@ -70,9 +70,9 @@ verdict zero_words_where_cabac(const unit_facts& f)
     return breach{"", "cabac_zero_words", "none but behind slices with entropy_coding_mode_flag 1"};
 }
 
-constexpr severity error = severity::error;
+using enum severity;
 
-constexpr rule_over<unit_facts> rules[] = {
+constexpr rule_over<unit_facts> of_units[] = {
     {{"unit-can-be-read", error, "7.3", "a unit holds its syntax to the end",
       "What comes behind the place cannot be told, and decoders drop the unit or worse.",
       "an SPS that ends in its VUI"},
@@ -92,7 +92,7 @@ constexpr rule_over<unit_facts> rules[] = {
     {{"unit-other-is-not-kept", error, "7.4.1", "delimiters, SEI, ends and filler have nal_ref_idc 0",
       "Nothing is predicted from them.", "an SEI unit with nal_ref_idc 1"},
      others_are_not},
-    {{"unit-type-specified", severity::warning, "7.4.1", "nal_unit_type is none of those that are reserved",
+    {{"unit-type-specified", warning, "7.4.1", "nal_unit_type is none of those that are reserved",
       "Decoders of today ignore such a unit, decoders to come may not.", "nal_unit_type 23"},
      type_is_specified},
 };
@@ -101,7 +101,7 @@ constexpr rule_over<unit_facts> rules[] = {
 
 std::span<const rule_over<unit_facts>> unit_rules()
 {
-    return rules;
+    return of_units;
 }
 
 } // namespace orv_h264

@@ -9,6 +9,7 @@
 #include <orv-utils-v4/version.h>
 
 #include <algorithm>
+#include <sstream>
 #include <utility>
 
 namespace orv_h264 {
@@ -26,6 +27,15 @@ exit_status print_help(CLI::App& tool, const std::string& wanted)
     const std::string name = tool.get_name() + (wanted.empty() ? "" : " " + wanted);
     write_output(tool.get_formatter()->make_help(subcommand, name, CLI::AppFormatMode::Normal));
     return exit_clean;
+}
+
+/// The help that the parser has, or the version.
+exit_status print_and_exit(const CLI::App& tool, const CLI::ParseError& why)
+{
+    std::ostringstream text;
+    const int status = tool.exit(why, text, text);
+    write_output(text.str());
+    return static_cast<exit_status>(status);
 }
 
 void add_help(CLI::App& tool, chosen_command& chosen)
@@ -57,7 +67,7 @@ exit_status run_command_line(int argc, char** argv)
         tool.parse(std::move(words));
     } catch (const CLI::ParseError& error) {
         if (error.get_exit_code() == 0) // --help and --version
-            return static_cast<exit_status>(tool.exit(error));
+            return print_and_exit(tool, error);
         print_error(describe_usage_error(tool, error));
         return exit_usage_or_io;
     }

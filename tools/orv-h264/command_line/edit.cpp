@@ -10,7 +10,7 @@ namespace {
 using namespace editing;
 
 /// Throws CLI::ParseError where the options of edit do not go together.
-void check(const edit_options& chosen)
+void check_edit(const edit_options& chosen)
 {
     if (chosen.out.empty() && !chosen.dry_run)
         throw CLI::RequiredError("OUT");
@@ -82,7 +82,7 @@ void add_edit(CLI::App& tool, chosen_command& chosen)
     editing.add_flag("--force", plan.force, "Write what makes slice data unreadable or decode otherwise, too");
     editing.add_flag("--dry-run", options->dry_run, "Print the proof, and write nothing; OUT is not needed then");
     editing.add_flag("--json", options->json, "Print the proof as a JSON object");
-    editing.parse_complete_callback([options] { check(*options); });
+    editing.parse_complete_callback([options] { check_edit(*options); });
     editing.footer(std::string(help_texts::edit) + help_texts::exit_statuses);
     run_with(editing, chosen, edit_stream, options);
 }

@@ -12,7 +12,7 @@ namespace orv_h264 {
 namespace {
 
 /// Throws CLI::ParseError where the options of convert do not go together.
-void check(const convert_options& chosen)
+void check_conversion(const convert_options& chosen)
 {
     const bool wants_stream = !chosen.out.empty() || chosen.to || chosen.avcc.empty();
     if (wants_stream && chosen.out.empty())
@@ -28,7 +28,7 @@ void check(const convert_options& chosen)
 }
 
 /// Throws CLI::ParseError where the options of cut do not go together.
-void check(const cut_options& chosen)
+void check_cut(const cut_options& chosen)
 {
     if (is_surely_empty(chosen.range))
         throw CLI::ValidationError("--to", "it names the first picture that is not written, behind that of --from");
@@ -77,7 +77,7 @@ void add_convert(CLI::App& tool, chosen_command& chosen)
         .add_option("--parameter-sets", options->parameter_sets,
                     "Take parameter sets from the record in FILE for pictures that lack them")
         ->type_name("FILE");
-    conversion.parse_complete_callback([options] { check(*options); });
+    conversion.parse_complete_callback([options] { check_conversion(*options); });
     conversion.footer(std::string(help_texts::convert) + help_texts::exit_statuses);
     run_with(conversion, chosen, convert, options);
 }
@@ -102,7 +102,7 @@ void add_cut(CLI::App& tool, chosen_command& chosen)
                "Count times in output order at N/D pictures a second, not as the stream tells them",
                editing::parse_rate, [options](h264::ratio rate) { options->rate = rate; });
     cutting.add_flag("--json", options->json, "Print a JSON object about what was written");
-    cutting.parse_complete_callback([options] { check(*options); });
+    cutting.parse_complete_callback([options] { check_cut(*options); });
     cutting.footer(std::string(help_texts::cut) + help_texts::exit_statuses);
     run_with(cutting, chosen, cut, options);
 }

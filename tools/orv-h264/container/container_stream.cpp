@@ -83,7 +83,7 @@ bool is_record(std::span<const unsigned char> bytes)
     return !bytes.empty() && bytes[0] == 1;
 }
 
-bool is_parameter_set(const h264::split_unit& unit)
+bool holds_parameter_set(const h264::split_unit& unit)
 {
     const unsigned type = unit.bytes[0] & 0x1FU;
     return type == 7 || type == 8 || type == 13 || type == 15;
@@ -121,11 +121,13 @@ container_stream::container_stream(input_file& in, input_window& window, contain
 
 void container_stream::open(open_container_function* open_container)
 {
-    if (open_container == nullptr)
+    if (open_container == nullptr) {
+        const std::string why = why_no_demuxer();
         throw refusal(exit_not_supported,
-                      fmt::format("{}: this is {}, and there is no libavformat here to read it with; "
+                      fmt::format("{}: this is {}, and there is no libavformat here to read it with{}; "
                                   "take the H.264 stream out of it first",
-                                  file.name(), name_of(format)));
+                                  file.name(), name_of(format), why.empty() ? "" : fmt::format(" ({})", why)));
+    }
     source.reset(open_container(*bytes_of_file, format, most_bytes));
     if (!source->is_open())
         throw refusal(exit_broken_stream, fmt::format("{}: offset {}: {} that cannot be opened: {}", file.name(),
@@ -163,7 +165,7 @@ void container_stream::take_record(std::span<const unsigned char> bytes)
         apart.flush(units);
         for (h264::split_unit& unit : units.units) // the splitter may have had it in a buffer of its own
             unit.bytes = record_bytes.data() + unit.offset;
-        std::erase_if(units.units, [](const h264::split_unit& u) { return !is_parameter_set(u); });
+        std::erase_if(units.units, [](const h264::split_unit& u) { return !holds_parameter_set(u); });
         sets = std::move(units.units);
     }
     for (h264::split_unit& set : sets) {

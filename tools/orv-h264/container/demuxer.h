@@ -116,4 +116,7 @@ constexpr const char* open_container_name = "orv_h264_open_container";
 /// @return null where it is not
 open_container_function* load_demuxer();
 
+/// What the loader says of the last one that was not loaded; "" where it says nothing.
+std::string why_no_demuxer();
+
 } // namespace orv_h264

@@ -200,8 +200,10 @@ void libavformat_demuxer::open(container_kind kind)
     // As it stands in the file: no parser, no times that are guessed, no edit that is made.
     context->flags |= AVFMT_FLAG_CUSTOM_IO | AVFMT_FLAG_NOPARSE | AVFMT_FLAG_NOFILLIN;
     AVDictionary* options = nullptr;
-    if (kind == container_kind::mp4)
-        av_dict_set(&options, "ignore_editlist", "1", 0);
+    if (kind == container_kind::mp4 && av_dict_set(&options, "ignore_editlist", "1", 0) < 0) {
+        avformat_free_context(context);
+        throw std::bad_alloc();
+    }
     const int result = avformat_open_input(&context, nullptr, av_find_input_format(demuxer_of(kind)), &options);
     av_dict_free(&options);
     if (result < 0)
@@ -214,6 +216,8 @@ void libavformat_demuxer::fail(int error)
 {
     if (broken)
         std::rethrow_exception(std::exchange(broken, nullptr));
+    if (error == AVERROR(ENOMEM) && !opening) // what is there has no end here
+        throw std::bad_alloc();
     if (error != AVERROR_EOF || opening)
         why = error == AVERROR_EOF ? "it ends before it has told what it holds" : text_of_error(error);
     if (opening && !messages.empty())

@@ -12,4 +12,10 @@ open_container_function* load_demuxer()
                              : reinterpret_cast<open_container_function*>(::dlsym(module, open_container_name));
 }
 
+std::string why_no_demuxer()
+{
+    const char* const why = ::dlerror();
+    return why == nullptr ? "" : why;
+}
+
 } // namespace orv_h264

@@ -54,7 +54,7 @@ std::optional<std::int64_t> nanoseconds_of(std::string_view text)
 }
 
 /// Hours and minutes may lead, with colons behind them; those behind a colon are below 60.
-std::optional<std::int64_t> clock_of(std::string_view text)
+std::optional<std::int64_t> clock_time_of(std::string_view text)
 {
     std::int64_t minutes = 0;
     for (unsigned parts = 0; text.find(':') != std::string_view::npos; ++parts) {
@@ -85,7 +85,7 @@ cut_place parse_cut_place(const std::string& text)
     }
     const bool in_seconds = text.ends_with('s');
     const auto time = in_seconds                            ? nanoseconds_of({text.data(), text.size() - 1})
-                      : text.find(':') != std::string::npos ? clock_of(text)
+                      : text.find(':') != std::string::npos ? clock_time_of(text)
                                                             : std::nullopt;
     if (!time)
         fail(text);

@@ -16,7 +16,7 @@ constexpr unsigned sps_extension_type = 13;
 /// A parameter set's type and id.
 using set_name = std::pair<unsigned, std::uint32_t>;
 
-std::optional<set_name> name_of(const h264::nal_unit& unit)
+std::optional<set_name> set_name_of(const h264::nal_unit& unit)
 {
     const unsigned type = unit.header.nal_unit_type;
     if (const auto* const sps = std::get_if<h264::seq_parameter_set_rbsp>(&unit.rbsp))
@@ -36,7 +36,7 @@ std::set<set_name> carried_by(const h264::access_unit& unit, std::size_t fence)
     std::set<set_name> names;
     for (std::size_t i = 0; i < fence; ++i) {
         const h264::access_unit_part& part = unit.parts[i];
-        const auto name = part.content != nullptr && !part.failure ? name_of(*part.content) : std::nullopt;
+        const auto name = part.content != nullptr && !part.failure ? set_name_of(*part.content) : std::nullopt;
         if (!name)
             continue;
         names.insert(*name);
@@ -59,7 +59,7 @@ h264::nal_unit read_set(const h264::unit_view& set, const h264::parameter_sets& 
 }
 
 /// Or the prefix unit before one.
-bool is_slice(const h264::access_unit_part& part)
+bool is_slice_or_prefix(const h264::access_unit_part& part)
 {
     return part.role >= h264::unit_role::prefix && part.role <= h264::unit_role::layer;
 }
@@ -70,7 +70,7 @@ set_preface make_preface(const h264::parameter_set_store& in_force, const h264::
                          const layer_choice& layers, const h264::parameter_sets& sets)
 {
     set_preface preface;
-    const auto slice = std::find_if(first.parts.begin(), first.parts.end(), is_slice);
+    const auto slice = std::find_if(first.parts.begin(), first.parts.end(), is_slice_or_prefix);
     const auto before_slices = static_cast<std::size_t>(slice - first.parts.begin());
     preface.before_sequence_sets = !first.parts.empty() && first.parts[0].role == h264::unit_role::delimiter ? 1 : 0;
     preface.before_picture_sets = preface.before_sequence_sets;
@@ -80,7 +80,7 @@ set_preface make_preface(const h264::parameter_set_store& in_force, const h264::
     const std::set<set_name> carried = carried_by(first, before_slices);
     for (const h264::unit_view& set : in_force.all()) {
         const h264::nal_unit unit = read_set(set, sets);
-        const auto name = name_of(unit);
+        const auto name = set_name_of(unit);
         if (!name || carried.contains(*name) || !layers.keeps_set(unit, sets))
             continue;
         const bool of_picture = std::holds_alternative<h264::pic_parameter_set_rbsp>(unit.rbsp);

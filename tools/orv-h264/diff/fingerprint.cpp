@@ -18,7 +18,7 @@ constexpr std::uint64_t reduced(std::uint64_t x)
 }
 
 /// a * b modulo 2^61 - 1, both below it.
-constexpr std::uint64_t product(std::uint64_t a, std::uint64_t b)
+constexpr std::uint64_t wide_product(std::uint64_t a, std::uint64_t b)
 {
     constexpr std::uint64_t low_half = 0xFFFFFFFF;
     const std::uint64_t low = (a & low_half) * (b & low_half);
@@ -48,7 +48,7 @@ const std::array<std::uint64_t, 2>& places()
 void fingerprint_maker::add_word(std::uint64_t number) noexcept
 {
     for (std::size_t i = 0; i < 2; ++i)
-        sum.values[i] = reduced(product(sum.values[i], places()[i]) + number);
+        sum.values[i] = reduced(wide_product(sum.values[i], places()[i]) + number);
 }
 
 void fingerprint_maker::add(std::span<const unsigned char> bytes) noexcept

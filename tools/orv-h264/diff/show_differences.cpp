@@ -196,7 +196,7 @@ json json_of_stream(const compared_stream& stream)
             {"bytes_in_no_unit", t.lost_bytes}};
 }
 
-const char* name_of(stream_difference what)
+const char* word_of(stream_difference what)
 {
     constexpr const char* names[] = {"changed", "only_a", "only_b", "moved"};
     return names[static_cast<std::size_t>(what)];
@@ -207,7 +207,7 @@ json json_of_kind(const told_difference& kind)
     json examples = json::array();
     for (const auto& [a, b] : kind.examples)
         examples.push_back({{"a", a}, {"b", b}});
-    return {{"kind", name_of(kind.what)}, {"path", kind.path},         {"count", kind.count},
+    return {{"kind", word_of(kind.what)}, {"path", kind.path},         {"count", kind.count},
             {"offset_a", kind.offset_a},  {"offset_b", kind.offset_b}, {"examples", examples}};
 }
 
@@ -215,7 +215,7 @@ json json_of_runs(const stream_comparison& found)
 {
     json runs = json::array();
     for (const unit_run_difference& run : found.runs())
-        runs.push_back({{"kind", name_of(run.what)},
+        runs.push_back({{"kind", word_of(run.what)},
                         {"first_a", run.first_a},
                         {"first_b", run.first_b},
                         {"count", run.count},

@@ -31,7 +31,7 @@ stream_options readable_twice(const stream_options& options, std::optional<spool
     if (options.path != "-" && file.is_seekable())
         return options;
     spool.emplace();
-    output_file kept(spool->path());
+    output_file kept(spool->path(), spool_file::name);
     copy_file(file, kept);
     stream_options again = options;
     again.path = spool->path();
@@ -48,7 +48,7 @@ struct written_stream {
         if (place && !place->readable_at().empty())
             return;
         spool.emplace();
-        unproved.emplace(spool->path());
+        unproved.emplace(spool->path(), spool_file::name);
     }
     output_file& file() { return unproved ? *unproved : *place; }
     std::string path() const { return unproved ? spool->path() : place->readable_at(); }
@@ -59,7 +59,7 @@ struct written_stream {
         if (!place)
             return;
         if (unproved) {
-            input_file from(spool->path());
+            input_file from(spool->path(), spool_file::name);
             copy_file(from, *place);
         }
         place->commit();

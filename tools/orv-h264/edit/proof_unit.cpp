@@ -65,7 +65,10 @@ void proof_unit::take(const h264::unit_reading& reading)
 
 output_reader::output_reader(const std::string& path, h264::framing framing, std::uint64_t max_unit,
                              const edit_log& log, path_table& table)
-    : file(path), splitter(framing, static_cast<std::size_t>(max_unit)), done(log), paths(table)
+    : file(path, "the output, read back"),
+      splitter(framing, static_cast<std::size_t>(max_unit)),
+      done(log),
+      paths(table)
 {
 }
 

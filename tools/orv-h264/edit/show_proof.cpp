@@ -45,7 +45,7 @@ const char* word_of(difference_cause cause)
     return "";
 }
 
-std::string value_text(const changed_elements& row)
+std::string shown_value(const changed_elements& row)
 {
     if (row.what.bytes)
         return "other bytes";
@@ -60,7 +60,7 @@ std::string row_text(const changed_elements& row)
 {
     const bool by_itself = row.what.cause != difference_cause::named;
     return fmt::format("{:<8} {} {}{}, {} unit{}, the first {}\n", word_of(row.what.kind), row.what.path,
-                       value_text(row), by_itself ? fmt::format(" ({})", word_of(row.what.cause)) : "", row.units,
+                       shown_value(row), by_itself ? fmt::format(" ({})", word_of(row.what.cause)) : "", row.units,
                        plural(row.units), row.first_unit);
 }
 

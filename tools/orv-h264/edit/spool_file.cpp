@@ -1,5 +1,7 @@
 #include "edit/spool_file.h"
 
+#include "nameless_file.h"
+
 #include <cerrno>
 #include <cstdlib>
 #include <system_error>
@@ -11,13 +13,13 @@ namespace orv_h264::editing {
 
 spool_file::spool_file()
 {
-    const char* const folder = std::getenv("TMPDIR");
-    std::string pattern = fmt::format("{}/orv-h264-XXXXXX", folder == nullptr || *folder == '\0' ? "/tmp" : folder);
-    descriptor = ::mkstemp(pattern.data());
+    const char* const told = std::getenv("TMPDIR");
+    const std::string folder = told == nullptr || *told == '\0' ? "/tmp" : told;
+    descriptor = open_nameless(folder);
     if (descriptor < 0)
-        throw std::system_error(errno, std::generic_category(), pattern);
-    ::unlink(pattern.c_str()); // nothing is left behind, whatever happens
-    name = fmt::format("/dev/fd/{}", descriptor);
+        throw std::system_error(errno, std::generic_category(),
+                                fmt::format("cannot make a temporary file in the folder {}", folder));
+    place = path_of(descriptor);
 }
 
 spool_file::~spool_file()

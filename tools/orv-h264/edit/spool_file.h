@@ -8,6 +8,8 @@ namespace orv_h264::editing {
 
 class spool_file {
 public:
+    static constexpr const char* name = "temporary file"; ///< for messages
+
     /// Makes one in the folder that TMPDIR names, else in /tmp. Throws std::system_error.
     spool_file();
     spool_file(const spool_file&) = delete;
@@ -15,11 +17,11 @@ public:
     ~spool_file();
 
     /// Opens it again, from its start.
-    const std::string& path() const { return name; }
+    const std::string& path() const { return place; }
 
 private:
     int descriptor = -1;
-    std::string name;
+    std::string place;
 };
 
 } // namespace orv_h264::editing

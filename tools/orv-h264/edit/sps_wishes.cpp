@@ -15,13 +15,13 @@ namespace {
 using h264::seq_parameter_set_data;
 
 /// A level and its level_idc; 1b has 9, or 11 and constraint_set3_flag in the profiles that are older than it (A.3.1).
-struct level_name {
+struct named_level {
     const char* name;
     std::uint8_t level_idc;
 };
 
 // H.264 Table A-1, the lowest first
-constexpr level_name level_names[] = {
+constexpr named_level named_levels[] = {
     {"1", 10},   {"1b", 9},   {"1.1", 11}, {"1.2", 12}, {"1.3", 13}, {"2", 20},   {"2.1", 21},
     {"2.2", 22}, {"3", 30},   {"3.1", 31}, {"3.2", 32}, {"4", 40},   {"4.1", 41}, {"4.2", 42},
     {"5", 50},   {"5.1", 51}, {"5.2", 52}, {"6", 60},   {"6.1", 61}, {"6.2", 62},
@@ -77,7 +77,7 @@ h264::ratio rate_of(const seq_parameter_set_data& sps, const sps_wishes& wishes)
 
 seq_parameter_set_data lowest_level(const seq_parameter_set_data& sps, const h264::ratio& rate)
 {
-    for (const level_name& level : level_names)
+    for (const named_level& level : named_levels)
         if (seq_parameter_set_data there = at_level(sps, level.level_idc); is_allowed(there, rate))
             return there;
     throw refusal(exit_usage_or_io, fmt::format("--level auto: no level of Table A-1 allows {} x {} macroblocks{}",
@@ -110,9 +110,9 @@ void add_level(change_list& to, const seq_parameter_set_data& sps, const sps_wis
                std::vector<std::string>& remarks)
 {
     const h264::ratio rate = rate_of(sps, wishes);
-    const auto* const named = std::find_if(std::begin(level_names), std::end(level_names),
-                                           [&](const level_name& row) { return row.name == wishes.level; });
-    const bool automatic = named == std::end(level_names);
+    const auto* const named = std::find_if(std::begin(named_levels), std::end(named_levels),
+                                           [&](const named_level& row) { return row.name == wishes.level; });
+    const bool automatic = named == std::end(named_levels);
     const seq_parameter_set_data there = automatic ? lowest_level(sps, rate) : at_level(sps, named->level_idc);
     if (automatic && rate.denominator == 0)
         remarks.emplace_back("--level auto: the stream tells no rate, and MaxMBPS is not considered");

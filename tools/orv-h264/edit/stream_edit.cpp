@@ -44,7 +44,7 @@ unsigned primary_pic_type_of(std::uint8_t slice_kinds)
 stream_edit::stream_edit(const edit_plan& with, stream_input& from, const std::string& path, output_file& to)
     : plan(with),
       input(from),
-      raw_input(path),
+      raw_input(path, from.name()),
       output(from.in_container() != nullptr ? h264::framing::annex_b : from.framing(), &to),
       problems(from.name()),
       shown_progress(from.size()),

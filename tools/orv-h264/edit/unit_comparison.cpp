@@ -60,9 +60,9 @@ bool may_govern(std::string_view path)
                        [name](std::string_view part) { return name.find(part) != std::string_view::npos; });
 }
 
-class unit_comparison {
+class element_comparison {
 public:
-    unit_comparison(const element_list& before, const element_list& after, const comparison_terms& terms)
+    element_comparison(const element_list& before, const element_list& after, const comparison_terms& terms)
         : old_list(before), new_list(after), allowed(terms)
     {
     }
@@ -186,7 +186,7 @@ const difference* comparison::forbidden() const
 comparison compare_units(const element_list& before, const element_list& after,
                          const std::vector<bool>& removed_messages, const comparison_terms& terms)
 {
-    return unit_comparison(before, after, terms).run(viewed(before, removed_messages), viewed(after, {}));
+    return element_comparison(before, after, terms).run(viewed(before, removed_messages), viewed(after, {}));
 }
 
 std::string text_of(const difference& what)

@@ -16,7 +16,7 @@ struct nobody final : h264::unit_sink {
     void take(const h264::unit_reading& reading) override { static_cast<void>(reading); }
 };
 
-bool is_slice(unsigned type)
+bool is_slice_type(unsigned type)
 {
     return (type >= 1 && type <= 5) || (type >= 19 && type <= 21);
 }
@@ -61,7 +61,7 @@ void rename_sets(h264::nal_unit& unit, const std::map<std::uint32_t, std::uint32
     }
 }
 
-unsigned type_of(const planned_unit& unit)
+unsigned type_in(const planned_unit& unit)
 {
     return unit.reading.place.bytes[0] & 0x1FU;
 }
@@ -110,7 +110,7 @@ bool is_parameter_set(unsigned nal_unit_type)
 
 bool stands_on_sets(unsigned nal_unit_type)
 {
-    return is_slice(nal_unit_type) || nal_unit_type == 6 || nal_unit_type == 8;
+    return is_slice_type(nal_unit_type) || nal_unit_type == 6 || nal_unit_type == 8;
 }
 
 const char* why_not_renumbered(const h264::nal_unit& unit, const h264::parameter_sets& before,
@@ -186,7 +186,7 @@ edited_unit unit_editor::take(const h264::unit_reading& reading, std::uint64_t n
         retrace(reading, elements);
     const planned_unit unit = {reading, elements, number};
     edited_unit result = edited(unit, picture);
-    if (is_parameter_set(type_of(unit)))
+    if (is_parameter_set(type_in(unit)))
         keep_set(reading, result);
     return result;
 }
@@ -197,7 +197,7 @@ edited_unit unit_editor::edited(const planned_unit& unit, std::uint64_t picture)
     if (wishes.deletes(unit))
         return {unit_fate::deleted, {}};
     if (reading.result.failure) {
-        if (sets_differ && stands_on_sets(type_of(unit)))
+        if (sets_differ && stands_on_sets(type_in(unit)))
             tell(reading.place.offset, "unit that cannot be read is copied as it is, though its parameter sets change");
         return {};
     }
@@ -215,7 +215,7 @@ edited_unit unit_editor::rewritten(const planned_unit& unit, const std::vector<b
     const h264::unit_reading& reading = unit.reading;
     std::vector<int> indices;
     const std::vector<element_value> wanted = wishes.of(unit, &indices);
-    const bool other_sets = sets_differ && stands_on_sets(type_of(unit));
+    const bool other_sets = sets_differ && stands_on_sets(type_in(unit));
     const h264::unit_context context = context_now(reading.context);
     const bool any_removed =
         std::find(removed_messages.begin(), removed_messages.end(), true) != removed_messages.end();
@@ -306,7 +306,7 @@ std::vector<unsigned char> unit_editor::write(const h264::nal_unit& unit, const 
     const std::vector<unsigned char> old = unescaped(from.reading.place);
     h264::outcome result;
     const auto put = [&](h264::bit_writer& to) {
-        if (is_slice(type_of(from)))
+        if (is_slice_type(type_in(from)))
             return h264::write_before_data(unit, context, old.data(), old.size(), from.reading.result.bits, to, result);
         return h264::write(unit, context, to, result);
     };
@@ -318,7 +318,7 @@ std::vector<unsigned char> unit_editor::write(const h264::nal_unit& unit, const 
     h264::bit_writer to(clean.data(), clean.size());
     put(to);
     clean[0] = static_cast<unsigned char>(clean[0] | (old[0] & 0x80U)); // a forbidden bit is carried
-    if (!is_slice(type_of(from))) { // what stood behind its trailing bits stays there
+    if (!is_slice_type(type_in(from))) { // what stood behind its trailing bits stays there
         const auto end =
             static_cast<std::ptrdiff_t>(std::min<std::uint64_t>((from.reading.result.bits + 7) / 8, old.size()));
         clean.insert(clean.end(), old.begin() + end, old.end());
@@ -340,8 +340,9 @@ bool unit_editor::check(const std::vector<unsigned char>& clean, const h264::uni
     if (result.failure)
         refuse(from, fmt::format("it could not be read any more: {}", text_of(result.failure)));
     tell_values_outside(elements, wanted, from.reading.place.offset);
-    const unsigned type = type_of(from);
-    const comparison_terms terms = {std::move(wanted), sets_differ && stands_on_sets(type), is_slice(type), plan.force};
+    const unsigned type = type_in(from);
+    const comparison_terms terms = {std::move(wanted), sets_differ && stands_on_sets(type), is_slice_type(type),
+                                    plan.force};
     const comparison compared = compare_units(from.elements, elements, removed_messages, terms);
     check_decoding(unit, context, from);
     if (const difference* const wrong = compared.forbidden())

@@ -1,5 +1,7 @@
 #include "jobs/child_process.h"
 
+#include "system_calls.h"
+
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -14,9 +16,18 @@ namespace orv_h264 {
 
 namespace {
 
+constexpr int status_unattached = 5; // of a process that has nobody to tell anything to
+
 [[noreturn]] void fail(const char* what)
 {
     throw std::system_error(errno, std::generic_category(), what);
+}
+
+void put_in_place_of(int standard, int pipe_end)
+{
+    if (again([&] { return ::dup2(pipe_end, standard); }) < 0) // it would print where the parent does
+        ::_exit(status_unattached);
+    ::close(pipe_end);
 }
 
 /// In the child: what goes on in it is seen through the pipes alone, and ends with the parent.
@@ -24,17 +35,14 @@ void attach(int out, int err, pid_t parent)
 {
     ::prctl(PR_SET_PDEATHSIG, SIGKILL);
     if (::getppid() != parent)
-        ::_exit(EXIT_FAILURE);
-    ::dup2(out, STDOUT_FILENO);
-    ::dup2(err, STDERR_FILENO);
-    ::close(out);
-    ::close(err);
+        ::_exit(status_unattached);
+    put_in_place_of(STDOUT_FILENO, out);
+    put_in_place_of(STDERR_FILENO, err);
 }
 
-void wait_for(pid_t process, int& status)
+bool wait_for(pid_t process, int& status)
 {
-    while (::waitpid(process, &status, 0) < 0 && errno == EINTR)
-        ;
+    return again([&] { return ::waitpid(process, &status, 0); }) == process;
 }
 
 } // namespace
@@ -58,10 +66,9 @@ void child_stream::close()
 void child_stream::read()
 {
     std::array<char, std::size_t{64} * 1024> piece{};
-    ssize_t count = 0;
-    do
-        count = ::read(pipe_end, piece.data(), piece.size());
-    while (count < 0 && errno == EINTR);
+    const ssize_t count = again([&] { return ::read(pipe_end, piece.data(), piece.size()); });
+    if (count < 0)
+        fail("cannot read from a process");
     if (count > 0)
         kept.add({piece.data(), static_cast<std::size_t>(count)});
     else
@@ -114,14 +121,15 @@ child_process::~child_process()
     if (has_ended())
         return;
     ::kill(id, SIGKILL);
-    wait_for(id, status);
+    static_cast<void>(wait_for(id, status));
 }
 
 bool child_process::reap()
 {
     if (has_ended() || out.descriptor() >= 0 || err.descriptor() >= 0)
         return false;
-    wait_for(id, status);
+    if (!wait_for(id, status))
+        fail("cannot wait for a process");
     id = -1;
     return true;
 }

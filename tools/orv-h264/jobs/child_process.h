@@ -28,7 +28,7 @@ public:
     /// What it kept has no room for more.
     bool full() const noexcept { return kept.full(); }
 
-    /// Keeps what has come.
+    /// Keeps what has come. Throws std::system_error.
     void read();
 
     /// Gives the whole lines that have come, and keeps what may become one; of a line beyond 16 MiB the parts.
@@ -50,7 +50,7 @@ public:
     child_process(const child_process&) = delete;
     child_process& operator=(const child_process&) = delete;
 
-    /// Waits for its end where both streams have ended. @return true once, then
+    /// Waits for its end where both streams have ended. @return true once, then. Throws std::system_error.
     bool reap();
     bool has_ended() const noexcept { return id < 0; }
     /// As waitpid() gives it, when it has ended.

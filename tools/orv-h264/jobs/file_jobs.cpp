@@ -1,18 +1,22 @@
 #include "jobs/file_jobs.h"
 
 #include "container/demuxer.h"
+#include "failed_allocations.h"
 #include "jobs/child_process.h"
 #include "jobs/path_list.h"
 #include "messages.h"
 #include "standard_output.h"
 #include "stream_input.h"
+#include "system_calls.h"
 #include "terminal.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
+#include <cstdlib>
 #include <cstring>
 #include <deque>
+#include <exception>
 #include <iterator>
 #include <new>
 #include <optional>
@@ -50,6 +54,10 @@ void tell_failure(const file_work& work, const std::string& path, std::string_vi
 exit_status read_or_tell(const file_work& work, const std::string& path)
 {
     const auto failed = [&](exit_status status, std::string_view why) {
+        if (take_failed_allocation()) {
+            status = exit_usage_or_io;
+            why = "out of memory";
+        }
         tell_failure(work, path, why, status);
         return status;
     };
@@ -77,8 +85,10 @@ bool may_be_container(const std::string& path)
 /// What the process of a file does.
 int read_alone(const file_work& work, const std::string& path) noexcept
 {
+    std::set_terminate([] { std::_Exit(status_untold); });
     try {
         const exit_status status = read_or_tell(work, path);
+        check_allocations();
         flush_output();
         return status;
     } catch (const std::exception&) {
@@ -192,8 +202,8 @@ private:
         if (polled.empty())
             return; // the first is refused
         flush_output();
-        if (::poll(polled.data(), polled.size(), -1) < 0)
-            return;
+        if (again([&] { return ::poll(polled.data(), polled.size(), -1); }) < 0)
+            throw std::system_error(errno, std::generic_category(), "cannot wait for processes");
         for (std::size_t i = 0; i < streams.size(); ++i)
             if (polled[i].revents != 0)
                 streams[i]->read();

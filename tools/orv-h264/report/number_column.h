@@ -8,6 +8,11 @@
 
 namespace orv_h264 {
 
+inline std::int64_t signed_of(std::uint64_t number)
+{
+    return static_cast<std::int64_t>(number);
+}
+
 class number_column {
 public:
     void add(std::uint64_t number);

@@ -149,7 +149,7 @@ json report_content::page_data(const stream_input& input)
     data["further_parameter_sets"] = units.further_sets();
     data["messages"] = units.messages();
     constexpr std::size_t page_bytes = std::size_t{160} * 1024; // the files of the page
-    data["frames"] = frames.take(page_bytes + data.dump(-1, ' ', false, json::error_handler_t::replace).size());
+    data["frames"] = frames.take(page_bytes + json_line(data).size());
     data["stretches"] = data["frames"].is_null() ? aggregates.stretches() : json();
     return data;
 }

@@ -12,11 +12,6 @@ namespace orv_h264 {
 
 namespace {
 
-std::int64_t signed_of(std::uint64_t number)
-{
-    return static_cast<std::int64_t>(number);
-}
-
 template <typename T>
 std::string number_or_null(const std::optional<T>& number)
 {

@@ -67,7 +67,7 @@ void write_elements(std::string_view element, std::string_view ending,
 /// JSON whose text cannot end a script element, nor a line of a script.
 std::string harmless(const json& data)
 {
-    const std::string text = data.dump(-1, ' ', false, json::error_handler_t::replace);
+    const std::string text = json_line(data);
     std::string out;
     out.reserve(text.size() + text.size() / 64);
     for (std::size_t i = 0; i < text.size(); ++i) {

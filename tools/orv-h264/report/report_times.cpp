@@ -12,11 +12,6 @@ namespace {
 constexpr std::int64_t most_ticks = std::int64_t{1} << 48;
 constexpr std::int64_t most_scale = std::int64_t{1} << 40;
 
-std::int64_t signed_of(std::uint64_t number)
-{
-    return static_cast<std::int64_t>(number);
-}
-
 /// In parts of a second; nothing where that is not a whole number, or too large.
 std::optional<std::int64_t> in_parts(h264::exact_time time, std::int64_t scale)
 {

@@ -12,7 +12,7 @@ namespace {
 
 constexpr unsigned sei_type = 6;
 
-bool is_parameter_set(unsigned type)
+bool is_set_unit(unsigned type)
 {
     return type == 7 || type == 8 || type == 13 || type == 15 || type == 16;
 }
@@ -54,7 +54,7 @@ json place_of(const listed_unit& unit)
 
 h264::visitor* report_units::before(const listed_unit& unit)
 {
-    tracing = is_parameter_set(unit.type()) ? wants_set(unit) : unit.type() == sei_type && wants_messages(unit);
+    tracing = is_set_unit(unit.type()) ? wants_set(unit) : unit.type() == sei_type && wants_messages(unit);
     if (!tracing)
         return nullptr;
     rows.begin();
@@ -127,7 +127,7 @@ void report_units::add_messages(const listed_unit& unit)
 
 bool report_units::has_room(const json& object)
 {
-    const std::size_t size = object.dump(-1, ' ', false, json::error_handler_t::replace).size();
+    const std::size_t size = json_line(object).size();
     if (bytes + size > most_bytes)
         return false;
     bytes += size;

@@ -83,9 +83,6 @@ constexpr planted_violation planted[] = {
      }},
 };
 
-} // namespace
+const support::planted_table here("activation", planted);
 
-std::span<const planted_violation> support::planted_in_activation()
-{
-    return planted;
-}
+} // namespace

@@ -41,8 +41,11 @@ std::vector<unsigned char> in_milliseconds(std::uint32_t removal_delay, std::uin
     seq_parameter_set_data made = sps_of_load(1000);
     made.vui_parameters.max_dec_frame_buffering = 4;
     made_stream stream(made);
-    stream.add_sets().add(unit_of(6, sei_rbsp{{message_of(0, period), timing_of(0, 78)}})).add(idr());
-    stream.add(unit_of(6, sei_rbsp{{timing_of(removal_delay, output_delay)}})).add_large(reference(1), data);
+    stream.add_sets()
+        .add(unit_of(6, orv_utils_v4::h264::sei_rbsp{{message_of(0, period), timing_of(0, 78)}}))
+        .add(idr());
+    stream.add(unit_of(6, orv_utils_v4::h264::sei_rbsp{{timing_of(removal_delay, output_delay)}}))
+        .add_large(reference(1), data);
     return stream.bytes;
 }
 
@@ -153,9 +156,6 @@ constexpr planted_violation planted[] = {
      }},
 };
 
-} // namespace
+const support::planted_table here("levels", planted);
 
-std::span<const planted_violation> support::planted_in_levels()
-{
-    return planted;
-}
+} // namespace

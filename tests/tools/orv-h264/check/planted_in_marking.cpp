@@ -136,9 +136,6 @@ constexpr planted_violation planted[] = {
      }},
 };
 
-} // namespace
+const support::planted_table here("marking", planted);
 
-std::span<const planted_violation> support::planted_in_marking()
-{
-    return planted;
-}
+} // namespace

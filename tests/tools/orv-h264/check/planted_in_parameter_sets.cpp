@@ -573,9 +573,6 @@ constexpr planted_violation planted[] = {
      }},
 };
 
-} // namespace
+const support::planted_table here("parameter_sets", planted);
 
-std::span<const planted_violation> support::planted_in_parameter_sets()
-{
-    return planted;
-}
+} // namespace

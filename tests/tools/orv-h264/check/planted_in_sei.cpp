@@ -179,9 +179,6 @@ constexpr planted_violation planted[] = {
     {"30000/1001 frames a second", "", [] { return with_rate(60000, 1001); }},
 };
 
-} // namespace
+const support::planted_table here("sei", planted);
 
-std::span<const planted_violation> support::planted_in_sei()
-{
-    return planted;
-}
+} // namespace

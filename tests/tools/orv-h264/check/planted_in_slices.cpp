@@ -196,9 +196,6 @@ constexpr planted_violation planted[] = {
      }},
 };
 
-} // namespace
+const support::planted_table here("slices", planted);
 
-std::span<const planted_violation> support::planted_in_slices()
-{
-    return planted;
-}
+} // namespace
