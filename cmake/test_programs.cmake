@@ -3,7 +3,7 @@
 # Tests are many and short-lived: they are built quickly rather than made fast, and their lines are all that a debugger
 # or a sanitizer is told of them. What nearly all of them read is compiled once.
 set(ORV_UTILS_V4_TEST_OPTIONS -O0 -g1 CACHE STRING "How the sources of tests are compiled")
-add_library(orv_test_support STATIC ${PROJECT_SOURCE_DIR}/tests/support/run_tool.cpp $<TARGET_OBJECTS:orv_bytescan>)
+add_library(orv_test_support STATIC ${PROJECT_SOURCE_DIR}/tests/support/run_tool.cpp $<TARGET_OBJECTS:orv_utils_v4_bytescan>)
 target_precompile_headers(orv_test_support PRIVATE
     <gtest/gtest.h> <algorithm> <array> <cstdint> <cstdio> <filesystem> <fstream> <functional> <map> <memory> <optional>
     <random> <set> <sstream> <string> <string_view> <utility> <variant> <vector>)

@@ -62,16 +62,15 @@ bool h264_nal_slice_header::ref_pic_list_modification_entry_t::parse(h2645_commo
 }
 
 // H.264 7.3.3, slice_header()
-bool h264_nal_slice_header::parse(h2645_common_bitreader& reader,
-                                  const h2645_common_base_store<h264_nal_sps>& sps_store,
+bool h264_nal_slice_header::parse(h2645_common_bitreader& br, const h2645_common_base_store<h264_nal_sps>& sps_store,
                                   const h2645_common_base_store<h264_nal_pps>& pps_store, const h264_nal& nal)
 {
-    held_bits br(reader);
+    held_bits bits(br);
     const auto slice_header = [&] {
         IdrPicFlag = nal.nal_unit_type == h264_nal_unit_type_slice_idr;
-        first_mb_in_slice = br.ue();
-        slice_type = br.ue();
-        pic_parameter_set_id = br.ue();
+        first_mb_in_slice = bits.ue();
+        slice_type = bits.ue();
+        pic_parameter_set_id = bits.ue();
         const h264_nal_pps* const pps = pps_store.find(pic_parameter_set_id);
         const h264_nal_sps* const sps = pps == nullptr ? nullptr : sps_store.find(pps->seq_parameter_set_id);
         if (sps == nullptr)
@@ -81,46 +80,46 @@ bool h264_nal_slice_header::parse(h2645_common_bitreader& reader,
         const bool is_intra = kind == h264_slice_type_I || kind == h264_slice_type_SI;
 
         if (sps->separate_colour_plane_flag)
-            colour_plane_id = u<2>(br);
-        frame_num = read_log2_minus4(br, sps->log2_max_frame_num_minus4);
+            colour_plane_id = u<2>(bits);
+        frame_num = read_log2_minus4(bits, sps->log2_max_frame_num_minus4);
         if (!sps->frame_mbs_only_flag) {
-            field_pic_flag = u<1>(br);
+            field_pic_flag = u<1>(bits);
             if (field_pic_flag)
-                bottom_field_flag = u<1>(br);
+                bottom_field_flag = u<1>(bits);
         }
         if (IdrPicFlag)
-            idr_pic_id = br.ue();
+            idr_pic_id = bits.ue();
         const bool bottom_order_sent = pps->bottom_field_pic_order_in_frame_present_flag && !field_pic_flag;
         if (sps->pic_order_cnt_type == 0) {
-            pic_order_cnt_lsb = read_log2_minus4(br, sps->log2_max_pic_order_cnt_lsb_minus4);
+            pic_order_cnt_lsb = read_log2_minus4(bits, sps->log2_max_pic_order_cnt_lsb_minus4);
             if (bottom_order_sent)
-                delta_pic_order_cnt_bottom = br.se();
+                delta_pic_order_cnt_bottom = bits.se();
         }
         if (sps->pic_order_cnt_type == 1 && !sps->delta_pic_order_always_zero_flag) {
-            delta_pic_order_cnt[0] = br.se();
+            delta_pic_order_cnt[0] = bits.se();
             if (bottom_order_sent)
-                delta_pic_order_cnt[1] = br.se();
+                delta_pic_order_cnt[1] = bits.se();
         }
         if (pps->redundant_pic_cnt_present_flag)
-            redundant_pic_cnt = br.ue();
+            redundant_pic_cnt = bits.ue();
         if (is_b)
-            direct_spatial_mv_pred_flag = u<1>(br);
+            direct_spatial_mv_pred_flag = u<1>(bits);
         if (!is_intra) {
-            num_ref_idx_active_override_flag = u<1>(br);
+            num_ref_idx_active_override_flag = u<1>(bits);
             if (num_ref_idx_active_override_flag) {
-                num_ref_idx_l0_active_minus1 = br.ue();
+                num_ref_idx_l0_active_minus1 = bits.ue();
                 if (is_b)
-                    num_ref_idx_l1_active_minus1 = br.ue();
+                    num_ref_idx_l1_active_minus1 = bits.ue();
             }
         }
-        if (!is_intra && !read_list(br, reader, ref_pic_list_modification_l0))
+        if (!is_intra && !read_list(bits, br, ref_pic_list_modification_l0))
             return false;
-        if (is_b && !read_list(br, reader, ref_pic_list_modification_l1))
+        if (is_b && !read_list(bits, br, ref_pic_list_modification_l1))
             return false;
         return true;
     };
     const bool whole = slice_header();
-    br.put_back();
+    bits.put_back();
     return valid = whole;
 }
 
