@@ -51,7 +51,13 @@ public:
     }
 
     /// The next bit, not consumed.
-    bool peek_flag() noexcept { return at < quick_fence ? ahead() >> 63 != 0 : owner.peek24() >> 23 != 0; }
+    bool peek_flag() noexcept
+    {
+        if (at < quick_fence)
+            return ahead() >> 63 != 0;
+        put_back();
+        return owner.peek24() >> 23 != 0;
+    }
 
     /// ue(v), H.264 9.1. What throws leaves the owner where it threw.
     unsigned int ue()
