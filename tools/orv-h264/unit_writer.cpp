@@ -37,9 +37,8 @@ unit_written unit_writer::write(std::span<const unsigned char> unit, h264::frami
 unit_written unit_writer::write_as_escaped(std::span<const unsigned char> unit, unsigned start_code_size)
 {
     const std::size_t most = longest_prefix + unit.size();
-    unsigned char* const room = room_for(most);
     const std::size_t size =
-        h264::frame_escaped(unit.data(), unit.size(), 0, start_code_size == longest_prefix, room, most);
+        h264::frame_escaped(unit.data(), unit.size(), 0, start_code_size == longest_prefix, room_for(most), most);
     if (size == 0)
         return write_escaped(unit, start_code_size);
     add(size);
