@@ -23,8 +23,8 @@ inline bool is_place(const unsigned char* p, third_byte third) noexcept
     return p[0] == 0 && p[1] == 0 && third.holds(p[2]);
 }
 
-/// The first place of the `few` at `p`, with four bytes behind them; where the look ended, behind
-/// them, when there is none. As the clauses word it: where units are small and alike, the machine foresees each step.
+/// The first place of the `few` at `p`, with four bytes behind them; where the look ended, behind them, when there is
+/// none. As the clauses word it: where units are small and alike, the machine foresees each step.
 inline const unsigned char* first_of_few(const unsigned char* p, std::size_t few, third_byte third) noexcept
 {
     for (const unsigned char* const behind = p + few; p < behind;) {

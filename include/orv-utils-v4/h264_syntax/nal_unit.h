@@ -151,9 +151,8 @@ ORV_UTILS_V4_EXPORT std::size_t frame(const unsigned char* bytes, std::size_t si
 /// @param zero_byte Annex B: a start code of four bytes
 /// @param out where it goes
 /// @param room its bytes: 4 more than the unit are enough
-/// @return the bytes written; 0 when they do not fit the room or the prefix, or the unit is not escaped as it should
-/// be:
-///     then frame() of what unescape() makes of it is one that is
+/// @return the bytes written; 0 when they do not fit the room or the prefix, or the unit is not escaped like that: then
+///     frame() of what unescape() makes of it is one that is
 ORV_UTILS_V4_EXPORT std::size_t frame_escaped(const unsigned char* unit, std::size_t size, unsigned prefix_size,
                                               bool zero_byte, unsigned char* out, std::size_t room) noexcept;
 
