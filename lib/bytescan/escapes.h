@@ -78,19 +78,35 @@ private:
     unsigned char* write = bytes;
 };
 
-/// Copies the first few bytes of an RBSP, up to where they are escaped. True when the unit ends among them.
+/// Copies the first few bytes of an RBSP as the clause words it: where units are small, these are all. True when the
+/// unit ends among them. The bytes may be written a little before where they are read.
 inline bool take_first_few(passage& at) noexcept
 {
     if (!at.holds_block(block_bytes))
         return false;
-    const unsigned char* const place = first_of_few(at.read, near_places, at_most_3);
-    const auto before_place = static_cast<std::size_t>(place - at.read);
-    const bool is_place = before_place < near_places;
-    if (is_place && place[2] == 3)
-        return false;
-    copy_bytes(at.write, at.read, before_place);
-    at.advance(before_place, before_place);
-    return is_place;
+    const unsigned char* p = at.read;
+    unsigned char* w = at.write;
+    bool met_end = false;
+    for (const unsigned char* const behind = p + near_places; p < behind;) {
+        const unsigned char first = p[0];
+        const unsigned char second = p[1];
+        const unsigned char third = p[2];
+        if (third <= 3 && (first | second) == 0) {
+            met_end = third != 3;
+            break;
+        }
+        w[0] = first;
+        if (third > 3) {
+            w[1] = second;
+            w[2] = third;
+        }
+        const std::size_t taken = third > 3 ? 3 : 1;
+        p += taken;
+        w += taken;
+    }
+    at.read = p;
+    at.write = w;
+    return met_end;
 }
 
 /// drop_escapes() for a unit that may be of any size.
@@ -130,13 +146,12 @@ bool drop_escapes_in_blocks(passage& at, milestone& behind_escape) noexcept
 }
 
 /// Copies the RBSP of a unit up to its end: two zeros and a byte of at most 2. True when `at` has come there; else
-/// blocks do not fit any more, and all bytes before `at` have been looked at.
+/// blocks do not fit any more, and all bytes before `at` have been looked at. Who expects small units calls
+/// take_first_few() before.
 /// @param behind_escape where the last escape ended, unchanged when there was none
 template <typename Runs = native_runs>
 inline bool drop_escapes(passage& at, milestone& behind_escape) noexcept
 {
-    if (take_first_few(at))
-        return true;
     if (!at.holds_block(block_bytes))
         return false;
     passage bytes = at; // what others have the address of does not stay in registers

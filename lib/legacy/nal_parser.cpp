@@ -20,6 +20,7 @@ using brenik::bytescan::drop_escapes;
 using brenik::bytescan::is_place;
 using brenik::bytescan::milestone;
 using brenik::bytescan::passage;
+using brenik::bytescan::take_first_few;
 using brenik::bytescan::zero_pairs;
 using orv_utils_v4::check;
 
@@ -78,11 +79,13 @@ const unsigned char* copy_rbsp_in_groups(bounded_copy& out, const unsigned char*
     return q;
 }
 
-/// Copies the RBSP of the unit whose payload is at `q` and that ends at `unit_end` at the latest; where it does end.
-const unsigned char* copy_rbsp(bounded_copy& out, const unsigned char* q, const unsigned char* unit_end)
+/// Copies the RBSP of the unit from `q` on, up to where it ends, at `unit_end` at the latest; where that is. Groups are
+/// counted from `q` on.
+[[gnu::noinline]] const unsigned char* copy_rbsp(bounded_copy& out, const unsigned char* q,
+                                                 const unsigned char* unit_end)
 {
     passage bytes = {q, unit_end, out.write, out.fence};
-    milestone group = {q, out.write}; // from here groups are counted
+    milestone group = {q, out.write};
     if (!bytes.runs_into_itself() && drop_escapes(bytes, group)) {
         out.write = bytes.write;
         return bytes.read;
@@ -117,8 +120,10 @@ const unsigned char* take_unit(h264_nal_parser_state& hp, unsigned char* out, st
     hp.nal_unit_type = *header & 31;
     hp.nal_ref_idc = static_cast<std::uint8_t>(*header >> 5);
     hp.nal = out;
-    bounded_copy copy{out, out + out_size};
-    const unsigned char* const q = copy_rbsp(copy, header + 1, unit_end);
+    passage first = {header + 1, unit_end, out, out + out_size};
+    const bool is_all = !first.runs_into_itself() && take_first_few(first); // as groups: whole ones
+    bounded_copy copy{first.write, first.write_fence};
+    const unsigned char* const q = is_all ? first.read : copy_rbsp(copy, first.read, unit_end);
     hp.overflow = copy.overflow ? 1 : 0;
     hp.raw_nal_fence = q;
     hp.nal_fence = copy.write;
@@ -127,17 +132,16 @@ const unsigned char* take_unit(h264_nal_parser_state& hp, unsigned char* out, st
 }
 
 /// Mostly it does: a scan begins where the last unit ended.
-bool begins_with_start_code(const unsigned char* s, const unsigned char* sf)
+bool begins_with_unit(const unsigned char* s, const unsigned char* sf)
 {
-    return range_size(s, sf) >= 3 && is_place(s, brenik::bytescan::one);
+    return range_size(s, sf) >= 4 && is_place(s, brenik::bytescan::one) && (s[3] & forbidden_bit) == 0;
 }
 
-const unsigned char* scan_annexb(h264_nal_parser_state& hp, unsigned char* out, std::size_t out_size,
-                                 const unsigned char* s, const unsigned char* sf)
+const unsigned char* search_annexb(h264_nal_parser_state& hp, unsigned char* out, std::size_t out_size,
+                                   const unsigned char* s, const unsigned char* sf)
 {
     zero_pairs start_codes(s, sf, brenik::bytescan::one);
-    const unsigned char* p = begins_with_start_code(s, sf) ? s : start_codes.next();
-    for (; p != sf; p = start_codes.next()) {
+    for (const unsigned char* p = start_codes.next(); p != sf; p = start_codes.next()) {
         const unsigned char* const header = p + 3;
         hp.raw_nal = p;
         hp.raw_nal_fence = nullptr;
@@ -148,6 +152,15 @@ const unsigned char* scan_annexb(h264_nal_parser_state& hp, unsigned char* out, 
         start_codes.resume(header);
     }
     return range_size(s, sf) >= 3 ? sf - 2 : s;
+}
+
+const unsigned char* scan_annexb(h264_nal_parser_state& hp, unsigned char* out, std::size_t out_size,
+                                 const unsigned char* s, const unsigned char* sf)
+{
+    if (!begins_with_unit(s, sf))
+        return search_annexb(hp, out, out_size, s, sf);
+    hp.raw_nal = s;
+    return take_unit(hp, out, out_size, s + 3, sf);
 }
 
 const unsigned char* scan_length_prefixed(h264_nal_parser_state& hp, unsigned char* out, std::size_t out_size,

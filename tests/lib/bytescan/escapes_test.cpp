@@ -30,14 +30,16 @@ passage all_of(const guarded_buffer& from, const guarded_buffer& to)
     return {from.begin(), from.end(), to.begin(), to.end()};
 }
 
+/// With the first few bytes taken one by one, or all in blocks.
 template <typename Runs>
-void expect_dropped(const bytes& data, std::size_t room)
+void expect_dropped(const bytes& data, std::size_t room, bool few_first)
 {
     const guarded_buffer from(data);
     const guarded_buffer to(room);
     passage at = all_of(from, to);
     milestone behind_escape = {at.read, at.write};
-    const bool met_end = brenik::bytescan::drop_escapes<Runs>(at, behind_escape);
+    const bool met_end =
+        (few_first && brenik::bytescan::take_first_few(at)) || brenik::bytescan::drop_escapes<Runs>(at, behind_escape);
     const passed expected = escapes_dropped(data, offset(from, at.read));
     ASSERT_EQ(expected.read, offset(from, at.read));
     ASSERT_EQ(expected.written, bytes(to.begin(), at.write));
@@ -46,6 +48,13 @@ void expect_dropped(const bytes& data, std::size_t room)
     ASSERT_EQ(expected.behind_escape_written, offset(to, behind_escape.write));
     ASSERT_EQ(met_end, support::ends_unit(data, expected.read) && met_end);
     ASSERT_TRUE(met_end || from.size() - expected.read < 132 || room - expected.written.size() < 66);
+}
+
+template <typename Runs>
+void expect_dropped(const bytes& data, std::size_t room)
+{
+    expect_dropped<Runs>(data, room, false);
+    expect_dropped<Runs>(data, room, true);
 }
 
 template <typename Runs>
