@@ -1,6 +1,7 @@
-// The blocks of every vector that this machine has: the walk from place to place against that in plain C++, and escapes
-// dropped and inserted against a look at every byte. Input: a byte for the third byte that is searched for, one for how
-// far a walk steps on, two bytes for the room of the output, high byte first, and the data.
+// The blocks of every vector that this machine has: the walk from place to place against that in plain C++, where rows
+// of places begin, and escapes dropped and inserted against a look at every byte. Input: a byte for the third byte that
+// is searched for, one for how far a walk steps on, two bytes for the room of the output, high byte first, and the
+// data.
 #include "input.h"
 
 #include "bytescan/bytescan.h"
@@ -31,14 +32,27 @@ std::vector<std::size_t> places(const fuzz::exact_block& data, third_byte kind, 
     return found;
 }
 
+/// And where rows of neighbouring places begin.
+template <typename Runs>
+std::vector<std::size_t> rows(const fuzz::exact_block& data, third_byte kind)
+{
+    std::vector<std::size_t> found;
+    brenik::bytescan::place_rows_of<Runs> all(data.begin(), data.end(), kind);
+    for (auto few = all.next_few(); !few.empty(); few = all.next_few())
+        for (const unsigned char* const row : few)
+            found.push_back(static_cast<std::size_t>(row - data.begin()));
+    return found;
+}
+
 /// How far each kind goes before it leaves the rest to its callers is its own affair.
 template <typename Runs>
-void drop(const fuzz::exact_block& data, std::size_t room)
+void drop(const fuzz::exact_block& data, std::size_t room, bool few_first)
 {
     const fuzz::exact_block out(room);
     passage at = {data.begin(), data.end(), out.begin(), out.end()};
     milestone behind_escape = {at.read, at.write};
-    const bool met_end = brenik::bytescan::drop_escapes<Runs>(at, behind_escape);
+    const bool met_end =
+        (few_first && brenik::bytescan::take_first_few(at)) || brenik::bytescan::drop_escapes<Runs>(at, behind_escape);
     const fuzz::bytes all(data.begin(), data.end());
     const auto read = static_cast<std::size_t>(at.read - data.begin());
     const support::passed expected = support::escapes_dropped(all, read);
@@ -67,11 +81,17 @@ struct every {
     static void take(const fuzz::exact_block& data, third_byte kind, std::size_t step, std::size_t room)
     {
         const auto expected = places<support::plain_runs>(data, kind, step);
+        std::vector<std::size_t> all_rows = places<support::plain_runs>(data, kind, 1);
+        for (std::size_t i = all_rows.size(); i-- > 1;)
+            if (all_rows[i] == all_rows[i - 1] + 1)
+                all_rows.erase(all_rows.begin() + static_cast<std::ptrdiff_t>(i));
         const auto take_one = [&]<typename One>(const One*) {
             if (!support::can_run<One>())
                 return;
             fuzz::expect(places<One>(data, kind, step) == expected, "both walks find the same places");
-            drop<One>(data, room);
+            fuzz::expect(rows<One>(data, kind) == all_rows, "both find the same rows");
+            drop<One>(data, room, false);
+            drop<One>(data, room, true);
             insert<One>(data, room);
         };
         (take_one(static_cast<const Runs*>(nullptr)), ...);

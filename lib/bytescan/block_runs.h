@@ -1,4 +1,4 @@
-// The two loops over blocks in which nothing is found: past them, and with a copy of them.
+// The loops over blocks: past those in which nothing is found, with a copy of them, and over those that have much.
 #pragma once
 
 #include "bytescan/block.h"
@@ -8,6 +8,7 @@
 
 #include <orv-utils-v4/h2645_common/advance_past.h>
 
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 
@@ -17,6 +18,15 @@ namespace brenik::bytescan {
 struct seen_block {
     const unsigned char* start;
     std::uint64_t places;
+};
+
+/// Where rows of neighbouring places begin.
+struct row_list {
+    static constexpr std::size_t room = 64;
+
+    const unsigned char* starts[room];
+    std::size_t count;
+    bool open; ///< the last place that was looked at is one: it may be the row's that goes on behind it
 };
 
 /// The loops as they are for a kind of block. They go into their callers, which say for what machine they are compiled.
@@ -60,6 +70,38 @@ struct runs_of : Block {
         }
         bytes = at;
         return places;
+    }
+
+    /// Lists the rows of the first block at `p`, or behind it, that has a place, and of some blocks behind that one: a
+    /// caller of one place more goes on with it soon.
+    /// @return where it stopped; what lies before is listed. Where no block with a place fits any more, none is.
+    [[gnu::always_inline]] static inline const unsigned char* list(const unsigned char* p, const unsigned char* fence,
+                                                                   third_byte third, row_list& rows) noexcept
+    {
+        constexpr unsigned int most_blocks = 32;
+        constexpr std::size_t most_in_block = block_places / 2;
+        const seen_block seen = find(p, fence, third);
+        std::uint64_t places = seen.places;
+        std::uint64_t open = rows.open && seen.start == p ? 1 : 0;
+        std::size_t count = 0;
+        p = seen.start;
+        for (unsigned int blocks = 0; places != 0 || blocks != 0;) {
+            std::uint64_t begun = places & ~(places << 1 | open);
+            // Mostly there is one or none: no branch depends on which.
+            rows.starts[count] = p + std::countr_zero(begun | std::uint64_t{1} << (block_places - 1));
+            count += begun != 0 ? 1 : 0;
+            for (begun &= begun - 1; begun != 0; begun &= begun - 1)
+                rows.starts[count++] = p + std::countr_zero(begun);
+            open = places >> (block_places - 1);
+            p += block_places;
+            if (++blocks == most_blocks || count > row_list::room - most_in_block || range_size(p, fence) < block_bytes)
+                break;
+            ask_ahead(p);
+            places = Block::places(p, third);
+        }
+        rows.count = count;
+        rows.open = open != 0;
+        return p;
     }
 
 private:

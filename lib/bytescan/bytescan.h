@@ -11,6 +11,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <span>
 
 namespace brenik::bytescan {
 
@@ -104,6 +105,53 @@ private:
 };
 
 using zero_pairs = zero_pairs_of<native_runs>;
+
+/// The first of each row of neighbouring places in a range, some at a time.
+template <typename Runs>
+class place_rows_of {
+public:
+    place_rows_of(const unsigned char* start, const unsigned char* end, third_byte kind) noexcept
+        : first(start), fence(end), third(kind), searched(start)
+    {
+        rows.count = 0;
+        rows.open = false;
+    }
+
+    /// Where the next rows begin, some of them; none at the end of the range.
+    std::span<const unsigned char* const> next_few() noexcept
+    {
+        rows.count = 0;
+        while (rows.count == 0 && range_size(searched, fence) >= block_bytes)
+            searched = Runs::list(searched, fence, third, rows);
+        if (rows.count == 0)
+            list_end();
+        return {rows.starts, rows.count};
+    }
+
+private:
+    /// Those of what is no block any more.
+    void list_end() noexcept
+    {
+        zero_pairs_of<Runs> places(first, fence, third);
+        places.resume(searched);
+        const unsigned char* before = rows.open ? searched : nullptr; // behind the latest place
+        for (const unsigned char* p = places.next(); p != fence; p = places.next()) {
+            if (p != before)
+                rows.starts[rows.count++] = p;
+            before = p + 1;
+            places.resume(before);
+        }
+        searched = fence;
+    }
+
+    const unsigned char* first;
+    const unsigned char* fence;
+    third_byte third;
+    const unsigned char* searched; // the rows that begin before it are listed
+    row_list rows;
+};
+
+using place_rows = place_rows_of<native_runs>;
 
 /// The first place p in [`start`, `fence`) where p[0] = p[1] = 0 and p[2] <= `largest_third` (at most 3), all three
 /// bytes before `fence`; `fence` when there is none.

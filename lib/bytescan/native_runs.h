@@ -24,9 +24,11 @@ using native_block = scalar_block;
 
 #if defined(__x86_64__) && defined(__GLIBC__)
 
-/// runs_of<…>::find() and copy() with the widest vectors that the machine has.
+/// runs_of<…>::find(), copy() and list() with the widest vectors that the machine has.
 seen_block find_wide(const unsigned char* p, const unsigned char* fence, third_byte third) noexcept;
 std::uint64_t copy_wide(passage& bytes, third_byte third, std::size_t most_written) noexcept;
+const unsigned char* list_wide(const unsigned char* p, const unsigned char* fence, third_byte third,
+                               row_list& rows) noexcept;
 
 struct native_runs : native_block {
     static seen_block find(const unsigned char* p, const unsigned char* fence, third_byte third) noexcept
@@ -46,6 +48,12 @@ struct native_runs : native_block {
         copy_block(bytes.write, bytes.read);
         bytes.advance(block_places, block_places);
         return bytes.holds_block(most_written) ? copy_wide(bytes, third, most_written) : 0;
+    }
+
+    static const unsigned char* list(const unsigned char* p, const unsigned char* fence, third_byte third,
+                                     row_list& rows) noexcept
+    {
+        return list_wide(p, fence, third, rows);
     }
 };
 

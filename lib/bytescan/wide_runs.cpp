@@ -50,6 +50,24 @@ std::uint64_t copy_sse2(passage& bytes, third_byte third, std::size_t most_writt
     return runs_of<avx512_block>::copy(bytes, third, most_written);
 }
 
+const unsigned char* list_sse2(const unsigned char* p, const unsigned char* fence, third_byte third,
+                               row_list& rows) noexcept
+{
+    return runs_of<sse2_block>::list(p, fence, third, rows);
+}
+
+[[gnu::target("avx2")]] const unsigned char* list_avx2(const unsigned char* p, const unsigned char* fence,
+                                                       third_byte third, row_list& rows) noexcept
+{
+    return runs_of<avx2_block>::list(p, fence, third, rows);
+}
+
+[[gnu::target("avx512bw")]] const unsigned char* list_avx512(const unsigned char* p, const unsigned char* fence,
+                                                             third_byte third, row_list& rows) noexcept
+{
+    return runs_of<avx512_block>::list(p, fence, third, rows);
+}
+
 ORV_BEFORE_SETUP vectors vectors_at_hand() noexcept
 {
     constexpr unsigned int leaf_of_extensions = 7;
@@ -82,11 +100,19 @@ ORV_BEFORE_SETUP [[gnu::used]] static decltype(&copy_sse2) choose_copy() noexcep
     return widest == vectors::avx512 ? copy_avx512 : widest == vectors::avx2 ? copy_avx2 : copy_sse2;
 }
 
+ORV_BEFORE_SETUP [[gnu::used]] static decltype(&list_sse2) choose_list() noexcept
+{
+    const vectors widest = vectors_at_hand();
+    return widest == vectors::avx512 ? list_avx512 : widest == vectors::avx2 ? list_avx2 : list_sse2;
+}
+
 // The attribute takes the chooser's name as the linker knows it.
 [[gnu::ifunc("_ZN6brenik8bytescanL11choose_findEv")]] seen_block
 find_wide(const unsigned char* p, const unsigned char* fence, third_byte third) noexcept;
 [[gnu::ifunc("_ZN6brenik8bytescanL11choose_copyEv")]] std::uint64_t copy_wide(passage& bytes, third_byte third,
                                                                               std::size_t most_written) noexcept;
+[[gnu::ifunc("_ZN6brenik8bytescanL11choose_listEv")]] const unsigned char*
+list_wide(const unsigned char* p, const unsigned char* fence, third_byte third, row_list& rows) noexcept;
 
 } // namespace brenik::bytescan
 

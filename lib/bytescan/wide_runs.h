@@ -20,4 +20,11 @@ std::uint64_t copy_sse2(passage& bytes, third_byte third, std::size_t most_writt
 std::uint64_t copy_avx2(passage& bytes, third_byte third, std::size_t most_written) noexcept;
 std::uint64_t copy_avx512(passage& bytes, third_byte third, std::size_t most_written) noexcept;
 
+const unsigned char* list_sse2(const unsigned char* p, const unsigned char* fence, third_byte third,
+                               row_list& rows) noexcept;
+const unsigned char* list_avx2(const unsigned char* p, const unsigned char* fence, third_byte third,
+                               row_list& rows) noexcept;
+const unsigned char* list_avx512(const unsigned char* p, const unsigned char* fence, third_byte third,
+                                 row_list& rows) noexcept;
+
 } // namespace brenik::bytescan

@@ -1,42 +1,36 @@
-// Where units begin and end in bytes of Annex B, H.264 B.1: one search for both, which keeps what it has seen of a
-// block.
+// Where units begin and end in bytes of Annex B, H.264 B.1.
 #pragma once
 
 #include "bytescan/bytescan.h"
 
+#include <cstddef>
+#include <span>
+
 namespace orv_utils_v4::h264 {
 
-/// Start codes and the ends of units in a range, one after another.
-class start_codes {
+/// The ends of units in a range: each 00 00 00 or 00 00 01 that no such place stands before.
+class unit_ends {
 public:
+    unit_ends(const unsigned char* start, const unsigned char* end) noexcept : rows(start, end, {0, 1}) {}
+
+    /// The next ones, some of them; none at the end of the range.
+    std::span<const unsigned char* const> next_few() noexcept { return rows.next_few(); }
+
+private:
+    brenik::bytescan::place_rows rows;
+};
+
+/// Start codes, and the zeros before them.
+struct start_code {
     static constexpr std::size_t size = 3; // without the zero_byte
 
-    start_codes(const unsigned char* start, const unsigned char* end) noexcept : fence(end), places(start, end, {0, 1})
+    /// The 00 00 01 that follows `end`, where a unit ended, behind any number of zero bytes; the end of the range when
+    /// another byte does.
+    static const unsigned char* behind(const unsigned char* end, const unsigned char* fence) noexcept
     {
-    }
-
-    /// The first 00 00 01 at `p` or behind it; the end of the range when there is none.
-    const unsigned char* next_code(const unsigned char* p) noexcept
-    {
-        for (p = next_end(p); p != fence && p[2] == 0; p = next_end(p + 1)) {
-        }
-        return p;
-    }
-
-    /// The first 00 00 00 or 00 00 01 at `p` or behind it, not before the place that was told last; the end of the
-    /// range when there is none.
-    const unsigned char* next_end(const unsigned char* p) noexcept
-    {
-        places.resume(p);
-        return places.next();
-    }
-
-    /// The 00 00 01 where a unit ended, at `end` or behind one zero_byte; the end of the range when there is none.
-    static const unsigned char* behind_zero_byte(const unsigned char* end, const unsigned char* fence) noexcept
-    {
-        if (end[2] == 1)
-            return end;
-        return fence - end > 3 && end[3] == 1 ? end + 1 : fence;
+        while (end[2] == 0 && fence - end > static_cast<std::ptrdiff_t>(size))
+            ++end;
+        return end[2] == 1 ? end : fence;
     }
 
     /// The end of the unit at `unit` when the stream ends at `end`: zero bytes there are none of its own.
@@ -46,10 +40,6 @@ public:
             --end;
         return end;
     }
-
-private:
-    const unsigned char* fence;
-    brenik::bytescan::zero_pairs places;
 };
 
 } // namespace orv_utils_v4::h264

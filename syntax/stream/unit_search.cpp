@@ -1,4 +1,4 @@
-// Many units in one call, H.264 B.1: the search goes on with what it knows of the block from one unit to the next.
+// Many units in one call, H.264 B.1: their ends are listed some blocks at a time.
 #include <orv-utils-v4/h264_syntax/unit_search.h>
 
 #include "stream/start_codes.h"
@@ -7,22 +7,28 @@ namespace orv_utils_v4::h264 {
 
 std::size_t unit_search::next(unit_range* units, std::size_t most) noexcept
 {
-    start_codes codes(at, fence);
+    unit_ends ends(at, fence);
+    const unsigned char* unit = fence; // that has begun; else the end
+    unsigned framing_size = 0;
     std::size_t count = 0;
-    while (count != most) {
-        const unsigned char* const code = codes.next_code(at);
-        at = code;
-        if (code == fence)
-            break;
-        const unsigned char* const unit = code + start_codes::size;
-        at = codes.next_end(unit);
-        const unsigned char* const end = at == fence ? start_codes::without_zeros(unit, fence) : at;
-        if (end == unit)
-            continue;
-        const bool zero_byte = code != start && code[-1] == 0;
-        units[count++] = {static_cast<std::size_t>(unit - start), static_cast<std::size_t>(end - unit),
-                          zero_byte ? 4U : 3U};
-    }
+    const auto take_up_to = [&](const unsigned char* end) {
+        if (unit < end)
+            units[count++] = {static_cast<std::size_t>(unit - start), static_cast<std::size_t>(end - unit),
+                              framing_size};
+    };
+    for (auto few = ends.next_few(); !few.empty(); few = ends.next_few())
+        for (const unsigned char* const end : few) {
+            take_up_to(end);
+            if (count == most) {
+                at = end;
+                return count;
+            }
+            const unsigned char* const code = start_code::behind(end, fence);
+            framing_size = code == end ? 3 : 4;
+            unit = code == fence ? fence : code + start_code::size;
+        }
+    take_up_to(start_code::without_zeros(unit, fence));
+    at = fence;
     return count;
 }
 

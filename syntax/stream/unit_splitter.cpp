@@ -58,31 +58,31 @@ const unsigned char* unit_splitter::take_unit(const unsigned char* at, const uns
     std::copy(held.end() - static_cast<std::ptrdiff_t>(before), held.end(), seam);
     std::copy(at, at + behind, seam + before);
     const unsigned char* const seam_end = seam + before + behind;
-    const auto end_in_seam = static_cast<std::size_t>(start_codes(seam, seam_end).next_end(seam) - seam);
-    if (before != 0 && end_in_seam < before) {
+    unit_ends ends_in_seam(seam, seam_end);
+    const auto in_seam = ends_in_seam.next_few();
+    const std::size_t end_in_seam = in_seam.empty() ? before : static_cast<std::size_t>(in_seam.front() - seam);
+    if (end_in_seam < before) {
         zeros = before - end_in_seam;
         held.resize(held.size() - zeros);
         held_size -= zeros;
         end_unit(at, at, to);
         return at;
     }
-    start_codes codes(at, fence);
-    for (;;) {
-        const unsigned char* const end = codes.next_end(at);
-        if (end == fence) {
-            hold(at, fence);
-            return fence;
+    unit_ends ends(at, fence);
+    for (auto few = ends.next_few(); !few.empty(); few = ends.next_few())
+        for (const unsigned char* const end : few) {
+            zeros = 0;
+            end_unit(at, end, to);
+            const unsigned char* const code = start_code::behind(end, fence);
+            if (code == fence)
+                return end;
+            at = code + start_code::size;
+            framing_size = code == end ? 3 : 4;
+            unit_offset = offset_of(at);
+            in_unit = true;
         }
-        zeros = 0;
-        end_unit(at, end, to);
-        const unsigned char* const code = start_codes::behind_zero_byte(end, fence);
-        if (code == fence)
-            return end;
-        at = code + start_codes::size;
-        framing_size = static_cast<unsigned>(at - end);
-        unit_offset = offset_of(at);
-        in_unit = true;
-    }
+    hold(at, fence);
+    return fence;
 }
 
 // Goes to the next start code. Bytes that are neither zero nor of a start code are a gap.

@@ -1,5 +1,5 @@
-// The search for pairs of zeros: what each kind of block finds against plain C++, and the walk from place to place
-// against a look at every place.
+// The search for pairs of zeros: what each kind of block finds against plain C++, and the walk from place to place, or
+// from row to row, against a look at every place.
 #include "bytescan/bytescan.h"
 
 #include "support/all_runs.h"
@@ -9,11 +9,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <vector>
 
 namespace {
 
 using brenik::bytescan::block_bytes;
 using brenik::bytescan::block_places;
+using brenik::bytescan::place_rows_of;
 using brenik::bytescan::scalar_block;
 using brenik::bytescan::third_byte;
 using brenik::bytescan::zero_pairs_of;
@@ -57,6 +59,23 @@ void expect_every_pair(const guarded_buffer& buffer, const bytes& data, third_by
         at = found + step;
         pairs.resume(buffer.begin() + at);
     }
+}
+
+/// All rows against a look at every place.
+template <typename Runs>
+void expect_every_row(const guarded_buffer& buffer, const bytes& data, third_byte kind)
+{
+    std::vector<std::size_t> expected;
+    for (std::size_t p = 0; p < data.size(); ++p)
+        if (is_pair(data, p, kind) && (p == 0 || !is_pair(data, p - 1, kind)))
+            expected.push_back(p);
+    place_rows_of<Runs> rows(buffer.begin(), buffer.end(), kind);
+    std::vector<std::size_t> found;
+    for (auto few = rows.next_few(); !few.empty(); few = rows.next_few())
+        for (const unsigned char* const row : few)
+            found.push_back(static_cast<std::size_t>(row - buffer.begin()));
+    ASSERT_EQ(expected, found) << "of " << data.size();
+    ASSERT_TRUE(rows.next_few().empty()) << "it stays there";
 }
 
 template <typename Runs>
@@ -153,6 +172,34 @@ TYPED_TEST(ZeroPairs, GoingOnAheadOfTheSearchPassesWhatLiesBefore)
     EXPECT_EQ(buffer.begin() + 300, pairs.next());
     pairs.resume(buffer.begin() + 301);
     EXPECT_EQ(buffer.end(), pairs.next());
+}
+
+TYPED_TEST(ZeroPairs, EverySizeAndStartHasEveryRow)
+{
+    random_source random(10);
+    for (std::size_t size = 0; size <= 400; ++size)
+        for (const std::size_t one_in : {1U, 2U, 3U, 30U}) {
+            const bytes data = random_bytes(random, size, one_in);
+            const auto touching = size % 2 == 0 ? guarded_buffer::touching::start : guarded_buffer::touching::end;
+            for (const third_byte kind : kinds)
+                expect_every_row<TypeParam>(guarded_buffer(data, touching), data, kind);
+            if (this->HasFatalFailure())
+                return;
+        }
+}
+
+TYPED_TEST(ZeroPairs, RowsGoOnFromListToList)
+{
+    random_source random(11);
+    const std::size_t largest = 20 * block_places * block_places;
+    for (const std::size_t one_in : {1U, 2U, 4U, 200U}) {
+        const bytes data = random_bytes(random, largest + support::pick(random, block_places), one_in);
+        expect_every_row<TypeParam>(guarded_buffer(data), data, {0, 1});
+    }
+    bytes zeros(largest, 0);
+    expect_every_row<TypeParam>(guarded_buffer(zeros), zeros, {0, 1});
+    zeros[zeros.size() / 2] = 1;
+    expect_every_row<TypeParam>(guarded_buffer(zeros), zeros, {0, 1});
 }
 
 TEST(FirstOfFew, IsTheFirstPlaceOrBehindThemAll)
