@@ -423,7 +423,7 @@ void access_units::state::complete()
         bool begins = false;
         for (std::size_t i = 0; i < current.parts.size(); ++i) {
             current.parts[i].place.bytes = kept.at(i);
-            begins |= has_macroblock_0(current.parts[i]);
+            begins = begins || has_macroblock_0(current.parts[i]);
         }
         if (any_slice && current.header == nullptr)
             current.findings.add(picture_finding::no_primary_picture);

@@ -64,12 +64,14 @@ void output_order::begin(const picture& next, const seq_parameter_set_data& sps,
     if (mode == output_mode::early)
         most_reordered = most_reordered_frames(sps);
     const std::size_t size = buffers_of(sps);
-    while (fullness(marking, next.number) >= size) {
-        const bool first = waiting.empty() || next.count.lower() < lowest()->count;
-        at_once = next.nal_ref_idc == 0 && first;
+    for (std::size_t full = fullness(marking, next.number); full >= size;) {
+        const waiting_picture* const first = lowest();
+        const bool precedes = waiting.empty() || next.count.lower() < first->count;
+        at_once = next.nal_ref_idc == 0 && precedes;
         if (at_once || waiting.empty()) // else more is used for reference than the buffer holds
             return;
-        bump(to);
+        full -= marking.uses(first->number) ? 0 : 1;
+        picture_slots::bump(*this, first, to);
     }
 }
 
@@ -135,12 +137,17 @@ const output_order::waiting_picture* output_order::lowest() const noexcept
 
 void output_order::bump(picture_sink& to)
 {
-    waiting_picture* const place = waiting.begin() + (lowest() - waiting.begin());
-    const waiting_picture next = *place;
-    std::copy(place + 1, waiting.end(), place);
-    waiting.resize(waiting.size() - 1);
-    used_slots &= ~(std::uint32_t{1} << next.slot);
-    output(slots[next.slot], to);
+    picture_slots::bump(*this, lowest(), to);
+}
+
+void picture_slots::bump(output_order& of, const output_order::waiting_picture* next, picture_sink& to)
+{
+    const std::uint8_t slot = next->slot;
+    output_order::waiting_picture* const place = of.waiting.begin() + (next - of.waiting.begin());
+    std::copy(place + 1, of.waiting.end(), place);
+    of.waiting.resize(of.waiting.size() - 1);
+    of.used_slots &= ~(std::uint32_t{1} << slot);
+    of.output(of.slots[slot], to);
 }
 
 void output_order::output(picture& picture, picture_sink& to)

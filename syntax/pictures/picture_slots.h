@@ -21,6 +21,8 @@ private:
     friend class output_order;
     static std::uint8_t free_slot(const output_order& of) noexcept;
     static void end(output_order& of, std::uint8_t slot, picture_sink& to);
+    /// Outputs one that waits.
+    static void bump(output_order& of, const output_order::waiting_picture* next, picture_sink& to);
 };
 
 } // namespace orv_utils_v4::h264
