@@ -24,11 +24,13 @@ void element_rows::begin(const h264::unit_place& place)
     raw_bytes.emplace(place.bytes, place.size);
     offset = place.offset;
     path.clear();
+    lengths.clear();
 }
 
 void element_rows::open(const char* name)
 {
     guarded([&] {
+        lengths.push_back(path.size());
         if (!path.empty())
             path += '.';
         path += name;
@@ -37,8 +39,10 @@ void element_rows::open(const char* name)
 
 void element_rows::close()
 {
-    const std::size_t dot = path.rfind('.');
-    path.resize(dot == std::string::npos ? 0 : dot);
+    if (lengths.empty()) // there was no memory for it
+        return;
+    path.resize(lengths.back());
+    lengths.pop_back();
 }
 
 void element_rows::end()
@@ -56,26 +60,32 @@ void element_rows::element(const h264::traced_element& e)
     guarded([&] { add_row(e); });
 }
 
+// What is short is put together aside, which takes a third of the time that appending each of it does.
 void element_rows::add_row(const h264::traced_element& e)
 {
+    char columns[4 * (most_digits + 1) + most_descriptor + 1];
+    char* end = columns;
+    for (const std::uint64_t number : {offset + (*raw_bytes)(e.bit / 8), e.bit % 8, e.bit, e.bits}) {
+        end = put_number(end, number);
+        *end++ = tab;
+    }
+    end = put_descriptor(end, e);
+    *end++ = tab;
     text += unit_columns;
-    append_number(text, offset + (*raw_bytes)(e.bit / 8));
-    text += tab;
-    append_number(text, e.bit % 8);
-    text += tab;
-    append_number(text, e.bit);
-    text += tab;
-    append_number(text, e.bits);
-    text += tab;
-    append_descriptor(text, e);
-    text += tab;
+    text.append(columns, static_cast<std::size_t>(end - columns));
     text += path;
     text += tab;
     append_label(text, e.name);
     text += tab;
-    append_value(text, e);
-    text += tab;
-    text += e.inside ? "1\n" : "0\n";
+    end = columns;
+    if (e.bytes == nullptr)
+        end = put_number(end, e.value);
+    else
+        append_value(text, e);
+    *end++ = tab;
+    *end++ = e.inside ? '1' : '0';
+    *end++ = '\n';
+    text.append(columns, static_cast<std::size_t>(end - columns));
 }
 
 } // namespace orv_h264

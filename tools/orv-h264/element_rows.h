@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace orv_h264 {
 
@@ -38,8 +39,9 @@ private:
     char tab = '\t';
     memory_guard guarded;
     std::optional<h264::byte_map> raw_bytes;
-    std::string unit_columns; // what all lines of the unit begin with
-    std::string path;         // of the structures
+    std::string unit_columns;         // what all lines of the unit begin with
+    std::string path;                 // of the structures
+    std::vector<std::size_t> lengths; // of the path, around each structure
     std::uint64_t offset = 0;
 };
 

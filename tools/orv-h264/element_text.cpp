@@ -1,5 +1,6 @@
 #include "element_text.h"
 
+#include <algorithm>
 #include <vector>
 
 #include <fmt/format.h>
@@ -46,15 +47,22 @@ std::string_view descriptor_of(h264::coding how)
 
 } // namespace
 
-void append_descriptor(std::string& text, const h264::traced_element& e)
+char* put_descriptor(char* to, const h264::traced_element& e)
 {
     const std::string_view name = descriptor_of(e.how);
-    text += name;
-    if (name.size() == 1) {
-        text += '(';
-        append_number(text, e.bits);
-        text += ')';
-    }
+    to = std::copy(name.begin(), name.end(), to);
+    if (name.size() != 1)
+        return to;
+    *to++ = '(';
+    to = put_number(to, e.bits);
+    *to++ = ')';
+    return to;
+}
+
+void append_descriptor(std::string& text, const h264::traced_element& e)
+{
+    char descriptor[most_descriptor];
+    text.append(descriptor, static_cast<std::size_t>(put_descriptor(descriptor, e) - descriptor));
 }
 
 void append_hexadecimal(std::string& text, const unsigned char* bytes, std::size_t size)
