@@ -22,7 +22,7 @@ std::uint64_t decode_units(data_set& set, Scan scan, Decode decode)
     return bytes;
 }
 
-std::uint64_t by_reader(data_set& set)
+std::uint64_t decode_by_reader(data_set& set)
 {
     using brenik::h264_nal_reader;
     return decode_units(
@@ -56,7 +56,7 @@ std::uint64_t by_legacy_scan(data_set& set)
                          const unsigned char* end) { return h264_nal_parser_scan(unit, out, size, start, end, 0); });
 }
 
-std::uint64_t by_literal_scan(data_set& set)
+std::uint64_t decode_by_literal_scan(data_set& set)
 {
     return scan_units(set, literal::nal_parser_scan);
 }
@@ -69,11 +69,11 @@ std::vector<task> decode_tasks()
     const contender memory = {side::memory, "memcpy", copy_payloads};
     return {{"T2 decode reader", bytes, data_set_names(),
              std::vector<contender>{
-                 {side::ours, "reader", by_reader}, {side::scalar, "literal", by_literal_reader}, memory} +
+                 {side::ours, "reader", decode_by_reader}, {side::scalar, "literal", by_literal_reader}, memory} +
                  peers::decode()},
             {"T2 decode legacy", bytes, data_set_names(),
              std::vector<contender>{
-                 {side::ours, "legacy", by_legacy_scan}, {side::scalar, "literal", by_literal_scan}, memory} +
+                 {side::ours, "legacy", by_legacy_scan}, {side::scalar, "literal", decode_by_literal_scan}, memory} +
                  peers::decode()}};
 }
 

@@ -46,7 +46,7 @@ struct header_parser {
     }
 };
 
-std::uint64_t by_reader(data_set& set)
+std::uint64_t headers_by_reader(data_set& set)
 {
     unsigned char* const end = set.length4.data() + set.length4_size;
     header_parser parser;
@@ -63,7 +63,7 @@ std::vector<task> header_tasks()
     return {{"T4 headers",
              [](const data_set& set) { return set.units.size(); },
              {"large", "8k", "70"},
-             std::vector<contender>{{side::ours, "reader", by_reader}} + peers::headers()}};
+             std::vector<contender>{{side::ours, "reader", headers_by_reader}} + peers::headers()}};
 }
 
 } // namespace bench

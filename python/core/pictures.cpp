@@ -87,7 +87,7 @@ py::tuple findings_of(const h264::picture_findings& findings)
     return py::tuple(all);
 }
 
-py::dict dict_of(const kept_access_unit& unit)
+py::dict access_unit_dict(const kept_access_unit& unit)
 {
     py::list parts;
     py::list roles;
@@ -124,12 +124,12 @@ py::list clocks_of(const h264::picture& picture)
     return all;
 }
 
-py::dict dict_of(const kept_picture& kept)
+py::dict picture_dict(const kept_picture& kept)
 {
     const h264::picture& p = kept.is;
     py::list units;
     for (const kept_access_unit& unit : kept.units)
-        units.append(dict_of(unit));
+        units.append(access_unit_dict(unit));
     py::dict all;
     all["number"] = p.number;
     all["output_number"] = kept.output ? py::object(py::int_(p.output_number)) : py::object(py::none());
@@ -180,9 +180,9 @@ public:
         }
         py::list batch;
         for (const kept_access_unit& unit : ready_units)
-            batch.append(dict_of(unit));
+            batch.append(access_unit_dict(unit));
         for (const kept_picture& picture : ready)
-            batch.append(dict_of(picture));
+            batch.append(picture_dict(picture));
         return batch;
     }
 

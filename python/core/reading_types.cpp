@@ -12,7 +12,7 @@ namespace orv_python {
 
 namespace {
 
-const char* name_of(h264::reason why)
+const char* reason_name(h264::reason why)
 {
     static constexpr const char* names[] = {
         "none",      "unit_ends", "payload_ends",    "malformed_code",  "too_large",     "too_small",
@@ -23,7 +23,7 @@ const char* name_of(h264::reason why)
     return names[static_cast<std::size_t>(why)];
 }
 
-const char* name_of(h264::ending end)
+const char* ending_name(h264::ending end)
 {
     static constexpr const char* names[] = {"unknown", "sound", "no_stop_bit", "cabac_zero_words", "bytes_behind"};
     static_assert(std::size(names) == static_cast<std::size_t>(h264::ending::bytes_behind) + 1);
@@ -35,7 +35,7 @@ py::object failure_or_none(const h264::failure& failure)
     return failure ? py::object(failure_tuple(failure)) : py::none();
 }
 
-py::list findings_of(const h264::outcome& result)
+py::list finding_tuples(const h264::outcome& result)
 {
     py::list all;
     for (const h264::finding& f : result.findings)
@@ -256,7 +256,7 @@ py::bytes unescaped(const py::object& source)
 
 py::tuple failure_tuple(const h264::failure& failure)
 {
-    return py::make_tuple(name_of(failure.why), orv_h264::text_of(failure.element), failure.bit, failure.value,
+    return py::make_tuple(reason_name(failure.why), orv_h264::text_of(failure.element), failure.bit, failure.value,
                           failure.bound, orv_h264::text_of(failure));
 }
 
@@ -280,9 +280,9 @@ void add_reading_types(py::module_& m)
         .def("context", [](const reading& r) { return r.context; })
         .def("failure", [](const reading& r) { return failure_or_none(r.result.failure); })
         .def("failed", [](const reading& r) { return bool(r.result.failure); })
-        .def("findings", [](const reading& r) { return findings_of(r.result); })
+        .def("findings", [](const reading& r) { return finding_tuples(r.result); })
         .def("finding_count", [](const reading& r) { return r.result.finding_count; })
-        .def("ending", [](const reading& r) { return name_of(r.result.ending); })
+        .def("ending", [](const reading& r) { return ending_name(r.result.ending); })
         .def("bits", [](const reading& r) { return r.result.bits; })
         .def("trace", [](const reading& r) {
             return trace_bytes(r.unit.bytes(), static_cast<std::size_t>(r.unit.size), r.unit.offset, r.context);

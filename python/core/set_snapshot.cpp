@@ -23,7 +23,7 @@ bool any_differs(const Set* const (&now)[N], const std::shared_ptr<const Set> (&
 }
 
 template <class Set, std::size_t N>
-void take(const Set* const (&now)[N], std::shared_ptr<const Set> (&kept)[N], const Set* (&view)[N], std::size_t id)
+void take_set(const Set* const (&now)[N], std::shared_ptr<const Set> (&kept)[N], const Set* (&view)[N], std::size_t id)
 {
     if (differs(now, kept, id))
         kept[id] = now[id] == nullptr ? nullptr : std::make_shared<const Set>(*now[id]);
@@ -34,12 +34,12 @@ template <class Set, std::size_t N>
 void take_all(const Set* const (&now)[N], std::shared_ptr<const Set> (&kept)[N], const Set* (&view)[N])
 {
     for (std::size_t id = 0; id < N; ++id)
-        take(now, kept, view, id);
+        take_set(now, kept, view, id);
 }
 
 template <class Set, std::size_t N>
-std::shared_ptr<const Set> find(const Set* wanted, const std::shared_ptr<const Set> (&kept)[N],
-                                const Set* const (&now)[N])
+std::shared_ptr<const Set> kept_set(const Set* wanted, const std::shared_ptr<const Set> (&kept)[N],
+                                    const Set* const (&now)[N])
 {
     for (std::size_t id = 0; wanted != nullptr && id < N; ++id)
         if (now[id] == wanted)
@@ -104,7 +104,7 @@ void set_follower::follow_pps(const h264::parameter_sets& now, std::uint32_t id)
     if (id >= h264::parameter_sets::pps_ids || !differs(now.pps, snapshot->pps, id))
         return;
     const auto next = std::make_shared<set_snapshot>(*snapshot);
-    take(now.pps, next->pps, next->sets.pps, id);
+    take_set(now.pps, next->pps, next->sets.pps, id);
     snapshot = next;
 }
 
@@ -114,7 +114,7 @@ kept_context set_follower::keep(const h264::unit_context& context) const
     kept.sets = snapshot;
     kept.active_sps = keep(context.active_sps, *context.sets);
     kept.active_pps = keep(context.active_pps);
-    kept.mvcd_sps = find(context.mvcd_sps, snapshot->subset_sps, context.sets->subset_sps);
+    kept.mvcd_sps = kept_set(context.mvcd_sps, snapshot->subset_sps, context.sets->subset_sps);
     kept.primary_idr = context.primary_idr;
     kept.partition_a_pps = context.partition_a_pps;
     return kept;

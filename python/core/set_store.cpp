@@ -35,7 +35,7 @@ py::list all_of(const List& units)
     return all;
 }
 
-const char* name_of(h264::set_arrival arrival)
+const char* arrival_name(h264::set_arrival arrival)
 {
     static constexpr const char* names[] = {"no_set", "added", "changed", "same", "damaged", "too_long", "no_memory"};
     static_assert(std::size(names) == static_cast<std::size_t>(h264::set_arrival::no_memory) + 1);
@@ -77,7 +77,7 @@ py::tuple told(const h264::configuration_outcome& result, const py::object& made
     return py::make_tuple(made, py::make_tuple(element, h264::text_of(result.why)));
 }
 
-py::dict dict_of(const h264::AVCDecoderConfigurationRecord& record)
+py::dict record_dict(const h264::AVCDecoderConfigurationRecord& record)
 {
     py::dict all;
     all["configurationVersion"] = record.configurationVersion;
@@ -96,7 +96,7 @@ py::dict dict_of(const h264::AVCDecoderConfigurationRecord& record)
     return all;
 }
 
-void fill(h264::AVCDecoderConfigurationRecord& to, const py::dict& from, viewed& views)
+void fill_record(h264::AVCDecoderConfigurationRecord& to, const py::dict& from, viewed& views)
 {
     to.configurationVersion = from["configurationVersion"].cast<std::uint8_t>();
     to.AVCProfileIndication = from["AVCProfileIndication"].cast<std::uint8_t>();
@@ -118,14 +118,14 @@ py::tuple read_record(const py::object& object)
     const std::shared_ptr<const source_bytes> bytes = lock_bytes(object);
     h264::AVCDecoderConfigurationRecord record;
     const h264::configuration_outcome result = h264::read(record, bytes->start, bytes->size);
-    return told(result, dict_of(record));
+    return told(result, record_dict(record));
 }
 
 py::tuple write_record(const py::dict& from)
 {
     viewed views;
     h264::AVCDecoderConfigurationRecord record;
-    fill(record, from, views);
+    fill_record(record, from, views);
     h264::configuration_outcome result = h264::write(record, nullptr, 0);
     if (result.why != h264::configuration_reason::no_room)
         return told(result, py::none());
@@ -138,7 +138,7 @@ py::tuple make_record(const h264::parameter_set_list& sets, unsigned length_size
 {
     h264::AVCDecoderConfigurationRecord record;
     const h264::configuration_outcome result = h264::make_configuration(record, sets, length_size);
-    return told(result, result.sound() ? py::object(dict_of(record)) : py::none());
+    return told(result, result.sound() ? py::object(record_dict(record)) : py::none());
 }
 
 py::bytes write_picture(h264::parameter_set_store& store, const py::iterable& units, h264::framing how,
@@ -164,7 +164,7 @@ py::int_ push_record(h264::parameter_set_store& store, const py::dict& from)
 {
     viewed views;
     h264::AVCDecoderConfigurationRecord record;
-    fill(record, from, views);
+    fill_record(record, from, views);
     return store.push(record);
 }
 
@@ -182,7 +182,7 @@ void add_parameter_set_store(py::module_& m)
         .def("push",
              [](store& s, const py::object& unit) {
                  viewed view;
-                 return name_of(s.push(view(unit)));
+                 return arrival_name(s.push(view(unit)));
              })
         .def("push_record", push_record)
         .def("changes", &store::changes)

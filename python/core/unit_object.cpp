@@ -1,5 +1,7 @@
 #include "unit_object.h"
 
+#include "place_object.h"
+
 #include <new>
 
 namespace orv_python {
@@ -18,7 +20,7 @@ const found_unit& unit_of(PyObject* self)
     return reinterpret_cast<unit_type_object*>(self)->unit;
 }
 
-void deallocate(PyObject* self)
+void deallocate_unit(PyObject* self)
 {
     PyTypeObject* const type = Py_TYPE(self);
     reinterpret_cast<unit_type_object*>(self)->unit.~found_unit();
@@ -69,7 +71,7 @@ PyObject* unit_text(PyObject* self)
                                 static_cast<unsigned long long>(unit.size), unit.cut ? ", cut" : "");
 }
 
-const char* name_of(h264::split_gap_reason reason)
+const char* gap_reason_name(h264::split_gap_reason reason)
 {
     switch (reason) {
     case h264::split_gap_reason::before_first_unit:
@@ -90,14 +92,14 @@ const char* name_of(h264::split_gap_reason reason)
 
 PyObject* reason(PyObject* self, void*)
 {
-    return PyUnicode_FromString(name_of(unit_of(self).reason));
+    return PyUnicode_FromString(gap_reason_name(unit_of(self).reason));
 }
 
 PyObject* gap_text(PyObject* self)
 {
     const found_unit& gap = unit_of(self);
     return PyUnicode_FromFormat("<Gap at %llu: %s, %llu bytes>", static_cast<unsigned long long>(gap.offset),
-                                name_of(gap.reason), static_cast<unsigned long long>(gap.size));
+                                gap_reason_name(gap.reason), static_cast<unsigned long long>(gap.size));
 }
 
 // The word before the colon is the type that stubs give.
@@ -133,19 +135,13 @@ PyGetSetDef gap_members[] = {
     {},
 };
 
-template <class Function>
-void* slot(Function* function)
-{
-    return reinterpret_cast<void*>(function);
-}
-
 PyTypeObject* make_unit_type()
 {
     static PyType_Slot slots[] = {
         {Py_tp_doc,
          const_cast<char*>("A NAL unit of a stream. bytes(unit) copies it; where bytes are taken, it is taken as "
                            "they are.")},
-        {Py_tp_dealloc, slot(deallocate)},
+        {Py_tp_dealloc, slot(deallocate_unit)},
         {Py_tp_getset, unit_members},
         {Py_tp_repr, slot(unit_text)},
         {Py_sq_length, slot(size)},
@@ -161,7 +157,7 @@ PyTypeObject* make_gap_type()
 {
     static PyType_Slot slots[] = {
         {Py_tp_doc, const_cast<char*>("Bytes of a stream that belong to no unit.")},
-        {Py_tp_dealloc, slot(deallocate)},
+        {Py_tp_dealloc, slot(deallocate_unit)},
         {Py_tp_getset, gap_members},
         {Py_tp_repr, slot(gap_text)},
         {0, nullptr},
