@@ -176,7 +176,8 @@ TEST(NoMemory, OfPicturesIsToldWhereAUnitIsLost)
     stream.pps().slice_group_map_type = 6;
     stream.pps().pic_size_in_map_units_minus1 = 11;
     stream.pps().slice_group_id.resize(12);
-    stream.add_sets().add(unit_of(6, sei_rbsp{{message_of(6, recovery_point())}})).add(idr(0)).add_sets();
+    stream.add_sets().add(unit_of(6, sei_rbsp{{message_of(6, recovery_point())}}));
+    stream.add_bytes(0x65, {0xE0, 0x80}).add(idr(0)).add_sets(); // a damaged slice in front
     stream.add(reference(1)).add_large(reference(2), 3000).add(idr(1)).add_sets();
     const timestamp stamp;
     std::size_t limited = 0;

@@ -186,6 +186,16 @@ TEST(Stream, AUnitOfNoBytesIsHandedOnAndFails)
     EXPECT_EQ(sink.why, reason::unit_ends);
 }
 
+TEST(Stream, ASubsetSpsWithAnIdAboveTheLastIsNotKept)
+{
+    subset_seq_parameter_set_rbsp subset;
+    subset.seq_parameter_set_data = sps_data(32);
+    pushed_stream s;
+    s.push(unit_of(15, subset));
+    for (std::uint32_t id = 0; id <= 32; ++id)
+        EXPECT_EQ(s.sets().find_subset_sps(id), nullptr);
+}
+
 TEST(Stream, ADepthParameterSetAndASubsetSpsOfDepthAreKept)
 {
     depth_parameter_set_rbsp depth;

@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <memory>
+
 namespace {
 
 using namespace orv_utils_v4::h264;
@@ -201,6 +204,25 @@ nal_unit slice_of_layer(unsigned nal_unit_type, Change change)
         header = slice_header_in_3davc_extension();
     std::visit([](auto& h) { h.slice_type = 7; }, header);
     return unit;
+}
+
+TEST(AccessUnitContents, AUnitLargerThanAnAccessUnitMayBeIsLeftOutAndTold)
+{
+    constexpr std::size_t size = access_units::most_bytes + 1;
+    const std::unique_ptr<unsigned char, void (*)(void*)> large(static_cast<unsigned char*>(std::calloc(size, 1)),
+                                                                &std::free); // pages that nobody touches
+    ASSERT_NE(large, nullptr);
+    *large = 12;
+    made_stream stream;
+    stream.add_sets().add(idr(1));
+    told_access_units told;
+    access_units units;
+    units.push({large.get(), size, 0, 0}, told);
+    for (const auto& unit : stream.units)
+        units.push({unit.data(), unit.size(), size, 1}, told, true);
+    units.flush(told);
+    ASSERT_EQ(told.types(), "7 8 5");
+    EXPECT_TRUE(told.all[0].has(picture_finding::limit_reached));
 }
 
 TEST(AccessUnitContents, OfTheSlicesOfEachLayerAndViewTheFirstIsKept)
