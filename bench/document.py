@@ -1,4 +1,4 @@
-"""The parts of docs/performance.md that script/bench makes: each between the lines of its name."""
+"""The parts of docs/performance.md, or of another document, that scripts make: each between the lines of its name."""
 import pathlib
 import re
 import sys
@@ -6,14 +6,14 @@ import sys
 DOCUMENT = pathlib.Path(__file__).parent.parent / "docs/performance.md"
 
 
-def put(name, text):
+def put(name, text, document=DOCUMENT):
     """Puts the text between the lines of that name."""
     begin, end = f"<!-- {name}: begin -->\n", f"<!-- {name}: end -->\n"
-    before = DOCUMENT.read_text(encoding="utf-8")
+    before = document.read_text(encoding="utf-8")
     parts = re.split(f"(?s)(?<={re.escape(begin)})(.*)(?={re.escape(end)})", before)
     if len(parts) != 3:
-        sys.exit(f"{DOCUMENT} has no lines {begin.strip()} and {end.strip()}")
-    DOCUMENT.write_text(parts[0] + "\n" + text.strip() + "\n\n" + parts[2], encoding="utf-8")
+        sys.exit(f"{document} has no lines {begin.strip()} and {end.strip()}")
+    document.write_text(parts[0] + "\n" + text.strip() + "\n\n" + parts[2], encoding="utf-8")
 
 
 def tell(name, text, update):

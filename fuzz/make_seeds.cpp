@@ -19,6 +19,7 @@ try {
     fuzz::add_unit_seeds(table);
     fuzz::add_structure_seeds(table);
     fuzz::add_picture_seeds(table);
+    fuzz::add_text_seeds(table);
     for (auto& [target, seeds] : table) {
         seeds["empty"] = {};
         const std::filesystem::path folder = std::filesystem::path(argv[1]) / target;

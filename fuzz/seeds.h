@@ -35,5 +35,6 @@ void add_bit_seeds(seed_table& to);
 void add_unit_seeds(seed_table& to);
 void add_structure_seeds(seed_table& to);
 void add_picture_seeds(seed_table& to);
+void add_text_seeds(seed_table& to);
 
 } // namespace fuzz

@@ -196,7 +196,6 @@ public:
             b({name, first_index + static_cast<std::uint32_t>(i)}, x[i]);
     }
     bool more_payload(std::size_t i, std::size_t size) const noexcept { return !stopped && i < size; }
-    std::uint64_t payload_bits_left() const noexcept { return ~std::uint64_t{0}; }
     void ff_coded(const char*, std::uint32_t&) {}
     template <class Text>
     void payload(std::uint32_t&, Text text)

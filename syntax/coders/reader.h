@@ -25,7 +25,6 @@ public:
     static constexpr bool tells = false;
     void open(const char*) {}
     void close() {}
-    void element(const traced_element&) {}
 };
 
 /// Tells a visitor.
@@ -325,8 +324,6 @@ public:
     }
     /// Whether the payload has bytes left; the writer's answer is `size` of the list they go to against `i`.
     bool more_payload(std::size_t, std::size_t) const noexcept { return !stopped && bits_left() >= 8; }
-    /// Bits of the payload that are left; ~0 in a coder that does not read.
-    std::uint64_t payload_bits_left() const noexcept { return bits_left(); }
 
     /// payload_type or payload_size, clause 7.3.2.3.1: bytes FF and a last one.
     void ff_coded(const char* last_name, std::uint32_t& x)

@@ -74,12 +74,13 @@ bool is_of_layers(unsigned nal_unit_type)
     return nal_unit_type == 14 || nal_unit_type == 15 || nal_unit_type == 20 || nal_unit_type == 21;
 }
 
+/// Of slices with one role: both have an extension, or neither.
 bool same_layer(const nal_unit_header& a, const nal_unit_header& b)
 {
-    if (!a.extended() && !b.extended())
+    if (!a.extended())
         return true;
-    if (a.bytes() == 1 || a.bytes() != b.bytes() || a.scalable() != b.scalable())
-        return a.bytes() == b.bytes() && a.scalable() == b.scalable();
+    if (a.bytes() != b.bytes() || a.scalable() != b.scalable())
+        return false;
     const auto &svc_a = a.nal_unit_header_svc_extension, &svc_b = b.nal_unit_header_svc_extension;
     const auto &avc_3d_a = a.nal_unit_header_3davc_extension, &avc_3d_b = b.nal_unit_header_3davc_extension;
     return svc_a.dependency_id == svc_b.dependency_id && svc_a.quality_id == svc_b.quality_id &&

@@ -114,6 +114,7 @@ struct ORV_UTILS_V4_HIDDEN stream::state {
 
     void read_unit(const unit_place& place, visitor* listener);
     void read_slice(const unit_place& place, visitor* listener);
+    void tell_no_memory();
     void hand_on(const unit_place& place, unit_sink& to);
     bool hold(const unit_place& place);
     void release(unit_sink& to);
@@ -255,12 +256,8 @@ void stream::state::read_unit(const unit_place& place, visitor* listener)
 
     const std::size_t most = kind == unit_kind::parameter_set ? most_parameter_set_bytes : most_unit_bytes;
     const std::size_t size = std::min(place.size, most);
-    if (!make_room(block, size)) {
-        *unit = nal_unit();
-        result = outcome();
-        result.failure = {reason::no_memory, "nal_unit", 0, 0, 0};
-        return;
-    }
+    if (!make_room(block, size))
+        return tell_no_memory();
     bytes = unescaped(place.bytes, size, size, block.data());
     if (kind == unit_kind::sei && !slice_known) {
         read(*unit, bytes.data, bytes.size, context, result);
@@ -275,6 +272,14 @@ void stream::state::read_unit(const unit_place& place, visitor* listener)
     keep();
 }
 
+/// Nothing of the unit is read: what is there would be another unit's.
+void stream::state::tell_no_memory()
+{
+    *unit = nal_unit();
+    result = outcome();
+    result.failure = {reason::no_memory, "nal_unit", 0, 0, 0};
+}
+
 // The header is looked for in more and more bytes of the slice; only what is read at last is told.
 void stream::state::read_slice(const unit_place& place, visitor* listener)
 {
@@ -282,7 +287,7 @@ void stream::state::read_slice(const unit_place& place, visitor* listener)
     for (std::size_t room = first_try;; room *= 8) {
         const std::size_t taken = std::min({room, place.size, most_slice_header_bytes});
         if (!make_room(block, taken))
-            break;
+            return tell_no_memory();
         bytes = unescaped(place.bytes, place.size, taken, block.data());
         const bool all = taken == place.size || taken == most_slice_header_bytes;
         read(*unit, bytes.data, bytes.size, context, result);

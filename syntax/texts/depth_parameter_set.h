@@ -65,7 +65,7 @@ template <class Coder>
 void code(Coder& c, in<Coder, vsp_param>& x, std::uint32_t numViews)
 {
     const auto here = c.structure("vsp_param");
-    c.count("disparity_diff_wji", x.pairs, numViews == 0 ? 0 : std::uint64_t{numViews} * (numViews - 1) / 2);
+    c.count("disparity_diff_wji", x.pairs, std::uint64_t{numViews} * (numViews - 1) / 2);
     std::size_t pair = 0;
     for (std::uint32_t i = 0; i < numViews && c.going(); ++i) {
         for (std::uint32_t j = 0; j < i && c.going(); ++j) {

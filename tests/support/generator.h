@@ -182,7 +182,6 @@ public:
     }
     bool more_rbsp_data(std::size_t i, std::size_t) { return !stopped && (i == 0 || (i < 4 && coin())); }
     bool more_payload(std::size_t i, std::size_t) { return !stopped && (i == 0 || (i < 4 && coin())); }
-    std::uint64_t payload_bits_left() const { return ~std::uint64_t{0}; }
     void stop_bit(label) {}
     void end_of_unit() {}
     void run(const char*, unsigned, std::uint64_t& x) { x = draw(3); }

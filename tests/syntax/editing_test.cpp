@@ -204,6 +204,19 @@ TEST(Editing, TheTailOfAPpsIsNamedByMoreRbspData)
     EXPECT_EQ(pps_in(unit).second_chroma_qp_index_offset, 4);
 }
 
+TEST(Editing, CountsThatWerePutInByHandKeepToTheirBounds)
+{
+    nal_unit unit = timed_sps();
+    sps_in(unit).vui_parameters.nal_hrd_parameters.cpb_cnt_minus1 = 32;
+    const failure above = refused(unit, "level_idc", 40);
+    EXPECT_EQ(above.why, reason::too_large);
+    EXPECT_STREQ(above.element.name(), "cpb_cnt_minus1");
+    post_filter_hint hint; // a size of 0
+    const failure below = refused(unit_of(6, sei_rbsp{{message_of(22, hint)}}), "filter_hint_type", 1);
+    EXPECT_EQ(below.why, reason::too_small);
+    EXPECT_STREQ(below.element.name(), "filter_hint_size_y");
+}
+
 TEST(Editing, WhatLeavesTheSyntaxStaysInTheStructureUnwritten)
 {
     nal_unit unit = pps_unit();

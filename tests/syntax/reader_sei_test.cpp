@@ -172,4 +172,80 @@ TEST(ReaderSei, AReservedPicStructEndsItsPayload)
     EXPECT_EQ(recovery(r.messages[1]).recovery_frame_cnt, 2U);
 }
 
+TEST(ReaderSei, ATypeThatNoNumberHoldsIsRefused)
+{
+    bytes unit(1 + 0xFFFFFFFF / 255 + 1, 0xFF); // 255 times as many is 2^32 + 254
+    unit[0] = 6;
+    unit.insert(unit.end(), {0, 0, 0x80});
+    nal_unit made;
+    outcome result;
+    read(made, unit.data(), unit.size(), {}, result);
+    EXPECT_EQ(result.failure.why, reason::too_large);
+    EXPECT_STREQ(result.failure.element.name(), "last_payload_type_byte");
+}
+
+TEST(ReaderSei, WhatStandsOnAMissingParameterSetFailsAndNamesWhatItIsNeededFor)
+{
+    const auto check = [](unsigned char payload_type, unsigned char payload, reason why, const char* element) {
+        const sei_reading r = read_sei({payload_type, 1, payload, 6, 1, recovery_of_2, 0x80});
+        EXPECT_EQ(r.result.failure.why, why) << element;
+        EXPECT_STREQ(r.result.failure.element.name(), element);
+        ASSERT_EQ(r.messages.size(), 2U);
+        EXPECT_EQ(recovery(r.messages[1]).recovery_frame_cnt, 2U);
+    };
+    check(7, 0x80, reason::no_sps, "original_idr_flag");
+    check(8, 0xB5, reason::no_sps, "spare_area_idc"); // 1: a flag for each map unit
+    check(18, 0x80, reason::no_pps, "num_slice_groups_in_set_minus1");
+    check(42, 0x80, reason::no_sps, "seq_parameter_set_id");
+    check(52, 0x80, reason::no_sps, "per_view_depth_timing_flag");
+}
+
+TEST(ReaderSei, FilmGrainHasTheRangeOfItsBitDepthWhereThatIsKnown)
+{
+    film_grain_characteristics grain;
+    grain.components[0].comp_model_present_flag = true;
+    grain.components[0].intervals.resize(1);
+    grain.components[0].intervals[0].comp_model_value[0] = 256;
+    const auto findings = [&](const unit_context& context) {
+        const nal_unit unit = unit_of(6, sei_rbsp{{message_of(19, grain)}});
+        const outcome result = read_of(written(unit, context), context).result;
+        EXPECT_FALSE(result.failure);
+        return result.finding_count;
+    };
+    const small_sets s;
+    EXPECT_EQ(findings(s.context), 1U);
+    EXPECT_EQ(findings({}), 0U);
+    grain.separate_colour_description_present_flag = true;
+    EXPECT_EQ(findings({}), 1U);
+    grain.film_grain_bit_depth_luma_minus8 = 1;
+    EXPECT_EQ(findings({}), 0U);
+    grain.film_grain_bit_depth_luma_minus8 = 0;
+    grain.film_grain_model_id = 2; // reserved: the finding is the model alone
+    EXPECT_EQ(findings({}), 1U);
+}
+
+TEST(ReaderSei, ATargetBitDepthThatNoNumberHoldsEndsItsPayload)
+{
+    // tone_map_id 0, not cancelled, period 0, coded_data_bit_depth 8, target_bit_depth 64, tone_map_model_id 2
+    const sei_reading r = read_sei({23, 3, 0xA1, 0x08, 0x0C, 0x80});
+    EXPECT_EQ(r.result.failure.why, reason::payload_ends);
+    EXPECT_STREQ(r.result.failure.element.name(), "start_of_coded_interval");
+    EXPECT_TRUE(std::get<tone_mapping_info>(r.messages[0].payload).start_of_coded_interval.empty());
+}
+
+TEST(ReaderSei, AViewDependencyChangeOfASubsetSpsWithoutViewsHasNoFlags)
+{
+    subset_seq_parameter_set_rbsp subset;
+    subset.seq_parameter_set_data.profile_idc = 118;
+    parameter_sets sets;
+    sets.subset_sps[0] = &subset;
+    unit_context context;
+    context.sets = &sets;
+    const sei_reading r = read_sei({42, 1, 0xF0, 0x80}, context); // both update flags are set
+    EXPECT_FALSE(r.result.failure);
+    const auto& change = std::get<view_dependency_change>(r.messages[0].payload);
+    EXPECT_TRUE(change.anchor_update_flag && change.non_anchor_update_flag);
+    EXPECT_TRUE(change.views.empty());
+}
+
 } // namespace

@@ -1,5 +1,6 @@
 // What is made up and written is read back the same, from the same bits, for every kind of unit and SEI payload; and
 // what a trace tells covers every bit of it.
+#include "support/coded_kinds.h"
 #include "support/told_reading.h"
 #include "support/unit_maker.h"
 
@@ -8,13 +9,6 @@
 namespace {
 
 using namespace orv_utils_v4::h264;
-
-constexpr unsigned coded_types[] = {1, 2, 3, 4, 5, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16, 19, 20, 21};
-constexpr std::uint32_t payload_types[] = {
-    0,   1,   2,   3,   4,   5,   6,   7,   8,   9,   10,  11,  12,  13,  14,  15,  16,  17,  18,
-    19,  20,  21,  22,  23,  24,  25,  26,  27,  28,  29,  30,  31,  32,  33,  34,  35,  36,  37,
-    38,  39,  40,  41,  42,  43,  44,  45,  46,  47,  48,  49,  50,  51,  52,  53,  54,  56,  57,
-    137, 142, 144, 147, 148, 149, 150, 151, 154, 155, 156, 181, 200, 201, 202, 205, 254, 255, 600};
 
 bool is_slice(unsigned type)
 {

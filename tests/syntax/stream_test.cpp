@@ -153,4 +153,79 @@ TEST(Stream, AUnitAboveTheMostBytesFails)
     EXPECT_EQ(s.last().result.failure.bound, std::int64_t{stream::most_unit_bytes});
 }
 
+TEST(Stream, AMovedOneGoesOnWhereItStood)
+{
+    struct : unit_sink {
+        void take(const unit_reading& reading) override { failures += reading.result.failure ? 1 : 0; }
+        int failures = 0;
+    } sink;
+    const small_sets sets;
+    const std::vector<unsigned char> units[] = {written(sps_unit(sps_data()), {}), written(pps_unit(), {}),
+                                                written(slice_unit(5), sets.context)};
+    stream reader;
+    for (const auto& unit : units) {
+        reader.push({unit.data(), unit.size(), 0, 0}, sink);
+        stream moved = std::move(reader);
+        reader = std::move(moved);
+    }
+    reader.flush(sink);
+    EXPECT_EQ(sink.failures, 0);
+    EXPECT_NE(reader.sets().find_pps(0), nullptr);
+}
+
+TEST(Stream, AUnitOfNoBytesIsHandedOnAndFails)
+{
+    pushed_stream s;
+    s.push_bytes({6, 6, 1, 0x61, 0x80}); // waits for its slice
+    stream alone;
+    struct : unit_sink {
+        void take(const unit_reading& reading) override { why = reading.result.failure.why; }
+        reason why = reason::none;
+    } sink;
+    alone.push({nullptr, 0, 0, 0}, sink);
+    EXPECT_EQ(sink.why, reason::unit_ends);
+}
+
+TEST(Stream, ASubsetSpsWithAnIdAboveTheLastIsNotKept)
+{
+    subset_seq_parameter_set_rbsp subset;
+    subset.seq_parameter_set_data = sps_data(32);
+    pushed_stream s;
+    s.push(unit_of(15, subset));
+    for (std::uint32_t id = 0; id <= 32; ++id)
+        EXPECT_EQ(s.sets().find_subset_sps(id), nullptr);
+}
+
+TEST(Stream, ADepthParameterSetAndASubsetSpsOfDepthAreKept)
+{
+    depth_parameter_set_rbsp depth;
+    depth.depth_parameter_set_id = 3;
+    depth.pred_direction = 2;
+    subset_seq_parameter_set_rbsp subset;
+    subset.seq_parameter_set_data = sps_data(2);
+    pushed_stream s;
+    for (const unsigned profile_idc : {138U, 135U, 118U}) {
+        subset.seq_parameter_set_data.profile_idc = static_cast<std::uint8_t>(profile_idc);
+        if (profile_idc == 118) {
+            subset.seq_parameter_set_mvc_extension.views.resize(1);
+            subset.seq_parameter_set_mvc_extension.levels.resize(1);
+            subset.seq_parameter_set_mvc_extension.levels[0].operation_points.resize(1);
+            subset.seq_parameter_set_mvc_extension.levels[0].operation_points[0].applicable_op_target_view_id = {0};
+        } else {
+            subset.seq_parameter_set_mvcd_extension.views.resize(1);
+            subset.seq_parameter_set_mvcd_extension.levels.resize(1);
+            subset.seq_parameter_set_mvcd_extension.levels[0].operation_points.resize(1);
+            subset.seq_parameter_set_mvcd_extension.levels[0].operation_points[0].target_views.resize(1);
+        }
+        s.push(unit_of(15, subset));
+        ASSERT_NE(s.sets().find_subset_sps(2), nullptr);
+        EXPECT_EQ(s.sets().find_subset_sps(2)->seq_parameter_set_data.profile_idc, profile_idc);
+    }
+    s.push(unit_of(16, depth));
+    ASSERT_NE(s.sets().find_dps(3), nullptr);
+    EXPECT_TRUE(*s.sets().find_dps(3) == depth);
+    EXPECT_EQ(s.sets().find_dps(2), nullptr);
+    EXPECT_EQ(s.sets().find_dps(parameter_sets::dps_ids), nullptr);
+}
+
 } // namespace

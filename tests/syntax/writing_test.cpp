@@ -153,6 +153,148 @@ TEST(Writing, AnotherStructureThanTheTypeNamesIsRefused)
               "payload 0: another structure than the type names 0");
 }
 
+TEST(Writing, AnotherSliceHeaderThanTheUnitsHeaderNamesIsRefused)
+{
+    nal_unit unit = unit_of(20, slice_layer_extension_rbsp());
+    std::get<slice_layer_extension_rbsp>(unit.rbsp).header = slice_header_in_3davc_extension();
+    EXPECT_EQ(refusal(unit), "payload 0: another structure than the type names 0");
+    unit.header.svc_extension_flag = true;
+    EXPECT_EQ(refusal(unit), "payload 0: another structure than the type names 0");
+}
+
+TEST(Writing, ListsOfSeiPayloadsThatEndTooSoonAreRefused)
+{
+    const auto refused = [](const auto& payload, std::uint32_t type, const unit_context& context = {}) {
+        return refusal(unit_of(6, sei_rbsp{{message_of(type, payload)}}), context);
+    };
+    scalable_nesting nesting;
+    nesting.all_layer_representations_in_au_flag = true;
+    EXPECT_EQ(refused(nesting, 30), "sei_message 0: the list has another number of entries 1");
+    nesting.messages.resize(scalable_nesting::most_messages + 1, message_of(3, filler_payload{}));
+    EXPECT_EQ(refused(nesting, 30), "sei_message 129: more than 128");
+    scalability_info info;
+    info.layers.resize(1);
+    info.priority_id_setting_flag = true;
+    info.priority_id_setting_uri = {'a'};
+    EXPECT_EQ(refused(info, 24), "priority_id_setting_uri[1] 1: the list has another number of entries 2");
+
+    const small_sets s;
+    spare_pic spare;
+    spare.pictures.resize(1);
+    spare.pictures[0].spare_area_idc = 2;
+    spare.pictures[0].zero_run_length = {4}; // 5 of 12 map units
+    EXPECT_EQ(refused(spare, 8, s.context), "zero_run_length[0] 1: the list has another number of entries 2");
+
+    subset_seq_parameter_set_rbsp subset;
+    subset.seq_parameter_set_data.profile_idc = 118;
+    subset.seq_parameter_set_mvc_extension.views.resize(3);
+    small_sets with_views;
+    with_views.sets.subset_sps[0] = &subset;
+    view_dependency_change change;
+    EXPECT_EQ(refused(change, 42, with_views.context),
+              "anchor_ref_l0_flag 0: the list has another number of entries 1");
+}
+
+TEST(Writing, NumbersAndTextsOfSeiPayloadsThatHaveNoBitsAreRefused)
+{
+    const auto refused = [](const auto& payload, std::uint32_t type) {
+        return refusal(unit_of(6, sei_rbsp{{message_of(type, payload)}}));
+    };
+    annotated_regions regions;
+    regions.ar_object_label_present_flag = regions.ar_object_label_language_present_flag = true;
+    regions.ar_object_label_language = std::string("e\0n", 3);
+    EXPECT_EQ(refused(regions, 202), "ar_object_label_language 0: less than 1");
+    filler_payload filler;
+    filler.ff_bytes = 0x100000000;
+    EXPECT_EQ(refused(filler, 3), "ff_byte 4294967296: more than 4294967295");
+    depth_timing timing;
+    timing.offsets.resize(1);
+    timing.offsets[0].offset_len_minus1 = 31;
+    timing.offsets[0].depth_disp_delay_offset_fp = 7; // of 32 bits
+    EXPECT_EQ(refused(timing, 52), "");
+    timing.offsets[0].offset_len_minus1 = 32;
+    EXPECT_EQ(refused(timing, 52), "offset_len_minus1 32: more than 31");
+    three_dimensional_reference_displays_info displays;
+    displays.displays.resize(1);
+    displays.displays[0].ref_baseline.exponent = 62;
+    displays.prec_ref_baseline = 64; // a mantissa of 95 bits
+    EXPECT_EQ(refused(displays, 51), "mantissa_ref_baseline[0] 95: more than 63");
+    displays.prec_ref_baseline = 0;
+    displays.displays[0].ref_baseline = {31, 2}; // a mantissa of no bit is not there
+    displays.displays[0].ref_baseline.exponent = 1;
+    EXPECT_EQ(refused(displays, 51), "");
+    displays.prec_ref_baseline = 31; // and one of a bit too few
+    displays.displays[0].ref_baseline.mantissa = 2;
+    EXPECT_EQ(refused(displays, 51), "mantissa_ref_baseline[0] 2: more than 1");
+    sphere_rotation rotation;
+    rotation.yaw_rotation = 5; // any number of 32 bits is one
+    EXPECT_EQ(refused(rotation, 154), "");
+}
+
+TEST(Writing, ATimeOffsetHas32BitsAtTheMost)
+{
+    small_sets s(timed_sps_data(0, 24));
+    vui_parameters& vui = s.sps.seq_parameter_set_data.vui_parameters;
+    vui.pic_struct_present_flag = true;
+    pic_timing timing;
+    timing.timestamps[0].clock_timestamp_flag = timing.timestamps[0].full_timestamp_flag = true;
+    const nal_unit unit = unit_of(6, sei_rbsp{{message_of(1, timing)}});
+    EXPECT_EQ(refusal(unit, s.context), "");
+    const std::vector<unsigned char> sound = written(unit, s.context);
+    vui.nal_hrd_parameters.time_offset_length = 33; // which a set that was read cannot say
+    EXPECT_EQ(refusal(unit, s.context), "time_offset 33: more than 32");
+    nal_unit again;
+    outcome result;
+    read(again, sound.data(), sound.size(), s.context, result);
+    EXPECT_EQ(result.failure.why, reason::too_large);
+    EXPECT_STREQ(result.failure.element.name(), "time_offset");
+}
+
+TEST(Writing, ACopiedMessageIsItsOriginal)
+{
+    const sei_message from = message_of(6, recovery_point{5, true, false, 2});
+    sei_message to = message_of(3, filler_payload{2});
+    to = from;
+    EXPECT_TRUE(to == from);
+}
+
+TEST(Writing, PartitionsNeedThePartitionAndTheSetsThatItNames)
+{
+    const nal_unit unit = unit_of(3, slice_data_partition_b_layer_rbsp());
+    small_sets s;
+    EXPECT_EQ(refusal(unit, s.context), "slice_id 0: partition A of the slice is missing 0");
+    s.context.partition_a_pps = 0;
+    EXPECT_EQ(refusal(unit, s.context), "");
+    s.sets.sps[0] = nullptr;
+    EXPECT_EQ(refusal(unit, s.context), "slice_id 0: names a sequence parameter set which is missing 0");
+}
+
+TEST(Writing, WeightsForReferencesOfAnotherSliceAreRefused)
+{
+    subset_seq_parameter_set_rbsp subset;
+    subset.seq_parameter_set_data = sps_data();
+    subset.seq_parameter_set_data.profile_idc = 139;
+    subset.seq_parameter_set_3davc_extension.slice_header_prediction_flag = true;
+    small_sets s;
+    s.pps.weighted_pred_flag = true;
+    s.sets.subset_sps[0] = &subset;
+    slice_header_in_3davc_extension header;
+    header.pre_slice_header_src = 1;
+    header.pre_ref_lists_src = 1;
+    nal_unit unit = unit_of(21, slice_layer_extension_rbsp());
+    unit.header.avc_3d_extension_flag = true;
+    std::get<slice_layer_extension_rbsp>(unit.rbsp).header = header;
+    EXPECT_EQ(refusal(unit, s.context), "pred_weight_table 0: needs another slice, which is not looked up 0");
+}
+
+TEST(Writing, EveryReasonHasATextAndWhatIsNoneHasNone)
+{
+    for (int why = 1; why <= static_cast<int>(reason::unit_too_long); ++why)
+        EXPECT_STRNE(text_of(static_cast<reason>(why)), "") << why;
+    EXPECT_STREQ(text_of(reason::none), "");
+    EXPECT_STREQ(text_of(static_cast<reason>(static_cast<int>(reason::unit_too_long) + 1)), "");
+}
+
 TEST(Writing, AnSeiUnitHasAMessage)
 {
     EXPECT_EQ(refusal(unit_of(6, sei_rbsp{})), "sei_message 0: less than 1");

@@ -3,6 +3,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+#include <memory>
+
 namespace {
 
 using namespace orv_utils_v4::h264;
@@ -170,6 +173,7 @@ TEST(PictureFindings, HaveATextEach)
 {
     for (int i = 0; i <= static_cast<int>(picture_finding::limit_reached); ++i)
         EXPECT_STRNE(text_of(static_cast<picture_finding>(i)), "") << i;
+    EXPECT_STREQ(text_of(static_cast<picture_finding>(31)), "");
 }
 
 TEST(PictureFindings, AreEachOnce)
@@ -185,6 +189,74 @@ TEST(PictureFindings, AreEachOnce)
     findings.add(others);
     EXPECT_TRUE(findings.has(picture_finding::frame_num_gap));
     EXPECT_TRUE(findings.has(picture_finding::no_parameter_sets));
+}
+
+/// A slice of a layer or view; `change` makes its header what it shall be.
+template <class Change>
+nal_unit slice_of_layer(unsigned nal_unit_type, Change change)
+{
+    nal_unit unit = unit_of(nal_unit_type, slice_layer_extension_rbsp());
+    change(unit.header);
+    auto& header = std::get<slice_layer_extension_rbsp>(unit.rbsp).header;
+    if (unit.header.scalable())
+        header = slice_header_in_scalable_extension();
+    if (unit.header.avc_3d())
+        header = slice_header_in_3davc_extension();
+    std::visit([](auto& h) { h.slice_type = 7; }, header);
+    return unit;
+}
+
+TEST(AccessUnitContents, AUnitLargerThanAnAccessUnitMayBeIsLeftOutAndTold)
+{
+    constexpr std::size_t size = access_units::most_bytes + 1;
+    const std::unique_ptr<unsigned char, void (*)(void*)> large(static_cast<unsigned char*>(std::calloc(size, 1)),
+                                                                &std::free); // pages that nobody touches
+    ASSERT_NE(large, nullptr);
+    *large = 12;
+    made_stream stream;
+    stream.add_sets().add(idr(1));
+    told_access_units told;
+    access_units units;
+    units.push({large.get(), size, 0, 0}, told);
+    for (const auto& unit : stream.units)
+        units.push({unit.data(), unit.size(), size, 1}, told, true);
+    units.flush(told);
+    ASSERT_EQ(told.types(), "7 8 5");
+    EXPECT_TRUE(told.all[0].has(picture_finding::limit_reached));
+}
+
+TEST(AccessUnitContents, OfTheSlicesOfEachLayerAndViewTheFirstIsKept)
+{
+    made_stream stream;
+    stream.add_sets().add_subset_sps().add(idr(0)).add_view(1).add_view(1, 2).add_view(2);
+    const auto add_scalable = [&](std::uint8_t dependency_id, std::uint8_t quality_id) {
+        stream.add(slice_of_layer(20, [&](nal_unit_header& h) {
+            h.svc_extension_flag = true;
+            h.nal_unit_header_svc_extension.dependency_id = dependency_id;
+            h.nal_unit_header_svc_extension.quality_id = quality_id;
+        }));
+    };
+    const auto add_3d = [&](std::uint8_t view_idx, bool depth_flag) {
+        stream.add(slice_of_layer(21, [&](nal_unit_header& h) {
+            h.avc_3d_extension_flag = true;
+            h.nal_unit_header_3davc_extension.view_idx = view_idx;
+            h.nal_unit_header_3davc_extension.depth_flag = depth_flag;
+        }));
+    };
+    add_scalable(1, 0);
+    add_scalable(1, 0);
+    add_scalable(2, 0);
+    add_scalable(2, 1);
+    add_3d(1, false);
+    add_3d(1, false);
+    add_3d(2, false);
+    add_3d(2, true);
+    const told_access_units told(stream);
+    ASSERT_EQ(told.types(), "7 8 15 5 20 20 20 20 20 20 20 21 21 21 21");
+    std::string kept;
+    for (const auto& content : told.all[0].contents)
+        kept += content ? '+' : '-';
+    EXPECT_EQ(kept, "+++++-++-+++-++");
 }
 
 } // namespace

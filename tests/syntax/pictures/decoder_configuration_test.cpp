@@ -360,6 +360,7 @@ TEST(DecoderConfiguration, EveryReasonHasAText)
     for (int reason = 1; reason <= static_cast<int>(why::no_memory); ++reason)
         EXPECT_STRNE(text_of(static_cast<why>(reason)), "") << reason;
     EXPECT_STREQ(text_of(why::none), "");
+    EXPECT_STREQ(text_of(static_cast<why>(static_cast<int>(why::no_memory) + 1)), "");
 }
 
 } // namespace

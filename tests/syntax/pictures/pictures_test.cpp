@@ -327,4 +327,42 @@ TEST(Pictures, MarkingTellsTheReferencesByNow)
     EXPECT_EQ(to.told.output_order.size(), 4U);
 }
 
+TEST(Pictures, WhatIsMovedGoesOnWhereItStood)
+{
+    count_stream stream;
+    stream.add(idr(1)).add(reference(1, 8)).add(other(2, 4)).add(reference(2, 16)).add(other(3, 12));
+    const std::string whole = told_of(stream).lines();
+
+    told_pictures of_reader;
+    picture_reader reader(framing::annex_b);
+    const std::size_t half = stream.bytes.size() / 2;
+    reader.push(stream.bytes.data(), half, of_reader);
+    picture_reader moved_reader = std::move(reader);
+    moved_reader.push(stream.bytes.data() + half, stream.bytes.size() - half, of_reader);
+    reader = std::move(moved_reader);
+    EXPECT_NE(reader.sets().find_sps(0), nullptr);
+    reader.flush(of_reader);
+    EXPECT_EQ(of_reader.lines(), whole);
+
+    struct to_pictures : access_unit_sink {
+        void take(const access_unit& unit) override { stage.take(unit, told); }
+        pictures stage;
+        told_pictures told;
+    } sink;
+    access_units units;
+    std::uint64_t offset = 0;
+    for (std::size_t i = 0; i < stream.units.size(); ++i) {
+        units.push({stream.units[i].data(), stream.units[i].size(), offset += 4, i}, sink);
+        offset += stream.units[i].size();
+        access_units moved_units = std::move(units);
+        units = std::move(moved_units);
+        pictures moved_stage = std::move(sink.stage);
+        sink.stage = std::move(moved_stage);
+    }
+    EXPECT_NE(units.sets().find_pps(0), nullptr);
+    units.flush(sink);
+    sink.stage.flush(sink.told);
+    EXPECT_EQ(sink.told.lines(), whole);
+}
+
 } // namespace
