@@ -3,6 +3,7 @@
 
 option(ORV_UTILS_V4_BATCHES "Compile the sources of tests, and with them those of the tool, several at a time"
     ${PROJECT_IS_TOP_LEVEL})
+set(ORV_UTILS_V4_TOOL_OPTIONS "" CACHE STRING "How what is compiled with the sources of tests is, besides")
 set(orv_batch_size 24)
 
 # orv_compiled_together(TARGET): its sources, those of a folder with one another, so that a name that only one source knows
@@ -23,6 +24,7 @@ function(orv_compiled_together target)
         set_source_files_properties(${source} PROPERTIES UNITY_GROUP ${folder}_${number})
     endforeach()
     set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_MODE GROUP)
+    target_compile_options(${target} PRIVATE ${ORV_UTILS_V4_TOOL_OPTIONS})
     target_compile_options(${target} PRIVATE -Wno-shadow) # a name of another source is none to be careful about
 endfunction()
 

@@ -21,7 +21,8 @@ struct avx512_block {
         const __m512i slack = _mm512_set1_epi8(static_cast<char>(third.slack));
         const __m512i pairs = _mm512_or_si512(_mm512_loadu_si512(p), _mm512_loadu_si512(p + 1));
         const __m512i third_difference = _mm512_xor_si512(_mm512_loadu_si512(p + 2), value);
-        std::uint64_t found = _mm512_mask_testn_epi8_mask(_mm512_cmple_epu8_mask(third_difference, slack), pairs, pairs);
+        std::uint64_t found =
+            _mm512_mask_testn_epi8_mask(_mm512_cmple_epu8_mask(third_difference, slack), pairs, pairs);
         asm("" : "+r"(found)); // NOLINT(hicpp-no-assembler): else g++ counts on in registers for masks, which are slow
         return found;
     }
