@@ -107,7 +107,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const std::size_t step = std::size_t{1} + input.byte();
     const std::size_t room_high = input.byte();
     const std::size_t room = room_high % 16 * 256 + input.byte();
-    const fuzz::exact_block block(input.rest());
+    const fuzz::exact_block block = input.rest_block();
     support::all_runs<every>::take(block, kind, step, room);
     return 0;
 }

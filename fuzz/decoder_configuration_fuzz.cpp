@@ -84,7 +84,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     input in(data, size);
     const std::size_t missing = in.byte();
-    const exact_block record(in.rest());
+    const exact_block record = in.rest_block();
     AVCDecoderConfigurationRecord x;
     const configuration_outcome result = read(x, record.begin(), record.size());
     expect(result.bytes <= record.size(), "reading stays in the record");

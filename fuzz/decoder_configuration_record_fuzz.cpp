@@ -6,7 +6,7 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    const fuzz::exact_block record(fuzz::input(data, size).take(support::unset_place - 1));
+    const fuzz::exact_block record = fuzz::input(data, size).block(support::unset_place - 1);
     fuzz::expect_none(support::difference_of_records(record.begin(), record.size()));
     return 0;
 }

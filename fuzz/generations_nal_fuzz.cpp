@@ -46,7 +46,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     fuzz::input input(data, size);
     const unsigned int nal_length_size = input.byte() % 5;
     const unsigned char header = input.byte() % 128;
-    const fuzz::exact_block bytes(input.rest());
+    const fuzz::exact_block bytes = input.rest_block();
     read_with_both(bytes, nal_length_size);
     write_with_both(bytes, nal_length_size, header);
     return 0;

@@ -92,7 +92,7 @@ void read_messages(const read_sps& read, const fuzz::exact_block& rbsp)
 fuzz::exact_block take_block(fuzz::input& from)
 {
     const std::size_t size = from.byte();
-    return fuzz::exact_block(from.take(size));
+    return from.block(size);
 }
 
 } // namespace

@@ -16,7 +16,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     h264_nal_slice_info info;
     for (bool more = true; more;) {
         const std::size_t length = input.byte();
-        const fuzz::exact_block block(input.take(length));
+        const fuzz::exact_block block = input.block(length);
         more = block.size() != 0;
         fuzz::expect_none(parses(info, {block.begin(), block.end()}).difference);
     }

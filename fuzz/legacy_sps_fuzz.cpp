@@ -28,7 +28,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         if ((input.byte() & 1) != 0)
             sps.reset();
         const std::size_t length = input.byte() * 256U + input.byte();
-        const fuzz::exact_block block(input.take(length));
+        const fuzz::exact_block block = input.block(length);
         more = block.size() != 0;
         fuzz::expect_none(support::legacy_sps_parses()(sps, {block.begin(), block.end()}).difference);
         expect_derived(sps, nowhere);

@@ -57,7 +57,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const fuzz::bytes stream = input.rest();
     const std::size_t cut = cut_byte % (stream.size() + 1);
 
-    const fuzz::exact_block part(fuzz::bytes(stream.data(), stream.data() + cut));
+    const fuzz::exact_block part(stream.data(), cut);
     support::literal_walk cut_walk(nalfmt, part.begin(), part.size());
     read_units(cut_walk, 0, cut, sizes);
 

@@ -2,10 +2,10 @@
 // may, and pieces give what the whole gives. Input: a byte each for the framing, the mode of output and the bytes of a
 // piece (modulo 32; above that, how much more the next one has), and the stream.
 #include "input.h"
-#include "support/told_pictures.h"
 
-#include <numeric>
-#include <sstream>
+#include <orv-utils-v4/h264_syntax.h>
+
+#include <tuple>
 
 namespace {
 
@@ -35,7 +35,35 @@ void expect_texts(picture_findings findings)
     }
 }
 
-/// Holds what is told against the units, and keeps it as text.
+/// What came, as it is compared. (An access unit is held against its units as it comes.)
+struct told {
+    enum class kind { decoded, output, gap };
+
+    kind what;
+    picture of;          ///< unless it is a gap
+    split_gap lost = {}; ///< a gap
+
+    static auto numbers(const picture& p)
+    {
+        return std::tuple(p.number, p.offset, p.end, p.structure, p.both_fields, p.nal_ref_idc, p.slice_kinds, p.idr,
+                          p.recovery_point, p.sequence, p.count.top, p.count.bottom, p.fields_shown);
+    }
+    static bool same(const picture_times& a, const picture_times& b)
+    {
+        return a.source == b.source && same(a.decoding, b.decoding) && same(a.presentation, b.presentation);
+    }
+    static bool same(exact_time a, exact_time b)
+    {
+        return a.numerator == b.numerator && a.denominator == b.denominator;
+    }
+    friend bool operator==(const told& a, const told& b)
+    {
+        return a.what == b.what && a.lost.offset == b.lost.offset && a.lost.size == b.lost.size &&
+               numbers(a.of) == numbers(b.of) && same(a.of.times, b.of.times);
+    }
+};
+
+/// Holds what is told against the units, and keeps it.
 class checked_pictures : public picture_sink {
 public:
     checked_pictures(const std::vector<bytes>& of, output_mode how) : units(of), mode(how) {}
@@ -61,7 +89,7 @@ public:
         outputs.push_back(0);
         const std::size_t most = mode == output_mode::when_decoded ? 1 : output_order::most_waiting + std::size_t{1};
         expect(decoded_count - output_count <= most, "no more pictures wait than may");
-        text << "decoded " << line_of(picture) << '\n';
+        all_told.push_back({told::kind::decoded, picture});
     }
     void output(const picture& picture) override
     {
@@ -70,16 +98,16 @@ public:
         expect(picture.fields_shown >= 1 && picture.fields_shown <= 12, "a picture is shown");
         expect(picture.offset < picture.end, "a picture has units");
         expect_texts(picture.findings);
-        text << "output " << line_of(picture) << '\n';
+        all_told.push_back({told::kind::output, picture});
     }
-    void gap(const split_gap& gap) override { text << "gap " << gap.offset << ' ' << gap.size << '\n'; }
+    void gap(const split_gap& gap) override { all_told.push_back({told::kind::gap, {}, gap}); }
 
     /// Behind the stream.
-    std::string all() const
+    std::vector<told> all() &&
     {
         expect(next_unit == units.size(), "every unit comes");
         expect(output_count == decoded_count, "every picture is output");
-        return text.str();
+        return std::move(all_told);
     }
 
 private:
@@ -90,7 +118,7 @@ private:
     std::uint64_t decoded_count = 0;
     std::uint64_t output_count = 0;
     std::vector<int> outputs; // of each picture, how often
-    std::ostringstream text;
+    std::vector<told> all_told;
 };
 
 struct options {
@@ -101,7 +129,7 @@ struct options {
 };
 
 /// In pieces of a block that stays.
-std::string in_place(const bytes& stream, const units_of& split, options o)
+std::vector<told> in_place(const bytes& stream, const units_of& split, options o)
 {
     const exact_block block(stream);
     checked_pictures sink(split.units, o.mode);
@@ -112,11 +140,11 @@ std::string in_place(const bytes& stream, const units_of& split, options o)
         at += size;
     }
     reader.flush(sink);
-    return sink.all();
+    return std::move(sink).all();
 }
 
 /// In pieces that are gone when the next one comes; with stamps that wrap, or without.
-std::string in_pieces(const bytes& stream, const units_of& split, options o, bool with_stamps)
+std::vector<told> in_pieces(const bytes& stream, const units_of& split, options o, bool with_stamps)
 {
     checked_pictures sink(split.units, o.mode);
     picture_reader reader(o.how, o.mode);
@@ -125,14 +153,14 @@ std::string in_pieces(const bytes& stream, const units_of& split, options o, boo
     stamp.has_decoding = true;
     for (std::size_t at = 0; at < stream.size(); o.piece += o.growth) {
         const std::size_t size = std::min(o.piece, stream.size() - at);
-        const exact_block block(bytes(stream.data() + at, stream.data() + at + size));
+        const exact_block block(stream.data() + at, size);
         stamp.presentation = (stamp.presentation + (std::int64_t{1} << 31)) % (std::int64_t{1} << 33);
         stamp.decoding = stamp.presentation / 2;
         reader.push(block.begin(), size, sink, {with_stamps ? &stamp : nullptr, false});
         at += size;
     }
     reader.flush(sink);
-    return sink.all();
+    return std::move(sink).all();
 }
 
 } // namespace
@@ -146,7 +174,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const bytes stream = in.rest();
     const options o = {how, mode, 1 + pieces % 32, pieces / 32};
     const units_of split(how, stream);
-    const std::string whole = in_place(stream, split, {how, mode, stream.size(), 0});
+    const std::vector<told> whole = in_place(stream, split, {how, mode, stream.size(), 0});
     expect(in_place(stream, split, o) == whole, "pieces that stay give what the whole gives");
     expect(in_pieces(stream, split, o, false) == whole, "pieces give what the whole gives");
     in_pieces(stream, split, o, true);

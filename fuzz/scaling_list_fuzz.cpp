@@ -7,7 +7,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     fuzz::input input(data, size);
     const unsigned int entries = input.byte();
     const unsigned char first_bit = input.byte() % 64;
-    const fuzz::exact_block block(input.rest());
+    const fuzz::exact_block block = input.rest_block();
     brenik::h264_scaling_list list;
     fuzz::expect_same(support::scaling_list_parses{entries}, list, {block.begin(), block.end(), first_bit});
     list.valid = false;

@@ -28,8 +28,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 {
     fuzz::input input(data, size);
     const std::size_t first_size = input.byte();
-    const fuzz::exact_block first(input.take(first_size));
-    const fuzz::exact_block second(input.rest());
+    const fuzz::exact_block first = input.block(first_size);
+    const fuzz::exact_block second = input.rest_block();
     brenik::h264_nal_sei_user_data_unreg cut(first.begin(), first.end());
     expect_cut(cut, first);
     cut.set_ptr(second.begin(), second.end());

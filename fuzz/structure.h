@@ -26,7 +26,7 @@ typename Parses::structure expect_same_in_a_row(input& from, const Parses& parse
     for (bool more = true; more;) {
         const unsigned char options = from.byte();
         const std::size_t length = from.byte();
-        const exact_block block(from.take(length));
+        const exact_block block = from.block(length);
         more = block.size() != 0;
         if ((options & 1) != 0)
             object.valid = false;

@@ -106,6 +106,8 @@ public:
     void open(const char* name) override
     {
         ++depth;
+        if (!paths)
+            return;
         lengths.push_back(path.size());
         path.append(name).append(1, '.');
     }
@@ -113,6 +115,8 @@ public:
     {
         expect(depth > 0, "a structure closes that is open");
         --depth;
+        if (!paths)
+            return;
         path.resize(lengths.back());
         lengths.pop_back();
     }

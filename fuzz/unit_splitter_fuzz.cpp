@@ -7,7 +7,6 @@
 #include <orv-utils-v4/h264_syntax/unit_splitter.h>
 
 #include <algorithm>
-#include <string>
 #include <vector>
 
 namespace {
@@ -23,31 +22,39 @@ struct part {
     unsigned framing_size;
     std::uint64_t stated_length;
     bool cut;
-    bytes content;
 
     friend bool operator==(const part&, const part&) = default;
 };
 
+/// Keeps the parts of a stream, and holds units against its bytes.
 class parts_of : public split_sink {
 public:
+    explicit parts_of(const bytes& whole) : stream(whole) {}
+
     void unit(const split_unit& u) override
     {
-        parts.push_back({-1, u.offset, u.size, u.framing_size, u.stated_length, u.cut, {u.bytes, u.bytes + u.size}});
+        expect(u.offset <= stream.size() && u.size <= stream.size() - u.offset, "a unit lies in the stream");
+        expect(std::equal(u.bytes, u.bytes + u.size, stream.begin() + static_cast<std::ptrdiff_t>(u.offset)),
+               "a unit is the bytes at its offset");
+        parts.push_back({-1, u.offset, u.size, u.framing_size, u.stated_length, u.cut});
     }
     void gap(const split_gap& g) override
     {
-        parts.push_back({static_cast<int>(g.reason), g.offset, g.size, 0, 0, false, {}});
+        parts.push_back({static_cast<int>(g.reason), g.offset, g.size, 0, 0, false});
     }
     std::vector<part> parts;
+
+private:
+    const bytes& stream;
 };
 
 std::vector<part> split(const bytes& stream, framing how, std::size_t most, std::size_t piece, std::size_t growth)
 {
-    parts_of sink;
+    parts_of sink(stream);
     unit_splitter splitter(how, most);
     for (std::size_t at = 0; at < stream.size(); piece += growth) {
         const std::size_t size = std::min(piece, stream.size() - at);
-        const exact_block block(bytes(stream.data() + at, stream.data() + at + size));
+        const exact_block block(stream.data() + at, size);
         splitter.push(block.begin(), size, sink);
         at += size;
     }
@@ -68,8 +75,6 @@ void expect_all(const bytes& stream, const std::vector<part>& parts, framing how
         if (p.kind != -1)
             continue;
         expect(p.size <= most, "no unit is above the limit");
-        expect(std::equal(p.content.begin(), p.content.end(), stream.begin() + static_cast<std::ptrdiff_t>(p.offset)),
-               "a unit is the bytes at its offset");
         expect(how == framing::annex_b || p.cut || p.stated_length == p.size, "a unit is as long as its prefix says");
     }
     for (std::size_t i = 0; i < stream.size(); ++i) {

@@ -36,7 +36,8 @@ std::int64_t FrameNumWrap(const reference_frame& frame, std::uint32_t frame_num,
 /// `a` - `b` modulo MaxFrameNum, a power of two.
 std::uint64_t frame_nums_between(std::uint64_t b, std::uint64_t a, const seq_parameter_set_data& sps)
 {
-    return (a - b) & (MaxFrameNum(sps) - 1);
+    const std::uint64_t last = MaxFrameNum(sps) - 1;
+    return (a + last + 1 - (b & last)) & last;
 }
 
 /// Of [`from`, `to`) the one with something marked for short-term reference and the lowest FrameNumWrap; or null.

@@ -60,11 +60,9 @@ private:
     }
     void put_number(std::size_t value, unsigned size) noexcept
     {
-        while (size-- > 0) {
+        for (; size > 0; --size, ++at)
             if (at < room)
-                out[at] = static_cast<unsigned char>(value >> 8 * size);
-            ++at;
-        }
+                out[at] = static_cast<unsigned char>(value >> 8 * (size - 1));
     }
 
     framing how;

@@ -30,7 +30,13 @@ struct bit_reader {
         return value;
     }
 
-    std::uint32_t peek(unsigned int n) const { return bit_reader(*this).get(n); }
+    std::uint32_t peek(unsigned int n) const
+    {
+        std::uint32_t value = 0;
+        for (std::size_t i = position; i < position + n; ++i)
+            value = value * 2 + bit_at(i);
+        return value;
+    }
 
     void byte_align()
     {
@@ -91,7 +97,13 @@ struct legacy_bit_reader : bit_reader {
     /// How many of the bits at hand are consumed; above 32 when bits that are not at hand are, too.
     std::size_t bits() const { return position - 8 * (loaded - 4); }
 
-    std::uint32_t word() const { return bit_reader{bytes, 8 * (loaded - 4)}.get(32); }
+    std::uint32_t word() const
+    {
+        std::uint32_t value = 0;
+        for (std::size_t i = 0; i < 32; ++i)
+            value = value * 2 + bit_at(8 * (loaded - 4) + i);
+        return value;
+    }
 
     /// Where the next byte comes from, when the bytes have an end that is known.
     std::size_t next_byte() const { return std::min(loaded, bytes.size()); }

@@ -8,10 +8,11 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 #include <map>
 #include <optional>
 #include <set>
-#include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -22,7 +23,7 @@ struct record {
     support::named_values& all;
     legacy_bit_reader& bits;
 
-    std::int64_t& number(const std::string& name) const { return all.at(name).number; }
+    std::int64_t& number(std::string_view name) const { return all.at(name).number; }
 };
 
 /// The descriptors of H.264 7.2: ue(v), a pair of u(16), and any other number for u(n).
@@ -48,7 +49,7 @@ inline std::int64_t read(const record& r, unsigned int descriptor)
     return high * 65536 + r.bits.u(16);
 }
 
-inline void read(const record& r, const std::vector<row>& table)
+inline void read(const record& r, std::initializer_list<row> table)
 {
     for (const row& line : table) {
         const std::int64_t value = read(r, line.descriptor) + line.more;
@@ -58,7 +59,7 @@ inline void read(const record& r, const std::vector<row>& table)
 }
 
 /// Reads the table when the flag, which is read first, is 1.
-inline bool read_behind(const char* flag, const record& r, const std::vector<row>& table)
+inline bool read_behind(const char* flag, const record& r, std::initializer_list<row> table)
 {
     read(r, {{flag, 1}});
     const bool present = r.number(flag) == 1;
@@ -130,13 +131,12 @@ inline void sample_aspect_ratio(const record& r)
 // H.264 E.1.2
 inline void hrd_parameters(const record& r)
 {
-    static const std::vector<row> cpb = {{nullptr, ue}, {nullptr, ue}, {nullptr, 1}};
     const std::int64_t cpb_cnt_minus1 = r.bits.ue();
     if (cpb_cnt_minus1 >= 32)
         return;
     read(r, {{nullptr, 4}, {nullptr, 4}});
     for (std::int64_t i = 0; i <= cpb_cnt_minus1; ++i)
-        read(r, cpb);
+        read(r, {{nullptr, ue}, {nullptr, ue}, {nullptr, 1}});
     read(r, {{"initial_cpb_removal_delay_length", 5, 1},
              {"cpb_removal_delay_length", 5, 1},
              {"dpb_output_delay_length", 5, 1},

@@ -7,9 +7,11 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 #include <map>
 #include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace literal {
@@ -25,9 +27,9 @@ struct structure {
     bit_reader& bits;
     std::string prefix = {};
 
-    std::int64_t& number(const std::string& name) const { return all.at(prefix + name).number; }
-    std::vector<std::int64_t>& array(const std::string& name) const { return all.at(prefix + name).entries; }
-    structure nested(const std::string& name) const { return {all, bits, prefix + name + '.'}; }
+    std::int64_t& number(std::string_view name) const { return all.at({prefix, name}).number; }
+    std::vector<std::int64_t>& array(std::string_view name) const { return all.at({prefix, name}).entries; }
+    structure nested(std::string_view name) const { return {all, bits, std::string(prefix).append(name) + '.'}; }
 
     std::uint32_t ue() const
     {
@@ -77,30 +79,31 @@ inline std::size_t allocations_left = SIZE_MAX;
 struct out_of_memory {};
 
 /// The entries that an array of so many has room for, when it began with them: flags come in words.
-inline std::size_t room(const std::string& name, std::size_t size)
+inline std::size_t room(std::string_view name, std::size_t size)
 {
     return name == "cbr_flag" ? (size + 63) / 64 * 64 : size;
 }
 
 /// Gives the arrays `count` entries; false when that is too many, or there is no memory for one.
-inline bool size_arrays(const structure& s, std::int64_t count, const std::vector<std::string>& names)
+inline bool size_arrays(const structure& s, std::int64_t count, std::initializer_list<std::string_view> names)
 {
     if (count > most_entries)
         return false;
-    for (const std::string& name : names) {
-        if (room(name, s.array(name).size()) < static_cast<std::size_t>(count) && allocations_left-- == 0)
+    for (const std::string_view name : names) {
+        std::vector<std::int64_t>& array = s.array(name);
+        if (room(name, array.size()) < static_cast<std::size_t>(count) && allocations_left-- == 0)
             return false;
-        s.array(name).resize(static_cast<std::size_t>(count));
+        array.resize(static_cast<std::size_t>(count));
     }
     return true;
 }
 
 /// The same for an array of records, each member of which is an array here.
-inline bool size_records(const structure& s, std::int64_t count, const std::vector<std::string>& members)
+inline bool size_records(const structure& s, std::int64_t count, const std::vector<std::string_view>& members)
 {
     if (!size_arrays(s, count, {members.front()}))
         return false;
-    for (const std::string& member : members)
+    for (const std::string_view member : members)
         s.array(member).resize(static_cast<std::size_t>(count));
     return true;
 }
@@ -112,6 +115,7 @@ inline bool scaling_list(const structure& s, std::int64_t size)
         return false;
     std::int64_t last = 8;
     bool sending = true;
+    std::vector<std::int64_t>& values = s.array("values");
     for (std::size_t j = 0; j < static_cast<std::size_t>(size); ++j) {
         if (sending) {
             const std::int64_t sum = last + s.se();
@@ -120,7 +124,7 @@ inline bool scaling_list(const structure& s, std::int64_t size)
             sending = next != 0;
             last = sending ? next : last;
         }
-        s.array("values")[j] = last;
+        values[j] = last;
     }
     s.number("valid") = 1;
     return true;

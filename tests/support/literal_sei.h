@@ -10,6 +10,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace literal {
@@ -79,21 +80,21 @@ inline void clock_timestamp(const structure& s, std::size_t i, std::int64_t time
 // H.264 D.1.3
 inline bool pic_timing(const structure& s, const stored_vui& vui)
 {
-    static const std::vector<std::string> members = {"clock_timestamp_flag",
-                                                     "ct_type",
-                                                     "nuit_field_based_flag",
-                                                     "counting_type",
-                                                     "full_timestamp_flag",
-                                                     "discontinuity_flag",
-                                                     "cnt_dropped_flag",
-                                                     "seconds_flag",
-                                                     "minutes_flag",
-                                                     "hours_flag",
-                                                     "n_frames",
-                                                     "seconds_value",
-                                                     "minutes_value",
-                                                     "hours_value",
-                                                     "time_offset"};
+    static const std::vector<std::string_view> members = {"clock_timestamp_flag",
+                                                          "ct_type",
+                                                          "nuit_field_based_flag",
+                                                          "counting_type",
+                                                          "full_timestamp_flag",
+                                                          "discontinuity_flag",
+                                                          "cnt_dropped_flag",
+                                                          "seconds_flag",
+                                                          "minutes_flag",
+                                                          "hours_flag",
+                                                          "n_frames",
+                                                          "seconds_value",
+                                                          "minutes_value",
+                                                          "hours_value",
+                                                          "time_offset"};
     static const std::map<std::int64_t, std::int64_t> table_d_1 = {{3, 2}, {4, 2}, {5, 3}, {6, 3}, {7, 2}, {8, 3}};
     if (vui.nal.present || vui.vcl.present)
         for (const char* const delay : {"cpb_removal_delay", "dpb_output_delay"})
@@ -122,14 +123,14 @@ inline bool pic_timing(const structure& s, const vui_store& store, std::optional
 
 inline bool initial_delays(const structure& s, const stored_hrd& hrd, const std::string& kind)
 {
-    const std::vector<std::string> names = {kind + "_initial_cpb_removal_delay",
-                                            kind + "_initial_cpb_removal_delay_offset"};
+    const std::string delays = kind + "_initial_cpb_removal_delay";
+    const std::string offsets = delays + "_offset";
     if (!hrd.present)
         return true;
-    if (!size_arrays(s, hrd.cpb_cnt_minus1 + 1, names))
+    if (!size_arrays(s, hrd.cpb_cnt_minus1 + 1, {delays, offsets}))
         return false;
-    for (std::size_t i = 0; i < s.array(names[0]).size(); ++i)
-        for (const std::string& name : names)
+    for (std::size_t i = 0; i < s.array(delays).size(); ++i)
+        for (const std::string_view name : {std::string_view(delays), std::string_view(offsets)})
             s.array(name)[i] = field(s, hrd.initial_cpb_removal_delay_length_minus1 + 1);
     return true;
 }
@@ -150,8 +151,8 @@ inline bool buffering_period(const structure& s, const vui_store& store)
 // H.264 D.1.4
 inline bool pan_scan_rect(const structure& s)
 {
-    static const std::vector<std::string> offsets = {"pan_scan_rect_left_offset", "pan_scan_rect_right_offset",
-                                                     "pan_scan_rect_top_offset", "pan_scan_rect_bottom_offset"};
+    static const std::vector<std::string_view> offsets = {"pan_scan_rect_left_offset", "pan_scan_rect_right_offset",
+                                                          "pan_scan_rect_top_offset", "pan_scan_rect_bottom_offset"};
     static const std::vector<row> head = {{"pan_scan_rect_id", ue}, {"pan_scan_rect_cancel_flag", 1}};
     static const std::vector<row> count = {{"pan_scan_cnt_minus1", ue}};
     static const std::vector<row> tail = {{"pan_scan_rect_repetition_period", ue}};
@@ -162,7 +163,7 @@ inline bool pan_scan_rect(const structure& s)
         if (!size_records(rects, s.number("pan_scan_cnt_minus1") + 1, offsets))
             return false;
         for (std::size_t i = 0; i < rects.array(offsets[0]).size(); ++i)
-            for (const std::string& offset : offsets)
+            for (const std::string_view offset : offsets)
                 rects.array(offset)[i] = s.se();
         read(s, tail);
     }
