@@ -48,6 +48,7 @@ GOALS = {
     "T7 whole headers": {"large": goal(2), "8k": goal(2), "70": goal(2)},
     "T7 pictures beside their headers": {"large": goal(0.67), "8k": goal(0.67), "70": goal(0.67)},
 }
+DATA = ["large", "8k", "70", "5", "zeros", "0to3", "000104", "0000xx"]
 # Those whose calls do more than the task says, with certain data; what they cost is shown, and no goal of the task is theirs.
 NO_GOALS = {("T1 split", "splitter"): DATA, ("T1 split", "reader"): ["70", "5"]}
 # A goal of the one need not be reached where the other reaches its own.
